@@ -1,0 +1,1 @@
+// Removed as soon as the first source of this folder stands.

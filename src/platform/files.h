@@ -1,0 +1,76 @@
+// The device's file tree: paths with '\' below the device's folder `files`, looked up without regard to case.
+//
+// "\My Documents\x.txt" is files/My Documents/x.txt. No path leaves that folder: "..", links that lead out and names
+// with '/' or zeros are refused with last error 3. A name made anew keeps the case it was given.
+//
+// A file that is created or truncated appears whole: it is written to a temporary beside it, which CloseHandle syncs
+// and renames over the old one. A kill before that leaves the old file. A file opened for change in place
+// (OPEN_EXISTING, OPEN_ALWAYS on one that exists) is changed in place.
+//
+// Threads: any; one handle by one thread at a time.
+#pragma once
+
+#include "platform/types.h"
+
+inline constexpr DWORD GENERIC_READ = 0x80000000U;
+inline constexpr DWORD GENERIC_WRITE = 0x40000000U;
+inline constexpr DWORD FILE_SHARE_READ = 1;
+inline constexpr DWORD FILE_SHARE_WRITE = 2;
+inline constexpr DWORD CREATE_NEW = 1;
+inline constexpr DWORD CREATE_ALWAYS = 2;
+inline constexpr DWORD OPEN_EXISTING = 3;
+inline constexpr DWORD OPEN_ALWAYS = 4;
+inline constexpr DWORD TRUNCATE_EXISTING = 5;
+inline constexpr DWORD FILE_ATTRIBUTE_READONLY = 1;
+inline constexpr DWORD FILE_ATTRIBUTE_HIDDEN = 2;
+inline constexpr DWORD FILE_ATTRIBUTE_DIRECTORY = 0x10;
+inline constexpr DWORD FILE_ATTRIBUTE_ARCHIVE = 0x20;
+inline constexpr DWORD FILE_ATTRIBUTE_NORMAL = 0x80;
+inline constexpr DWORD FILE_BEGIN = 0;
+inline constexpr DWORD FILE_CURRENT = 1;
+inline constexpr DWORD FILE_END = 2;
+inline constexpr DWORD INVALID_FILE_SIZE = 0xFFFFFFFFU;
+inline constexpr DWORD INVALID_FILE_ATTRIBUTES = 0xFFFFFFFFU;
+
+struct WIN32_FIND_DATAW
+{
+    DWORD dwFileAttributes;
+    FILETIME ftCreationTime;
+    FILETIME ftLastAccessTime;
+    FILETIME ftLastWriteTime;
+    DWORD nFileSizeHigh;
+    DWORD nFileSizeLow;
+    CEOID dwOID;
+    WCHAR cFileName[MAX_PATH];
+};
+
+/// INVALID_HANDLE_VALUE on failure, with last error 2 (no file), 3 (no folder, bad path), 5, 80, 112.
+/// CREATE_ALWAYS and OPEN_ALWAYS set last error 183 when the file was there.
+ZBPLATFORM_API HANDLE CreateFileW(const WCHAR *path, DWORD access, DWORD share, const void *security, DWORD disposition,
+                                  DWORD attributes, HANDLE templateFile);
+/// *done is written in every case. Reading at the end succeeds with 0 bytes.
+ZBPLATFORM_API BOOL ReadFile(HANDLE file, void *buffer, DWORD bytes, DWORD *done, void *overlapped);
+ZBPLATFORM_API BOOL WriteFile(HANDLE file, const void *buffer, DWORD bytes, DWORD *done, void *overlapped);
+/// New position (low word); 0xFFFFFFFF on failure. high may be null for positions below 2 GiB.
+ZBPLATFORM_API DWORD SetFilePointer(HANDLE file, LONG distance, LONG *high, DWORD from);
+ZBPLATFORM_API BOOL SetEndOfFile(HANDLE file);
+ZBPLATFORM_API DWORD GetFileSize(HANDLE file, DWORD *high);
+ZBPLATFORM_API BOOL FlushFileBuffers(HANDLE file);
+ZBPLATFORM_API BOOL GetFileTime(HANDLE file, FILETIME *created, FILETIME *accessed, FILETIME *written);
+ZBPLATFORM_API BOOL SetFileTime(HANDLE file, const FILETIME *created, const FILETIME *accessed, const FILETIME *written);
+
+ZBPLATFORM_API BOOL DeleteFileW(const WCHAR *path);
+/// Fails with last error 183 when the target exists.
+ZBPLATFORM_API BOOL MoveFileW(const WCHAR *from, const WCHAR *to);
+/// The target appears whole or not at all.
+ZBPLATFORM_API BOOL CopyFileW(const WCHAR *from, const WCHAR *to, BOOL failIfExists);
+ZBPLATFORM_API BOOL CreateDirectoryW(const WCHAR *path, const void *security);
+ZBPLATFORM_API BOOL RemoveDirectoryW(const WCHAR *path);
+ZBPLATFORM_API DWORD GetFileAttributesW(const WCHAR *path);
+ZBPLATFORM_API BOOL SetFileAttributesW(const WCHAR *path, DWORD attributes);
+
+/// The last part may hold '*' and '?', matched without regard to case; "*.*" matches every name. Entries come in order
+/// of their names; "." and ".." never. FindNextFileW ends with last error 18. Closed with FindClose.
+ZBPLATFORM_API HANDLE FindFirstFileW(const WCHAR *pattern, WIN32_FIND_DATAW *data);
+ZBPLATFORM_API BOOL FindNextFileW(HANDLE find, WIN32_FIND_DATAW *data);
+ZBPLATFORM_API BOOL FindClose(HANDLE find);

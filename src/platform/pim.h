@@ -1,0 +1,105 @@
+// The device's own databases of personal items, and the one encoder that turns an item into their records.
+//
+// Whatever stores an item (the item objects, the import of the hosts) goes through the encoder here, so that all roads
+// write the same records and the loaders read just what was meant.
+#pragma once
+
+#include "platform/propdb.h"
+#include "platform/types.h"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zb
+{
+inline constexpr const WCHAR *appointmentsDatabase = u"Appointments Database";
+inline constexpr const WCHAR *tasksDatabase = u"Tasks Database";
+inline constexpr const WCHAR *contactsDatabase = u"Contacts Database";
+inline constexpr const WCHAR *categoriesDatabase = u"\\Categories Database";
+
+/// Makes those of the four that are missing, with their sort orders. Called when a device is opened; harmless again.
+/// False with the last error when one could not be made.
+ZBPLATFORM_API bool createPimDatabases();
+
+// Properties of an appointment record.
+inline constexpr CEPROPID appointmentStart = MakePropId(0x420d, CEVT_FILETIME);
+inline constexpr CEPROPID appointmentDuration = MakePropId(0x4213, CEVT_I4);
+inline constexpr CEPROPID appointmentDurationType = MakePropId(0x4215, CEVT_I4);
+inline constexpr CEPROPID appointmentReminderSet = MakePropId(0x4503, CEVT_I2);
+inline constexpr CEPROPID appointmentRecurringFlag = MakePropId(0x4223, CEVT_I2);
+inline constexpr CEPROPID itemSensitivity = MakePropId(0x0004, CEVT_I2);
+inline constexpr CEPROPID appointmentBusyStatus = MakePropId(0x000f, CEVT_I2);
+inline constexpr CEPROPID itemSubject = MakePropId(0x0037, CEVT_LPWSTR);
+inline constexpr CEPROPID appointmentLocation = MakePropId(0x4208, CEVT_LPWSTR);
+inline constexpr CEPROPID itemExtraText = MakePropId(0x2a08, CEVT_LPWSTR);
+inline constexpr CEPROPID itemNotes = MakePropId(0x0017, CEVT_BLOB);
+inline constexpr CEPROPID itemCategories = MakePropId(0x0016, CEVT_BLOB);
+inline constexpr CEPROPID appointmentRecurrence = MakePropId(0x4015, CEVT_BLOB);
+inline constexpr CEPROPID appointmentAttendees = MakePropId(0x0030, CEVT_BLOB);
+inline constexpr CEPROPID appointmentZone = MakePropId(0x0001, CEVT_BLOB);
+/// Ours: the identity of an item in interchange files (UID, and the recurrence id behind a line feed when the record
+/// is one changed day of a series). A sort order of its own finds it.
+inline constexpr CEPROPID itemInterchangeId = MakePropId(0x5a01, CEVT_LPWSTR);
+
+enum class BusyStatus : SHORT
+{
+    Free = 0,
+    Tentative = 1,
+    Busy = 2,
+    OutOfOffice = 3
+};
+
+/// One appointment as its owner sees it, before it becomes a record.
+struct AppointmentItem
+{
+    std::u16string subject; ///< empty: the record has none
+    std::u16string location;
+    std::u16string notes;
+    std::u16string interchangeId;
+    /// Timed: the start in UTC. All-day: midnight of the first day, in no zone.
+    FILETIME start{};
+    /// Timed: minutes. All-day: ignored, `days` counts.
+    LONG durationMinutes = 0;
+    bool allDay = false;
+    LONG days = 1;
+    BusyStatus busy = BusyStatus::Busy;
+    bool isPrivate = false;
+    bool reminder = false;
+};
+
+/// Properties of a record in one owner; `values` point into it and live as long as it does.
+class ZBPLATFORM_API RecordProperties
+{
+  public:
+    RecordProperties();
+    ~RecordProperties();
+    RecordProperties(RecordProperties &&) noexcept;
+    RecordProperties &operator=(RecordProperties &&) noexcept;
+
+    void set(CEPROPID id, SHORT value);
+    void set(CEPROPID id, LONG value);
+    void set(CEPROPID id, const FILETIME &value);
+    void set(CEPROPID id, const std::u16string &value);
+    void set(CEPROPID id, std::vector<BYTE> value);
+    /// A property that a write takes out of the record.
+    void remove(CEPROPID id);
+
+    const CEPROPVAL *values() const;
+    WORD count() const;
+
+  private:
+    struct State;
+    std::unique_ptr<State> m_state;
+};
+
+/// All properties of the record of an appointment; what the item lacks is written as to be removed, so that the same
+/// call serves a new record and a changed one. An all-day item of n days is stored with n x 1,440 - 1 minutes from
+/// midnight of its first day, because the loader shows an item on every day up to the one that its end falls on.
+ZBPLATFORM_API RecordProperties encodeAppointment(const AppointmentItem &item);
+
+/// Notes as they stand in property 0x0017, and back. Text without characters gives an empty blob.
+ZBPLATFORM_API std::vector<BYTE> encodeNotes(const std::u16string &text);
+ZBPLATFORM_API std::u16string decodeNotes(const BYTE *bytes, std::size_t size);
+} // namespace zb
