@@ -21,8 +21,8 @@ const fs::path sourceRoot = ZB_SOURCE_DIR;
 
 /// Height of each floor; folders of equal height may not see each other.
 const std::map<std::string, int> floors = {
-    {"platform", 0}, {"core", 1},  {"records", 2},  {"framework", 2}, {"display", 3},  {"dialogs", 4}, {"tasks", 5},
-    {"calendar", 6}, {"contacts", 7}, {"notes", 7}, {"search", 8},    {"exchange", 9}, {"library", 10}};
+    {"platform", 0}, {"core", 1},     {"records", 2}, {"framework", 2}, {"display", 3},  {"dialogs", 4}, {"tasks", 5},
+    {"calendar", 6}, {"contacts", 7}, {"notes", 7},   {"search", 8},    {"exchange", 9}, {"library", 10}};
 
 /// Sources (never headers) that reach up to a header of a higher floor, and why.
 const std::map<std::string, std::string> reachesUp = {};
@@ -155,7 +155,8 @@ TEST(Floors, headersFormNoCircle)
         }
     }
     std::map<std::string, int> state; // 1 being walked, 2 done
-    const std::function<void(const std::string &)> walk = [&](const std::string &header) {
+    const std::function<void(const std::string &)> walk = [&](const std::string &header)
+    {
         state[header] = 1;
         for (const std::string &next : edges[header])
         {
