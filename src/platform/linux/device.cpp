@@ -1,0 +1,228 @@
+// Opens and closes the device: looks at its folder before touching it, then makes the store, then the file tree.
+//
+// The store is made first because it is what tells a device from any other folder: a process killed anywhere in
+// between leaves either an empty folder or one that counts as a device, and the next opening completes it.
+#include "platform/device.h"
+
+#include "platform/kernel.h"
+#include "platform/linux/device_folder.h"
+#include "platform/linux/device_state.h"
+#include "platform/linux/handles.h"
+#include "platform/linux/host_settings.h"
+#include "platform/linux/store.h"
+#include "platform/pim.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <mutex>
+
+namespace zb
+{
+namespace
+{
+using internal::DeviceState;
+using internal::HandleKind;
+
+struct OpenState
+{
+    std::mutex mutex;
+    std::shared_ptr<const DeviceState> state;
+    bool taken = false; ///< a device is open, or on its way to be
+};
+
+/// Never destroyed: threads that outlive main may still ask for the device.
+OpenState &openState()
+{
+    static auto *instance = new OpenState;
+    return *instance;
+}
+
+void publish(std::shared_ptr<const DeviceState> state)
+{
+    const std::lock_guard guard(openState().mutex);
+    openState().state = std::move(state);
+}
+
+/// The right of this process to have a device open, from before the folder is looked at.
+class Reservation
+{
+  public:
+    Reservation()
+    {
+        const std::lock_guard guard(openState().mutex);
+        if (openState().taken)
+        {
+            throw std::logic_error("A device is open in this process already.");
+        }
+        openState().taken = true;
+    }
+    Reservation(const Reservation &) = delete;
+    Reservation &operator=(const Reservation &) = delete;
+    ~Reservation()
+    {
+        const std::lock_guard guard(openState().mutex);
+        openState().taken = false;
+    }
+};
+
+LONGLONG hostTicks()
+{
+    constexpr LONGLONG ticksFrom1601To1970 = 116'444'736'000'000'000;
+    const auto now = std::chrono::system_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(now).count() / 100 + ticksFrom1601To1970;
+}
+
+std::shared_ptr<DeviceState> stateFor(const DeviceOptions &options)
+{
+    auto state = std::make_shared<DeviceState>();
+    state->root = internal::absoluteRoot(options.root.empty() ? defaultRoot() : options.root);
+    state->files = state->root / "files";
+    state->locale = options.locale.empty() ? internal::hostLocale() : options.locale;
+    state->timeZone = options.timeZone.empty() ? internal::hostZone() : options.timeZone;
+    state->clock = options.clock ? options.clock : hostTicks;
+    if (!internal::isZoneName(state->timeZone))
+    {
+        throw DeviceError(DeviceFault::Other, "The time zone \"" + state->timeZone + "\" is not known.");
+    }
+    return state;
+}
+
+/// Takes the device out of the process's sight and closes what leads into it. The state's own end closes nothing, so
+/// that a call which still holds it fails as for a closed store instead of meeting freed memory.
+void closeAll(DeviceState &state)
+{
+    for (const HandleKind kind :
+         {HandleKind::File, HandleKind::FindFile, HandleKind::Database, HandleKind::FindDatabase})
+    {
+        internal::removeAllHandles(kind);
+    }
+    publish(nullptr);
+    if (state.store != nullptr)
+    {
+        internal::closeStore(*state.store);
+    }
+}
+
+class OpenedDevice final : public Device
+{
+  public:
+    explicit OpenedDevice(const DeviceOptions &options) : m_state(stateFor(options))
+    {
+        internal::DeviceFolder folder(m_state->root, options.create);
+        m_state->store = internal::openStore(m_state->root / "store.db", options.create, options.storeFileLayer);
+        publish(m_state);
+        try
+        {
+            folder.completeTree(m_state->files);
+            makeDatabases();
+        }
+        catch (...)
+        {
+            closeAll(*m_state);
+            throw;
+        }
+        folder.keep();
+    }
+    OpenedDevice(const OpenedDevice &) = delete;
+    OpenedDevice &operator=(const OpenedDevice &) = delete;
+    ~OpenedDevice() override
+    {
+        closeAll(*m_state);
+    }
+
+    const std::filesystem::path &root() const override
+    {
+        return m_state->root;
+    }
+
+  private:
+    void makeDatabases() const
+    {
+        if (!createPimDatabases())
+        {
+            const bool full = GetLastError() == ERROR_DISK_FULL;
+            throw DeviceError(full ? DeviceFault::DiskFull : DeviceFault::Other,
+                              "The databases of the device in " + m_state->root.string() + " could not be made" +
+                                  (full ? ": the disk is full." : "."));
+        }
+    }
+
+    Reservation m_reservation;
+    std::shared_ptr<DeviceState> m_state;
+};
+} // namespace
+
+DeviceError::DeviceError(DeviceFault fault, const std::string &message) : std::runtime_error(message), m_fault(fault)
+{
+}
+
+DeviceError::~DeviceError() = default;
+
+Device::~Device() = default;
+
+std::filesystem::path defaultRoot()
+{
+    const auto folder = [](const char *variable)
+    {
+        const char *value = std::getenv(variable);
+        return std::filesystem::path(value == nullptr ? "" : value);
+    };
+    if (!folder("ZB_DEVICE").empty())
+    {
+        return folder("ZB_DEVICE");
+    }
+    // A relative XDG folder counts as unset, as that convention asks.
+    if (folder("XDG_DATA_HOME").is_absolute())
+    {
+        return folder("XDG_DATA_HOME") / "zembrik";
+    }
+    return folder("HOME") / ".local/share/zembrik";
+}
+
+std::unique_ptr<Device> OpenDevice(const DeviceOptions &options)
+{
+    return std::make_unique<OpenedDevice>(options);
+}
+
+// Until the store and the item databases stand, so that what needs neither can be linked and tried.
+__attribute__((weak)) bool createPimDatabases()
+{
+    return true;
+}
+
+namespace internal
+{
+__attribute__((weak)) std::shared_ptr<Store> openStore(const std::filesystem::path &, bool, const std::string &)
+{
+    return nullptr;
+}
+
+__attribute__((weak)) void closeStore(Store &)
+{
+}
+
+std::shared_ptr<const DeviceState> currentDevice()
+{
+    const std::lock_guard guard(openState().mutex);
+    return openState().state;
+}
+
+std::string currentLocale()
+{
+    const auto device = currentDevice();
+    return device != nullptr ? device->locale : hostLocale();
+}
+
+std::string currentZone()
+{
+    const auto device = currentDevice();
+    return device != nullptr ? device->timeZone : hostZone();
+}
+
+LONGLONG currentTicks()
+{
+    const auto device = currentDevice();
+    return device != nullptr ? device->clock() : hostTicks();
+}
+} // namespace internal
+} // namespace zb

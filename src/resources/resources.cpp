@@ -1,0 +1,61 @@
+// libZBResources: the system's own texts by number.
+#include "texts.h"
+
+#include "platform/resources.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace
+{
+using zb::resources::Language;
+using zb::resources::Text;
+
+const Language *languageNamed(std::string_view name)
+{
+    const Language *end = zb::resources::languages + zb::resources::languageCount;
+    const Language *found =
+        std::find_if(zb::resources::languages, end, [&](const Language &language) { return language.name == name; });
+    return found == end ? nullptr : found;
+}
+
+const Text *textIn(const Language *language, UINT id)
+{
+    if (language == nullptr)
+    {
+        return nullptr;
+    }
+    const Text *end = language->texts + language->count;
+    const Text *found =
+        std::lower_bound(language->texts, end, id, [](const Text &text, UINT number) { return text.number < number; });
+    return found != end && found->number == id ? found : nullptr;
+}
+
+/// From the most particular table to English: "pt-BR", then "pt", then "en".
+const Text *textFor(UINT id, std::string_view language)
+{
+    while (!language.empty())
+    {
+        if (const Text *text = textIn(languageNamed(language), id))
+        {
+            return text;
+        }
+        const auto dash = language.rfind('-');
+        language = dash == std::string_view::npos ? std::string_view() : language.substr(0, dash);
+    }
+    return textIn(languageNamed("en"), id);
+}
+} // namespace
+
+extern "C" __attribute__((visibility("default"))) const WCHAR *zbResourceString(UINT id, const char *language,
+                                                                                std::size_t *length);
+
+const WCHAR *zbResourceString(UINT id, const char *language, std::size_t *length)
+{
+    const Text *text = textFor(id, language == nullptr ? std::string_view() : std::string_view(language));
+    if (length != nullptr)
+    {
+        *length = text == nullptr ? 0 : text->length;
+    }
+    return text == nullptr ? nullptr : text->words;
+}

@@ -1,0 +1,45 @@
+// libZBTestModule: a resource module of the tests' own, and a few symbols to be found by name.
+#include "platform/types.h"
+
+#include <cstring>
+
+namespace
+{
+struct Entry
+{
+    UINT id;
+    const char16_t *english;
+    const char16_t *german; ///< null: English serves
+    std::size_t length;     ///< of both; texts of one entry are equally long
+};
+
+// The text of 3 holds a zero, which a caller only sees when it goes by the length. Length 5 of 4 leaves the tail out:
+// texts in place need not be terminated.
+constexpr Entry entries[] = {
+    {1, u"first", u"erste", 5},
+    {2, u"", nullptr, 0},
+    {3, u"a\0b", nullptr, 3},
+    {4, u"cut short", nullptr, 3},
+    {0x1234, u"from the module", nullptr, 15},
+    {0xFFFF, u"last", nullptr, 4},
+};
+} // namespace
+
+extern "C" const WCHAR *zbResourceString(UINT id, const char *language, std::size_t *length)
+{
+    for (const Entry &entry : entries)
+    {
+        if (entry.id == id)
+        {
+            *length = entry.length;
+            const bool german = std::strcmp(language, "de") == 0 && entry.german != nullptr;
+            return german ? entry.german : entry.english;
+        }
+    }
+    return nullptr;
+}
+
+extern "C" int zbTestAnswer()
+{
+    return 42;
+}
