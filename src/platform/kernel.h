@@ -88,7 +88,9 @@ inline constexpr DWORD STILL_ACTIVE = 259;
 /// *id (may be null) is written before the thread runs. Null on failure. stackSize 0 is the system's default.
 ZBPLATFORM_API HANDLE CreateThread(const void *security, DWORD stackSize, THREAD_START_ROUTINE start, void *argument,
                                    DWORD flags, DWORD *id);
-/// Ends the calling thread: its stack is unwound to the start of the thread, destructors run.
+/// Ends the calling thread: its stack is unwound to the start of the thread, destructors run. It is done by an
+/// exception of a private type (not a std::exception), so a catch (...) on the way must let it pass:
+/// zb::rethrowThreadExit().
 [[noreturn]] ZBPLATFORM_API void ExitThread(DWORD exitCode);
 /// See the top of this header. True when the handle is a thread that has not ended (also when it is the caller's own,
 /// which then does not return).
@@ -112,13 +114,17 @@ namespace zb
 ZBPLATFORM_API void stoppingPoint();
 /// True when the thread with this id was terminated. Ids are not used again within a process.
 ZBPLATFORM_API bool isThreadTerminated(DWORD id);
+/// To be called first in a catch (...) that the engine's or a host's thread code may pass through: goes on unwinding
+/// when it is ExitThread that unwinds, and does nothing for any other exception.
+///     catch (...) { zb::rethrowThreadExit(); report(); }
+ZBPLATFORM_API void rethrowThreadExit();
 } // namespace zb
 
 // --- Critical sections -------------------------------------------------------------------------------------------
 
-/// Recursive lock of one thread. A section left behind by a terminated thread may be left on its behalf by any other
-/// (LeaveCriticalSection), since the host must be able to release what a killed loader held; leaving one that is free,
-/// or that a living thread owns, does nothing.
+/// Recursive lock of one thread. A section left behind by a thread that was terminated or has ended may be left on its
+/// behalf by any other (one LeaveCriticalSection, however often it was entered), since the host must be able to release
+/// what a killed loader held; leaving one that is free, or that another living thread owns, does nothing.
 struct CRITICAL_SECTION
 {
     void *state;
@@ -162,8 +168,8 @@ inline constexpr DWORD FORMAT_MESSAGE_ALLOCATE_BUFFER = 0x100;
 inline constexpr DWORD FORMAT_MESSAGE_FROM_SYSTEM = 0x1000;
 /// The system's words for an error code. With the allocate flag *buffer (as WCHAR **) gets a LocalAlloc block.
 /// Returns the characters without the terminator; 0 when the code has no text.
-ZBPLATFORM_API DWORD FormatMessageW(DWORD flags, const void *source, DWORD code, DWORD language, WCHAR *buffer, DWORD size,
-                                    va_list *arguments);
+ZBPLATFORM_API DWORD FormatMessageW(DWORD flags, const void *source, DWORD code, DWORD language, WCHAR *buffer,
+                                    DWORD size, va_list *arguments);
 
 namespace zb
 {

@@ -1,0 +1,144 @@
+// The messages of one thread: posted ones, those that other threads send and wait for, quit, timers.
+//
+// Invariants, all under the queue's lock:
+// - Only windows in m_windows get messages; taking a window out drops what waits for it and fails the sends to it. So a
+//   message to a window that is gone never stands in a queue.
+// - A sent message lives on its sender's stack and stands in m_sent until the thread takes it up, then in m_running
+//   until its procedure has returned. Storing its outcome is the last touch: the sender may be gone right after.
+// - A closed queue holds nothing and takes nothing; what a terminated thread still completes is then not found.
+// The lock is held for a few instructions, never over a procedure. Threads: any, except where told.
+#pragma once
+
+#include "platform/linux/parker.h"
+#include "platform/user.h"
+
+#include <atomic>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <unordered_set>
+#include <vector>
+
+namespace zb::internal
+{
+class ThreadState;
+
+/// What kinds of messages a thread can be woken for; the values are those of the wake mask.
+inline constexpr unsigned wakePosted = 0x08;
+inline constexpr unsigned wakeTimer = 0x10;
+inline constexpr unsigned wakeSent = 0x40;
+inline constexpr unsigned wakeAll = wakePosted | wakeTimer | wakeSent;
+
+inline constexpr DWORD errorInvalidThreadId = 1444;
+
+enum class SendOutcome
+{
+    Waiting,
+    Done,
+    Failed
+};
+
+struct SentMessage
+{
+    HWND window = nullptr;
+    UINT message = 0;
+    WPARAM wParam = 0;
+    LPARAM lParam = 0;
+    std::shared_ptr<ThreadState> sender;
+    LRESULT result = 0;
+    std::atomic<SendOutcome> outcome{SendOutcome::Waiting};
+};
+
+struct MessageFilter
+{
+    HWND window = nullptr;
+    UINT first = 0;
+    UINT last = 0;
+
+    /// Messages of the window and of its children; a null window takes all, -1 those without a window.
+    bool takes(HWND target, UINT message) const;
+};
+
+class MessageQueue
+{
+  public:
+    static constexpr std::size_t limit = 10'000;
+
+    explicit MessageQueue(ThreadState &owner);
+
+    // --- Windows
+    /// False when the thread has ended.
+    bool addWindow(HWND window);
+    void removeWindow(HWND window);
+    /// No more messages; all sends fail. Gives the windows that were left.
+    std::vector<HWND> close();
+
+    // --- In. 0 or an error code
+    DWORD post(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    DWORD send(SentMessage &sent);
+    void postQuit(int exitCode);
+
+    // --- Out, by the owner
+    /// The oldest posted message that fits, else quit, else the timer that is longest due.
+    bool take(const MessageFilter &filter, bool remove, MSG &message);
+    /// A copy of the fields is taken, since a sender may be let go while the procedure still runs.
+    struct Taken
+    {
+        SentMessage *sent = nullptr;
+        HWND window = nullptr;
+        UINT message = 0;
+        WPARAM wParam = 0;
+        LPARAM lParam = 0;
+    };
+    std::optional<Taken> takeSent();
+    void finishSent(SentMessage *sent, std::optional<LRESULT> result);
+    /// Takes back a message that nobody has taken up yet (its sender is to stop).
+    void withdrawSent(SentMessage &sent);
+
+    // --- Waiting, by the owner
+    struct Outlook
+    {
+        bool ready = false;
+        Deadline nextTimer = never;
+    };
+    /// Whether a message of these kinds is there and, if not, when the next timer is due. From now on until
+    /// stopListening() the owner is woken for such messages. The filter bounds posted messages and timers.
+    Outlook listen(unsigned kinds, const MessageFilter &filter);
+    void stopListening();
+
+    // --- Timers
+    UINT_PTR setTimer(HWND window, UINT_PTR id, UINT milliseconds, TIMERPROC procedure);
+    bool killTimer(HWND window, UINT_PTR id);
+    bool hasTimer(HWND window, UINT_PTR id, TIMERPROC procedure);
+
+  private:
+    struct Timer
+    {
+        HWND window;
+        UINT_PTR id;
+        Deadline interval;
+        TIMERPROC procedure;
+        Deadline due;
+    };
+
+    bool accepts(HWND window) const;
+    Timer *findTimer(HWND window, UINT_PTR id);
+    Timer *earliestTimer(const MessageFilter &filter);
+    /// Stores the outcome and adds the sender to those to wake.
+    static void settle(SentMessage &sent, SendOutcome outcome, std::vector<std::shared_ptr<ThreadState>> &senders);
+    bool hasPosted(const MessageFilter &filter) const;
+
+    ThreadState &m_owner;
+    std::mutex m_lock;
+    std::deque<MSG> m_posted;
+    std::deque<SentMessage *> m_sent;
+    std::vector<SentMessage *> m_running;
+    std::unordered_set<HWND> m_windows;
+    std::vector<Timer> m_timers;
+    UINT_PTR m_nextTimerId = 1;
+    unsigned m_listening = 0;
+    std::optional<int> m_quit;
+    bool m_closed = false;
+};
+} // namespace zb::internal

@@ -1,0 +1,131 @@
+#include "platform/linux/windows_table.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace zb::internal
+{
+namespace
+{
+constinit std::mutex theTreeLock;
+
+/// Without touching the last error, for look-ups that are no failure of the caller's.
+std::shared_ptr<WindowObject> peekWindow(HWND window)
+{
+    const DWORD kept = GetLastError();
+    auto found = findAs<WindowObject>(reinterpret_cast<HANDLE>(window), HandleKind::Window);
+    SetLastError(kept);
+    return found;
+}
+} // namespace
+
+std::mutex &treeLock()
+{
+    return theTreeLock;
+}
+
+WindowObject::WindowObject(std::shared_ptr<WindowClass> type, std::shared_ptr<ThreadState> owner)
+    : HandleObject(HandleKind::Window), procedure(type->description.lpfnWndProc), m_type(std::move(type)),
+      m_owner(std::move(owner)), m_extra(static_cast<std::size_t>(std::max(m_type->description.cbWndExtra, 0)))
+{
+    m_type->windows.fetch_add(1, std::memory_order_relaxed);
+}
+
+WindowObject::~WindowObject() = default;
+
+bool WindowObject::readExtra(int offset, LONG_PTR &value) const
+{
+    if (offset < 0 || static_cast<std::size_t>(offset) + sizeof value > m_extra.size())
+    {
+        return false;
+    }
+    const std::lock_guard guard(m_lock);
+    std::memcpy(&value, m_extra.data() + offset, sizeof value);
+    return true;
+}
+
+bool WindowObject::writeExtra(int offset, LONG_PTR value, LONG_PTR &former)
+{
+    if (!readExtra(offset, former))
+    {
+        return false;
+    }
+    const std::lock_guard guard(m_lock);
+    std::memcpy(&former, m_extra.data() + offset, sizeof former);
+    std::memcpy(m_extra.data() + offset, &value, sizeof value);
+    return true;
+}
+
+std::u16string WindowObject::text() const
+{
+    const std::lock_guard guard(m_lock);
+    return m_text;
+}
+
+void WindowObject::setText(const WCHAR *text)
+{
+    std::u16string fresh = text == nullptr ? std::u16string() : std::u16string(text);
+    const std::lock_guard guard(m_lock);
+    m_text.swap(fresh);
+}
+
+std::shared_ptr<WindowObject> findWindow(HWND window)
+{
+    auto found = findAs<WindowObject>(reinterpret_cast<HANDLE>(window), HandleKind::Window);
+    if (found == nullptr)
+    {
+        SetLastError(errorInvalidWindow);
+    }
+    return found;
+}
+
+bool isWithin(HWND window, HWND ancestor)
+{
+    while (window != nullptr && window != ancestor)
+    {
+        const auto object = peekWindow(window);
+        if (object == nullptr)
+        {
+            return false;
+        }
+        const std::lock_guard guard(treeLock());
+        window = object->parent;
+    }
+    return window != nullptr;
+}
+
+void removeWindowOfEndedThread(HWND window)
+{
+    const DWORD kept = GetLastError();
+    const auto removed = removeHandle(reinterpret_cast<HANDLE>(window), HandleKind::Window);
+    SetLastError(kept);
+    if (removed == nullptr)
+    {
+        return;
+    }
+    WindowObject &object = static_cast<WindowObject &>(*removed);
+    object.type()->windows.fetch_sub(1, std::memory_order_relaxed);
+    const auto parent = peekWindow(object.parent);
+    const std::lock_guard guard(treeLock());
+    if (parent != nullptr)
+    {
+        std::erase(parent->children, window);
+    }
+}
+
+void removeWindow(HWND window)
+{
+    if (const auto object = peekWindow(window))
+    {
+        removeWindowOfEndedThread(window);
+        object->owner().queue().removeWindow(window);
+    }
+}
+
+LRESULT callWindow(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    const auto object = findWindow(window);
+    const WNDPROC procedure = object == nullptr ? nullptr : object->procedure.load(std::memory_order_acquire);
+    return procedure == nullptr ? 0 : procedure(window, message, wParam, lParam);
+}
+} // namespace zb::internal

@@ -1,0 +1,89 @@
+// What stands behind a window's handle.
+//
+// The tree of parents and children is under one lock for all windows; text and extra bytes are under the window's own;
+// the words that procedures read at every message are atomic. Neither lock is held over a procedure, and neither is
+// taken while waiting for another lock of the platform but a queue's.
+#pragma once
+
+#include "platform/linux/handles.h"
+#include "platform/linux/thread_state.h"
+#include "platform/user.h"
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace zb::internal
+{
+inline constexpr DWORD errorInvalidWindow = ERROR_INVALID_WINDOW_HANDLE;
+
+/// A registered class. Kept by its windows, so that they outlive its registration.
+struct WindowClass
+{
+    std::u16string name;
+    WNDCLASSW description{};
+    ATOM atom = 0;
+    std::atomic<int> windows{0};
+};
+
+class WindowObject final : public HandleObject
+{
+  public:
+    WindowObject(std::shared_ptr<WindowClass> type, std::shared_ptr<ThreadState> owner);
+    ~WindowObject() override;
+
+    ThreadState &owner() const
+    {
+        return *m_owner;
+    }
+    const std::shared_ptr<WindowClass> &type() const
+    {
+        return m_type;
+    }
+
+    std::atomic<WNDPROC> procedure{nullptr};
+    std::atomic<LONG_PTR> userData{0};
+    std::atomic<LONG_PTR> style{0};
+    std::atomic<LONG_PTR> exStyle{0};
+    std::atomic<LONG_PTR> id{0};
+    std::atomic<bool> destroying{false};
+
+    /// False when the bytes lie outside the window's extra bytes.
+    bool readExtra(int offset, LONG_PTR &value) const;
+    bool writeExtra(int offset, LONG_PTR value, LONG_PTR &former);
+    std::u16string text() const;
+    void setText(const WCHAR *text);
+
+    // Under treeLock()
+    HWND parent = nullptr;
+    std::vector<HWND> children;
+
+  private:
+    const std::shared_ptr<WindowClass> m_type;
+    const std::shared_ptr<ThreadState> m_owner;
+    mutable std::mutex m_lock;
+    std::u16string m_text;
+    std::vector<unsigned char> m_extra;
+};
+
+std::mutex &treeLock();
+/// Null with last error 1400 for a window that is gone.
+std::shared_ptr<WindowObject> findWindow(HWND window);
+/// The window itself or one below it.
+bool isWithin(HWND window, HWND ancestor);
+/// Takes the window out of table, tree and queue; no message is sent.
+void removeWindow(HWND window);
+/// The same for a window whose queue is closed already.
+void removeWindowOfEndedThread(HWND window);
+/// Sends WM_DESTROY and WM_NCDESTROY to children and window, then removes it. On the owner's thread.
+bool destroyOwnWindow(HWND window);
+/// Calls the window's procedure; 0 for a window that is gone.
+LRESULT callWindow(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+/// Runs the procedures for all that other threads have sent to this one.
+void dispatchSentMessages(ThreadState &thread);
+
+/// A message number that no host can use: asks the owner's thread to destroy the window.
+inline constexpr UINT messageDestroy = 0x10001;
+} // namespace zb::internal
