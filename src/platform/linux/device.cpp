@@ -7,6 +7,7 @@
 #include "platform/kernel.h"
 #include "platform/linux/device_folder.h"
 #include "platform/linux/device_state.h"
+#include "platform/linux/files_temporary.h"
 #include "platform/linux/handles.h"
 #include "platform/linux/host_settings.h"
 #include "platform/linux/store.h"
@@ -87,16 +88,17 @@ std::shared_ptr<DeviceState> stateFor(const DeviceOptions &options)
     return state;
 }
 
-/// Takes the device out of the process's sight and closes what leads into it. The state's own end closes nothing, so
-/// that a call which still holds it fails as for a closed store instead of meeting freed memory.
+/// Takes the device out of the process's sight, so that files under way see that they don't count, and closes what
+/// leads into it. The state's own end closes nothing, so that a call which still holds it fails as for a closed store
+/// instead of meeting freed memory.
 void closeAll(DeviceState &state)
 {
+    publish(nullptr);
     for (const HandleKind kind :
          {HandleKind::File, HandleKind::FindFile, HandleKind::Database, HandleKind::FindDatabase})
     {
         internal::removeAllHandles(kind);
     }
-    publish(nullptr);
     if (state.store != nullptr)
     {
         internal::closeStore(*state.store);
@@ -114,6 +116,7 @@ class OpenedDevice final : public Device
         try
         {
             folder.completeTree(m_state->files);
+            internal::removeAbandonedBelow(m_state->files.string());
             makeDatabases();
         }
         catch (...)

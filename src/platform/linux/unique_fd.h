@@ -1,0 +1,44 @@
+// A file descriptor with one owner.
+#pragma once
+
+#include <unistd.h>
+#include <utility>
+
+namespace zb::internal
+{
+class UniqueFd
+{
+  public:
+    UniqueFd() = default;
+    explicit UniqueFd(int fd) : m_fd(fd)
+    {
+    }
+    UniqueFd(UniqueFd &&other) noexcept : m_fd(std::exchange(other.m_fd, -1))
+    {
+    }
+    UniqueFd &operator=(UniqueFd &&other) noexcept
+    {
+        std::swap(m_fd, other.m_fd);
+        return *this;
+    }
+    ~UniqueFd()
+    {
+        if (m_fd >= 0)
+        {
+            ::close(m_fd);
+        }
+    }
+
+    int get() const
+    {
+        return m_fd;
+    }
+    explicit operator bool() const
+    {
+        return m_fd >= 0;
+    }
+
+  private:
+    int m_fd = -1;
+};
+} // namespace zb::internal
