@@ -19,11 +19,24 @@ inline constexpr const WCHAR *tasksDatabase = u"Tasks Database";
 inline constexpr const WCHAR *contactsDatabase = u"Contacts Database";
 inline constexpr const WCHAR *categoriesDatabase = u"\\Categories Database";
 
-/// Makes those of the four that are missing, with their sort orders. Called when a device is opened; harmless again.
-/// False with the last error when one could not be made.
+/// Makes those of the four that are missing and gives back sort orders that one has lost. Called when a device is
+/// opened; harmless again. False with the last error when one could not be made.
+///
+/// | database | sort orders, the one in which the records lie first |
+/// |---|---|
+/// | Appointments Database | start, interchange id |
+/// | Tasks Database | subject without regard to case, due date, interchange id |
+/// | Contacts Database | name it is filed under without regard to case, interchange id |
+/// | \Categories Database | name without regard to case, category id |
 ZBPLATFORM_API bool createPimDatabases();
 
-// Properties of an appointment record.
+// Properties that only sort orders need here.
+inline constexpr CEPROPID taskDueDate = MakePropId(0x4105, CEVT_FILETIME);
+inline constexpr CEPROPID contactFileAs = MakePropId(0x4013, CEVT_LPWSTR);
+inline constexpr CEPROPID categoryName = MakePropId(0x4001, CEVT_LPWSTR);
+inline constexpr CEPROPID categoryId = MakePropId(0x4002, CEVT_I2);
+
+// Properties of an appointment record; docs/formats/items.md tells each.
 inline constexpr CEPROPID appointmentStart = MakePropId(0x420d, CEVT_FILETIME);
 inline constexpr CEPROPID appointmentDuration = MakePropId(0x4213, CEVT_I4);
 inline constexpr CEPROPID appointmentDurationType = MakePropId(0x4215, CEVT_I4);
@@ -69,7 +82,8 @@ struct AppointmentItem
     bool reminder = false;
 };
 
-/// Properties of a record in one owner; `values` point into it and live as long as it does.
+/// Properties of a record in one owner, each id once: setting or removing one again takes the place of what was told
+/// before. `values` point into the owner and hold until it changes or dies. A text ends at its first zero.
 class ZBPLATFORM_API RecordProperties
 {
   public:
@@ -94,12 +108,29 @@ class ZBPLATFORM_API RecordProperties
     std::unique_ptr<State> m_state;
 };
 
-/// All properties of the record of an appointment; what the item lacks is written as to be removed, so that the same
-/// call serves a new record and a changed one. An all-day item of n days is stored with n x 1,440 - 1 minutes from
-/// midnight of its first day, because the loader shows an item on every day up to the one that its end falls on.
+/// Values of appointmentDurationType.
+inline constexpr LONG durationTypeAllDay = 1;
+inline constexpr LONG durationTypeTimed = 2;
+/// Value of itemSensitivity for a private item.
+inline constexpr SHORT sensitivityPrivate = 2;
+
+/// Bytes that lists give to the read of one appointment: a record whose listed properties need more (only very long
+/// notes do) is not shown. What stores an item cuts its notes to stay well below.
+inline constexpr std::size_t appointmentReadBytes = 0x20000;
+
+/// The properties of a single appointment's record; what the item lacks is written as to be removed, so that the same
+/// call serves a new record and a changed one. Whatever an item of this form can't say (categories, attendees, the
+/// extra text) is not among them and stays as it is in a changed record; pattern and zone are removed, and what stores
+/// a series sets them, the recurring flag and the start afterwards.
+///
+/// An all-day item of n days is stored with n x 1,440 - 1 minutes from midnight of its first day (a time of day in
+/// `start` is dropped), because lists show an item on every day up to the one that its end falls on: 2 days from 3
+/// March are 2,879 minutes, to 4 March 23:59. Fewer than 1 day counts as 1, a duration below 0 as 0.
 ZBPLATFORM_API RecordProperties encodeAppointment(const AppointmentItem &item);
 
-/// Notes as they stand in property 0x0017, and back. Text without characters gives an empty blob.
+/// Notes as they stand in property 0x0017, and back: the bytes 5A 42 54 31, then the text as UTF-16, little-endian,
+/// without a terminator. Text without characters gives an empty blob. Bytes that begin otherwise (notes in ink) give an
+/// empty text; half a character at the end is left out.
 ZBPLATFORM_API std::vector<BYTE> encodeNotes(const std::u16string &text);
 ZBPLATFORM_API std::u16string decodeNotes(const BYTE *bytes, std::size_t size);
 } // namespace zb

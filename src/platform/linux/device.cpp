@@ -187,7 +187,7 @@ std::unique_ptr<Device> OpenDevice(const DeviceOptions &options)
     return std::make_unique<OpenedDevice>(options);
 }
 
-// Until the store and the item databases stand, so that what needs neither can be linked and tried.
+// Until the store stands, so that what needs no store can be linked and tried.
 __attribute__((weak)) bool createPimDatabases()
 {
     return true;

@@ -107,13 +107,19 @@ bool moveAcross(const FilePlace &from, const FilePlace &to)
     return error == 0 ? removeEntry(from, 0) : failFile(error);
 }
 
-bool moveEntry(const FilePlace &from, const FilePlace &to)
+/// `renames`: the file is given its own name in another case, so that the name is no obstacle to itself.
+int renameEntry(const FilePlace &from, const FilePlace &to, bool renames)
 {
-    // A file may be given its own name in another case; the name is then no obstacle to itself.
-    const int error =
-        isSameEntry(from, to)
-            ? (::renameat(from.folder.get(), from.name.c_str(), to.folder.get(), to.name.c_str()) == 0 ? 0 : errno)
-            : zb::internal::renameNew(from.folder.get(), from.name, to.folder.get(), to.name);
+    if (!renames)
+    {
+        return zb::internal::renameNew(from.folder.get(), from.name, to.folder.get(), to.name);
+    }
+    return ::renameat(from.folder.get(), from.name.c_str(), to.folder.get(), to.name.c_str()) == 0 ? 0 : errno;
+}
+
+bool moveEntry(const FilePlace &from, const FilePlace &to, bool renames)
+{
+    const int error = renameEntry(from, to, renames);
     if (error == EXDEV)
     {
         return moveAcross(from, to);

@@ -1,0 +1,104 @@
+// From an appointment as its owner sees it to the properties of its record. Layouts stand in platform/pim.h.
+#include "platform/pim.h"
+
+#include "platform/clock.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+
+namespace zb
+{
+namespace
+{
+constexpr LONG minutesPerDay = 1440;
+constexpr LONG mostDays = std::numeric_limits<LONG>::max() / minutesPerDay;
+constexpr std::array<BYTE, 4> notesTag = {0x5A, 0x42, 0x54, 0x31};
+
+FILETIME midnightOf(const FILETIME &time)
+{
+    const LONGLONG ticks = ticksOf(time);
+    return fileTimeOf(ticks - ticks % ticksPerDay);
+}
+
+void setText(RecordProperties &record, CEPROPID id, const std::u16string &text)
+{
+    // A text that begins with its end is none.
+    if (text.empty() || text.front() == 0)
+    {
+        record.remove(id);
+        return;
+    }
+    record.set(id, text);
+}
+
+void setTimes(RecordProperties &record, const AppointmentItem &item)
+{
+    if (item.allDay)
+    {
+        record.set(appointmentStart, midnightOf(item.start));
+        record.set(appointmentDuration, std::clamp(item.days, LONG{1}, mostDays) * minutesPerDay - 1);
+        record.set(appointmentDurationType, durationTypeAllDay);
+        return;
+    }
+    record.set(appointmentStart, item.start);
+    record.set(appointmentDuration, std::max(item.durationMinutes, LONG{0}));
+    record.set(appointmentDurationType, durationTypeTimed);
+}
+} // namespace
+
+RecordProperties encodeAppointment(const AppointmentItem &item)
+{
+    RecordProperties record;
+    setTimes(record, item);
+    record.set(appointmentReminderSet, static_cast<SHORT>(item.reminder ? 1 : 0));
+    record.set(appointmentRecurringFlag, SHORT{0});
+    record.set(itemSensitivity, item.isPrivate ? sensitivityPrivate : SHORT{0});
+    record.set(appointmentBusyStatus, static_cast<SHORT>(item.busy));
+    setText(record, itemSubject, item.subject);
+    setText(record, appointmentLocation, item.location);
+    setText(record, itemInterchangeId, item.interchangeId);
+    if (std::vector<BYTE> notes = encodeNotes(item.notes); notes.empty())
+    {
+        record.remove(itemNotes);
+    }
+    else
+    {
+        record.set(itemNotes, std::move(notes));
+    }
+    record.remove(appointmentRecurrence);
+    record.remove(appointmentZone);
+    return record;
+}
+
+std::vector<BYTE> encodeNotes(const std::u16string &text)
+{
+    if (text.empty())
+    {
+        return {};
+    }
+    std::vector<BYTE> bytes(notesTag.begin(), notesTag.end());
+    bytes.reserve(notesTag.size() + 2 * text.size());
+    for (const WCHAR unit : text)
+    {
+        bytes.push_back(static_cast<BYTE>(unit));
+        bytes.push_back(static_cast<BYTE>(unit >> 8U));
+    }
+    return bytes;
+}
+
+std::u16string decodeNotes(const BYTE *bytes, std::size_t size)
+{
+    if (bytes == nullptr || size < notesTag.size() || !std::equal(notesTag.begin(), notesTag.end(), bytes))
+    {
+        return {};
+    }
+    std::u16string text;
+    text.reserve((size - notesTag.size()) / 2);
+    for (std::size_t at = notesTag.size(); at + 1 < size; at += 2)
+    {
+        text.push_back(static_cast<WCHAR>(bytes[at] | (bytes[at + 1] << 8U)));
+    }
+    return text;
+}
+} // namespace zb
