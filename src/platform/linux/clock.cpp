@@ -1,0 +1,200 @@
+// Now, and the forms of a moment. Civil dates by integer arithmetic on days since 1601-03-01's 400-year cycle.
+#include "platform/clock.h"
+
+#include "platform/kernel.h"
+#include "platform/linux/device_state.h"
+#include "platform/locale.h"
+
+#include <chrono>
+#include <cmath>
+
+namespace
+{
+using zb::ticksPerDay;
+using zb::ticksPerSecond;
+
+constexpr int secondsPerDay = 86'400;
+constexpr int daysPer400Years = 146'097;
+/// Days from 0000-03-01 to 1601-01-01.
+constexpr int daysTo1601 = 584'694;
+/// 1601-01-01 was a Monday.
+constexpr int weekdayOf1601 = 1;
+
+constexpr bool isLeap(int year)
+{
+    return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
+}
+
+constexpr int daysInMonth(int year, int month)
+{
+    constexpr int lengths[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    return month == 2 && isLeap(year) ? 29 : lengths[month - 1];
+}
+
+/// Days since 1601-01-01; years from 0 on. The year is counted from March, so that a leap day is its last.
+constexpr int dayNumber(int year, int month, int day)
+{
+    const int marchYear = month <= 2 ? year - 1 : year;
+    const int marchMonth = month <= 2 ? month + 9 : month - 3;
+    const int dayOfYear = (153 * marchMonth + 2) / 5 + day - 1;
+    return marchYear * 365 + marchYear / 4 - marchYear / 100 + marchYear / 400 + dayOfYear - daysTo1601;
+}
+
+static_assert(dayNumber(1601, 1, 1) == 0);
+static_assert(dayNumber(1899, 12, 30) == zb::daysFrom1601ToVariantZero);
+
+struct CivilDate
+{
+    int year;
+    int month;
+    int day;
+};
+
+constexpr CivilDate civilDate(int days)
+{
+    const int shifted = days + daysTo1601;
+    const int era = shifted / daysPer400Years;
+    const int dayOfEra = shifted % daysPer400Years;
+    const int yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
+    const int dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
+    const int marchMonth = (5 * dayOfYear + 2) / 153;
+    const int month = marchMonth < 10 ? marchMonth + 3 : marchMonth - 9;
+    return {era * 400 + yearOfEra + (month <= 2 ? 1 : 0), month, dayOfYear - (153 * marchMonth + 2) / 5 + 1};
+}
+
+constexpr int firstVariantYear = 100;
+constexpr int lastVariantYear = 9999;
+constexpr int lastFileYear = 30827;
+
+bool isTimeOfDay(const SYSTEMTIME &fields)
+{
+    return fields.wHour < 24 && fields.wMinute < 60 && fields.wSecond < 60 && fields.wMilliseconds < 1000;
+}
+
+bool isDate(const SYSTEMTIME &fields, int firstYear, int lastYear)
+{
+    return fields.wYear >= firstYear && fields.wYear <= lastYear && fields.wMonth >= 1 && fields.wMonth <= 12 &&
+           fields.wDay >= 1 && fields.wDay <= daysInMonth(fields.wYear, fields.wMonth);
+}
+
+BOOL refuse()
+{
+    SetLastError(ERROR_INVALID_PARAMETER);
+    return FALSE;
+}
+
+int secondOfDay(const SYSTEMTIME &fields)
+{
+    return (fields.wHour * 60 + fields.wMinute) * 60 + fields.wSecond;
+}
+
+/// Fills date and weekday. Days may lie before 1601.
+void putDate(int days, SYSTEMTIME &fields)
+{
+    const CivilDate date = civilDate(days);
+    fields.wYear = static_cast<WORD>(date.year);
+    fields.wMonth = static_cast<WORD>(date.month);
+    fields.wDay = static_cast<WORD>(date.day);
+    fields.wDayOfWeek = static_cast<WORD>(((days % 7) + 7 + weekdayOf1601) % 7);
+}
+
+void putTime(int seconds, SYSTEMTIME &fields)
+{
+    fields.wHour = static_cast<WORD>(seconds / 3600);
+    fields.wMinute = static_cast<WORD>(seconds / 60 % 60);
+    fields.wSecond = static_cast<WORD>(seconds % 60);
+}
+} // namespace
+
+BOOL SystemTimeToFileTime(const SYSTEMTIME *fields, FILETIME *time)
+{
+    if (fields == nullptr || time == nullptr || !isTimeOfDay(*fields) || !isDate(*fields, 1601, lastFileYear))
+    {
+        return refuse();
+    }
+    const LONGLONG ticks = dayNumber(fields->wYear, fields->wMonth, fields->wDay) * ticksPerDay +
+                           secondOfDay(*fields) * ticksPerSecond + fields->wMilliseconds * (ticksPerSecond / 1000);
+    *time = zb::fileTimeOf(ticks);
+    return TRUE;
+}
+
+BOOL FileTimeToSystemTime(const FILETIME *time, SYSTEMTIME *fields)
+{
+    if (time == nullptr || fields == nullptr || zb::ticksOf(*time) < 0)
+    {
+        return refuse();
+    }
+    const LONGLONG ticks = zb::ticksOf(*time);
+    putDate(static_cast<int>(ticks / ticksPerDay), *fields);
+    const LONGLONG ofDay = ticks % ticksPerDay;
+    putTime(static_cast<int>(ofDay / ticksPerSecond), *fields);
+    fields->wMilliseconds = static_cast<WORD>(ofDay % ticksPerSecond / (ticksPerSecond / 1000));
+    return TRUE;
+}
+
+LONG CompareFileTime(const FILETIME *a, const FILETIME *b)
+{
+    const auto left = static_cast<ULONGLONG>(zb::ticksOf(*a));
+    const auto right = static_cast<ULONGLONG>(zb::ticksOf(*b));
+    return left < right ? -1 : static_cast<LONG>(left > right);
+}
+
+int SystemTimeToVariantTime(const SYSTEMTIME *fields, double *date)
+{
+    if (fields == nullptr || date == nullptr || !isTimeOfDay(*fields) ||
+        !isDate(*fields, firstVariantYear, lastVariantYear))
+    {
+        return FALSE;
+    }
+    const auto days =
+        static_cast<int>(dayNumber(fields->wYear, fields->wMonth, fields->wDay) - zb::daysFrom1601ToVariantZero);
+    const double fraction = static_cast<double>(secondOfDay(*fields)) / secondsPerDay;
+    *date = days >= 0 ? days + fraction : days - fraction;
+    return TRUE;
+}
+
+int VariantTimeToSystemTime(double date, SYSTEMTIME *fields)
+{
+    // 0100-01-01 and 10000-01-01, as days from 1899-12-30.
+    constexpr double first = -657'434.0;
+    constexpr double behindLast = 2'958'466.0;
+    if (fields == nullptr || !(date > first - 1.0) || !(date < behindLast))
+    {
+        return FALSE;
+    }
+    const double whole = std::trunc(date);
+    auto days = static_cast<LONGLONG>(whole);
+    auto seconds = static_cast<int>(std::floor(std::fabs(date - whole) * secondsPerDay + 0.5));
+    if (seconds == secondsPerDay)
+    {
+        // Rounded up into the next day.
+        seconds = 0;
+        ++days;
+    }
+    if (days < static_cast<LONGLONG>(first) || days >= static_cast<LONGLONG>(behindLast))
+    {
+        return FALSE;
+    }
+    putDate(static_cast<int>(days + zb::daysFrom1601ToVariantZero), *fields);
+    putTime(seconds, *fields);
+    fields->wMilliseconds = 0;
+    return TRUE;
+}
+
+void GetSystemTimeAsFileTime(FILETIME *time)
+{
+    *time = zb::fileTimeOf(zb::internal::currentTicks());
+}
+
+void GetSystemTime(SYSTEMTIME *time)
+{
+    FILETIME now;
+    GetSystemTimeAsFileTime(&now);
+    FileTimeToSystemTime(&now, time);
+}
+
+DWORD GetTickCount()
+{
+    const auto now = std::chrono::steady_clock::now().time_since_epoch();
+    return static_cast<DWORD>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
+}
