@@ -118,11 +118,12 @@ class ZBTOOLS_API CeWorkerThread
     }
 
   private:
-    friend class CeWorkerRun;
     static DWORD ThreadEntry(void *launch);
-    static DWORD StartThread(CeWorkerThread *worker, const std::shared_ptr<CeWorkerRun> &run);
+    static DWORD StartThread(CeWorkerThread *worker, CeWorkerRun &run);
     bool RunBody(CeWorkerRun &run, DWORD *result);
-    void FinishRun(DWORD result);
+    void FinishRun(CeWorkerRun &run, DWORD result);
+    void DeleteSelf(CeWorkerRun &run);
+    void AwaitRunEnd(CeWorkerRun *run);
     bool IsFreeToStart();
     BOOL Launch(int priority, DWORD stackSize, DWORD createFlags, const void *security);
     void StopThread(BOOL pumpMessages, CeWorkerRun *run);

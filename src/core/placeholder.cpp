@@ -1,1 +1,0 @@
-// Removed as soon as the first source of this folder stands.
