@@ -1,0 +1,192 @@
+#include "interchange/appointment_store.h"
+
+#include "platform/kernel.h"
+#include "platform/text.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace zb::interchange
+{
+namespace
+{
+constexpr WORD loaderProperties = 15;
+
+std::string wordsFor(DWORD code)
+{
+    switch (code)
+    {
+    case ERROR_DISK_FULL:
+        return "the disk is full";
+    case ERROR_ACCESS_DENIED:
+        return "the store can't be written";
+    default:
+        return "the store failed with error " + std::to_string(code);
+    }
+}
+
+std::size_t padded(std::size_t bytes)
+{
+    return bytes + bytes % 2;
+}
+
+/// Bytes of the block in which a loader reads the record.
+std::size_t blockSize(const RecordProperties &properties)
+{
+    std::size_t size = loaderProperties * sizeof(CEPROPVAL);
+    for (WORD n = 0; n < properties.count(); ++n)
+    {
+        const CEPROPVAL &value = properties.values()[n];
+        const bool removed = (value.wFlags & CEDB_PROPDELETE) != 0;
+        const WORD type = TypeFromPropID(value.propid);
+        if (!removed && type == CEVT_LPWSTR && value.val.lpwstr != nullptr)
+        {
+            size += (wcslen(value.val.lpwstr) + 1) * sizeof(WCHAR);
+        }
+        else if (!removed && type == CEVT_BLOB)
+        {
+            size += padded(value.val.blob.dwCount);
+        }
+    }
+    return size;
+}
+
+/// Takes `count` characters off the end, more where that would halve a surrogate pair.
+void dropFromEnd(std::u16string &text, std::size_t count)
+{
+    text.resize(text.size() - std::min(text.size(), count));
+    if (!text.empty() && text.back() >= 0xD800 && text.back() < 0xDC00)
+    {
+        text.pop_back();
+    }
+}
+
+bool sameText(const CEPROPVAL &a, const CEPROPVAL &b)
+{
+    static const WCHAR empty[] = u"";
+    const WCHAR *const left = a.val.lpwstr != nullptr ? a.val.lpwstr : empty;
+    const WCHAR *const right = b.val.lpwstr != nullptr ? b.val.lpwstr : empty;
+    return wcscmp(left, right) == 0;
+}
+
+bool sameValue(const CEPROPVAL &a, const CEPROPVAL &b)
+{
+    switch (TypeFromPropID(a.propid))
+    {
+    case CEVT_I2:
+    case CEVT_UI2:
+        return a.val.iVal == b.val.iVal;
+    case CEVT_I4:
+    case CEVT_UI4:
+        return a.val.lVal == b.val.lVal;
+    case CEVT_BOOL:
+        return (a.val.boolVal != FALSE) == (b.val.boolVal != FALSE);
+    case CEVT_R8:
+        return a.val.dblVal == b.val.dblVal;
+    case CEVT_FILETIME:
+        return a.val.filetime.dwLowDateTime == b.val.filetime.dwLowDateTime &&
+               a.val.filetime.dwHighDateTime == b.val.filetime.dwHighDateTime;
+    case CEVT_LPWSTR:
+        return sameText(a, b);
+    case CEVT_BLOB:
+        return a.val.blob.dwCount == b.val.blob.dwCount &&
+               (a.val.blob.dwCount == 0 || std::memcmp(a.val.blob.lpb, b.val.blob.lpb, a.val.blob.dwCount) == 0);
+    default:
+        return false;
+    }
+}
+} // namespace
+
+StoreError::StoreError(DWORD code) : std::runtime_error(wordsFor(code)), m_code(code)
+{
+}
+
+std::vector<Shortening> shortenToRecord(AppointmentItem &item)
+{
+    constexpr std::size_t limit = largestReadableRecord - roomForChanges;
+    std::vector<Shortening> done;
+    const std::size_t written = item.notes.size() + item.location.size() + item.subject.size();
+    if (written < limit / 8)
+    {
+        return done; // fits whatever the encoding
+    }
+    for (const auto &[text, what] :
+         {std::pair(&item.notes, "notes"), std::pair(&item.location, "location"), std::pair(&item.subject, "subject")})
+    {
+        const std::size_t before = text->size();
+        std::size_t size = blockSize(encodeAppointment(item));
+        while (size > limit && !text->empty())
+        {
+            dropFromEnd(*text, (size - limit + 1) / 2);
+            size = blockSize(encodeAppointment(item));
+        }
+        if (text->size() != before)
+        {
+            done.push_back({what, text->size()});
+        }
+    }
+    return done;
+}
+
+AppointmentStore::AppointmentStore()
+{
+    CEOID id = 0;
+    m_database = CeOpenDatabase(&id, appointmentsDatabase, itemInterchangeId, 0, nullptr);
+    if (m_database == INVALID_HANDLE_VALUE)
+    {
+        throw StoreError(GetLastError());
+    }
+}
+
+AppointmentStore::~AppointmentStore()
+{
+    LocalFree(m_buffer);
+    CloseHandle(m_database);
+}
+
+AppointmentStore::Outcome AppointmentStore::store(const AppointmentItem &item)
+{
+    const CEOID id = find(item.interchangeId);
+    m_properties = encodeAppointment(item);
+    if (id != 0 && isSame(m_properties))
+    {
+        return Outcome::Unchanged;
+    }
+    if (CeWriteRecordProps(m_database, id, m_properties.count(), m_properties.values()) == 0)
+    {
+        throw StoreError(GetLastError());
+    }
+    return id == 0 ? Outcome::Added : Outcome::Updated;
+}
+
+CEOID AppointmentStore::find(const std::u16string &identity)
+{
+    CEPROPVAL key{};
+    key.propid = itemInterchangeId;
+    std::u16string text = identity;
+    key.val.lpwstr = text.data();
+    return CeSeekDatabase(m_database, CEDB_SEEK_VALUEFIRSTEQUAL, reinterpret_cast<DWORD_PTR>(&key), nullptr);
+}
+
+/// Whether the record at the position says just what `properties` would write.
+bool AppointmentStore::isSame(const RecordProperties &properties)
+{
+    WORD count = 0;
+    if (CeReadRecordProps(m_database, CEDB_ALLOWREALLOC, &count, nullptr, &m_buffer, &m_bufferSize) == 0)
+    {
+        throw StoreError(GetLastError());
+    }
+    const auto *const stored = reinterpret_cast<const CEPROPVAL *>(m_buffer);
+    const auto *const wanted = properties.values();
+    return std::all_of(wanted, wanted + properties.count(),
+                       [&](const CEPROPVAL &value)
+                       {
+                           const auto *const found =
+                               std::find_if(stored, stored + count,
+                                            [&](const CEPROPVAL &other) { return other.propid == value.propid; });
+                           const bool removed = (value.wFlags & CEDB_PROPDELETE) != 0;
+                           return removed ? found == stored + count
+                                          : found != stored + count && sameValue(value, *found);
+                       });
+}
+} // namespace zb::interchange

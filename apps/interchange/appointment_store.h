@@ -1,0 +1,73 @@
+// The appointments of the open device as an import sees them: found by identity, added, or changed where they differ.
+#pragma once
+
+#include "platform/pim.h"
+#include "platform/propdb.h"
+
+#include <cstddef>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace zb::interchange
+{
+/// The device could not be read or written; what() is the end of a sentence ("the disk is full").
+class StoreError : public std::runtime_error
+{
+  public:
+    explicit StoreError(DWORD code);
+    DWORD code() const
+    {
+        return m_code;
+    }
+
+  private:
+    DWORD m_code;
+};
+
+/// What a text lost to the size of a record.
+struct Shortening
+{
+    std::string what;       ///< "notes", "location", "subject"
+    std::size_t characters; ///< that are left
+};
+
+/// Bytes that the loaders have for one record, all its properties together; what is longer would never be shown.
+inline constexpr std::size_t largestReadableRecord = 0x20000;
+/// Room that is left in it for what the device's owner adds later (categories, attendees).
+inline constexpr std::size_t roomForChanges = 0x1000;
+
+/// Cuts notes, then location, then subject until the record of `item` can be read, and tells what was cut.
+std::vector<Shortening> shortenToRecord(AppointmentItem &item);
+
+/// One thread at a time; wants a device open for as long as it lives.
+class AppointmentStore
+{
+  public:
+    /// Throws StoreError.
+    AppointmentStore();
+    ~AppointmentStore();
+    AppointmentStore(const AppointmentStore &) = delete;
+    AppointmentStore &operator=(const AppointmentStore &) = delete;
+
+    enum class Outcome
+    {
+        Added,
+        Updated,
+        Unchanged
+    };
+
+    /// Writes the item under its interchangeId. Properties that an import does not know stay as they are. Throws
+    /// StoreError.
+    Outcome store(const AppointmentItem &item);
+
+  private:
+    CEOID find(const std::u16string &identity);
+    bool isSame(const RecordProperties &properties);
+
+    HANDLE m_database;
+    BYTE *m_buffer = nullptr;
+    DWORD m_bufferSize = 0;
+    RecordProperties m_properties;
+};
+} // namespace zb::interchange

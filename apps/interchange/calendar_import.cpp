@@ -1,0 +1,227 @@
+#include "interchange/calendar_import.h"
+
+#include "interchange/appointment_store.h"
+#include "interchange/calendar_survey.h"
+#include "interchange/event_item.h"
+#include "interchange/zone_book.h"
+#include "platform/kernel.h"
+#include "platform/locale.h"
+#include "platform/propdb.h"
+
+#include <set>
+
+namespace zb::interchange
+{
+namespace
+{
+constexpr std::size_t eventsBetweenReports = 64;
+// A file of nothing but oddly named components must not fill the memory with their names.
+constexpr std::size_t mostComponentNames = 100;
+
+class CalendarImport
+{
+  public:
+    CalendarImport(ByteSource &bytes, const ImportOptions &options, ImportReport &report)
+        : m_reader(bytes), m_zones(deviceZoneName()), m_survey(m_reader, m_zones), m_options(options), m_report(report)
+    {
+    }
+
+    void run()
+    {
+        BulkWrite writing;
+        CalendarComponent component;
+        while (m_reader.next(component))
+        {
+            take(component);
+            if (m_options.progress && ++m_seen % eventsBetweenReports == 0 && m_reader.size() != 0)
+            {
+                m_options.progress(static_cast<double>(m_reader.position()) / static_cast<double>(m_reader.size()));
+            }
+        }
+        addNotes();
+        const bool changed = m_report.added != 0 || m_report.updated != 0;
+        if (changed && !m_options.dryRun && !writing.commit())
+        {
+            throw StoreError(GetLastError());
+        }
+    }
+
+  private:
+    void take(const CalendarComponent &component)
+    {
+        if (component.kind == ComponentKind::Event)
+        {
+            ++m_report.events;
+            takeEvent(component);
+        }
+        else if (component.kind == ComponentKind::Other)
+        {
+            const bool room = m_report.otherComponents.size() < mostComponentNames;
+            ++m_report.otherComponents[room ? component.name : "other"];
+        }
+        else if (component.oversized)
+        {
+            m_report.find(component.line, "the time zone has more rules than any real one and was not read");
+        }
+    }
+
+    void takeEvent(const CalendarComponent &event)
+    {
+        if (event.unended)
+        {
+            refuse(event.line, "it has no end (END:VEVENT)");
+            return;
+        }
+        if (isLeftOutOnPurpose(event))
+        {
+            return;
+        }
+        EventReading reading = readEvent(event, m_zones);
+        tellUnknownZone(reading);
+        if (!reading.item)
+        {
+            refuse(reading.line, reading.reason);
+            return;
+        }
+        shorten(event, *reading.item);
+        count(m_store.store(*reading.item));
+        if (event.has(EventField::Rule) || event.has(EventField::RepeatDates))
+        {
+            ++m_report.repeating;
+        }
+    }
+
+    bool isLeftOutOnPurpose(const CalendarComponent &event)
+    {
+        std::size_t *kind = nullptr;
+        if (m_survey.lineThatCounts(event) != event.line)
+        {
+            kind = &m_report.superseded;
+        }
+        else if (event.says(EventField::Status, "CANCELLED"))
+        {
+            kind = &m_report.cancelled;
+        }
+        else if (m_survey.hasChangedFirstDay(event))
+        {
+            kind = &m_report.changedFirstDays;
+        }
+        if (kind != nullptr)
+        {
+            ++*kind;
+        }
+        return kind != nullptr;
+    }
+
+    void refuse(std::size_t line, const std::string &reason)
+    {
+        ++m_report.refused;
+        m_report.find(line, "an event was left out: " + reason);
+    }
+
+    void tellUnknownZone(const EventReading &reading)
+    {
+        if (!reading.unknownZone.empty() && m_unknownZones.size() < mostComponentNames &&
+            m_unknownZones.insert(reading.unknownZone).second)
+        {
+            m_report.find(reading.unknownZoneLine, "the time zone \"" + reading.unknownZone +
+                                                       "\" is unknown; its times were taken as the device's own");
+        }
+    }
+
+    void shorten(const CalendarComponent &event, AppointmentItem &item)
+    {
+        for (const Shortening &cut : shortenToRecord(item))
+        {
+            const EventField field = cut.what == "notes"      ? EventField::Description
+                                     : cut.what == "location" ? EventField::Location
+                                                              : EventField::Summary;
+            ++m_report.shortened;
+            m_report.find(event.lineOf(field), "the " + cut.what + " of an event was cut to " +
+                                                   std::to_string(cut.characters) + " characters, all a record holds");
+        }
+    }
+
+    void count(AppointmentStore::Outcome outcome)
+    {
+        switch (outcome)
+        {
+        case AppointmentStore::Outcome::Added:
+            ++m_report.added;
+            break;
+        case AppointmentStore::Outcome::Updated:
+            ++m_report.updated;
+            break;
+        case AppointmentStore::Outcome::Unchanged:
+            ++m_report.unchanged;
+            break;
+        }
+    }
+
+    void addNotes()
+    {
+        const ReaderNotes &notes = m_reader.notes();
+        const auto note = [this](std::size_t count, std::size_t line, const char *one, const char *many)
+        {
+            if (count != 0)
+            {
+                m_report.find(line, count == 1 ? one : std::to_string(count) + many);
+            }
+        };
+        note(notes.encoding.windows1252Lines, notes.encoding.windows1252First,
+             "the line is no UTF-8 and was taken as Windows-1252",
+             " lines from here on are no UTF-8 and were taken as Windows-1252");
+        note(notes.encoding.zeroLines, notes.encoding.zeroFirst, "the line holds zero bytes, which were dropped",
+             " lines from here on hold zero bytes, which were dropped");
+        note(notes.strayLines, notes.strayFirst, "the line belongs to nothing and was passed over",
+             " lines from here on belong to nothing and were passed over");
+        note(notes.unendedCalendars, notes.unendedCalendarFirst, "the calendar that begins here has no end",
+             " calendars from here on have no end");
+    }
+
+    CalendarReader m_reader;
+    ZoneBook m_zones;
+    CalendarSurvey m_survey;
+    AppointmentStore m_store;
+    const ImportOptions &m_options;
+    ImportReport &m_report;
+    std::set<std::string> m_unknownZones;
+    std::size_t m_seen = 0;
+};
+} // namespace
+
+ImportReport importCalendar(ByteSource &bytes, const std::string &name, const ImportOptions &options)
+{
+    ImportReport report;
+    report.file = name;
+    try
+    {
+        CalendarImport(bytes, options, report).run();
+    }
+    catch (const CalendarFileError &error)
+    {
+        report = {};
+        report.file = name;
+        report.failure = FileFailure{error.fault(), error.line(), error.what()};
+    }
+    return report;
+}
+
+ImportReport importCalendar(const std::filesystem::path &file, const ImportOptions &options)
+{
+    const std::string name = file == "-" ? "standard input" : file.string();
+    std::unique_ptr<ByteSource> bytes;
+    try
+    {
+        bytes = openFile(file);
+    }
+    catch (const CalendarFileError &error)
+    {
+        ImportReport report;
+        report.file = name;
+        report.failure = FileFailure{error.fault(), error.line(), error.what()};
+        return report;
+    }
+    return importCalendar(*bytes, name, options);
+}
+} // namespace zb::interchange

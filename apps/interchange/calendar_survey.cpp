@@ -1,0 +1,71 @@
+#include "interchange/calendar_survey.h"
+
+#include "interchange/event_item.h"
+
+#include <algorithm>
+#include <tuple>
+
+namespace zb::interchange
+{
+namespace
+{
+/// The digits of a number or time stamp as one number: "20261121T093000Z" is 20261121093000.
+std::uint64_t digitsOf(std::string_view text)
+{
+    constexpr std::size_t most = 18;
+    std::uint64_t value = 0;
+    std::size_t count = 0;
+    for (const char ch : text)
+    {
+        if (ch >= '0' && ch <= '9' && count < most)
+        {
+            value = value * 10 + static_cast<std::uint64_t>(ch - '0');
+            ++count;
+        }
+    }
+    return value;
+}
+} // namespace
+
+CalendarSurvey::Version CalendarSurvey::versionOf(const CalendarComponent &event)
+{
+    const EventField stamp = event.has(EventField::LastModified) ? EventField::LastModified : EventField::Stamp;
+    return {digitsOf(event.rawValue(EventField::Sequence)), digitsOf(event.rawValue(stamp)), event.line};
+}
+
+CalendarSurvey::CalendarSurvey(CalendarReader &reader, ZoneBook &zones)
+{
+    CalendarComponent component;
+    while (reader.next(component))
+    {
+        if (component.kind == ComponentKind::Zone && !component.unended && !component.oversized)
+        {
+            zones.define(component.zoneId, component.text);
+        }
+        if (component.kind != ComponentKind::Event || component.unended)
+        {
+            continue;
+        }
+        const Version version = versionOf(component);
+        const auto [found, added] = m_versions.emplace(eventKey(component), version);
+        Version &best = found->second;
+        if (!added &&
+            std::tie(version.sequence, version.stamp, version.line) >= std::tie(best.sequence, best.stamp, best.line))
+        {
+            best = version;
+        }
+    }
+    reader.rewind();
+}
+
+std::size_t CalendarSurvey::lineThatCounts(const CalendarComponent &event) const
+{
+    const auto found = m_versions.find(eventKey(event));
+    return found == m_versions.end() ? event.line : found->second.line;
+}
+
+bool CalendarSurvey::hasChangedFirstDay(const CalendarComponent &series) const
+{
+    return !series.has(EventField::RecurrenceId) && m_versions.count(changedDayKey(series)) != 0;
+}
+} // namespace zb::interchange

@@ -1,0 +1,215 @@
+#include "interchange/event_item.h"
+
+#include "interchange/event_times.h"
+#include "platform/text.h"
+
+#include <algorithm>
+#include <array>
+#include <memory>
+
+#include <libical/ical.h>
+
+namespace zb::interchange
+{
+namespace
+{
+constexpr std::size_t longestIdentity = 255;
+
+struct ComponentRelease
+{
+    void operator()(icalcomponent *component) const
+    {
+        icalcomponent_free(component);
+    }
+};
+using ComponentOwner = std::unique_ptr<icalcomponent, ComponentRelease>;
+
+bool isControl(char16_t ch)
+{
+    return ch < 0x20 || (ch >= 0x7F && ch < 0xA0);
+}
+
+std::u16string trimmed(std::u16string text)
+{
+    const auto blank = [](char16_t ch) { return ch == u' ' || ch == u'\t' || ch == u'\r' || ch == u'\n'; };
+    const auto end = std::find_if_not(text.rbegin(), text.rend(), blank).base();
+    text.erase(end, text.end());
+    text.erase(text.begin(), std::find_if_not(text.begin(), text.end(), blank));
+    return text;
+}
+
+/// Rows and dialogs show subject and place on one line.
+std::u16string oneLine(const std::u16string &text)
+{
+    std::u16string line;
+    line.reserve(text.size());
+    for (const char16_t ch : text)
+    {
+        const bool blank = isControl(ch) || ch == 0x2028 || ch == 0x2029;
+        if (!blank || (!line.empty() && line.back() != u' '))
+        {
+            line.push_back(blank ? u' ' : ch);
+        }
+    }
+    return trimmed(std::move(line));
+}
+
+/// Text of several lines, each ended as the device's edit controls end them.
+std::u16string manyLines(const std::u16string &text)
+{
+    std::u16string lines;
+    lines.reserve(text.size() + 16);
+    for (std::size_t at = 0; at < text.size(); ++at)
+    {
+        const char16_t ch = text[at];
+        if (ch == u'\r' && at + 1 < text.size() && text[at + 1] == u'\n')
+        {
+            continue;
+        }
+        if (ch == u'\n' || ch == u'\r')
+        {
+            lines += u"\r\n";
+        }
+        else if (ch == u'\t' || !isControl(ch))
+        {
+            lines.push_back(ch);
+        }
+    }
+    return trimmed(std::move(lines));
+}
+
+class EventBuilder
+{
+  public:
+    EventBuilder(const CalendarComponent &event, icalcomponent *parsed, const EventTimes &times)
+        : m_event(event), m_parsed(parsed), m_times(times)
+    {
+    }
+
+    AppointmentItem build() const
+    {
+        AppointmentItem item;
+        item.subject = oneLine(text(ICAL_SUMMARY_PROPERTY));
+        item.location = oneLine(text(ICAL_LOCATION_PROPERTY));
+        item.notes = manyLines(text(ICAL_DESCRIPTION_PROPERTY));
+        item.interchangeId = identity();
+        item.start = m_times.start;
+        item.durationMinutes = m_times.minutes;
+        item.allDay = m_times.allDay;
+        item.days = m_times.days;
+        item.busy = busyStatus();
+        // A class that is not known must be taken as private.
+        item.isPrivate = m_event.has(EventField::Class) && !m_event.says(EventField::Class, "PUBLIC");
+        item.reminder = m_event.hasAlarm;
+        return item;
+    }
+
+  private:
+    icalproperty *property(icalproperty_kind kind) const
+    {
+        return icalcomponent_get_first_property(m_parsed, kind);
+    }
+
+    std::u16string text(icalproperty_kind kind) const
+    {
+        icalproperty *const found = property(kind);
+        const icalvalue *const value = found == nullptr ? nullptr : icalproperty_get_value(found);
+        if (value == nullptr || icalvalue_isa(value) != ICAL_TEXT_VALUE)
+        {
+            return {};
+        }
+        const char *const content = icalvalue_get_text(value);
+        return content == nullptr ? std::u16string() : toUtf16(content);
+    }
+
+    BusyStatus busyStatus() const
+    {
+        constexpr std::array<std::pair<std::string_view, BusyStatus>, 5> words = {
+            {{"FREE", BusyStatus::Free},
+             {"TENTATIVE", BusyStatus::Tentative},
+             {"BUSY", BusyStatus::Busy},
+             {"OOF", BusyStatus::OutOfOffice},
+             {"WORKINGELSEWHERE", BusyStatus::Free}}};
+        for (const auto &[word, status] : words)
+        {
+            if (m_event.says(EventField::BusyStatus, word))
+            {
+                return status;
+            }
+        }
+        if (m_event.says(EventField::Transparency, "TRANSPARENT"))
+        {
+            return BusyStatus::Free;
+        }
+        return m_event.says(EventField::Status, "TENTATIVE") ? BusyStatus::Tentative : BusyStatus::Busy;
+    }
+
+    std::u16string identity() const
+    {
+        std::u16string id = trimmed(text(ICAL_UID_PROPERTY));
+        if (id.empty())
+        {
+            return toUtf16("content-" + fingerprint(m_event.text).hex());
+        }
+        if (!m_times.changedDay.empty())
+        {
+            id += u"\n" + toUtf16(m_times.changedDay);
+        }
+        if (id.size() > longestIdentity)
+        {
+            id = toUtf16("long-" + fingerprint(toUtf8(std::u16string_view(id))).hex());
+        }
+        return id;
+    }
+
+    const CalendarComponent &m_event;
+    icalcomponent *m_parsed;
+    const EventTimes &m_times;
+};
+
+std::string keyOf(const CalendarComponent &event, std::string_view day)
+{
+    std::string key(event.rawValue(EventField::Uid));
+    key += '\n';
+    key += day;
+    return key;
+}
+} // namespace
+
+EventReading readEvent(const CalendarComponent &event, ZoneBook &zones)
+{
+    EventReading reading;
+    const ComponentOwner parsed(icalparser_parse_string(event.text.c_str()));
+    if (parsed == nullptr || icalcomponent_isa(parsed.get()) != ICAL_VEVENT_COMPONENT)
+    {
+        reading.reason = "it can't be understood";
+        reading.line = event.line;
+        return reading;
+    }
+    try
+    {
+        const EventTimes times = readEventTimes(event, parsed.get(), zones);
+        reading.unknownZone = times.unknownZone;
+        reading.unknownZoneLine = times.unknownZoneLine;
+        reading.item = EventBuilder(event, parsed.get(), times).build();
+    }
+    catch (const EventLeftOut &left)
+    {
+        reading.reason = left.reason;
+        reading.line = left.line;
+    }
+    return reading;
+}
+
+Fingerprint eventKey(const CalendarComponent &event)
+{
+    return event.rawValue(EventField::Uid).empty()
+               ? fingerprint(event.text)
+               : fingerprint(keyOf(event, event.rawValue(EventField::RecurrenceId)));
+}
+
+Fingerprint changedDayKey(const CalendarComponent &series)
+{
+    return fingerprint(keyOf(series, series.rawValue(EventField::Start)));
+}
+} // namespace zb::interchange

@@ -1,0 +1,92 @@
+#include "interchange/import_report.h"
+
+namespace zb::interchange
+{
+namespace
+{
+std::string counted(std::size_t count, const std::string &one, const std::string &many)
+{
+    return std::to_string(count) + " " + (count == 1 ? one : many);
+}
+
+std::string place(const ImportReport &report, std::size_t line)
+{
+    return report.file + (line == 0 ? "" : ":" + std::to_string(line)) + ": ";
+}
+
+/// Words for components that people know; others by their name.
+std::string componentWords(const std::string &name, std::size_t count)
+{
+    if (name == "VTODO")
+    {
+        return counted(count, "to-do", "to-dos");
+    }
+    if (name == "VJOURNAL")
+    {
+        return counted(count, "journal entry", "journal entries");
+    }
+    if (name == "VFREEBUSY")
+    {
+        return counted(count, "free/busy list", "free/busy lists");
+    }
+    return counted(count, name + " component", name + " components");
+}
+} // namespace
+
+void ImportReport::find(std::size_t line, std::string text)
+{
+    if (findings.size() < mostFindings)
+    {
+        findings.push_back({line, std::move(text)});
+    }
+    else
+    {
+        ++moreFindings;
+    }
+}
+
+std::string summary(const ImportReport &report)
+{
+    if (report.failure)
+    {
+        return place(report, 0) + "nothing taken";
+    }
+    return place(report, 0) + std::to_string(report.added) + " new, " + std::to_string(report.updated) + " changed, " +
+           std::to_string(report.unchanged) + " unchanged, " + std::to_string(report.leftOut()) + " left out";
+}
+
+std::vector<std::string> remarks(const ImportReport &report)
+{
+    std::vector<std::string> lines;
+    if (report.failure)
+    {
+        lines.push_back(place(report, report.failure->line) + report.failure->text);
+        return lines;
+    }
+    for (const Finding &finding : report.findings)
+    {
+        lines.push_back(place(report, finding.line) + finding.text);
+    }
+    const auto add = [&](std::size_t count, const std::string &text)
+    {
+        if (count != 0)
+        {
+            lines.push_back(place(report, 0) + text);
+        }
+    };
+    add(report.moreFindings, counted(report.moreFindings, "more remark", "more remarks") + " of this kind");
+    add(report.repeating, counted(report.repeating, "repeating event came in as its first day only",
+                                  "repeating events came in as their first day only"));
+    add(report.changedFirstDays,
+        counted(report.changedFirstDays, "repeating event came in as its changed first day only",
+                "repeating events came in as their changed first days only"));
+    add(report.cancelled, counted(report.cancelled, "cancelled event was left out", "cancelled events were left out"));
+    add(report.superseded,
+        counted(report.superseded, "older version of an event was left out", "older versions of events were left out"));
+    for (const auto &[name, count] : report.otherComponents)
+    {
+        add(count, componentWords(name, count) + (count == 1 ? " was left out" : " were left out"));
+    }
+    return lines;
+}
+} // namespace zb::interchange

@@ -1,0 +1,73 @@
+// What the import of one calendar file did, for the eyes of its user.
+#pragma once
+
+#include "interchange/calendar_file_error.h"
+
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zb::interchange
+{
+/// One thing worth telling, with its line in the file (0: the file as a whole).
+struct Finding
+{
+    std::size_t line;
+    std::string text;
+};
+
+struct FileFailure
+{
+    FileFault fault;
+    std::size_t line;
+    std::string text;
+};
+
+struct ImportReport
+{
+    std::string file; ///< as its user named it
+
+    std::size_t events = 0; ///< in the file
+    std::size_t added = 0;
+    std::size_t updated = 0;
+    std::size_t unchanged = 0;
+
+    // Events that were left out on purpose.
+    std::size_t cancelled = 0;
+    std::size_t superseded = 0;       ///< an older version of an event that the file holds again
+    std::size_t changedFirstDays = 0; ///< a series whose first day is in the file as a changed one
+    /// Events that no record can hold; each has a finding.
+    std::size_t refused = 0;
+
+    std::size_t repeating = 0; ///< taken as their first day only
+    std::size_t shortened = 0; ///< texts cut to what a record holds; each has a finding
+    std::map<std::string, std::size_t> otherComponents;
+
+    std::vector<Finding> findings; ///< in the order of the file, as many as are kept
+    std::size_t moreFindings = 0;  ///< those beyond
+
+    /// Set when nothing of the file was taken.
+    std::optional<FileFailure> failure;
+
+    /// Keeps memory bounded for files in which every line is wrong.
+    static constexpr std::size_t mostFindings = 1000;
+    void find(std::size_t line, std::string text);
+
+    std::size_t leftOut() const
+    {
+        return cancelled + superseded + changedFirstDays + refused;
+    }
+    /// True when all that the device could keep of the file was taken whole.
+    bool isWhole() const
+    {
+        return !failure && refused == 0 && shortened == 0;
+    }
+};
+
+/// One line of counts: "work.ics: 12 new, 1 changed, 30 unchanged, 2 left out".
+std::string summary(const ImportReport &report);
+/// The reasons, one a line: findings with file and line first, then what was done to many events alike.
+std::vector<std::string> remarks(const ImportReport &report);
+} // namespace zb::interchange
