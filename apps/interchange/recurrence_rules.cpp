@@ -229,13 +229,14 @@ PatternResult yearly(const icalrecurrencetype &rule, const Parts &parts, const i
         return result;
     }
     RecurrencePattern &pattern = *result.pattern;
-    if (pattern.type == RecurrenceType::DayOfMonth && start.month == 2 && start.day == 29)
-    {
-        return refuse("it repeats on 29 February, which most years do not have");
-    }
     // The loader repeats a yearly pattern every year whatever its interval, and can lose the month of an nth weekday
     // at the turn of the year; a monthly one of twelve months and more says the same and has neither trouble.
-    const bool plain = pattern.type == RecurrenceType::DayOfMonth && rule.interval == 1;
+    const bool byDay = pattern.type == RecurrenceType::DayOfMonth;
+    const bool plain = byDay && rule.interval == 1;
+    if (byDay && ((start.month == 2 && start.day == 29) || (!plain && start.day > lastDayOfEveryMonth)))
+    {
+        return refuse("it repeats every few years on a day that some months do not have, or on 29 February");
+    }
     pattern.frequency = plain ? RecurrenceFrequency::Yearly : RecurrenceFrequency::Monthly;
     pattern.interval = 12U * static_cast<DWORD>(rule.interval);
     pattern.month = static_cast<DWORD>(start.month);

@@ -123,7 +123,7 @@ DWORD MessageQueue::post(HWND window, UINT message, WPARAM wParam, LPARAM lParam
         const std::lock_guard guard(m_lock);
         if (!accepts(window))
         {
-            return window != nullptr ? ERROR_INVALID_WINDOW_HANDLE : errorInvalidThreadId;
+            return window != nullptr ? errorInvalidWindow : errorInvalidThreadId;
         }
         if (m_posted.size() >= limit)
         {
@@ -146,9 +146,8 @@ DWORD MessageQueue::send(SentMessage &sent)
         const std::lock_guard guard(m_lock);
         if (!accepts(sent.window))
         {
-            return ERROR_INVALID_WINDOW_HANDLE;
+            return errorInvalidWindow;
         }
-        sent.number = ++m_lastNumber;
         m_sent.push_back(&sent);
         listening = (m_listening & wakeSent) != 0;
     }
@@ -217,36 +216,31 @@ std::optional<MessageQueue::Taken> MessageQueue::takeSent()
             continue;
         }
         m_running.push_back(sent);
-        return Taken{sent->number, sent->window, sent->message, sent->wParam, sent->lParam, sent->destroys};
+        return Taken{sent, sent->window, sent->message, sent->wParam, sent->lParam};
     }
     return std::nullopt;
 }
 
-void MessageQueue::finishSent(std::uint64_t number, std::optional<LRESULT> result)
+void MessageQueue::finishSent(SentMessage *sent, std::optional<LRESULT> result)
 {
     std::shared_ptr<ThreadState> sender;
     {
         const std::lock_guard guard(m_lock);
-        const auto found =
-            std::ranges::find_if(m_running, [&](const SentMessage *sent) { return sent->number == number; });
-        if (found == m_running.end())
+        if (std::erase(m_running, sent) == 0)
         {
             return;
         }
-        SentMessage &sent = **found;
-        m_running.erase(found);
-        sent.result = result.value_or(0);
-        sender = std::move(sent.sender);
-        sent.outcome.store(result.has_value() ? SendOutcome::Done : SendOutcome::Failed, std::memory_order_release);
+        sent->result = result.value_or(0);
+        sender = std::move(sent->sender);
+        sent->outcome.store(result.has_value() ? SendOutcome::Done : SendOutcome::Failed, std::memory_order_release);
     }
     sender->unpark();
 }
 
-void MessageQueue::forgetSent(SentMessage &sent)
+void MessageQueue::withdrawSent(SentMessage &sent)
 {
     const std::lock_guard guard(m_lock);
     std::erase(m_sent, &sent);
-    std::erase(m_running, &sent);
 }
 
 bool MessageQueue::hasPosted(const MessageFilter &filter) const
