@@ -2,6 +2,7 @@
 #include "platform/types.h"
 
 #include <cstring>
+#include <string>
 
 namespace
 {
@@ -13,7 +14,7 @@ struct Entry
     std::size_t length;     ///< of both; texts of one entry are equally long
 };
 
-// The text of 3 holds a zero, which a caller only sees when it goes by the length. Length 5 of 4 leaves the tail out:
+// The text of 3 holds a zero, which a caller only sees when it goes by the length. Text 4 is cut by its length:
 // texts in place need not be terminated.
 constexpr Entry entries[] = {
     {1, u"first", u"erste", 5},
@@ -27,12 +28,20 @@ constexpr Entry entries[] = {
 
 extern "C" const WCHAR *zbResourceString(UINT id, const char *language, std::size_t *length)
 {
+    if (id == 5)
+    {
+        // The language that is asked for, itself.
+        static thread_local std::u16string asked;
+        asked.assign(language, language + std::strlen(language));
+        *length = asked.size();
+        return asked.c_str();
+    }
     for (const Entry &entry : entries)
     {
         if (entry.id == id)
         {
+            const bool german = std::strncmp(language, "de", 2) == 0 && entry.german != nullptr;
             *length = entry.length;
-            const bool german = std::strcmp(language, "de") == 0 && entry.german != nullptr;
             return german ? entry.german : entry.english;
         }
     }
