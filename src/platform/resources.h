@@ -11,7 +11,8 @@
 ZBPLATFORM_API int LoadStringW(HINSTANCE instance, UINT id, WCHAR *buffer, int size);
 
 /// What a resource module exports, with C linkage under the name "zbResourceString": the text of a number in the given
-/// language ("en", "de" ...; the module falls back to English) and its length, or null.
+/// language and its length, or null. The language is a BCP 47 name ("de", "pt-BR"); the module falls back from the
+/// particular to the general one, then to English.
 using ZbResourceString = const WCHAR *(*)(UINT id, const char *language, std::size_t *length);
 
 namespace zb

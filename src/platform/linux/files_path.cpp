@@ -80,7 +80,8 @@ std::optional<Parts> partsOf(const WCHAR *path)
     finish();
     for (const std::u16string &each : parts)
     {
-        if (each == u".." || isTemporaryName(toUtf8(each)))
+        const std::string name = toUtf8(each);
+        if (each == u".." || name.size() > NAME_MAX || isTemporaryName(name))
         {
             return std::nullopt;
         }
