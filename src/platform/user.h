@@ -64,14 +64,20 @@ struct CREATESTRUCTW
     DWORD dwExStyle;
 };
 
-/// 0 and last error 1410 when the class exists.
+/// Names of classes know no case. 0 and last error 1410 when the class exists, 87 without a name or a procedure.
 ZBPLATFORM_API ATOM RegisterClassW(const WNDCLASSW *windowClass);
+/// False and last error 1411 when there is no such class, 1412 while it has windows. instance is not looked at.
 ZBPLATFORM_API BOOL UnregisterClassW(const WCHAR *name, HINSTANCE instance);
-/// Sends WM_NCCREATE and WM_CREATE (lParam a CREATESTRUCTW); null when the class is unknown or the window refuses
-/// (WM_NCCREATE gives 0, WM_CREATE gives -1).
+/// Sends WM_NCCREATE and WM_CREATE (lParam a CREATESTRUCTW); null when the class is unknown (last error 1407), the
+/// parent is gone (1400), windows would nest deeper than 100 levels (87) or the window refuses: WM_NCCREATE gives 0
+/// (WM_NCDESTROY follows), WM_CREATE gives -1 (it is destroyed). className may be the class's atom. menu is the id of
+/// a child.
 ZBPLATFORM_API HWND CreateWindowExW(DWORD exStyle, const WCHAR *className, const WCHAR *text, DWORD style, int x, int y,
-                                    int width, int height, HWND parent, void *menu, HINSTANCE instance, void *parameter);
-/// On the owner's thread only. Children go first; WM_DESTROY, then WM_NCDESTROY; queued messages to it are dropped.
+                                    int width, int height, HWND parent, void *menu, HINSTANCE instance,
+                                    void *parameter);
+/// On the owner's thread only (else false and last error 5). Children go first, through their own thread if that is
+/// another; WM_DESTROY, then WM_NCDESTROY; queued messages to it are dropped and its timers stopped. The windows of a
+/// thread that ends or is terminated go with it, without messages.
 ZBPLATFORM_API BOOL DestroyWindow(HWND window);
 ZBPLATFORM_API BOOL IsWindow(HWND window);
 ZBPLATFORM_API HWND GetParent(HWND window);
@@ -84,7 +90,8 @@ inline constexpr int GWL_STYLE = -16;
 inline constexpr int GWL_EXSTYLE = -20;
 inline constexpr int GWL_USERDATA = -21;
 inline constexpr int GWL_ID = -12;
-/// Pointer-wide words of a window: those above, or byte offsets into its extra bytes (cbWndExtra).
+/// Pointer-wide words of a window: those above, or byte offsets into its extra bytes (cbWndExtra). 0 on failure, with
+/// last error 1413 for an index that is none.
 ZBPLATFORM_API LONG_PTR GetWindowLongW(HWND window, int index);
 ZBPLATFORM_API LONG_PTR SetWindowLongW(HWND window, int index, LONG_PTR value);
 
@@ -97,6 +104,7 @@ ZBPLATFORM_API int GetWindowTextLengthW(HWND window);
 inline constexpr UINT PM_NOREMOVE = 0;
 inline constexpr UINT PM_REMOVE = 1;
 
+/// 0 and last error 1400 when the window is gone, also when it or its thread ends before the procedure has answered.
 ZBPLATFORM_API LRESULT SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 /// A null window posts to the calling thread. False and last error 298 when 10,000 messages wait already.
 ZBPLATFORM_API BOOL PostMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
@@ -104,15 +112,17 @@ ZBPLATFORM_API BOOL PostMessageW(HWND window, UINT message, WPARAM wParam, LPARA
 ZBPLATFORM_API BOOL PostThreadMessageW(DWORD thread, UINT message, WPARAM wParam, LPARAM lParam);
 ZBPLATFORM_API void PostQuitMessage(int exitCode);
 /// Dispatches what other threads sent, then takes a posted message, a quit, or a due timer, in that order. first and
-/// last bound the message numbers, both 0 means all. GetMessageW gives 0 for WM_QUIT, else 1; -1 for a bad window.
+/// last bound the message numbers, both 0 means all; a window takes its own messages and its children's. A quit passes
+/// every bound. GetMessageW gives 0 for WM_QUIT, else 1; -1 for a window that is gone or another thread's.
 ZBPLATFORM_API BOOL PeekMessageW(MSG *message, HWND window, UINT first, UINT last, UINT remove);
 ZBPLATFORM_API BOOL GetMessageW(MSG *message, HWND window, UINT first, UINT last);
 ZBPLATFORM_API BOOL TranslateMessage(const MSG *message);
-/// Calls the window's procedure, or the timer's when lParam of a WM_TIMER holds one.
+/// Calls the window's procedure, or the timer's when lParam of a WM_TIMER holds one and the timer still is set.
 ZBPLATFORM_API LRESULT DispatchMessageW(const MSG *message);
 
 using TIMERPROC = void (*)(HWND, UINT, UINT_PTR, DWORD);
 /// A timer of the window (id chosen by the caller, an equal one is set anew) or, with a null window, of the thread (id
-/// chosen here). WM_TIMER comes when no other message waits, never twice at once for one timer.
+/// chosen here; that of one of its timers sets it anew). WM_TIMER comes when no other message waits, never twice at
+/// once for one timer. 0 on failure. Fewer than 1 ms are taken as 1.
 ZBPLATFORM_API UINT_PTR SetTimer(HWND window, UINT_PTR id, UINT milliseconds, TIMERPROC procedure);
 ZBPLATFORM_API BOOL KillTimer(HWND window, UINT_PTR id);

@@ -123,7 +123,7 @@ DWORD MessageQueue::post(HWND window, UINT message, WPARAM wParam, LPARAM lParam
         const std::lock_guard guard(m_lock);
         if (!accepts(window))
         {
-            return window != nullptr ? errorInvalidWindow : errorInvalidThreadId;
+            return window != nullptr ? ERROR_INVALID_WINDOW_HANDLE : errorInvalidThreadId;
         }
         if (m_posted.size() >= limit)
         {
@@ -146,8 +146,9 @@ DWORD MessageQueue::send(SentMessage &sent)
         const std::lock_guard guard(m_lock);
         if (!accepts(sent.window))
         {
-            return errorInvalidWindow;
+            return ERROR_INVALID_WINDOW_HANDLE;
         }
+        sent.number = ++m_lastNumber;
         m_sent.push_back(&sent);
         listening = (m_listening & wakeSent) != 0;
     }
@@ -216,31 +217,36 @@ std::optional<MessageQueue::Taken> MessageQueue::takeSent()
             continue;
         }
         m_running.push_back(sent);
-        return Taken{sent, sent->window, sent->message, sent->wParam, sent->lParam};
+        return Taken{sent->number, sent->window, sent->message, sent->wParam, sent->lParam, sent->destroys};
     }
     return std::nullopt;
 }
 
-void MessageQueue::finishSent(SentMessage *sent, std::optional<LRESULT> result)
+void MessageQueue::finishSent(std::uint64_t number, std::optional<LRESULT> result)
 {
     std::shared_ptr<ThreadState> sender;
     {
         const std::lock_guard guard(m_lock);
-        if (std::erase(m_running, sent) == 0)
+        const auto found =
+            std::ranges::find_if(m_running, [&](const SentMessage *sent) { return sent->number == number; });
+        if (found == m_running.end())
         {
             return;
         }
-        sent->result = result.value_or(0);
-        sender = std::move(sent->sender);
-        sent->outcome.store(result.has_value() ? SendOutcome::Done : SendOutcome::Failed, std::memory_order_release);
+        SentMessage &sent = **found;
+        m_running.erase(found);
+        sent.result = result.value_or(0);
+        sender = std::move(sent.sender);
+        sent.outcome.store(result.has_value() ? SendOutcome::Done : SendOutcome::Failed, std::memory_order_release);
     }
     sender->unpark();
 }
 
-void MessageQueue::withdrawSent(SentMessage &sent)
+void MessageQueue::forgetSent(SentMessage &sent)
 {
     const std::lock_guard guard(m_lock);
     std::erase(m_sent, &sent);
+    std::erase(m_running, &sent);
 }
 
 bool MessageQueue::hasPosted(const MessageFilter &filter) const

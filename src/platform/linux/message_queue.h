@@ -4,7 +4,8 @@
 // - Only windows in m_windows get messages; taking a window out drops what waits for it and fails the sends to it. So a
 //   message to a window that is gone never stands in a queue.
 // - A sent message lives on its sender's stack and stands in m_sent until the thread takes it up, then in m_running
-//   until its procedure has returned. Storing its outcome is the last touch: the sender may be gone right after.
+//   until its procedure has returned or its sender gave up. Storing its outcome is the last touch: the sender may be
+//   gone right after. While a procedure runs the message is known by its number alone.
 // - A closed queue holds nothing and takes nothing; what a terminated thread still completes is then not found.
 // The lock is held for a few instructions, never over a procedure. Threads: any, except where told.
 #pragma once
@@ -45,7 +46,9 @@ struct SentMessage
     UINT message = 0;
     WPARAM wParam = 0;
     LPARAM lParam = 0;
+    bool destroys = false; ///< no message but the wish to destroy the window
     std::shared_ptr<ThreadState> sender;
+    std::uint64_t number = 0; ///< given by the queue
     LRESULT result = 0;
     std::atomic<SendOutcome> outcome{SendOutcome::Waiting};
 };
@@ -85,16 +88,17 @@ class MessageQueue
     /// A copy of the fields is taken, since a sender may be let go while the procedure still runs.
     struct Taken
     {
-        SentMessage *sent = nullptr;
+        std::uint64_t number = 0;
         HWND window = nullptr;
         UINT message = 0;
         WPARAM wParam = 0;
         LPARAM lParam = 0;
+        bool destroys = false;
     };
     std::optional<Taken> takeSent();
-    void finishSent(SentMessage *sent, std::optional<LRESULT> result);
-    /// Takes back a message that nobody has taken up yet (its sender is to stop).
-    void withdrawSent(SentMessage &sent);
+    void finishSent(std::uint64_t number, std::optional<LRESULT> result);
+    /// The sender waits no more; nothing refers to the message from here on.
+    void forgetSent(SentMessage &sent);
 
     // --- Waiting, by the owner
     struct Outlook
@@ -136,6 +140,7 @@ class MessageQueue
     std::vector<SentMessage *> m_running;
     std::unordered_set<HWND> m_windows;
     std::vector<Timer> m_timers;
+    std::uint64_t m_lastNumber = 0;
     UINT_PTR m_nextTimerId = 1;
     unsigned m_listening = 0;
     std::optional<int> m_quit;

@@ -204,6 +204,8 @@ DWORD waitFor(std::span<const HANDLE> handles, bool all, DWORD milliseconds, uns
     {
         currentThread().parkForGood();
     }
+    // Suspended during the wait: what was given meanwhile is kept, the way on is not.
+    stopHere();
     if (result == waitClosed)
     {
         return fail(ERROR_INVALID_HANDLE);

@@ -28,7 +28,6 @@ WindowObject::WindowObject(std::shared_ptr<WindowClass> type, std::shared_ptr<Th
     : HandleObject(HandleKind::Window), procedure(type->description.lpfnWndProc), m_type(std::move(type)),
       m_owner(std::move(owner)), m_extra(static_cast<std::size_t>(std::max(m_type->description.cbWndExtra, 0)))
 {
-    m_type->windows.fetch_add(1, std::memory_order_relaxed);
 }
 
 WindowObject::~WindowObject() = default;
@@ -74,7 +73,7 @@ std::shared_ptr<WindowObject> findWindow(HWND window)
     auto found = findAs<WindowObject>(reinterpret_cast<HANDLE>(window), HandleKind::Window);
     if (found == nullptr)
     {
-        SetLastError(errorInvalidWindow);
+        SetLastError(ERROR_INVALID_WINDOW_HANDLE);
     }
     return found;
 }
@@ -94,6 +93,19 @@ bool isWithin(HWND window, HWND ancestor)
     return window != nullptr;
 }
 
+bool adopt(const std::shared_ptr<WindowObject> &parent, HWND parentHandle, HWND child, WindowObject &object)
+{
+    const std::lock_guard guard(treeLock());
+    if (parent->destroying || parent->level >= deepestLevel)
+    {
+        return false;
+    }
+    parent->children.push_back(child);
+    object.parent = parentHandle;
+    object.level = parent->level + 1;
+    return true;
+}
+
 void removeWindowOfEndedThread(HWND window)
 {
     const DWORD kept = GetLastError();
@@ -105,7 +117,13 @@ void removeWindowOfEndedThread(HWND window)
     }
     WindowObject &object = static_cast<WindowObject &>(*removed);
     object.type()->windows.fetch_sub(1, std::memory_order_relaxed);
-    const auto parent = peekWindow(object.parent);
+    HWND parentHandle = nullptr;
+    {
+        const std::lock_guard guard(treeLock());
+        object.destroying = true;
+        parentHandle = object.parent;
+    }
+    const auto parent = parentHandle == nullptr ? nullptr : peekWindow(parentHandle);
     const std::lock_guard guard(treeLock());
     if (parent != nullptr)
     {
@@ -118,14 +136,16 @@ void removeWindow(HWND window)
     if (const auto object = peekWindow(window))
     {
         removeWindowOfEndedThread(window);
-        object->owner().queue().removeWindow(window);
+        object->owner()->queue().removeWindow(window);
     }
 }
 
 LRESULT callWindow(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    const auto object = findWindow(window);
+    // The reference goes before the procedure runs, which may never come back.
+    auto object = findWindow(window);
     const WNDPROC procedure = object == nullptr ? nullptr : object->procedure.load(std::memory_order_acquire);
+    object.reset();
     return procedure == nullptr ? 0 : procedure(window, message, wParam, lParam);
 }
 } // namespace zb::internal

@@ -17,7 +17,8 @@
 
 namespace zb::internal
 {
-inline constexpr DWORD errorInvalidWindow = ERROR_INVALID_WINDOW_HANDLE;
+/// As deep as windows may be nested: destroying goes down the tree by recursion.
+inline constexpr int deepestLevel = 100;
 
 /// A registered class. Kept by its windows, so that they outlive its registration.
 struct WindowClass
@@ -34,9 +35,13 @@ class WindowObject final : public HandleObject
     WindowObject(std::shared_ptr<WindowClass> type, std::shared_ptr<ThreadState> owner);
     ~WindowObject() override;
 
-    ThreadState &owner() const
+    const std::shared_ptr<ThreadState> &owner() const
     {
-        return *m_owner;
+        return m_owner;
+    }
+    bool isOwn() const
+    {
+        return m_owner.get() == thisThread.state;
     }
     const std::shared_ptr<WindowClass> &type() const
     {
@@ -48,7 +53,6 @@ class WindowObject final : public HandleObject
     std::atomic<LONG_PTR> style{0};
     std::atomic<LONG_PTR> exStyle{0};
     std::atomic<LONG_PTR> id{0};
-    std::atomic<bool> destroying{false};
 
     /// False when the bytes lie outside the window's extra bytes.
     bool readExtra(int offset, LONG_PTR &value) const;
@@ -57,6 +61,8 @@ class WindowObject final : public HandleObject
     void setText(const WCHAR *text);
 
     // Under treeLock()
+    bool destroying = false;
+    int level = 0; ///< parents above it
     HWND parent = nullptr;
     std::vector<HWND> children;
 
@@ -73,17 +79,21 @@ std::mutex &treeLock();
 std::shared_ptr<WindowObject> findWindow(HWND window);
 /// The window itself or one below it.
 bool isWithin(HWND window, HWND ancestor);
+/// Puts the window below a parent; false when that one is gone or going.
+bool adopt(const std::shared_ptr<WindowObject> &parent, HWND parentHandle, HWND child, WindowObject &object);
 /// Takes the window out of table, tree and queue; no message is sent.
 void removeWindow(HWND window);
 /// The same for a window whose queue is closed already.
 void removeWindowOfEndedThread(HWND window);
 /// Sends WM_DESTROY and WM_NCDESTROY to children and window, then removes it. On the owner's thread.
-bool destroyOwnWindow(HWND window);
-/// Calls the window's procedure; 0 for a window that is gone.
+void destroyOwnWindow(HWND window);
+/// As above, through the owner's thread when that is another.
+void destroyAnyWindow(HWND window);
+/// Calls the window's procedure on this thread; 0 with last error 1400 for a window that is gone.
 LRESULT callWindow(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 /// Runs the procedures for all that other threads have sent to this one.
 void dispatchSentMessages(ThreadState &thread);
 
-/// A message number that no host can use: asks the owner's thread to destroy the window.
-inline constexpr UINT messageDestroy = 0x10001;
+/// The registered class of a name or of an atom that stands in its place; null when there is none.
+std::shared_ptr<WindowClass> findWindowClass(const WCHAR *name);
 } // namespace zb::internal
