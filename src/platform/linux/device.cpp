@@ -13,10 +13,8 @@
 #include "platform/linux/store.h"
 #include "platform/pim.h"
 
-#include <atomic>
 #include <chrono>
 #include <cstdlib>
-#include <fstream>
 #include <mutex>
 
 namespace zb
@@ -40,13 +38,9 @@ OpenState &openState()
     return *instance;
 }
 
-std::atomic<std::uint64_t> generation{0};
-
 void publish(std::shared_ptr<const DeviceState> state)
 {
     const std::lock_guard guard(openState().mutex);
-    static std::uint64_t openings = 0;
-    generation.store(state != nullptr ? ++openings : 0, std::memory_order_release);
     openState().state = std::move(state);
 }
 
@@ -193,7 +187,7 @@ std::unique_ptr<Device> OpenDevice(const DeviceOptions &options)
     return std::make_unique<OpenedDevice>(options);
 }
 
-// Until the store stands, so that what needs no store can be linked and tried.
+// Until the item databases stand.
 __attribute__((weak)) bool createPimDatabases()
 {
     return true;
@@ -201,25 +195,10 @@ __attribute__((weak)) bool createPimDatabases()
 
 namespace internal
 {
-__attribute__((weak)) std::shared_ptr<Store> openStore(const std::filesystem::path &file, bool, const std::string &)
-{
-    std::ofstream(file, std::ios::app); // so that the folder is known again
-    return nullptr;
-}
-
-__attribute__((weak)) void closeStore(Store &)
-{
-}
-
 std::shared_ptr<const DeviceState> currentDevice()
 {
     const std::lock_guard guard(openState().mutex);
     return openState().state;
-}
-
-std::uint64_t deviceGeneration()
-{
-    return generation.load(std::memory_order_acquire);
 }
 
 std::string currentLocale()
