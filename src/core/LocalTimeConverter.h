@@ -51,7 +51,7 @@ class ZBTOOLS_API LocalTimeConverter
 };
 
 /// Days that February has for the changes of zones in this process; see ConvertToAbsolute.
-int februaryOfChanges();
+ZBTOOLS_API int februaryOfChanges();
 /// The moment of a zone's change in a year, in local ticks; 0 for one that doesn't exist.
-LONGLONG ticksOfChange(int year, const SYSTEMTIME &transition);
+ZBTOOLS_API LONGLONG ticksOfChange(int year, const SYSTEMTIME &transition);
 } // namespace zb

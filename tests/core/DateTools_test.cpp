@@ -156,7 +156,7 @@ TEST(DateTools, AMoveBeyondTheCalendarLeavesTheDate)
     const SYSTEMTIME before = date;
     incrementday(&date, -1);
     expectFields(date, before);
-    SystemTimeIncrement(&date, INT64_MAX);
+    SystemTimeDecrement(&date, INT64_MAX);
     SystemTimeDecrement(&date, INT64_MIN);
     SYSTEMTIME late = dateOf(2006, 1, 1);
     SystemTimeIncrement(&late, INT64_MAX);
