@@ -1,0 +1,264 @@
+// The background loader of every calendar list.
+//
+//     CCalendarThread loader(nullptr);
+//     loader.m_hWndHost = window;
+//     loader.SetRestrict(&first, &last);
+//     loader.Start();
+//     ... on message 1274: loader.GetList() holds the rows, sorted.
+//
+// A run walks the appointments from first to last, makes a row (or several) of each that the filters let pass, adds the
+// headers of the days, sorts and publishes. Messages to m_hWndHost, all posted: 32802 when it begins, 1274 (wParam 1,
+// lParam the number of rows) when the list is complete, 32803 when it is done. A run that is stopped leaves out 1274
+// and keeps the rows read so far; one that is killed posts 32803 alone and publishes nothing.
+//
+// Ownership: the list owns its rows; they stay valid until the next full run begins. Threads: an object belongs to its
+// host's thread, but for what a run does on the loader's. The run holds the list lock throughout; a host that walks the
+// list while a run may be going enters the lock with the try form. SetRestrict may be called at any time and counts
+// from the next run on; settings and restriction are set while no run is going. A second run that finds the lock held
+// is dropped.
+//
+// Failures are silent: a record that can't be read is left out.
+#pragma once
+
+#include "calendar/CRecurrenceReader.h"
+#include "calendar/CalendarSettings.h"
+#include "calendar/DATACALENDAR.h"
+#include "calendar/DATACALENDARDB.h"
+#include "core/CePtrList.h"
+#include "core/CeWorkerThread.h"
+#include "core/LoaderMessages.h"
+#include "core/LocalTimeConverter.h"
+#include "core/synchronization.h"
+#include "records/CCategoryFilterInfo.h"
+#include "records/CFullCategory.h"
+#include "records/CeDb.h"
+#include "records/CeDbRecord.h"
+
+#include <array>
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+class ZBTOOLS_API CCalendarThread : public CeWorkerThread
+{
+  public:
+    /// The properties of a record as a load asks for them; the index is their place there.
+    enum AppointmentProperty : int
+    {
+        APPT_START,         ///< 0x420d FILETIME, UTC; of a single all-day event, the date itself
+        APPT_DURATION,      ///< 0x4213 long, minutes
+        APPT_DURATION_TYPE, ///< 0x4215 long, 1 all-day
+        APPT_REMINDER,      ///< 0x4503 short
+        APPT_UNUSED,        ///< 0x4223 short, read and not used
+        APPT_SENSITIVITY,   ///< 0x0004 short, not 0 private
+        APPT_BUSY_STATUS,   ///< 0x000f short
+        APPT_SUBJECT,       ///< 0x0037 string
+        APPT_LOCATION,      ///< 0x4208 string
+        APPT_EXTRA,         ///< 0x2a08 string
+        APPT_NOTES,         ///< 0x0017 blob, notes from 5 bytes on
+        APPT_CATEGORIES,    ///< 0x0016 blob
+        APPT_RECURRENCE,    ///< 0x4015 blob, not empty in a series
+        APPT_ATTENDEES,     ///< 0x0030 blob, attendees from 5 bytes on
+        APPT_ZONE,          ///< 0x0001 blob, zone of a series
+        APPT_PROPERTY_COUNT
+    };
+    static const std::array<CEPROPID, APPT_PROPERTY_COUNT> APPOINTMENT_PROPERTIES;
+    /// A record whose properties take more does not appear.
+    static constexpr DWORD READ_BUFFER_SIZE = 0x20000;
+    static constexpr const WCHAR *DEFAULT_SETTINGS_KEY = u"Software\\Kelvo\\Zembrik\\CAV";
+
+    /// settingsKey names the key of this list's settings; null takes the default. The device must be open.
+    explicit CCalendarThread(const WCHAR *settingsKey = nullptr);
+    ~CCalendarThread() override;
+
+    // --- Before a run ---------------------------------------------------------------------------------------------
+
+    /// Where the messages go; null sends none.
+    HWND m_hWndHost = nullptr;
+    /// Present state: nothing reads the settings from the store yet; what stands here counts.
+    CalendarSettings m_settings;
+
+    void SetSettingsKey(const WCHAR *path);
+    const WCHAR *GetSettingsKey() const
+    {
+        return m_strSettingsKey.c_str();
+    }
+    /// The range of dates, by whole days, both included. Without one a run ends at once.
+    void SetRestrict(const SYSTEMTIME *start, const SYSTEMTIME *end);
+    /// Hands out the restriction for editing; SetCategoryRestrict makes the edited choice count.
+    void GetCategoryRestrict(CCategoryFilterInfo *&restriction);
+    /// Present state: `save` has no effect, since there is no settings store yet.
+    void SetCategoryRestrict(bool save);
+    /// No headers of days; the list then stays in the order of reading.
+    void SetNoHeaderDates(bool noHeaders);
+    /// Takes the settings over: names in lower case, zone, today, task sort key, short date format.
+    void SettingChange();
+
+    // --- The list -------------------------------------------------------------------------------------------------
+
+    CePtrList<DATACALENDAR *> &GetList()
+    {
+        return m_list;
+    }
+    CeCriticalSection &GetListLock()
+    {
+        return m_csList;
+    }
+    /// Whether a day lies in the range; false without range.
+    bool IsInCache(const SYSTEMTIME *date) const;
+    bool IsInCache(double date) const;
+    /// Whether the date and `days` more lie in the range, to the minute.
+    bool IsInCache(const SYSTEMTIME *date, int days) const;
+    /// Sorts anew, by the order that goes with the filter; does nothing while a run goes on.
+    void SortDataList(bool ascending);
+    /// Picture of short dates for GetDateFormatW, without the year: "M/dd", "dd.M"; empty for an unknown order.
+    const WCHAR *GetShortDateFormat() const
+    {
+        return m_strShortDate.c_str();
+    }
+
+    /// Headers first, then all-day events, then by start, subject and id; tasks behind the appointments of their day.
+    static int CompareFunc(DATACALENDAR *const &a, DATACALENDAR *const &b, DWORD_PTR user);
+    /// By start alone.
+    static int CompareFuncDate(DATACALENDAR *const &a, DATACALENDAR *const &b, DWORD_PTR user);
+    /// By month and day without the year, then by subject and id.
+    static int CompareFuncBirthday(DATACALENDAR *const &a, DATACALENDAR *const &b, DWORD_PTR user);
+
+    // --- A run ----------------------------------------------------------------------------------------------------
+
+    /// The body of a run, on the calling thread: a full load, or, with an id, that one record read again and added to
+    /// the list (unsorted, without messages). stop may be null. Returns 0.
+    DWORD CalendarThreadProc(CeManualEvent *stop, CEOID oid);
+
+    /// Part of a full run: sorts, and puts the headers of days in (for every day of the range in the list of the range,
+    /// else in front of each day that has rows; rows that are there twice then go). Returns the number of headers. Only
+    /// for a thread that holds the list lock; so do the two below, which do not sort.
+    int AddCalendarDate();
+    int AddCalendarDatesForRange();
+    int AddCalendarDatesForData();
+    /// Opens the link and journal databases, which tell whether a row has links or a journal. One that does not open
+    /// leaves its flag off. A run opens and closes them itself.
+    void InitiateLinksDB();
+    void CloseLinksDB();
+
+    /// Today, process-wide, as the last SettingChange of any loader found it; device-local.
+    static SYSTEMTIME GetToday();
+    /// Order of the tasks in all calendar lists of the process.
+    static std::atomic<DWORD> s_dwTaskSort;
+    static std::atomic<bool> s_bTaskSortDescending;
+
+  protected:
+    DWORD ThreadProc() override;
+    void PostKill() override;
+
+    /// Names of the categories in a record's blob, joined by ", ", as malloc text; never null but without memory.
+    /// Present state: always an empty text, since nothing knows the categories' names yet.
+    virtual WCHAR *AssembleCategories(const CEBLOB &blob);
+
+  private:
+    struct Range
+    {
+        SYSTEMTIME start{};
+        SYSTEMTIME end{};
+        double dtStart = noDate;
+        double dtEnd = noDate;
+        bool isSet() const
+        {
+            return dtStart != noDate;
+        }
+    };
+
+    // Frame of a run (CCalendarThread.cpp).
+    void BeginFullLoad();
+    void ChooseMode();
+    bool ReadAppointments(CeManualEvent *stop, CEOID oid);
+    bool WalkRecords(CeManualEvent *stop, CEOID oid);
+    void fReadOneRecord();
+    void FillAsOneRow();
+    Range CurrentRange() const;
+    void PostToHost(UINT message, WPARAM wParam, LPARAM lParam);
+
+    // One record (CCalendarThread_record.cpp, CCalendarThread_text.cpp).
+    bool fReadRecord();
+    bool fCrossCheck();
+    bool fReadRestOfRecord();
+    bool PassesStatusAndCategory() const;
+    bool PassesFilter() const;
+    void ReadScalars();
+    bool ReadStart();
+    bool LiesInRange() const;
+    bool OverlapsRange() const;
+    void FillStart();
+    void ReadZone();
+    void ReadTexts();
+    void ReadCategories();
+    bool DropFloatingPrefix();
+    void RecogniseYears();
+    bool BelongsToList() const;
+    void ReadLinkFlags();
+    const WCHAR *TextAt(int index) const;
+    CEBLOB BlobAt(int index) const;
+    bool FlagAt(int index) const;
+
+    // Rows (CCalendarThread_rows.cpp, CCalendarThread_timing.cpp).
+    void fFillEventList();
+    void fFillNonRecurrEvnt();
+    void fFillExtraAgendaInfo(DATACALENDAR *row);
+    void AddAge(DATACALENDAR &row, WORD firstYear, const WCHAR *mark) const;
+    int LastDayOf(const DATACALENDAR &row) const;
+    void AddFurtherDays(DATACALENDAR *row, int count);
+    bool EndsEarly(const DATACALENDAR &row) const;
+    void SetOccurrence(const SYSTEMTIME &date);
+    void fGetRecurTimingStr(const TIME_ZONE_INFORMATION *zone, int startHour, int startMinute, int endHour,
+                            int endMinute, DATACALENDAR *row);
+    double TimeOfOccurrence(const TIME_ZONE_INFORMATION &zone, SYSTEMTIME date, bool allDay) const;
+
+    // Settings (CCalendarThread_extras.cpp).
+    void TakeToday();
+    void BuildShortDateFormat();
+    CePtrList<DATACALENDAR *>::CompareCallback CompareForFilter() const;
+
+    CePtrList<DATACALENDAR *> m_list;
+    CeCriticalSection m_csList;
+    mutable std::mutex m_rangeGuard; // of m_range; held for copies alone
+    Range m_range;
+
+    std::u16string m_strSettingsKey;
+    CCategoryFilterInfo m_categoryRestrict;
+    CePtrList<CFullCategory *> m_lstSelected;
+    bool m_bNoHeaderDates = false;
+    std::u16string m_strAnniversaryName; // lower case
+    std::u16string m_strBirthdayName;    // lower case
+    std::u16string m_strShortDate;
+    std::array<WCHAR, 16> m_szYears{}; // unit word of ages
+    TIME_ZONE_INFORMATION m_tzDevice{};
+    zb::LocalTimeConverter m_toLocal;
+    double m_dtToday = noDate;
+
+    // What follows belongs to the run.
+    CalendarFilter m_filter = CalendarFilter::Range;
+    bool m_bExpand = true;
+    bool m_bTestStatus = false;
+    int m_nRangeStart = noDay;
+    int m_nRangeEnd = noDay;
+    std::unique_ptr<DATACALENDARDB> m_pRow;
+    std::vector<DWORD> m_lstDeletedDates;
+    BYTE *m_pReadBuffer = nullptr; // owned by m_record once it was read into
+    CeDbRecord m_record;
+    CeDb m_dbAppointments;
+    std::unique_ptr<CeDb> m_pDbLinks;
+    std::unique_ptr<CeDb> m_pDbJournal;
+    CEPROPVAL m_keyLinks{};
+    CEPROPVAL m_keyJournal{};
+    bool m_bLinksOpen = false;
+    CRecurrenceReader m_reader;
+    std::u16string m_strWork;
+    bool m_bRestRead = false;  // texts of the current record are in the scratch row
+    LONGLONG m_startTicks = 0; // device-local start of the current record
+    int m_nStartDay = 0;       // its whole day, and that of its end
+    int m_nEndDay = 0;
+    SYSTEMTIME m_stOccurrence{}; // the occurrence that a row is made for
+    double m_dtOccurrence = noDate;
+};
