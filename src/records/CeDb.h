@@ -80,7 +80,7 @@ class ZBTOOLS_API CeDb
     bool ReadRec(CeDbRecord &record, WORD count, const CEPROPID *ids);
     /// The same into the caller's buffer of `size` bytes. The buffer must come from LocalAlloc: the record takes it
     /// over and frees it when it is destroyed. The record's old block is NOT released, so that one buffer can take one
-    /// record after the other; who reads into a different buffer frees the old one himself. False also when the buffer
+    /// record after the other; who reads into a different buffer frees the old one itself. False also when the buffer
     /// is too small: the record counts as one to skip, and still owns the buffer.
     bool ReadRec(CeDbRecord &record, BYTE *buffer, DWORD size, WORD count, const CEPROPID *ids);
 
@@ -115,6 +115,9 @@ class ZBTOOLS_API CeDb
     DWORD GetSeekIndex();
 
   private:
+    bool openById(CEOID oid, const WCHAR *name, CEPROPID sortProp, DWORD flags, HWND notifyWindow);
+    bool readInto(CeDbRecord &record, DWORD flags, WORD count, const CEPROPID *ids);
+
     HANDLE m_hDb;
     CEOID m_oidDb;
     WCHAR m_szName[256];

@@ -175,6 +175,12 @@ class ZBTOOLS_API CeDbRecord
     /// and so does the old block. Null without memory, with nothing changed.
     CEPROPVAL *DupProps(const CEPROPVAL *array, WORD count, DWORD &size);
 
+    CEOID m_oid = 0;
+    WORD m_wCount = 0;
+    DWORD m_dwSize = 0;
+    CEPROPVAL *m_pProps = nullptr;
+    bool m_bLocalFree = false;
+
   private:
     friend class CeDb;
 
@@ -190,17 +196,15 @@ class ZBTOOLS_API CeDbRecord
     }
     template <typename Value>
     bool storeScalar(int index, Value value, Value CEVALUNION::*member);
-    CEPROPVAL *pack(const CEPROPVAL *array, WORD count, WORD room, DWORD &size);
-    bool takePacked(CEPROPVAL *block, DWORD size, bool oldIsLocal);
+    static CEPROPVAL *pack(const CEPROPVAL *array, WORD count, WORD room, DWORD &size);
+    void takePacked(CEPROPVAL *block, DWORD size, bool oldIsLocal);
+    bool repackWithText(CEPROPVAL &prop, const WCHAR *text, DWORD size);
+    bool hasType(int index, WORD type) const;
+    BYTE *newLooseBlob(DWORD size);
     static void freeBlock(CEPROPVAL *block, bool local);
     void freeLooseBlobs();
     void releaseArray();
 
-    CEOID m_oid = 0;
-    WORD m_wCount = 0;
-    DWORD m_dwSize = 0;
-    CEPROPVAL *m_pProps = nullptr;
-    bool m_bLocalFree = false;
     /// Blocks of SetIndexVal(blob) that stand outside the record's block. Hosts keep the pointer that they find in the
     /// array until the next repacking, so the blocks live that long, and go then.
     std::vector<BYTE *> m_looseBlobs;
