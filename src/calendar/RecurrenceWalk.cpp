@@ -119,7 +119,7 @@ void RecurrenceWalk::everyWeekday()
     }
 }
 
-void RecurrenceWalk::nextWeekday(CalendarDay &date, int lowestWeekday) const
+void RecurrenceWalk::fCheckNextWeekDay(CalendarDay &date, int lowestWeekday) const
 {
     const int weekday = date.weekday();
     for (int next = weekday + 1; next < 7; ++next)
@@ -158,7 +158,7 @@ void RecurrenceWalk::weekly()
     const double start = whole(m_range.firstDay);
     walk.addDays(-stepsUpTo(start, walk.variantDate(), stride) * stride);
     m_workingDay = walk.variantDate();
-    for (date = walk; !isOver(date); nextWeekday(date, lowest))
+    for (date = walk; !isOver(date); fCheckNextWeekDay(date, lowest))
     {
         const double x = date.variantDate();
         if (emits(date, x, Bound::Exact))
@@ -180,13 +180,13 @@ void RecurrenceWalk::monthlyByDay()
     {
         for (LONG month = 0; month < period && date.year <= lastYear; ++month)
         {
-            incrementMonth(date);
+            fIncrementMonth(date);
         }
     };
     CalendarDay walk = firstOfMonth(m_firstDate);
-    adjustDate(walk);
+    fDateAdjust(walk);
     CalendarDay start = firstOfMonth(m_range.start);
-    adjustDate(start);
+    fDateAdjust(start);
     const double limit = whole(start.variantDate()) - 31.0 * period;
     while (walk.year <= lastYear && (!walk.exists() || walk.variantDate() < limit))
     {
@@ -232,7 +232,7 @@ void RecurrenceWalk::monthlyByWeekday()
     {
         addMonths(walk, period);
     }
-    walk = nthWeekday(walk);
+    walk = fGetNthWeekDay(walk);
     m_workingDay = walk.year <= lastYear ? walk.variantDate() : m_workingDay;
     endAt23();
     const bool hasExceptions = !m_pattern.m_lstExceptions.empty();
@@ -245,18 +245,18 @@ void RecurrenceWalk::monthlyByWeekday()
             m_visitor.occurrence(date, x);
         }
         addMonths(date, period);
-        date = nthWeekday(date);
+        date = fGetNthWeekDay(date);
     }
 }
 
 void RecurrenceWalk::yearlyByDay()
 {
-    const int month = monthInNumber(m_pattern.m_dwFirstDate);
+    const int month = fGetMonthInNum(m_pattern.m_dwFirstDate);
     CalendarDay date = firstOfMonth(m_firstDate);
     date.month = month;
-    adjustDate(date);
+    fDateAdjust(date);
     date.year = m_range.start.year - 1;
-    for (; !isOver(date); incrementYear(date, month))
+    for (; !isOver(date); fIncrementByYear(date, month))
     {
         if (date.exists() && emits(date, date.variantDate(), Bound::Exact))
         {
@@ -267,7 +267,7 @@ void RecurrenceWalk::yearlyByDay()
 
 void RecurrenceWalk::yearlyByWeekday()
 {
-    const int month = monthInNumber(m_pattern.m_dwFirstDate);
+    const int month = fGetMonthInNum(m_pattern.m_dwFirstDate);
     CalendarDay walk = firstOfMonth(m_firstDate);
     walk.month = month;
     CalendarDay start = firstOfMonth(m_range.start);
@@ -282,7 +282,7 @@ void RecurrenceWalk::yearlyByWeekday()
         walk.day = walk.month == 2 && walk.day == 29 ? 28 : walk.day;
         --walk.year;
     }
-    walk = nthWeekday(walk);
+    walk = fGetNthWeekDay(walk);
     endAt23();
     for (CalendarDay date = walk; !isOver(date);)
     {
@@ -293,7 +293,7 @@ void RecurrenceWalk::yearlyByWeekday()
             m_visitor.occurrence(date, x);
         }
         date.addDays(isleapyear((reached ? date.year : walk.year) + 1) ? 366 : 365);
-        date = nthWeekday(date);
+        date = fGetNthWeekDay(date);
     }
 }
 } // namespace zb

@@ -12,7 +12,7 @@
 // - a monthly series also shows a date in front of its first one that has the day of the month and the year of the
 //   range start;
 // - a monthly series on day 31 takes the last day of a shorter month where it enters the range, and steps over or
-//   through shorter months as incrementMonth tells.
+//   through shorter months as fIncrementMonth tells.
 // A period that cannot advance (0, or below one day) shows the first date of the series alone.
 #pragma once
 
@@ -62,14 +62,14 @@ class ZBTOOLS_API RecurrenceWalk
     // The steps, each on a date of its own; public because they are worth testing by themselves.
 
     /// From the 1st of a month to the pattern's day, or the month's last.
-    void adjustDate(CalendarDay &date) const;
+    void fDateAdjust(CalendarDay &date) const;
     /// One month on, by the pattern's day; may end on a date that does not exist.
-    void incrementMonth(CalendarDay &date) const;
-    void incrementYear(CalendarDay &date, int month) const;
+    void fIncrementMonth(CalendarDay &date) const;
+    void fIncrementByYear(CalendarDay &date, int month) const;
     /// The nth day of the pattern in the date's month.
-    CalendarDay nthWeekday(const CalendarDay &date) const;
+    CalendarDay fGetNthWeekDay(const CalendarDay &date) const;
     /// Month of a yearly pattern by the minutes from the start of the year to its first.
-    static int monthInNumber(ULONG firstDateWord);
+    static int fGetMonthInNum(ULONG firstDateWord);
 
   private:
     enum class Bound
@@ -84,7 +84,7 @@ class ZBTOOLS_API RecurrenceWalk
     /// Emits the first date alone, for a period that cannot advance.
     void firstDateAlone();
     int patternDay() const;
-    void nextWeekday(CalendarDay &date, int lowestWeekday) const;
+    void fCheckNextWeekDay(CalendarDay &date, int lowestWeekday) const;
     void addMonths(CalendarDay &date, int months) const;
     CalendarDay firstOfMonth(const CalendarDay &date) const;
     void endAt23();

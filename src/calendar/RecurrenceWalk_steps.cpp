@@ -150,7 +150,7 @@ CalendarDay RecurrenceWalk::firstOfMonth(const CalendarDay &date) const
     return first;
 }
 
-void RecurrenceWalk::adjustDate(CalendarDay &date) const
+void RecurrenceWalk::fDateAdjust(CalendarDay &date) const
 {
     const int length = steppingMonthLength(date);
     const int day = patternDay();
@@ -158,7 +158,7 @@ void RecurrenceWalk::adjustDate(CalendarDay &date) const
     date.addDays((tooLate ? length : day) - 1);
 }
 
-void RecurrenceWalk::incrementMonth(CalendarDay &date) const
+void RecurrenceWalk::fIncrementMonth(CalendarDay &date) const
 {
     constexpr int december = 12;
     const int length = steppingMonthLength(date);
@@ -173,7 +173,7 @@ void RecurrenceWalk::incrementMonth(CalendarDay &date) const
     date.day = day;
 }
 
-void RecurrenceWalk::incrementYear(CalendarDay &date, int month) const
+void RecurrenceWalk::fIncrementByYear(CalendarDay &date, int month) const
 {
     constexpr int february = 2;
     const bool plain =
@@ -189,7 +189,7 @@ void RecurrenceWalk::incrementYear(CalendarDay &date, int month) const
     }
 }
 
-CalendarDay RecurrenceWalk::nthWeekday(const CalendarDay &date) const
+CalendarDay RecurrenceWalk::fGetNthWeekDay(const CalendarDay &date) const
 {
     const CalendarDay first = firstOfMonth(date);
     if (!first.exists())
@@ -222,7 +222,7 @@ CalendarDay RecurrenceWalk::nthWeekday(const CalendarDay &date) const
     }
 }
 
-int RecurrenceWalk::monthInNumber(ULONG firstDateWord)
+int RecurrenceWalk::fGetMonthInNum(ULONG firstDateWord)
 {
     // Bounds between the firsts of the months, wide enough for common and leap years alike.
     static constexpr std::array<ULONG, 11> bounds = {40'000,  80'000,  120'000, 170'000, 210'000, 250'000,

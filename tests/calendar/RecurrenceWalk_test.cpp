@@ -209,14 +209,14 @@ TEST_F(WalkTest, aMonthlySeriesOnDay31EntersShortMonthsOnTheirLastDay)
     m_pattern.m_wDayOfMonth = 31;
     const RecurrenceWalk walk = steps();
     CalendarDay april = day(2026, 4, 1);
-    walk.adjustDate(april);
+    walk.fDateAdjust(april);
     EXPECT_EQ(text(april), "2026-04-30");
-    walk.incrementMonth(april);
+    walk.fIncrementMonth(april);
     EXPECT_EQ(text(april), "2026-05-30");
-    walk.incrementMonth(april);
+    walk.fIncrementMonth(april);
     EXPECT_EQ(text(april), "2026-06-31"); // does not exist, names no row, and the stepping goes on
     EXPECT_FALSE(april.exists());
-    walk.incrementMonth(april);
+    walk.fIncrementMonth(april);
     EXPECT_EQ(text(april), "2026-07-30");
 }
 
@@ -236,7 +236,7 @@ TEST_F(WalkTest, adjustingADateFollowsTheMonthsLength)
     {
         m_pattern.m_wDayOfMonth = static_cast<WORD>(row.day);
         CalendarDay date = row.month;
-        steps().adjustDate(date);
+        steps().fDateAdjust(date);
         EXPECT_EQ(text(date), row.expected);
     }
 }
@@ -313,7 +313,7 @@ TEST_F(WalkTest, theNthDayOfAMonthByItsMask)
     {
         m_pattern.m_wNthMask = static_cast<WORD>(row.mask);
         m_pattern.m_wNth = static_cast<WORD>(row.instance);
-        EXPECT_EQ(text(steps().nthWeekday(row.month)), row.expected) << row.mask << " " << row.instance;
+        EXPECT_EQ(text(steps().fGetNthWeekDay(row.month)), row.expected) << row.mask << " " << row.instance;
     }
 }
 
@@ -337,15 +337,15 @@ TEST_F(WalkTest, theMonthOfAYearlySeriesComesFromTheMinutesToItsFirst)
     const ULONG firsts[12] = {0, 44640, 84960, 129600, 172800, 217440, 260640, 305280, 349920, 393120, 437760, 480960};
     for (int month = 1; month <= 12; ++month)
     {
-        EXPECT_EQ(RecurrenceWalk::monthInNumber(firsts[month - 1]), month);
+        EXPECT_EQ(RecurrenceWalk::fGetMonthInNum(firsts[month - 1]), month);
         // In a leap year everything behind February lies a day later.
-        EXPECT_EQ(RecurrenceWalk::monthInNumber(firsts[month - 1] + (month > 2 ? 1440 : 0)), month);
+        EXPECT_EQ(RecurrenceWalk::fGetMonthInNum(firsts[month - 1] + (month > 2 ? 1440 : 0)), month);
     }
     const ULONG bounds[11] = {40000, 80000, 120000, 170000, 210000, 250000, 295000, 340000, 385000, 430000, 475000};
     for (int month = 1; month <= 11; ++month)
     {
-        EXPECT_EQ(RecurrenceWalk::monthInNumber(bounds[month - 1] - 1), month);
-        EXPECT_EQ(RecurrenceWalk::monthInNumber(bounds[month - 1]), month + 1);
+        EXPECT_EQ(RecurrenceWalk::fGetMonthInNum(bounds[month - 1] - 1), month);
+        EXPECT_EQ(RecurrenceWalk::fGetMonthInNum(bounds[month - 1]), month + 1);
     }
 }
 

@@ -1,9 +1,9 @@
-// Now, and the forms of a moment. Civil dates by integer arithmetic on days since 1601-03-01's 400-year cycle.
+// Now, and the forms of a moment: fields, ticks and variant dates.
 #include "platform/clock.h"
 
 #include "platform/kernel.h"
+#include "platform/linux/civil_date.h"
 #include "platform/linux/device_state.h"
-#include "platform/locale.h"
 
 #include <chrono>
 #include <cmath>
@@ -12,55 +12,11 @@ namespace
 {
 using zb::ticksPerDay;
 using zb::ticksPerSecond;
-
-constexpr int secondsPerDay = 86'400;
-constexpr int daysPer400Years = 146'097;
-/// Days from 0000-03-01 to 1601-01-01.
-constexpr int daysTo1601 = 584'694;
-/// 1601-01-01 was a Monday.
-constexpr int weekdayOf1601 = 1;
-
-constexpr bool isLeap(int year)
-{
-    return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
-}
-
-constexpr int daysInMonth(int year, int month)
-{
-    constexpr int lengths[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-    return month == 2 && isLeap(year) ? 29 : lengths[month - 1];
-}
-
-/// Days since 1601-01-01; years from 0 on. The year is counted from March, so that a leap day is its last.
-constexpr int dayNumber(int year, int month, int day)
-{
-    const int marchYear = month <= 2 ? year - 1 : year;
-    const int marchMonth = month <= 2 ? month + 9 : month - 3;
-    const int dayOfYear = (153 * marchMonth + 2) / 5 + day - 1;
-    return marchYear * 365 + marchYear / 4 - marchYear / 100 + marchYear / 400 + dayOfYear - daysTo1601;
-}
-
-static_assert(dayNumber(1601, 1, 1) == 0);
-static_assert(dayNumber(1899, 12, 30) == zb::daysFrom1601ToVariantZero);
-
-struct CivilDate
-{
-    int year;
-    int month;
-    int day;
-};
-
-constexpr CivilDate civilDate(int days)
-{
-    const int shifted = days + daysTo1601;
-    const int era = shifted / daysPer400Years;
-    const int dayOfEra = shifted % daysPer400Years;
-    const int yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
-    const int dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
-    const int marchMonth = (5 * dayOfYear + 2) / 153;
-    const int month = marchMonth < 10 ? marchMonth + 3 : marchMonth - 9;
-    return {era * 400 + yearOfEra + (month <= 2 ? 1 : 0), month, dayOfYear - (153 * marchMonth + 2) / 5 + 1};
-}
+using zb::internal::civilDate;
+using zb::internal::CivilDate;
+using zb::internal::dayNumber;
+using zb::internal::daysInMonth;
+using zb::internal::secondsPerDay;
 
 constexpr int firstVariantYear = 100;
 constexpr int lastVariantYear = 9999;
@@ -95,7 +51,7 @@ void putDate(int days, SYSTEMTIME &fields)
     fields.wYear = static_cast<WORD>(date.year);
     fields.wMonth = static_cast<WORD>(date.month);
     fields.wDay = static_cast<WORD>(date.day);
-    fields.wDayOfWeek = static_cast<WORD>(((days % 7) + 7 + weekdayOf1601) % 7);
+    fields.wDayOfWeek = static_cast<WORD>(zb::internal::weekdayOf(days));
 }
 
 void putTime(int seconds, SYSTEMTIME &fields)

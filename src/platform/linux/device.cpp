@@ -13,6 +13,7 @@
 #include "platform/linux/store.h"
 #include "platform/pim.h"
 
+#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <mutex>
@@ -38,9 +39,13 @@ OpenState &openState()
     return *instance;
 }
 
+std::atomic<std::uint64_t> generation{0};
+
 void publish(std::shared_ptr<const DeviceState> state)
 {
     const std::lock_guard guard(openState().mutex);
+    static std::uint64_t openings = 0;
+    generation.store(state != nullptr ? ++openings : 0, std::memory_order_release);
     openState().state = std::move(state);
 }
 
@@ -199,6 +204,11 @@ std::shared_ptr<const DeviceState> currentDevice()
 {
     const std::lock_guard guard(openState().mutex);
     return openState().state;
+}
+
+std::uint64_t deviceGeneration()
+{
+    return generation.load(std::memory_order_acquire);
 }
 
 std::string currentLocale()

@@ -1,0 +1,169 @@
+#include "platform/linux/text_ascii_order.h"
+
+#include <unicode/ucol.h>
+#include <unicode/uset.h>
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+namespace zb::internal
+{
+namespace
+{
+struct CollatorRelease
+{
+    void operator()(UCollator *collator) const
+    {
+        ucol_close(collator);
+    }
+};
+using OwnCollator = std::unique_ptr<UCollator, CollatorRelease>;
+
+struct SetRelease
+{
+    void operator()(USet *set) const
+    {
+        uset_close(set);
+    }
+};
+
+OwnCollator withStrength(const UCollator *collator, UCollationStrength strength)
+{
+    UErrorCode status = U_ZERO_ERROR;
+    OwnCollator copy(ucol_clone(collator, &status));
+    if (U_FAILURE(status))
+    {
+        return nullptr;
+    }
+    ucol_setStrength(copy.get(), strength);
+    return copy;
+}
+
+bool isOff(const UCollator *collator, UColAttribute attribute)
+{
+    UErrorCode status = U_ZERO_ERROR;
+    return ucol_getAttribute(collator, attribute, &status) == UCOL_OFF && U_SUCCESS(status);
+}
+
+/// Whether the locale orders an ASCII character, or a run that begins with two of them, in a way of its own.
+bool tailorsAscii(const UCollator *collator)
+{
+    UErrorCode status = U_ZERO_ERROR;
+    const std::unique_ptr<USet, SetRelease> set(ucol_getTailoredSet(collator, &status));
+    if (U_FAILURE(status) || set == nullptr)
+    {
+        return true;
+    }
+    const int items = uset_getItemCount(set.get());
+    for (int i = 0; i < items; ++i)
+    {
+        UChar32 first = 0;
+        UChar32 last = 0;
+        std::array<UChar, 32> text{};
+        const int length =
+            uset_getItem(set.get(), i, &first, &last, text.data(), static_cast<int>(text.size()), &status);
+        const bool isRange = length == 0;
+        if (U_FAILURE(status) || (isRange ? first < 0x80 : text[0] < 0x80 && (length == 1 || text[1] < 0x80)))
+        {
+            return true;
+        }
+    }
+    return false;
+}
+
+int compareOne(const UCollator *collator, UChar a, UChar b)
+{
+    return ucol_strcoll(collator, &a, 1, &b, 1);
+}
+} // namespace
+
+std::optional<AsciiOrder> AsciiOrder::of(const UCollator *collator)
+{
+    if (!isOff(collator, UCOL_NUMERIC_COLLATION) || !isOff(collator, UCOL_CASE_LEVEL) || tailorsAscii(collator))
+    {
+        return std::nullopt;
+    }
+    const OwnCollator primary = withStrength(collator, UCOL_PRIMARY);
+    const OwnCollator secondary = withStrength(collator, UCOL_SECONDARY);
+    AsciiOrder order;
+    if (primary == nullptr || secondary == nullptr || !order.fill(collator, primary.get(), secondary.get()))
+    {
+        return std::nullopt;
+    }
+    return order;
+}
+
+bool AsciiOrder::fill(const UCollator *collator, UCollator *primary, UCollator *secondary)
+{
+    m_variantsCount = ucol_getStrength(collator) >= UCOL_TERTIARY;
+    std::vector<UChar> counted;
+    for (UChar ch = 0; ch < size; ++ch)
+    {
+        if (ucol_strcoll(primary, &ch, 1, u"", 0) != UCOL_EQUAL)
+        {
+            counted.push_back(ch);
+        }
+        else if (ucol_strcoll(collator, &ch, 1, u"", 0) != UCOL_EQUAL)
+        {
+            return false; // counts, but only behind the letters: the tables can't say that
+        }
+    }
+    std::stable_sort(counted.begin(), counted.end(),
+                     [&](UChar a, UChar b) { return compareOne(collator, a, b) == UCOL_LESS; });
+    for (std::size_t i = 0; i < counted.size(); ++i)
+    {
+        const UChar ch = counted[i];
+        const UChar before = i == 0 ? UChar{0} : counted[i - 1];
+        const bool alike = i != 0 && compareOne(primary, before, ch) == UCOL_EQUAL;
+        if (alike && compareOne(secondary, before, ch) != UCOL_EQUAL)
+        {
+            return false;
+        }
+        const BYTE last = i == 0 ? BYTE{0} : m_rank[before];
+        m_rank[ch] = static_cast<BYTE>(alike ? last : last + 1);
+        const bool sameVariant = alike && compareOne(collator, before, ch) == UCOL_EQUAL;
+        m_variant[ch] = static_cast<BYTE>(!alike ? 0 : sameVariant ? m_variant[before] : m_variant[before] + 1);
+    }
+    return true;
+}
+
+std::optional<int> AsciiOrder::compare(std::u16string_view a, std::u16string_view b, bool ignoreCase) const
+{
+    int variants = 0;
+    for (std::size_t i = 0, j = 0;; ++i, ++j)
+    {
+        while (i < a.size() && a[i] < size && m_rank[a[i]] == 0)
+        {
+            ++i;
+        }
+        while (j < b.size() && b[j] < size && m_rank[b[j]] == 0)
+        {
+            ++j;
+        }
+        const bool aEnds = i >= a.size();
+        const bool bEnds = j >= b.size();
+        if ((!aEnds && a[i] >= size) || (!bEnds && b[j] >= size))
+        {
+            return std::nullopt;
+        }
+        if (aEnds || bEnds)
+        {
+            return aEnds && bEnds ? variants : aEnds ? -1 : 1;
+        }
+        if (m_rank[a[i]] != m_rank[b[j]])
+        {
+            // A mark behind one of the two could still make another letter of it.
+            if ((i + 1 < a.size() && a[i + 1] >= size) || (j + 1 < b.size() && b[j + 1] >= size))
+            {
+                return std::nullopt;
+            }
+            return m_rank[a[i]] < m_rank[b[j]] ? -1 : 1;
+        }
+        if (variants == 0 && m_variantsCount && !ignoreCase)
+        {
+            variants = static_cast<int>(m_variant[a[i]]) - static_cast<int>(m_variant[b[j]]);
+        }
+    }
+}
+} // namespace zb::internal
