@@ -39,6 +39,22 @@ std::chrono::sys_days dayOf(int year, int month, int day)
     return date;
 }
 
+/// A new device that each test gets a copy of: making one costs a dozen syncs, copying it none.
+const std::filesystem::path &newDevice()
+{
+    static const TemporaryFolder folder;
+    static const std::filesystem::path root = []
+    {
+        DeviceOptions options;
+        options.root = folder.path() / "device";
+        options.locale = "en-US";
+        options.timeZone = "UTC";
+        OpenDevice(options);
+        return options.root;
+    }();
+    return root;
+}
+
 std::filesystem::path makeTemporary()
 {
     std::string pattern = (std::filesystem::temp_directory_path() / "zbtest-XXXXXX").string();
@@ -155,6 +171,10 @@ TestDevice::TestDevice(const DeviceOptions &options)
         m_options.timeZone = "Europe/Berlin";
     }
     m_options.clock = [now = m_now] { return now->load(); };
+    if (m_options.storeFileLayer.empty())
+    {
+        std::filesystem::copy(newDevice(), m_options.root, std::filesystem::copy_options::recursive);
+    }
     open();
 }
 

@@ -53,6 +53,7 @@ class TemporaryFolder
 
 /// An open device: locale "en-US", zone "Europe/Berlin", and a clock that stands at 2026-03-02 09:00 UTC until it is
 /// set. What `options` gives (other than root and clock, which are always the test's own) takes the place of these.
+/// With a file layer of its own the device is made through that; else it is a copy of one that was made once a process.
 class TestDevice
 {
   public:

@@ -192,12 +192,6 @@ std::unique_ptr<Device> OpenDevice(const DeviceOptions &options)
     return std::make_unique<OpenedDevice>(options);
 }
 
-// Until the item databases stand.
-__attribute__((weak)) bool createPimDatabases()
-{
-    return true;
-}
-
 namespace internal
 {
 std::shared_ptr<const DeviceState> currentDevice()
