@@ -11,6 +11,8 @@
 #include "core/api.h"
 #include "platform/types.h"
 
+#include <string>
+
 // --- Calendar ----------------------------------------------------------------------------------------------------
 
 /// Up to 1752 every fourth year. After that the Gregorian rule, with multiples of 4,000 taken out once more. Kept in
@@ -82,6 +84,13 @@ ZBTOOLS_API int IsInDST(int year, int month, int day, const TIME_ZONE_INFORMATIO
 /// included, and 0 when it doesn't fit.
 ZBTOOLS_API int GetLongDateFormat(LCID locale, const SYSTEMTIME *date, WCHAR *buffer, int size, bool shortDay);
 ZBTOOLS_API int GetLongDateFormat(LCID locale, const SYSTEMTIME *date, WCHAR *buffer, int size);
+
+namespace zb
+{
+/// A date picture with the weekday in it: "M/d" becomes "dddd M/d", or "ddd M/d" when shortDay is set. One that has the
+/// full weekday keeps it where it is, in its short form when that is asked for.
+ZBTOOLS_API std::u16string pictureWithWeekday(std::u16string picture, bool shortDay);
+} // namespace zb
 
 inline constexpr HRESULT kelvoNoText = static_cast<HRESULT>(0x80020005U);
 inline constexpr HRESULT kelvoBadFlags = static_cast<HRESULT>(0x80070057U);

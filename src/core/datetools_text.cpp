@@ -22,27 +22,6 @@ std::u16string localeText(LCTYPE item)
     return buffer.data();
 }
 
-/// The locale's long picture with the weekday in the wanted form.
-std::u16string pictureWithWeekday(LCID locale, bool shortDay)
-{
-    std::array<WCHAR, 80> buffer{};
-    GetLocaleInfoW(locale, LOCALE_SLONGDATE, buffer.data(), static_cast<int>(buffer.size()));
-    std::u16string picture = buffer.data();
-    std::u16string folded = picture;
-    _wcslwr(folded.data());
-    std::size_t found = folded.find(u"dddd");
-    if (found == std::u16string::npos)
-    {
-        return (shortDay ? u"ddd " : u"dddd ") + picture;
-    }
-    for (; shortDay && found != std::u16string::npos; found = folded.find(u"dddd", found + 3))
-    {
-        picture.replace(found, 4, u"ddd");
-        folded.replace(found, 4, u"ddd");
-    }
-    return picture;
-}
-
 bool isDigit(WCHAR ch)
 {
     return ch >= u'0' && ch <= u'9';
@@ -173,9 +152,28 @@ bool readTime(std::u16string_view text, bool isPM, HourMinute &time)
 }
 } // namespace
 
+std::u16string zb::pictureWithWeekday(std::u16string picture, bool shortDay)
+{
+    std::u16string folded = picture;
+    _wcslwr(folded.data());
+    std::size_t found = folded.find(u"dddd");
+    if (found == std::u16string::npos)
+    {
+        return (shortDay ? u"ddd " : u"dddd ") + picture;
+    }
+    for (; shortDay && found != std::u16string::npos; found = folded.find(u"dddd", found + 3))
+    {
+        picture.replace(found, 4, u"ddd");
+        folded.replace(found, 4, u"ddd");
+    }
+    return picture;
+}
+
 int GetLongDateFormat(LCID locale, const SYSTEMTIME *date, WCHAR *buffer, int size, bool shortDay)
 {
-    return GetDateFormatW(locale, 0, date, pictureWithWeekday(locale, shortDay).c_str(), buffer, size);
+    std::array<WCHAR, 80> picture{};
+    GetLocaleInfoW(locale, LOCALE_SLONGDATE, picture.data(), static_cast<int>(picture.size()));
+    return GetDateFormatW(locale, 0, date, zb::pictureWithWeekday(picture.data(), shortDay).c_str(), buffer, size);
 }
 
 int GetLongDateFormat(LCID locale, const SYSTEMTIME *date, WCHAR *buffer, int size)
