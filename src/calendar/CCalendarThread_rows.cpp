@@ -1,0 +1,152 @@
+// From the scratch row to the rows of the list.
+#include "calendar/CCalendarThread.h"
+
+#include "platform/text.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+constexpr WORD firstFrequency = 0x200A;
+constexpr WORD lastFrequency = 0x200D;
+/// Characters of an age text, its terminator included.
+constexpr std::size_t ageTextSize = 1100;
+/// Characters more that the categories get for the mark of a birthday or anniversary.
+constexpr std::size_t markRoom = 50;
+
+constexpr LONGLONG secondsPerDay = 86'400;
+
+/// A variant date by day and second. Ends are sums of fractions, so the last digit may be off: whole seconds decide.
+struct DayAndSecond
+{
+    explicit DayAndSecond(double date)
+    {
+        const LONGLONG seconds = std::llround(date * static_cast<double>(secondsPerDay));
+        day = static_cast<int>(seconds / secondsPerDay);
+        second = static_cast<int>(seconds % secondsPerDay);
+        if (second < 0)
+        {
+            second += secondsPerDay;
+            --day;
+        }
+    }
+    int day;
+    int second;
+};
+
+int wholeDay(double date)
+{
+    return DayAndSecond(date).day;
+}
+} // namespace
+
+/// Present state: series show as their first appointment. The expansions of the known frequencies come in here, one
+/// for each pair of frequency and pattern type.
+void CCalendarThread::fFillEventList()
+{
+    if (m_pRow->m_wFrequency < firstFrequency || m_pRow->m_wFrequency > lastFrequency)
+    {
+        fFillNonRecurrEvnt();
+        return;
+    }
+    SetOccurrence(m_pRow->m_stStart);
+    fGetRecurTimingStr(&m_pRow->m_tzRecord, m_pRow->m_wStartHour, m_pRow->m_wStartMinute, m_pRow->m_wEndHour,
+                       m_pRow->m_wEndMinute, m_pRow.get());
+    if (wholeDay(m_pRow->m_dtEnd) >= m_nRangeStart && wholeDay(m_pRow->m_dtStart) <= m_nRangeEnd)
+    {
+        fFillNonRecurrEvnt();
+    }
+}
+
+void CCalendarThread::fFillNonRecurrEvnt()
+{
+    if (m_bRestRead || fReadRestOfRecord())
+    {
+        fFillExtraAgendaInfo(m_pRow->Copy());
+    }
+}
+
+/// The last step of every row, which the list owns from here on: ages, and a row for each further day.
+void CCalendarThread::fFillExtraAgendaInfo(DATACALENDAR *row)
+{
+    row->m_bComplete = true;
+    if (row->m_wAnniversaryYear != 0)
+    {
+        AddAge(*row, row->m_wAnniversaryYear, u"~Anniversary");
+    }
+    else if (row->m_wBirthdayYear != 0)
+    {
+        AddAge(*row, row->m_wBirthdayYear, u"~Birthday");
+    }
+    m_list.AddTail(row);
+    if (m_filter <= CalendarFilter::Range)
+    {
+        AddFurtherDays(row, LastDayOf(*row) - row->m_nDay);
+    }
+}
+
+void CCalendarThread::AddAge(DATACALENDAR &row, WORD firstYear, const WCHAR *mark) const
+{
+    if (WCHAR *categories = zb::copyCategories(row.m_pszCategories, markRoom); categories != nullptr)
+    {
+        if (*categories != 0)
+        {
+            wcscat(categories, u", ");
+        }
+        wcscat(categories, mark);
+        std::free(row.m_pszCategories);
+        row.m_pszCategories = categories;
+    }
+    const int years = (m_bExpand ? m_stOccurrence.wYear : GetToday().wYear) - firstYear;
+    if (years <= 0)
+    {
+        return;
+    }
+    std::array<WCHAR, ageTextSize> text{};
+    _snwprintf(text.data(), text.size(), u"(%i %s) %s", years, m_szYears.data(), row.m_bstrSubject);
+    SysFreeString(row.m_bstrSubject);
+    row.m_bstrSubject = SysAllocString(text.data());
+    row.m_bRecurring = 0;
+}
+
+int CCalendarThread::LastDayOf(const DATACALENDAR &row) const
+{
+    const DayAndSecond end(row.m_dtEnd);
+    int last = end.day;
+    if (m_filter == CalendarFilter::Range && end.day > m_nRangeEnd)
+    {
+        last = m_nRangeEnd;
+    }
+    else if (end.second == 0 && row.m_bAllDay == 0)
+    {
+        --last;
+    }
+    return std::min(last, lastDay);
+}
+
+bool CCalendarThread::EndsEarly(const DATACALENDAR &row) const
+{
+    const LONGLONG limit = m_settings.AppointmentSingleIfEndsEarly;
+    const DayAndSecond end(row.m_dtEnd);
+    const int hour = end.second / 3600;
+    const int minute = end.second / 60 % 60;
+    return row.m_bAllDay == 0 && limit != 0 && (hour < limit || (hour == limit && minute == 0));
+}
+
+void CCalendarThread::AddFurtherDays(DATACALENDAR *row, int count)
+{
+    DATACALENDAR *made = row;
+    for (int n = 1; n <= count; ++n)
+    {
+        if (n == count && EndsEarly(*row))
+        {
+            made->m_bEndsEarly = true;
+            return;
+        }
+        made = row->Copy();
+        made->m_nDay = row->m_nDay + n;
+        // The cursor is on the row made last, which is the tail.
+        m_list.AddTail(made);
+    }
+}
