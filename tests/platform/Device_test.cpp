@@ -4,6 +4,7 @@
 #include "platform/clock.h"
 #include "platform/files.h"
 #include "platform/kernel.h"
+#include "platform/locale.h"
 #include "platform/propdb.h"
 #include "platform/resources.h"
 #include "support/Child.h"
@@ -195,6 +196,25 @@ TEST_F(OpenDeviceTest, AStoreThatIsNoneIsDamagedAndLeftAsItWas)
     EXPECT_EQ(hostNames(root), Names{"store.db"});
 }
 
+TEST_F(OpenDeviceTest, AStoreThatCannotBeMadeLeavesNoFolder)
+{
+    DeviceOptions options = at(temporary.path() / "a" / "device");
+    options.storeFileLayer = "no such layer";
+    EXPECT_NE(refusal(options), std::nullopt);
+    EXPECT_EQ(hostNames(temporary.path()), Names{});
+}
+
+TEST_F(OpenDeviceTest, AFileInPlaceOfTheTreeIsRefused)
+{
+    OpenDevice(at(root));
+    fs::remove_all(root / "files");
+    putHostFile(root / "files", "in the way");
+    EXPECT_EQ(refusal(at(root)), DeviceFault::NotADevice);
+    EXPECT_EQ(hostBytes(root / "files"), "in the way");
+    fs::remove(root / "files");
+    EXPECT_EQ(refusal(at(root)), std::nullopt);
+}
+
 TEST_F(OpenDeviceTest, OneDeviceIsOpenAtATime)
 {
     auto first = OpenDevice(at(root));
@@ -376,6 +396,26 @@ TEST_F(OpenDeviceTest, TheHostsLocaleIsTakenFromTheFirstVariableThatIsSet)
     FreeLibrary(module);
 }
 
+TEST_F(OpenDeviceTest, TheHostsZoneIsTakenFromItsVariable)
+{
+    Environment environment;
+    for (const char *value : {"America/New_York", ":America/New_York", "/usr/share/zoneinfo/America/New_York",
+                              ":/usr/share/zoneinfo/posix/America/New_York"})
+    {
+        environment.set("TZ", value);
+        DeviceOptions options = at(root);
+        options.timeZone.clear();
+        const auto device = OpenDevice(options);
+        EXPECT_EQ(zb::deviceZoneName(), "America/New_York") << value;
+    }
+    environment.set("TZ", "No/Such");
+    DeviceOptions options = at(root);
+    options.timeZone.clear();
+    const auto device = OpenDevice(options);
+    EXPECT_NE(zb::deviceZoneName(), "No/Such");
+    EXPECT_TRUE(zb::zoneRecord(zb::deviceZoneName(), 2026).has_value());
+}
+
 // --- The tests' own device -----------------------------------------------------------------------------------------
 
 using TestDeviceTest = DeviceTest;
@@ -394,6 +434,16 @@ TEST_F(TestDeviceTest, TheClockStandsUntilItIsSet)
     device.reopen();
     GetSystemTimeAsFileTime(&now);
     EXPECT_EQ(describe(now), "1999-12-31 23:59:00");
+}
+
+TEST_F(TestDeviceTest, TheZoneIsBerlinUntilItIsSet)
+{
+    SYSTEMTIME local{};
+    GetLocalTime(&local);
+    EXPECT_EQ(describe(local), "2026-03-02 10:00:00");
+    device.setZone("America/New_York");
+    GetLocalTime(&local);
+    EXPECT_EQ(describe(local), "2026-03-02 04:00:00");
 }
 
 TEST_F(TestDeviceTest, WhatIsStoredIsThereWhenOpenedAgain)

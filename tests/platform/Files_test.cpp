@@ -6,12 +6,14 @@
 #include "support/DeviceFiles.h"
 #include "support/TestDevice.h"
 
+#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -300,6 +302,34 @@ TEST_F(FilesTest, OfTwoWritersTheLastToCloseWinsWhole)
     EXPECT_EQ(getFile(u"\\x.txt"), "second");
     ASSERT_TRUE(CloseHandle(first));
     EXPECT_EQ(getFile(u"\\x.txt"), "first, and longer");
+}
+
+TEST_F(FilesTest, ThreadsThatWriteTheSameFileLeaveOneOfTheirsWhole)
+{
+    std::vector<std::thread> writers;
+    std::atomic<int> failures = 0;
+    for (int writer = 0; writer < 4; ++writer)
+    {
+        writers.emplace_back(
+            [&failures, writer]
+            {
+                for (int i = 0; i < 10; ++i)
+                {
+                    const std::string text(5000, static_cast<char>('a' + writer));
+                    failures += putFile(u"\\Shared.txt", text) ? 0 : 1;
+                    const auto seen = getFile(u"\\shared.TXT");
+                    const bool whole =
+                        seen && seen->size() == 5000 && seen->find_first_not_of(seen->front()) == std::string::npos;
+                    failures += whole ? 0 : 1;
+                }
+            });
+    }
+    for (std::thread &writer : writers)
+    {
+        writer.join();
+    }
+    EXPECT_EQ(failures, 0);
+    EXPECT_EQ(hostNames(device.files()), (Names{"My Documents", "Shared.txt", "Storage Card", "Temp", "Windows"}));
 }
 
 TEST_F(FilesTest, CreateNewDoesNotReplaceWhatCameMeanwhile)
