@@ -5,13 +5,12 @@
 #include "platform/linux/files_path.h"
 #include "platform/linux/files_temporary.h"
 #include "platform/linux/files_times.h"
+#include "platform/linux/folder_listing.h"
 #include "platform/linux/handles.h"
 #include "platform/text.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <dirent.h>
-#include <fcntl.h>
 #include <memory>
 #include <vector>
 
@@ -121,17 +120,9 @@ bool canBeShown(const std::u16string &name)
 std::vector<Entry> listing(const UniqueFd &folder, const std::u16string &pattern)
 {
     std::vector<Entry> found;
-    struct Closer
-    {
-        void operator()(DIR *entries) const
-        {
-            ::closedir(entries);
-        }
-    };
-    const int fd = ::openat(folder.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    const std::unique_ptr<DIR, Closer> entries(fd < 0 ? nullptr : ::fdopendir(fd));
+    zb::internal::FolderListing entries(folder);
     const bool all = pattern == u"*" || pattern == u"*.*";
-    while (const dirent *entry = entries == nullptr ? nullptr : ::readdir(entries.get()))
+    while (const dirent *entry = entries.next())
     {
         if (zb::internal::isTemporaryName(entry->d_name))
         {

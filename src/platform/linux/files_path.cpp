@@ -3,14 +3,13 @@
 #include "platform/kernel.h"
 #include "platform/linux/device_state.h"
 #include "platform/linux/files_temporary.h"
+#include "platform/linux/folder_listing.h"
 #include "platform/text.h"
 
 #include <array>
 #include <cerrno>
 #include <climits>
-#include <dirent.h>
 #include <fcntl.h>
-#include <memory>
 #include <vector>
 
 namespace zb::internal
@@ -104,14 +103,6 @@ bool isInside(const UniqueFd &root, const UniqueFd &target)
     return outer.size() > 1 && pathOf(target).compare(0, outer.size(), outer) == 0;
 }
 
-struct FolderCloser
-{
-    void operator()(DIR *folder) const
-    {
-        ::closedir(folder);
-    }
-};
-
 /// The host's name for a part, or nothing when the folder has no such entry.
 std::optional<std::string> entryNamed(const UniqueFd &folder, const std::u16string &part)
 {
@@ -121,10 +112,9 @@ std::optional<std::string> entryNamed(const UniqueFd &folder, const std::u16stri
     {
         return exact;
     }
-    const int listing = ::openat(folder.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    const std::unique_ptr<DIR, FolderCloser> entries(listing < 0 ? nullptr : ::fdopendir(listing));
+    FolderListing entries(folder);
     std::optional<std::string> best;
-    while (const dirent *entry = entries == nullptr ? nullptr : ::readdir(entries.get()))
+    while (const dirent *entry = entries.next())
     {
         const std::string name = entry->d_name;
         if ((!best || name < *best) && sameName(toUtf16(name), part))

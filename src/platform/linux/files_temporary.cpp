@@ -1,13 +1,11 @@
 #include "platform/linux/files_temporary.h"
 
 #include "platform/linux/file_steps.h"
+#include "platform/linux/folder_listing.h"
 
-#include <array>
 #include <cerrno>
 #include <deque>
-#include <dirent.h>
 #include <fcntl.h>
-#include <memory>
 #include <random>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -38,21 +36,6 @@ bool hasName(const UniqueFd &file)
 {
     struct stat status = {};
     return ::fstat(file.get(), &status) == 0 && status.st_nlink != 0;
-}
-
-struct FolderCloser
-{
-    void operator()(DIR *folder) const
-    {
-        ::closedir(folder);
-    }
-};
-using Listing = std::unique_ptr<DIR, FolderCloser>;
-
-Listing listingOf(const UniqueFd &folder)
-{
-    const int fd = ::openat(folder.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    return Listing(fd < 0 ? nullptr : ::fdopendir(fd));
 }
 } // namespace
 
@@ -120,8 +103,8 @@ void removeIfAbandoned(const UniqueFd &folder, const char *name)
 
 void removeAbandoned(const UniqueFd &folder)
 {
-    const Listing entries = listingOf(folder);
-    while (const dirent *entry = entries == nullptr ? nullptr : ::readdir(entries.get()))
+    FolderListing entries(folder);
+    while (const dirent *entry = entries.next())
     {
         if (isTemporaryName(entry->d_name))
         {
@@ -140,8 +123,8 @@ void removeAbandonedBelow(const std::string &top)
         const std::string path = std::move(folders.front());
         folders.pop_front();
         const UniqueFd folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-        const Listing entries = folder ? listingOf(folder) : nullptr;
-        while (const dirent *entry = entries == nullptr ? nullptr : ::readdir(entries.get()))
+        FolderListing entries(folder);
+        while (const dirent *entry = entries.next())
         {
             ++seen;
             const std::string_view name = entry->d_name;
