@@ -117,7 +117,8 @@ ZBPLATFORM_API int WideCharToMultiByte(UINT codePage, DWORD flags, const WCHAR *
 // --- Counted texts -----------------------------------------------------------------------------------------------
 
 /// A BSTR has its length in bytes in the 32-bit word in front of it and a zero behind it; it may hold zeros.
-/// Released with SysFreeString, which takes null. Null in gives null; no memory gives null.
+/// Released with SysFreeString, which takes null. Null in gives null; no memory gives null. All empty ones are one
+/// text that needs no release.
 ZBPLATFORM_API BSTR SysAllocString(const WCHAR *text);
 /// `length` characters from text, or left as zeros when text is null.
 ZBPLATFORM_API BSTR SysAllocStringLen(const WCHAR *text, UINT length);

@@ -14,11 +14,23 @@ std::uint32_t *lengthOf(WCHAR *text)
 {
     return reinterpret_cast<std::uint32_t *>(text) - 1;
 }
+
+/// One empty text for all: the engine's own way of freeing leaves empty texts alone, so they must not cost memory.
+struct EmptyText
+{
+    std::uint32_t m_length = 0;
+    WCHAR m_text[2] = {0, 0};
+};
+constinit EmptyText emptyText;
 } // namespace
 
 BSTR SysAllocStringLen(const WCHAR *text, UINT length)
 {
     zb::stoppingPoint();
+    if (length == 0)
+    {
+        return emptyText.m_text;
+    }
     const std::size_t bytes = static_cast<std::size_t>(length) * sizeof(WCHAR);
     if (bytes > 0x7FFFFFF0U)
     {
@@ -50,7 +62,7 @@ BSTR SysAllocString(const WCHAR *text)
 
 void SysFreeString(BSTR text)
 {
-    if (text != nullptr)
+    if (text != nullptr && text != emptyText.m_text)
     {
         std::free(reinterpret_cast<char *>(text) - headBytes);
     }
