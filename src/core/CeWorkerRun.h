@@ -11,7 +11,24 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <memory>
 #include <mutex>
+#include <optional>
+
+class CeWorkerRun;
+class CeWorkerThread;
+
+/// What a new thread is handed, under a number. A thread that is terminated before its first step never comes for it,
+/// and one that comes too late finds nothing: neither a leak nor a worker that is gone.
+struct CeWorkerLaunch
+{
+    CeWorkerThread *m_worker;
+    std::shared_ptr<CeWorkerRun> m_run;
+
+    static DWORD_PTR Deposit(CeWorkerLaunch launch);
+    /// Once for each number, by the thread or by who ended it.
+    static std::optional<CeWorkerLaunch> Take(DWORD_PTR number);
+};
 
 class CeWorkerRun
 {

@@ -13,13 +13,6 @@
 
 namespace
 {
-/// What the new thread is handed.
-struct LaunchTicket
-{
-    CeWorkerThread *m_worker;
-    std::shared_ptr<CeWorkerRun> m_run;
-};
-
 /// Says at the end of the thread, however it comes, that the worker is no longer used.
 class DoneMark
 {
@@ -132,15 +125,17 @@ BOOL CeWorkerThread::Start(int priority, DWORD stackSize, DWORD createFlags, con
 BOOL CeWorkerThread::Launch(int priority, DWORD stackSize, DWORD createFlags, const void *security)
 {
     const auto run = std::make_shared<CeWorkerRun>();
-    auto ticket = std::make_unique<LaunchTicket>(LaunchTicket{this, run});
+    const DWORD_PTR number = CeWorkerLaunch::Deposit({this, run});
     DWORD id = 0;
-    const HANDLE thread = CreateThread(security, stackSize, ThreadEntry, ticket.get(), createFlags, &id);
+    const HANDLE thread =
+        CreateThread(security, stackSize, ThreadEntry, reinterpret_cast<void *>(number), createFlags, &id);
     if (thread == nullptr)
     {
         // The run lock stays taken; the Stop in the next Start gives it back.
+        CeWorkerLaunch::Take(number);
         return FALSE;
     }
-    static_cast<void>(ticket.release());
+    m_nLaunch = number;
     m_dwThreadId = id;
     m_thread.Attach(thread);
     SetCurrentRun(run);
@@ -154,10 +149,14 @@ BOOL CeWorkerThread::Launch(int priority, DWORD stackSize, DWORD createFlags, co
 
 DWORD CeWorkerThread::ThreadEntry(void *launch)
 {
-    const std::unique_ptr<LaunchTicket> ticket(static_cast<LaunchTicket *>(launch));
-    ticket->m_run->AwaitLaunch();
-    const DoneMark done(*ticket->m_run);
-    return StartThread(ticket->m_worker, *ticket->m_run);
+    const std::optional<CeWorkerLaunch> taken = CeWorkerLaunch::Take(reinterpret_cast<DWORD_PTR>(launch));
+    if (!taken)
+    {
+        return 0;
+    }
+    taken->m_run->AwaitLaunch();
+    const DoneMark done(*taken->m_run);
+    return StartThread(taken->m_worker, *taken->m_run);
 }
 
 DWORD CeWorkerThread::StartThread(CeWorkerThread *worker, CeWorkerRun &run)
@@ -318,6 +317,7 @@ BOOL CeWorkerThread::Kill(DWORD exitCode)
     const std::shared_ptr<CeWorkerRun> run = CurrentRun();
     OnKill();
     const BOOL terminated = TerminateThread(m_thread.GetHandle(), exitCode);
+    CeWorkerLaunch::Take(m_nLaunch);
     if (run != nullptr)
     {
         if (terminated == FALSE)

@@ -138,6 +138,7 @@ class ZBTOOLS_API CeWorkerThread
     std::atomic<HWND> m_hWndNotify;
     const bool m_bSelfDelete;
     std::atomic<DWORD> m_dwThreadId = 0;
+    std::atomic<DWORD_PTR> m_nLaunch = 0;
     CeManualEvent m_stopEvent;
     const DWORD m_dwStopTimeout;
     mutable std::mutex m_runGuard; // of the pointer below, for moments only
