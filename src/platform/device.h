@@ -74,6 +74,10 @@ class ZBPLATFORM_API Device
     virtual const std::filesystem::path &root() const = 0;
 };
 
+/// A number that no other opening of a device in this process has had, so that what was kept of an earlier one can be
+/// told; 0 while none is open. Costs one atomic load.
+ZBPLATFORM_API std::uint64_t deviceGeneration();
+
 /// Throws DeviceError; std::logic_error when one is open already.
 ZBPLATFORM_API std::unique_ptr<Device> OpenDevice(const DeviceOptions &options);
 } // namespace zb

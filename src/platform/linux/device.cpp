@@ -10,6 +10,7 @@
 #include "platform/linux/files_temporary.h"
 #include "platform/linux/handles.h"
 #include "platform/linux/host_settings.h"
+#include "platform/linux/registry_store.h"
 #include "platform/linux/store.h"
 #include "platform/pim.h"
 
@@ -99,11 +100,12 @@ std::shared_ptr<DeviceState> stateFor(const DeviceOptions &options)
 void closeAll(DeviceState &state)
 {
     publish(nullptr);
-    for (const HandleKind kind :
-         {HandleKind::File, HandleKind::FindFile, HandleKind::Database, HandleKind::FindDatabase})
+    for (const HandleKind kind : {HandleKind::File, HandleKind::FindFile, HandleKind::Database, HandleKind::FindDatabase,
+                                  HandleKind::RegistryKey})
     {
         internal::removeAllHandles(kind);
     }
+    internal::RegistryStore::closeCurrent();
     if (state.store != nullptr)
     {
         internal::closeStore(*state.store);
@@ -187,6 +189,11 @@ std::filesystem::path defaultRoot()
     return folder("HOME") / ".local/share/zembrik";
 }
 
+std::uint64_t deviceGeneration()
+{
+    return generation.load(std::memory_order_acquire);
+}
+
 std::unique_ptr<Device> OpenDevice(const DeviceOptions &options)
 {
     return std::make_unique<OpenedDevice>(options);
@@ -198,11 +205,6 @@ std::shared_ptr<const DeviceState> currentDevice()
 {
     const std::lock_guard guard(openState().mutex);
     return openState().state;
-}
-
-std::uint64_t deviceGeneration()
-{
-    return generation.load(std::memory_order_acquire);
 }
 
 std::string currentLocale()

@@ -25,10 +25,6 @@ struct DeviceState
 /// Null while no device is open. Cheap enough for every call but not for every record: keep the result in a handle.
 std::shared_ptr<const DeviceState> currentDevice();
 
-/// Another number after each opening; 0 while none is open. What was derived from locale or zone is good as long as it
-/// stays the same, and asking costs one atomic load.
-std::uint64_t deviceGeneration();
-
 /// Locale and zone of the open device, or of the host while none is open; clock likewise.
 std::string currentLocale();
 std::string currentZone();

@@ -22,7 +22,8 @@ enum class HandleKind : std::uint8_t
     FindFile,
     Database,
     FindDatabase,
-    Window
+    Window,
+    RegistryKey
 };
 
 /// Base of all that a handle can stand for.
