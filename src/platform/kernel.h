@@ -58,6 +58,8 @@ inline constexpr DWORD QS_ALLINPUT = 127;
 
 /// 0 signalled, 0x80 a mutex whose owner died, 258 timed out, 0xFFFFFFFF failed.
 ZBPLATFORM_API DWORD WaitForSingleObject(HANDLE handle, DWORD milliseconds);
+/// 1 to 64 handles, else last error 87; also when a wait for all names one object twice. The lowest of those that are
+/// there counts for any one; nothing is taken before all are there.
 ZBPLATFORM_API DWORD WaitForMultipleObjects(DWORD count, const HANDLE *handles, BOOL all, DWORD milliseconds);
 /// As above for any one of the handles; additionally returns `count` when the calling thread's message queue has a
 /// message (posted, sent from another thread, timer due or quit). Messages already there count.

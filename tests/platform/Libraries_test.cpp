@@ -1,7 +1,9 @@
 // Finding, loading and freeing libraries by the device's names.
 #include "platform/kernel.h"
+#include "support/PlatformThread.h"
 #include "support/TestDevice.h"
 
+#include <atomic>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -156,6 +158,43 @@ TEST_F(Libraries, RefuseForeignModules)
         EXPECT_FALSE(FreeLibrary(bad));
         EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
     }
+}
+
+std::atomic<int> unloadStage = 0;
+
+void lingerInUnload()
+{
+    unloadStage = 1;
+    while (unloadStage == 1)
+    {
+    }
+    zb::stoppingPoint();
+    unloadStage = 3;
+}
+
+TEST_F(Libraries, AreNotLockedByAThreadThatIsTerminatedInsideTheLoader)
+{
+    const fs::path folder = device.files() / "Windows";
+    fs::create_directories(folder);
+    fs::copy_file(programFolder() / "libZBTestModule.so", folder / "libUnloading.so");
+    const zb::test::PlatformThread thread(
+        []
+        {
+            HMODULE module = LoadLibraryW(u"Unloading.dll");
+            *static_cast<void (**)()>(GetProcAddressW(module, u"zbTestAtUnload")) = lingerInUnload;
+            FreeLibrary(module);
+            Sleep(INFINITE);
+        });
+    while (unloadStage == 0)
+    {
+        Sleep(1);
+    }
+    EXPECT_TRUE(TerminateThread(thread.handle(), 1));
+    unloadStage = 2;
+    HMODULE module = LoadLibraryW(u"ZBTestModule.dll");
+    EXPECT_NE(module, nullptr) << "comes back at all: the loader was left before the thread stopped";
+    EXPECT_EQ(unloadStage, 3);
+    FreeLibrary(module);
 }
 
 TEST(LibrariesWithoutADevice, AreFoundBesideTheProgram)

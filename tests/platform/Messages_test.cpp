@@ -1,4 +1,5 @@
 // Posting, sending and taking messages, on one thread and across threads.
+#include "platform/clock.h"
 #include "platform/kernel.h"
 #include "platform/user.h"
 #include "support/MessageWindow.h"
@@ -96,6 +97,7 @@ TEST_F(Messages, CarryTheTimeOfTheirPosting)
     GetMessageW(&second, nullptr, 0, 0);
     EXPECT_GE(second.time - message.time, 19U);
     EXPECT_LT(second.time - message.time, 10'000U);
+    EXPECT_LT(GetTickCount() - second.time, 10'000U) << "on the scale of the tick count";
 }
 
 TEST_F(Messages, StayWhenOnlyLookedAt)

@@ -96,6 +96,22 @@ TEST(Waits, ForAllTakeNothingUntilAllIsThere)
     EXPECT_FALSE(b.wait(0));
 }
 
+TEST(Waits, ForAllRefuseOneThingTwice)
+{
+    const HANDLE first = CreateSemaphoreW(nullptr, 1, 1, u"waits: one thing twice");
+    const HANDLE second = CreateSemaphoreW(nullptr, 1, 1, u"waits: one thing twice");
+    for (const std::array handles : {std::array{first, first}, std::array{first, second}})
+    {
+        SetLastError(0);
+        EXPECT_EQ(WaitForMultipleObjects(2, handles.data(), TRUE, 0), WAIT_FAILED);
+        EXPECT_EQ(GetLastError(), ERROR_INVALID_PARAMETER);
+        EXPECT_EQ(WaitForMultipleObjects(2, handles.data(), FALSE, 0), WAIT_OBJECT_0) << "for any it is no matter";
+        EXPECT_TRUE(ReleaseSemaphore(first, 1, nullptr));
+    }
+    CloseHandle(first);
+    CloseHandle(second);
+}
+
 TEST(Waits, TellAnAbandonedMutex)
 {
     const HANDLE mutex = CreateMutexW(nullptr, FALSE, nullptr);

@@ -360,6 +360,28 @@ TEST(Windows, GoWithTheirThread)
     EXPECT_EQ(recorder.messages(), (std::vector<UINT>{WM_NCCREATE, WM_CREATE})) << "without messages";
 }
 
+TEST(Windows, StandAloneWhenTheirParentsThreadEnds)
+{
+    const MessageWindowClass type;
+    Procedure plain = DefWindowProcW;
+    const TestEvent ready;
+    HWND parent = nullptr;
+    const PlatformThread owner(
+        [&, window = &parent]
+        {
+            *window = type.make(&plain);
+            ready.set();
+            Sleep(INFINITE);
+        });
+    ASSERT_TRUE(ready.wait());
+    const HWND child = type.make(&plain, parent);
+    EXPECT_EQ(GetParent(child), parent);
+    EXPECT_TRUE(TerminateThread(owner.handle(), 1));
+    EXPECT_TRUE(IsWindow(child));
+    EXPECT_EQ(GetParent(child), nullptr);
+    EXPECT_TRUE(DestroyWindow(child));
+}
+
 TEST(Windows, KeepAText)
 {
     const MessageWindowClass type;

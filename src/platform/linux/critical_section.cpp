@@ -30,9 +30,11 @@ struct SectionState
     WaitList waiters; ///< under waitLock()
 };
 
-SectionState *stateOf(const CRITICAL_SECTION *section)
+SectionState *stateOf(CRITICAL_SECTION *section)
 {
-    return section == nullptr ? nullptr : static_cast<SectionState *>(section->state);
+    return section == nullptr
+               ? nullptr
+               : static_cast<SectionState *>(std::atomic_ref(section->state).load(std::memory_order_acquire));
 }
 
 Word ownerWord(DWORD id)
@@ -266,7 +268,10 @@ using namespace zb::internal;
 
 void InitializeCriticalSection(CRITICAL_SECTION *section)
 {
-    section->state = new SectionState;
+    if (section != nullptr)
+    {
+        section->state = new SectionState;
+    }
 }
 
 void DeleteCriticalSection(CRITICAL_SECTION *section)
@@ -276,7 +281,7 @@ void DeleteCriticalSection(CRITICAL_SECTION *section)
     {
         return;
     }
-    section->state = nullptr;
+    std::atomic_ref(section->state).store(nullptr, std::memory_order_release);
     {
         WakeList wakes;
         const std::lock_guard guard(waitLock());

@@ -180,7 +180,14 @@ using namespace zb::internal;
 HMODULE LoadLibraryW(const WCHAR *name)
 {
     stopHere();
-    void *module = name == nullptr ? nullptr : zb::internal::open(name);
+    void *module = nullptr;
+    if (name != nullptr)
+    {
+        // A library's own initialisation may call the platform, under the loader's lock.
+        const Shield shield;
+        module = zb::internal::open(name);
+    }
+    stopHere();
     if (module == nullptr)
     {
         SetLastError(ERROR_MOD_NOT_FOUND);
@@ -198,6 +205,7 @@ BOOL FreeLibrary(HMODULE module)
         SetLastError(ERROR_INVALID_HANDLE);
         return FALSE;
     }
+    const Shield shield;
     return dlclose(module) == 0 ? TRUE : FALSE;
 }
 

@@ -1,5 +1,6 @@
 #include "platform/linux/message_queue.h"
 
+#include "platform/clock.h"
 #include "platform/linux/windows_table.h"
 
 #include <algorithm>
@@ -8,12 +9,6 @@ namespace zb::internal
 {
 namespace
 {
-/// Milliseconds of the monotonic clock, as GetTickCount gives them.
-DWORD messageTime()
-{
-    return static_cast<DWORD>(static_cast<std::uint64_t>(monotonicNow()) / 1'000'000);
-}
-
 using Threads = std::vector<std::shared_ptr<ThreadState>>;
 
 void wake(const Threads &threads)
@@ -129,7 +124,7 @@ DWORD MessageQueue::post(HWND window, UINT message, WPARAM wParam, LPARAM lParam
         {
             return ERROR_TOO_MANY_POSTS;
         }
-        m_posted.push_back(MSG{window, message, wParam, lParam, messageTime(), {0, 0}});
+        m_posted.push_back(MSG{window, message, wParam, lParam, GetTickCount(), {0, 0}});
         listening = (m_listening & wakePosted) != 0;
     }
     if (listening)
@@ -181,7 +176,7 @@ bool MessageQueue::take(const MessageFilter &filter, bool remove, MSG &message)
     }
     if (m_quit.has_value())
     {
-        message = MSG{nullptr, WM_QUIT, static_cast<WPARAM>(*m_quit), 0, messageTime(), {0, 0}};
+        message = MSG{nullptr, WM_QUIT, static_cast<WPARAM>(*m_quit), 0, GetTickCount(), {0, 0}};
         if (remove)
         {
             m_quit.reset();
@@ -195,7 +190,7 @@ bool MessageQueue::take(const MessageFilter &filter, bool remove, MSG &message)
         return false;
     }
     message =
-        MSG{timer->window, WM_TIMER, timer->id, reinterpret_cast<LPARAM>(timer->procedure), messageTime(), {0, 0}};
+        MSG{timer->window, WM_TIMER, timer->id, reinterpret_cast<LPARAM>(timer->procedure), GetTickCount(), {0, 0}};
     if (remove)
     {
         // Counted from now, not from when it was due: ticks that were missed do not come in a row.

@@ -132,6 +132,10 @@ void ThreadState::changeWishes(unsigned set, unsigned clear)
 
 void ThreadState::obey()
 {
+    if (thisThread.shields != 0)
+    {
+        return;
+    }
     holdWhileSuspended();
     if (isTerminateWished())
     {

@@ -29,6 +29,7 @@ struct ThreadLocals
     DWORD lastError = 0;
     DWORD id = 0; ///< 0 until the thread has a state
     ThreadState *state = nullptr;
+    int shields = 0; ///< Shield objects alive
 };
 extern constinit thread_local ThreadLocals thisThread __attribute__((visibility("hidden")));
 
@@ -129,6 +130,23 @@ class ThreadState final : public Waitable, public std::enable_shared_from_this<T
     std::atomic<unsigned> *m_wishWord = nullptr;
 
     MessageQueue m_queue;
+};
+
+/// While it lives the thread is not held at stopping points: it is inside something of the host system that has a lock
+/// of its own. Waits are no places for it.
+class Shield
+{
+  public:
+    Shield()
+    {
+        ++thisThread.shields;
+    }
+    ~Shield()
+    {
+        --thisThread.shields;
+    }
+    Shield(const Shield &) = delete;
+    Shield &operator=(const Shield &) = delete;
 };
 
 ThreadState &adoptCurrentThread();

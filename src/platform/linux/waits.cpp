@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 
 namespace zb::internal
 {
@@ -69,6 +70,16 @@ class HandleWait
         }
         m_wait.blocks = std::span(m_blocks).first(m_count);
         return true;
+    }
+
+    /// Two handles of a wait for all lead to one thing, which can't be taken twice.
+    bool hasOneTwice() const
+    {
+        std::array<const Waitable *, Room> objects{};
+        std::ranges::transform(m_wait.blocks, objects.begin(), &WaitBlock::object);
+        const auto end = objects.begin() + static_cast<std::ptrdiff_t>(m_count);
+        std::sort(objects.begin(), end, std::less<>());
+        return std::adjacent_find(objects.begin(), end) != end;
     }
 
     Waitable::Glance glance() const
@@ -178,6 +189,10 @@ std::int64_t waitWithRoom(std::span<const HANDLE> handles, bool all, DWORD milli
     {
         return waitClosed;
     }
+    if (all && wait.hasOneTwice())
+    {
+        return waitForOneTwice;
+    }
     if (handles.size() == 1 && messageKinds == 0)
     {
         // The poll of a stop event: no lock for it.
@@ -209,6 +224,10 @@ DWORD waitFor(std::span<const HANDLE> handles, bool all, DWORD milliseconds, uns
     if (result == waitClosed)
     {
         return fail(ERROR_INVALID_HANDLE);
+    }
+    if (result == waitForOneTwice)
+    {
+        return fail(ERROR_INVALID_PARAMETER);
     }
     return static_cast<DWORD>(result);
 }

@@ -35,6 +35,7 @@ std::mutex &waitLock();
 inline constexpr std::int64_t waitPending = -1;
 inline constexpr std::int64_t waitTerminated = -2;
 inline constexpr std::int64_t waitClosed = -3;
+inline constexpr std::int64_t waitForOneTwice = -4;
 
 /// The place of one Wait in the list of one thing.
 struct WaitBlock

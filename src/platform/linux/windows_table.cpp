@@ -106,6 +106,22 @@ bool adopt(const std::shared_ptr<WindowObject> &parent, HWND parentHandle, HWND 
     return true;
 }
 
+namespace
+{
+/// Windows of other threads that were below a window which went without messages stand alone from now on.
+void setFree(const std::vector<HWND> &children)
+{
+    for (HWND child : children)
+    {
+        if (const auto object = peekWindow(child))
+        {
+            const std::lock_guard guard(treeLock());
+            object->parent = nullptr;
+        }
+    }
+}
+} // namespace
+
 void removeWindowOfEndedThread(HWND window)
 {
     const DWORD kept = GetLastError();
@@ -118,11 +134,14 @@ void removeWindowOfEndedThread(HWND window)
     WindowObject &object = static_cast<WindowObject &>(*removed);
     object.type()->windows.fetch_sub(1, std::memory_order_relaxed);
     HWND parentHandle = nullptr;
+    std::vector<HWND> children;
     {
         const std::lock_guard guard(treeLock());
         object.destroying = true;
         parentHandle = object.parent;
+        children.swap(object.children);
     }
+    setFree(children);
     const auto parent = parentHandle == nullptr ? nullptr : peekWindow(parentHandle);
     const std::lock_guard guard(treeLock());
     if (parent != nullptr)

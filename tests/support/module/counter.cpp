@@ -7,3 +7,22 @@ extern "C" int zbTestCounter()
 
 extern "C" int zbTestValue;
 int zbTestValue = 4711;
+
+// Called while the library is unloaded, under the lock of the host system's loader.
+extern "C" void (*zbTestAtUnload)();
+void (*zbTestAtUnload)() = nullptr;
+
+namespace
+{
+struct AtUnload
+{
+    ~AtUnload()
+    {
+        if (zbTestAtUnload != nullptr)
+        {
+            zbTestAtUnload();
+        }
+    }
+};
+const AtUnload atUnload;
+} // namespace
