@@ -21,6 +21,7 @@
 #pragma once
 
 #include "calendar/CRecurrenceReader.h"
+#include "calendar/CalendarDay.h"
 #include "calendar/CalendarSettings.h"
 #include "calendar/DATACALENDAR.h"
 #include "calendar/DATACALENDARDB.h"
@@ -203,7 +204,6 @@ class ZBTOOLS_API CCalendarThread : public CeWorkerThread
     bool FlagAt(int index) const;
 
     // Rows (CCalendarThread_rows.cpp, CCalendarThread_timing.cpp).
-    void fFillEventList();
     void fFillNonRecurrEvnt();
     void fFillExtraAgendaInfo(DATACALENDAR *row);
     void AddAge(DATACALENDAR &row, WORD firstYear, const WCHAR *mark) const;
@@ -214,6 +214,15 @@ class ZBTOOLS_API CCalendarThread : public CeWorkerThread
     void fGetRecurTimingStr(const TIME_ZONE_INFORMATION *zone, int startHour, int startMinute, int endHour,
                             int endMinute, DATACALENDAR *row);
     double TimeOfOccurrence(const TIME_ZONE_INFORMATION &zone, SYSTEMTIME date, bool allDay) const;
+
+    // Series (CCalendarThread_recurrence.cpp).
+    class OccurrenceMaker;
+    void fFillEventList();
+    void fFillEventInfo();
+    bool fCheckExp(const SYSTEMTIME &date);
+    bool fCheckDeleteExp(const zb::CalendarDay &date) const;
+    void FillException(const RECUREXCEPTION &exception);
+    bool OccurrenceReachesRange() const;
 
     // Settings (CCalendarThread_extras.cpp).
     void TakeToday();
@@ -254,6 +263,8 @@ class ZBTOOLS_API CCalendarThread : public CeWorkerThread
     CEPROPVAL m_keyJournal{};
     bool m_bLinksOpen = false;
     CRecurrenceReader m_reader;
+    /// Where the last weekly or monthly series of the object's life placed its start; what "every weekday" goes by.
+    double m_dtWorking = 0.0;
     std::u16string m_strWork;
     bool m_bRestRead = false;  // texts of the current record are in the scratch row
     LONGLONG m_startTicks = 0; // device-local start of the current record

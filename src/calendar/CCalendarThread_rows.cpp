@@ -8,8 +8,6 @@
 
 namespace
 {
-constexpr WORD firstFrequency = 0x200A;
-constexpr WORD lastFrequency = 0x200D;
 /// Characters of an age text, its terminator included.
 constexpr std::size_t ageTextSize = 1100;
 /// Characters more that the categories get for the mark of a birthday or anniversary.
@@ -34,30 +32,7 @@ struct DayAndSecond
     int day;
     int second;
 };
-
-int wholeDay(double date)
-{
-    return DayAndSecond(date).day;
-}
 } // namespace
-
-/// Present state: series show as their first appointment. The expansions of the known frequencies come in here, one
-/// for each pair of frequency and pattern type.
-void CCalendarThread::fFillEventList()
-{
-    if (m_pRow->m_wFrequency < firstFrequency || m_pRow->m_wFrequency > lastFrequency)
-    {
-        fFillNonRecurrEvnt();
-        return;
-    }
-    SetOccurrence(m_pRow->m_stStart);
-    fGetRecurTimingStr(&m_pRow->m_tzRecord, m_pRow->m_wStartHour, m_pRow->m_wStartMinute, m_pRow->m_wEndHour,
-                       m_pRow->m_wEndMinute, m_pRow.get());
-    if (wholeDay(m_pRow->m_dtEnd) >= m_nRangeStart && wholeDay(m_pRow->m_dtStart) <= m_nRangeEnd)
-    {
-        fFillNonRecurrEvnt();
-    }
-}
 
 void CCalendarThread::fFillNonRecurrEvnt()
 {

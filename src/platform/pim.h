@@ -80,6 +80,12 @@ struct AppointmentItem
     BusyStatus busy = BusyStatus::Busy;
     bool isPrivate = false;
     bool reminder = false;
+    /// Series: the pattern (encodeRecurrence in pim_recurrence.h), empty for a single appointment. The start of an
+    /// all-day series is stored as given, and is the moment of its first midnight in the device's zone, since loaders
+    /// bring every series into that zone.
+    std::vector<BYTE> recurrence;
+    /// Series: the zone of its times (encodeZone), empty for the device's own, wherever that is.
+    std::vector<BYTE> zone;
 };
 
 /// Properties of a record in one owner, each id once: setting or removing one again takes the place of what was told

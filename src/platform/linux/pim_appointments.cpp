@@ -32,11 +32,21 @@ void setText(RecordProperties &record, CEPROPID id, const std::u16string &text)
     record.set(id, text);
 }
 
+void setBlob(RecordProperties &record, CEPROPID id, std::vector<BYTE> bytes)
+{
+    if (bytes.empty())
+    {
+        record.remove(id);
+        return;
+    }
+    record.set(id, std::move(bytes));
+}
+
 void setTimes(RecordProperties &record, const AppointmentItem &item)
 {
     if (item.allDay)
     {
-        record.set(appointmentStart, midnightOf(item.start));
+        record.set(appointmentStart, item.recurrence.empty() ? midnightOf(item.start) : item.start);
         record.set(appointmentDuration, std::clamp(item.days, LONG{1}, mostDays) * minutesPerDay - 1);
         record.set(appointmentDurationType, durationTypeAllDay);
         return;
@@ -52,22 +62,15 @@ RecordProperties encodeAppointment(const AppointmentItem &item)
     RecordProperties record;
     setTimes(record, item);
     record.set(appointmentReminderSet, static_cast<SHORT>(item.reminder ? 1 : 0));
-    record.set(appointmentRecurringFlag, SHORT{0});
+    record.set(appointmentRecurringFlag, static_cast<SHORT>(item.recurrence.empty() ? 0 : 1));
     record.set(itemSensitivity, item.isPrivate ? sensitivityPrivate : SHORT{0});
     record.set(appointmentBusyStatus, static_cast<SHORT>(item.busy));
     setText(record, itemSubject, item.subject);
     setText(record, appointmentLocation, item.location);
     setText(record, itemInterchangeId, item.interchangeId);
-    if (std::vector<BYTE> notes = encodeNotes(item.notes); notes.empty())
-    {
-        record.remove(itemNotes);
-    }
-    else
-    {
-        record.set(itemNotes, std::move(notes));
-    }
-    record.remove(appointmentRecurrence);
-    record.remove(appointmentZone);
+    setBlob(record, itemNotes, encodeNotes(item.notes));
+    setBlob(record, appointmentRecurrence, item.recurrence);
+    setBlob(record, appointmentZone, item.recurrence.empty() ? std::vector<BYTE>() : item.zone);
     return record;
 }
 
