@@ -71,11 +71,11 @@ std::string upper(std::string_view text)
     return copy;
 }
 
-/// Position of the colon that ends name and parameters; quoted parameter values may hold colons of their own.
-std::size_t colonOf(std::string_view text)
+/// Position of the colon that ends the parameters, which begin at `from`; quoted values may hold colons of their own.
+std::size_t colonOf(std::string_view text, std::size_t from)
 {
     bool quoted = false;
-    for (std::size_t at = 0; at < text.size(); ++at)
+    for (std::size_t at = from; at < text.size(); ++at)
     {
         if (text[at] == '"')
         {
@@ -87,16 +87,30 @@ std::size_t colonOf(std::string_view text)
         }
     }
     // A quote that is never closed: the first colon is the best guess.
-    return quoted ? text.find(':') : std::string_view::npos;
+    return quoted ? text.find(':', from) : std::string_view::npos;
 }
 
-bool isName(std::string_view text)
+/// Length of a parameter up to the semicolon that ends it.
+std::size_t endOfParameter(std::string_view text)
 {
-    return !text.empty() && std::all_of(text.begin(), text.end(),
-                                        [](char ch) {
-                                            return (ch >= 'A' && ch <= 'Z') || (ch >= '0' && ch <= '9') || ch == '-' ||
-                                                   ch == '_' || ch == '.';
-                                        });
+    bool quoted = false;
+    std::size_t at = 0;
+    for (; at < text.size() && (quoted || text[at] != ';'); ++at)
+    {
+        quoted = quoted != (text[at] == '"');
+    }
+    return at;
+}
+
+/// The character of a property's name in upper case; 0 for one that no name holds.
+char nameCharacter(char ch)
+{
+    if (ch >= 'a' && ch <= 'z')
+    {
+        return static_cast<char>(ch - 'a' + 'A');
+    }
+    const bool fits = (ch >= 'A' && ch <= 'Z') || (ch >= '0' && ch <= '9') || ch == '-' || ch == '_' || ch == '.';
+    return fits ? ch : '\0';
 }
 
 /// The rules of real zones come once or twice a year. A rule by the second would keep a parser busy for hours.
@@ -113,6 +127,30 @@ std::string_view CalendarComponent::rawValue(EventField field) const
     const Place &found = place(field);
     const std::string &store = field < EventField::Sequence ? text : m_aside;
     return std::string_view(store).substr(std::min(found.offset, store.size()), found.length);
+}
+
+std::string_view CalendarComponent::parameter(EventField field, std::string_view name) const
+{
+    const Place &found = place(field);
+    if (found.parameters == 0)
+    {
+        return {};
+    }
+    std::string_view rest = std::string_view(text).substr(found.offset - 1 - found.parameters, found.parameters);
+    while (!rest.empty())
+    {
+        rest.remove_prefix(1); // the semicolon
+        const std::string_view item = rest.substr(0, endOfParameter(rest));
+        rest.remove_prefix(item.size());
+        const std::size_t equals = item.find('=');
+        if (equals != std::string_view::npos && upper(trimmed(item.substr(0, equals))) == name)
+        {
+            std::string_view value = trimmed(item.substr(equals + 1));
+            const bool quoted = value.size() >= 2 && value.front() == '"' && value.back() == '"';
+            return quoted ? value.substr(1, value.size() - 2) : value;
+        }
+    }
+    return {};
 }
 
 bool CalendarComponent::says(EventField field, std::string_view word) const
@@ -178,18 +216,42 @@ void CalendarReader::split()
         text.remove_prefix(mark.size());
     }
     m_parts = {};
-    const std::size_t nameEnd = text.find_first_of(":;");
-    const std::size_t colon = nameEnd == std::string_view::npos ? nameEnd : colonOf(text);
-    if (colon == std::string_view::npos || nameEnd > longestName)
+    const std::size_t nameEnd = takeName(text);
+    if (nameEnd == std::string_view::npos)
+    {
+        return;
+    }
+    const std::size_t colon = text[nameEnd] == ':' ? nameEnd : colonOf(text, nameEnd);
+    if (colon == std::string_view::npos)
     {
         return;
     }
     m_parts.whole = text;
-    m_name.assign(trimmed(text.substr(0, nameEnd)));
-    makeUpper(m_name);
     m_parts.name = m_name;
+    m_parts.parameters = text.substr(nameEnd, colon - nameEnd);
     m_parts.value = text.substr(colon + 1);
-    m_parts.isProperty = isName(m_name);
+    m_parts.isProperty = true;
+}
+
+/// Puts the name in upper case into m_name and returns where it ends, npos when the line begins with none.
+std::size_t CalendarReader::takeName(std::string_view text)
+{
+    m_name.clear();
+    std::size_t at = 0;
+    for (; at < text.size() && m_name.size() <= longestName; ++at)
+    {
+        const char ch = nameCharacter(text[at]);
+        if (ch != '\0')
+        {
+            m_name.push_back(ch);
+        }
+        else if (text[at] != ' ' && text[at] != '\t')
+        {
+            break;
+        }
+    }
+    const bool ends = at < text.size() && (text[at] == ':' || text[at] == ';');
+    return ends && !m_name.empty() ? at : std::string_view::npos;
 }
 
 void CalendarReader::stray()
@@ -401,6 +463,7 @@ void CalendarReader::takeEventLine(CalendarComponent &component) const
     store += aside ? value : m_parts.whole;
     place.length = value.size();
     place.offset = store.size() - place.length;
+    place.parameters = aside ? 0 : m_parts.parameters.size();
     store += "\r\n";
 }
 

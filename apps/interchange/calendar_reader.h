@@ -79,9 +79,11 @@ class CalendarComponent
     {
         return place(field).cut;
     }
-    /// Value as it stands in the file, escapes and all; empty when missing. For the text fields behind AllDayEvent and
-    /// for those in `text` alike.
+    /// Value as it stands in the file, escapes and all; empty when missing.
     std::string_view rawValue(EventField field) const;
+    /// Value of a parameter (its name in upper case) without quotes; empty when missing. The fields from Sequence on
+    /// have none.
+    std::string_view parameter(EventField field, std::string_view name) const;
 
     /// Whether the value is this word, which is in upper case, in any case and with blanks around it.
     bool says(EventField field, std::string_view word) const;
@@ -94,6 +96,7 @@ class CalendarComponent
     {
         std::size_t offset = 0; ///< of the value, in `text` or `m_aside`
         std::size_t length = 0;
+        std::size_t parameters = 0; ///< characters between name and value, in front of the colon
         std::size_t line = 0;
         bool cut = false;
     };
@@ -143,13 +146,15 @@ class CalendarReader
     struct Parts
     {
         std::string_view whole;
-        std::string_view name; ///< upper case
+        std::string_view name;       ///< upper case
+        std::string_view parameters; ///< with their semicolons
         std::string_view value;
         bool isProperty = false;
     };
 
     bool readLine();
     void split();
+    std::size_t takeName(std::string_view text);
     bool openCalendar();
     void readComponent(CalendarComponent &component);
     bool leavesUnended(const CalendarComponent &component) const;

@@ -66,6 +66,7 @@ std::size_t CalendarSurvey::lineThatCounts(const CalendarComponent &event) const
 
 bool CalendarSurvey::hasChangedFirstDay(const CalendarComponent &series) const
 {
-    return !series.has(EventField::RecurrenceId) && m_versions.count(changedDayKey(series)) != 0;
+    return series.has(EventField::Start) && !series.has(EventField::RecurrenceId) &&
+           m_versions.count(changedDayKey(series)) != 0;
 }
 } // namespace zb::interchange

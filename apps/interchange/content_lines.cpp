@@ -234,7 +234,10 @@ void ContentLines::repair(ContentLine &line)
         text.erase(std::remove(text.begin(), text.end(), '\0'), text.end());
         m_notes.zeroFirst = m_notes.zeroLines++ == 0 ? line.line : m_notes.zeroFirst;
     }
-    std::replace(text.begin(), text.end(), '\r', ' ');
+    if (std::memchr(text.data(), '\r', text.size()) != nullptr)
+    {
+        std::replace(text.begin(), text.end(), '\r', ' ');
+    }
     if (isAscii(text))
     {
         return;

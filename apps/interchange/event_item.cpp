@@ -5,9 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <memory>
-
-#include <libical/ical.h>
 
 namespace zb::interchange
 {
@@ -15,14 +12,28 @@ namespace
 {
 constexpr std::size_t longestIdentity = 255;
 
-struct ComponentRelease
+/// A TEXT value without its escapes. A backslash in front of anything else stands for itself, as careless writers of
+/// paths mean it.
+std::u16string unescaped(std::string_view raw)
 {
-    void operator()(icalcomponent *component) const
+    std::string text;
+    text.reserve(raw.size());
+    for (std::size_t at = 0; at < raw.size(); ++at)
     {
-        icalcomponent_free(component);
+        const char next = raw[at] == '\\' && at + 1 < raw.size() ? raw[at + 1] : '\0';
+        const bool lineBreak = next == 'n' || next == 'N';
+        if (lineBreak || next == ',' || next == ';' || next == '\\' || next == ':' || next == '"')
+        {
+            text.push_back(lineBreak ? '\n' : next);
+            ++at;
+        }
+        else
+        {
+            text.push_back(raw[at]);
+        }
     }
-};
-using ComponentOwner = std::unique_ptr<icalcomponent, ComponentRelease>;
+    return toUtf16(text);
+}
 
 bool isControl(char16_t ch)
 {
@@ -81,17 +92,16 @@ std::u16string manyLines(const std::u16string &text)
 class EventBuilder
 {
   public:
-    EventBuilder(const CalendarComponent &event, icalcomponent *parsed, const EventTimes &times)
-        : m_event(event), m_parsed(parsed), m_times(times)
+    EventBuilder(const CalendarComponent &event, const EventTimes &times) : m_event(event), m_times(times)
     {
     }
 
     AppointmentItem build() const
     {
         AppointmentItem item;
-        item.subject = oneLine(text(ICAL_SUMMARY_PROPERTY));
-        item.location = oneLine(text(ICAL_LOCATION_PROPERTY));
-        item.notes = manyLines(text(ICAL_DESCRIPTION_PROPERTY));
+        item.subject = oneLine(unescaped(m_event.rawValue(EventField::Summary)));
+        item.location = oneLine(unescaped(m_event.rawValue(EventField::Location)));
+        item.notes = manyLines(unescaped(m_event.rawValue(EventField::Description)));
         item.interchangeId = identity();
         item.start = m_times.start;
         item.durationMinutes = m_times.minutes;
@@ -105,23 +115,6 @@ class EventBuilder
     }
 
   private:
-    icalproperty *property(icalproperty_kind kind) const
-    {
-        return icalcomponent_get_first_property(m_parsed, kind);
-    }
-
-    std::u16string text(icalproperty_kind kind) const
-    {
-        icalproperty *const found = property(kind);
-        const icalvalue *const value = found == nullptr ? nullptr : icalproperty_get_value(found);
-        if (value == nullptr || icalvalue_isa(value) != ICAL_TEXT_VALUE)
-        {
-            return {};
-        }
-        const char *const content = icalvalue_get_text(value);
-        return content == nullptr ? std::u16string() : toUtf16(content);
-    }
-
     BusyStatus busyStatus() const
     {
         constexpr std::array<std::pair<std::string_view, BusyStatus>, 5> words = {
@@ -146,7 +139,7 @@ class EventBuilder
 
     std::u16string identity() const
     {
-        std::u16string id = trimmed(text(ICAL_UID_PROPERTY));
+        std::u16string id = trimmed(unescaped(m_event.rawValue(EventField::Uid)));
         if (id.empty())
         {
             return toUtf16("content-" + fingerprint(m_event.text).hex());
@@ -163,7 +156,6 @@ class EventBuilder
     }
 
     const CalendarComponent &m_event;
-    icalcomponent *m_parsed;
     const EventTimes &m_times;
 };
 
@@ -179,19 +171,12 @@ std::string keyOf(const CalendarComponent &event, std::string_view day)
 EventReading readEvent(const CalendarComponent &event, ZoneBook &zones)
 {
     EventReading reading;
-    const ComponentOwner parsed(icalparser_parse_string(event.text.c_str()));
-    if (parsed == nullptr || icalcomponent_isa(parsed.get()) != ICAL_VEVENT_COMPONENT)
-    {
-        reading.reason = "it can't be understood";
-        reading.line = event.line;
-        return reading;
-    }
     try
     {
-        const EventTimes times = readEventTimes(event, parsed.get(), zones);
+        const EventTimes times = readEventTimes(event, zones);
         reading.unknownZone = times.unknownZone;
         reading.unknownZoneLine = times.unknownZoneLine;
-        reading.item = EventBuilder(event, parsed.get(), times).build();
+        reading.item = EventBuilder(event, times).build();
     }
     catch (const EventLeftOut &left)
     {

@@ -4,7 +4,9 @@
 #include "platform/text.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <limits>
+#include <optional>
 
 #include <libical/ical.h>
 
@@ -13,7 +15,8 @@ namespace zb::interchange
 namespace
 {
 constexpr WORD firstYear = 1601;
-constexpr WORD lastYear = 9999;
+/// 10000-01-01 00:00 in ticks: 8,399 years of the calendar from 1601 on.
+constexpr LONGLONG endOfYears = (8399 * 365LL + 2036) * ticksPerDay;
 constexpr LONGLONG minutesPerDay = 1440;
 constexpr LONGLONG mostMinutes = std::numeric_limits<LONG>::max();
 
@@ -24,6 +27,31 @@ struct Moment
     CalendarZone *zone = nullptr;
     LONGLONG ticks = 0; ///< UTC; of a date its midnight, in no zone
 };
+
+SYSTEMTIME fieldsOf(LONGLONG ticks)
+{
+    const FILETIME time = fileTimeOf(ticks);
+    SYSTEMTIME fields{};
+    FileTimeToSystemTime(&time, &fields);
+    return fields;
+}
+
+/// "20261121T093000Z"
+std::string utcText(LONGLONG ticks)
+{
+    const SYSTEMTIME at = fieldsOf(ticks);
+    char text[64];
+    std::snprintf(text, sizeof text, "%04u%02u%02uT%02u%02u%02uZ", unsigned{at.wYear}, unsigned{at.wMonth},
+                  unsigned{at.wDay}, unsigned{at.wHour}, unsigned{at.wMinute}, unsigned{at.wSecond});
+    return text;
+}
+
+std::string_view trimmed(std::string_view text)
+{
+    const std::size_t from = text.find_first_not_of(" \t");
+    return from == std::string_view::npos ? std::string_view()
+                                          : text.substr(from, text.find_last_not_of(" \t") - from + 1);
+}
 
 std::string shown(std::string_view raw)
 {
@@ -37,17 +65,72 @@ std::string shown(std::string_view raw)
     return toUtf8(std::u16string_view(toUtf16(text))) + (raw.size() > longest ? "..." : "");
 }
 
+/// The number that `count` digits make; nothing for anything else.
+std::optional<int> number(std::string_view text, std::size_t from, std::size_t count)
+{
+    int value = 0;
+    for (const char ch : text.substr(from, count))
+    {
+        if (ch < '0' || ch > '9')
+        {
+            return std::nullopt;
+        }
+        value = value * 10 + (ch - '0');
+    }
+    return value;
+}
+
+struct WrittenTime
+{
+    SYSTEMTIME fields{};
+    bool isDate = false;
+    bool isUtc = false;
+    bool endsDay = false; ///< hour 24: midnight at the end of the day
+};
+
+/// Reads 20261121, 20261121T093000 and 20261121T093000Z. The parts may be no date yet.
+std::optional<WrittenTime> readTime(std::string_view text)
+{
+    constexpr std::size_t dateLength = 8;
+    constexpr std::size_t timeLength = 15;
+    WrittenTime time;
+    time.isUtc = text.size() == timeLength + 1 && (text.back() == 'Z' || text.back() == 'z');
+    text.remove_suffix(time.isUtc ? 1 : 0);
+    time.isDate = text.size() == dateLength;
+    if (!time.isDate && (text.size() != timeLength || (text[dateLength] != 'T' && text[dateLength] != 't')))
+    {
+        return std::nullopt;
+    }
+    const auto part = [&](WORD &target, std::size_t from, std::size_t count)
+    {
+        const std::optional<int> value = number(text, from, count);
+        target = static_cast<WORD>(value.value_or(0));
+        return value.has_value();
+    };
+    SYSTEMTIME &fields = time.fields;
+    bool read = part(fields.wYear, 0, 4) && part(fields.wMonth, 4, 2) && part(fields.wDay, 6, 2);
+    if (read && !time.isDate)
+    {
+        read = part(fields.wHour, 9, 2) && part(fields.wMinute, 11, 2) && part(fields.wSecond, 13, 2);
+        // Some write midnight at the end of a day as hour 24, and leap seconds are times too.
+        time.endsDay = fields.wHour == 24 && fields.wMinute == 0 && fields.wSecond == 0;
+        fields.wHour = time.endsDay ? WORD{0} : fields.wHour;
+        fields.wSecond = fields.wSecond == 60 ? WORD{59} : fields.wSecond;
+    }
+    return read ? std::optional(time) : std::nullopt;
+}
+
 class TimeReader
 {
   public:
-    TimeReader(const CalendarComponent &event, icalcomponent *parsed, ZoneBook &zones, EventTimes &times)
-        : m_event(event), m_parsed(parsed), m_zones(zones), m_times(times)
+    TimeReader(const CalendarComponent &event, ZoneBook &zones, EventTimes &times)
+        : m_event(event), m_zones(zones), m_times(times)
     {
     }
 
     void read()
     {
-        m_start = moment(ICAL_DTSTART_PROPERTY, EventField::Start, "start");
+        m_start = moment(EventField::Start, "start");
         m_times.allDay = m_start.isDate;
         m_times.start = fileTimeOf(m_start.ticks);
         if (m_start.isDate)
@@ -66,23 +149,9 @@ class TimeReader
         const std::string raw(m_event.rawValue(EventField::RecurrenceId));
         try
         {
-            const Moment day = moment(ICAL_RECURRENCEID_PROPERTY, EventField::RecurrenceId, "day");
-            if (day.isDate || day.zone == &m_zones.device())
-            {
-                return raw;
-            }
-            const FILETIME utc = fileTimeOf(day.ticks);
-            SYSTEMTIME at{};
-            FileTimeToSystemTime(&utc, &at);
-            icaltimetype time = icaltime_null_time();
-            time.year = at.wYear;
-            time.month = at.wMonth;
-            time.day = at.wDay;
-            time.hour = at.wHour;
-            time.minute = at.wMinute;
-            time.second = at.wSecond;
-            time.zone = icaltimezone_get_utc_timezone();
-            return icaltime_as_ical_string(time);
+            const Moment day = moment(EventField::RecurrenceId, "day");
+            // A time in the device's zone stays as it is written: the device may travel, the identity may not.
+            return day.isDate || day.zone == &m_zones.device() ? raw : utcText(day.ticks);
         }
         catch (const EventLeftOut &)
         {
@@ -97,87 +166,53 @@ class TimeReader
         throw EventLeftOut{reason, line != 0 ? line : m_event.line};
     }
 
-    icalproperty *property(icalproperty_kind kind) const
-    {
-        return icalcomponent_get_first_property(m_parsed, kind);
-    }
-
-    Moment moment(icalproperty_kind kind, EventField field, const std::string &what)
+    Moment moment(EventField field, const std::string &what)
     {
         if (!m_event.has(field))
         {
             leaveOut(field, "its " + what + " is missing");
         }
-        const std::string noDate = "its " + what + " \"" + shown(m_event.rawValue(field)) + "\" is no date";
-        icalproperty *const found = property(kind);
-        const icalvalue *const value = found == nullptr ? nullptr : icalproperty_get_value(found);
-        const icalvalue_kind form = value == nullptr ? ICAL_NO_VALUE : icalvalue_isa(value);
-        if (form != ICAL_DATE_VALUE && form != ICAL_DATETIME_VALUE)
-        {
-            leaveOut(field, noDate);
-        }
-        const icaltimetype time = form == ICAL_DATE_VALUE ? icalvalue_get_date(value) : icalvalue_get_datetime(value);
-        if (icaltime_is_null_time(time) == 0 && time.year >= 0 && time.year < firstYear)
+        const std::string_view raw = trimmed(m_event.rawValue(field));
+        const std::optional<WrittenTime> time = readTime(raw);
+        FILETIME local{};
+        if (time && time->fields.wYear < firstYear)
         {
             leaveOut(field, "its " + what + " lies before the year 1601");
         }
-        Moment moment = fieldsOf(time);
-        FILETIME local{};
-        if (icaltime_is_null_time(time) != 0 || SystemTimeToFileTime(&moment.fields, &local) == FALSE)
+        if (!time || SystemTimeToFileTime(&time->fields, &local) == FALSE)
         {
-            leaveOut(field, noDate);
+            leaveOut(field, "its " + what + " \"" + shown(raw) + "\" is no date");
         }
-        moment.ticks += ticksOf(local);
-        if (!moment.isDate)
-        {
-            inZone(moment, found, icaltime_is_utc(time) != 0, field, what);
-        }
-        return moment;
-    }
-
-    static Moment fieldsOf(const icaltimetype &time)
-    {
         Moment moment;
-        moment.isDate = time.is_date != 0;
-        moment.fields.wYear = static_cast<WORD>(time.year);
-        moment.fields.wMonth = static_cast<WORD>(time.month);
-        moment.fields.wDay = static_cast<WORD>(time.day);
-        // Some write midnight at the end of a day as hour 24, and leap seconds are times too.
-        const bool endOfDay = time.hour == 24 && time.minute == 0 && time.second == 0;
-        moment.ticks = endOfDay ? ticksPerDay : 0;
+        moment.isDate = time->isDate;
+        moment.ticks = ticksOf(local) + (time->endsDay ? ticksPerDay : 0);
+        moment.fields = fieldsOf(moment.ticks);
         if (!moment.isDate)
         {
-            moment.fields.wHour = static_cast<WORD>(endOfDay ? 0 : time.hour);
-            moment.fields.wMinute = static_cast<WORD>(time.minute);
-            moment.fields.wSecond = static_cast<WORD>(time.second == 60 ? 59 : time.second);
+            moment.zone = time->isUtc ? &m_zones.utc() : zoneOf(field);
+            inZone(moment, field, what);
         }
         return moment;
     }
 
-    void inZone(Moment &moment, icalproperty *found, bool isUtc, EventField field, const std::string &what)
+    void inZone(Moment &moment, EventField field, const std::string &what) const
     {
-        const FILETIME local = fileTimeOf(moment.ticks);
-        FileTimeToSystemTime(&local, &moment.fields);
-        moment.zone = isUtc ? &m_zones.utc() : zoneOf(found, field);
         const std::optional<FILETIME> utc = moment.zone->toUtc(moment.fields);
         if (!utc || ticksOf(*utc) < 0)
         {
             leaveOut(field, "its " + what + " lies before the year 1601");
         }
         moment.ticks = ticksOf(*utc);
-        SYSTEMTIME fields{};
-        FileTimeToSystemTime(&*utc, &fields);
-        if (fields.wYear > lastYear)
+        if (moment.ticks >= endOfYears)
         {
             leaveOut(field, "its " + what + " lies beyond the year 9999");
         }
     }
 
-    CalendarZone *zoneOf(icalproperty *found, EventField field)
+    CalendarZone *zoneOf(EventField field)
     {
-        icalparameter *const parameter = icalproperty_get_first_parameter(found, ICAL_TZID_PARAMETER);
-        const char *const name = parameter == nullptr ? nullptr : icalparameter_get_tzid(parameter);
-        if (name == nullptr)
+        const std::string_view name = m_event.parameter(field, "TZID");
+        if (name.empty())
         {
             return &m_zones.device();
         }
@@ -197,20 +232,13 @@ class TimeReader
     };
 
     /// The DURATION; days apart, because a day across a change of daylight time is no 24 hours.
-    Length duration()
+    Length duration() const
     {
-        const std::string bad =
-            "its duration \"" + shown(m_event.rawValue(EventField::Duration)) + "\" is no span of time";
-        icalproperty *const found = property(ICAL_DURATION_PROPERTY);
-        const icalvalue *const value = found == nullptr ? nullptr : icalproperty_get_value(found);
-        if (value == nullptr || icalvalue_isa(value) != ICAL_DURATION_VALUE)
-        {
-            leaveOut(EventField::Duration, bad);
-        }
-        const icaldurationtype span = icalvalue_get_duration(value);
+        const std::string raw(trimmed(m_event.rawValue(EventField::Duration)));
+        const icaldurationtype span = icaldurationtype_from_string(raw.c_str());
         if (icaldurationtype_is_bad_duration(span) != 0)
         {
-            leaveOut(EventField::Duration, bad);
+            leaveOut(EventField::Duration, "its duration \"" + shown(raw) + "\" is no span of time");
         }
         const Length length{static_cast<LONGLONG>(span.weeks) * 7 + span.days,
                             (static_cast<LONGLONG>(span.hours) * 60 + span.minutes) * 60 + span.seconds};
@@ -232,7 +260,7 @@ class TimeReader
         if (m_event.has(EventField::End))
         {
             field = EventField::End;
-            const Moment end = moment(ICAL_DTEND_PROPERTY, field, "end");
+            const Moment end = moment(field, "end");
             FILETIME local{};
             SystemTimeToFileTime(&end.fields, &local);
             const LONGLONG span = ticksOf(local) - m_start.ticks;
@@ -253,10 +281,7 @@ class TimeReader
 
     void setDays(LONGLONG days, EventField field)
     {
-        const FILETIME end = fileTimeOf(ticksOf(m_times.start) + days * ticksPerDay - 1);
-        SYSTEMTIME last{};
-        FileTimeToSystemTime(&end, &last);
-        if (last.wYear > lastYear)
+        if (ticksOf(m_times.start) + days * ticksPerDay > endOfYears)
         {
             leaveOut(field, "its end lies beyond the year 9999");
         }
@@ -286,10 +311,7 @@ class TimeReader
             leaveOut(field, "it ends before it starts");
         }
         const LONGLONG minutes = (end - m_start.ticks + ticksPerMinute / 2) / ticksPerMinute;
-        const FILETIME last = fileTimeOf(end);
-        SYSTEMTIME fields{};
-        FileTimeToSystemTime(&last, &fields);
-        if (fields.wYear > lastYear)
+        if (end > endOfYears)
         {
             leaveOut(field, "its end lies beyond the year 9999");
         }
@@ -303,7 +325,7 @@ class TimeReader
 
     LONGLONG timedEnd()
     {
-        const Moment end = moment(ICAL_DTEND_PROPERTY, EventField::End, "end");
+        const Moment end = moment(EventField::End, "end");
         if (!end.isDate)
         {
             return end.ticks;
@@ -317,10 +339,8 @@ class TimeReader
         const Length length = duration();
         FILETIME local{};
         SystemTimeToFileTime(&m_start.fields, &local);
-        local = fileTimeOf(ticksOf(local) + length.days * ticksPerDay);
-        SYSTEMTIME fields{};
-        FileTimeToSystemTime(&local, &fields);
-        const std::optional<FILETIME> utc = fields.wYear > lastYear ? std::nullopt : m_start.zone->toUtc(fields);
+        const LONGLONG ticks = ticksOf(local) + length.days * ticksPerDay;
+        const std::optional<FILETIME> utc = ticks >= endOfYears ? std::nullopt : m_start.zone->toUtc(fieldsOf(ticks));
         if (!utc)
         {
             leaveOut(EventField::Duration, "its end lies beyond the year 9999");
@@ -347,17 +367,16 @@ class TimeReader
     }
 
     const CalendarComponent &m_event;
-    icalcomponent *m_parsed;
     ZoneBook &m_zones;
     EventTimes &m_times;
     Moment m_start;
 };
 } // namespace
 
-EventTimes readEventTimes(const CalendarComponent &event, icalcomponent_impl *parsed, ZoneBook &zones)
+EventTimes readEventTimes(const CalendarComponent &event, ZoneBook &zones)
 {
     EventTimes times;
-    TimeReader reader(event, parsed, zones, times);
+    TimeReader reader(event, zones, times);
     reader.read();
     if (event.has(EventField::RecurrenceId))
     {

@@ -8,8 +8,6 @@
 #include <cstddef>
 #include <string>
 
-struct icalcomponent_impl;
-
 namespace zb::interchange
 {
 /// Thrown for an event that no record can hold.
@@ -32,6 +30,6 @@ struct EventTimes
     std::size_t unknownZoneLine = 0;
 };
 
-/// `parsed` is the event's text as libical reads it. Throws EventLeftOut.
-EventTimes readEventTimes(const CalendarComponent &event, icalcomponent_impl *parsed, ZoneBook &zones);
+/// Throws EventLeftOut.
+EventTimes readEventTimes(const CalendarComponent &event, ZoneBook &zones);
 } // namespace zb::interchange
