@@ -1,0 +1,55 @@
+// The commands of zb, one source file each. Each returns the program's exit code; data goes to standard output,
+// messages to standard error.
+#pragma once
+
+#include "zb/exit_code.h"
+
+#include <cstddef>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zb::cli
+{
+struct InitArguments
+{
+    std::filesystem::path device; ///< empty: the default
+};
+int runInit(const InitArguments &arguments);
+
+struct ImportArguments
+{
+    std::filesystem::path device;
+    std::vector<std::filesystem::path> files;
+    bool dryRun = false;
+    bool json = false;
+};
+int runImport(const ImportArguments &arguments);
+
+struct AgendaArguments
+{
+    std::filesystem::path device;
+    std::string from; ///< as written, empty when not given
+    std::string to;
+    bool fullest = false;
+    bool json = false;
+};
+int runAgenda(const AgendaArguments &arguments);
+
+struct InfoArguments
+{
+    std::filesystem::path device;
+    bool json = false;
+};
+int runInfo(const InfoArguments &arguments);
+
+struct DumpArguments
+{
+    std::filesystem::path device;
+    std::string database; ///< name or id
+    std::optional<std::size_t> limit;
+    bool json = false;
+};
+int runDump(const DumpArguments &arguments);
+} // namespace zb::cli

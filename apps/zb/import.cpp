@@ -1,0 +1,135 @@
+// zb import: events of iCalendar files into the device's appointments, one transaction a file.
+#include "interchange/appointment_store.h"
+#include "interchange/calendar_import.h"
+#include "zb/commands.h"
+#include "zb/json.h"
+#include "zb/open_device.h"
+#include "zb/terminal.h"
+
+namespace zb::cli
+{
+namespace
+{
+using interchange::FileFault;
+using interchange::ImportReport;
+
+const char *nameOf(FileFault fault)
+{
+    switch (fault)
+    {
+    case FileFault::Unreadable:
+        return "unreadable";
+    case FileFault::NotCalendar:
+        return "notCalendar";
+    case FileFault::Torn:
+        return "torn";
+    }
+    return "";
+}
+
+Json asJson(const ImportReport &report)
+{
+    Json file = {{"file", report.file}};
+    if (report.failure)
+    {
+        file["failure"] = {
+            {"kind", nameOf(report.failure->fault)}, {"line", report.failure->line}, {"text", report.failure->text}};
+        return file;
+    }
+    file["events"] = report.events;
+    file["new"] = report.added;
+    file["changed"] = report.updated;
+    file["unchanged"] = report.unchanged;
+    file["leftOut"] = {{"cancelled", report.cancelled},
+                       {"olderVersions", report.superseded},
+                       {"changedFirstDays", report.changedFirstDays},
+                       {"refused", report.refused}};
+    file["repeatingAsFirstDay"] = report.repeating;
+    file["shortenedTexts"] = report.shortened;
+    file["otherComponents"] = Json::object();
+    for (const auto &[name, count] : report.otherComponents)
+    {
+        file["otherComponents"][name] = count;
+    }
+    file["remarks"] = Json::array();
+    for (const interchange::Finding &finding : report.findings)
+    {
+        file["remarks"].push_back({{"line", finding.line}, {"text", finding.text}});
+    }
+    file["moreRemarks"] = report.moreFindings;
+    return file;
+}
+
+void print(const ImportReport &report, const ImportArguments &arguments, Output &output)
+{
+    for (const std::string &remark : remarks(report))
+    {
+        complain(remark);
+    }
+    if (!arguments.json && !report.failure)
+    {
+        output.line(summary(report) + (arguments.dryRun ? " (nothing written)" : ""));
+    }
+}
+
+ImportReport importOne(const std::filesystem::path &file, const ImportArguments &arguments)
+{
+    ProgressBar bar("Importing " + file.filename().string());
+    interchange::ImportOptions options;
+    options.dryRun = arguments.dryRun;
+    options.progress = [&bar](double fraction) { bar.show(fraction); };
+    return interchange::importCalendar(file, options);
+}
+
+/// The gravest result of all files decides.
+int worse(int a, int b)
+{
+    return std::max(a, b);
+}
+
+int resultOf(const ImportReport &report)
+{
+    return report.failure ? exitInput : report.isWhole() ? exitOk : exitIncomplete;
+}
+} // namespace
+
+int runImport(const ImportArguments &arguments)
+{
+    const std::unique_ptr<Device> device = openDevice(arguments.device, Missing::Make);
+    if (!device)
+    {
+        return exitDevice;
+    }
+    Output output;
+    Json files = Json::array();
+    int result = exitOk;
+    bool deviceFailed = false;
+    for (const std::filesystem::path &file : arguments.files)
+    {
+        try
+        {
+            const ImportReport report = importOne(file, arguments);
+            print(report, arguments, output);
+            files.push_back(asJson(report));
+            result = worse(result, resultOf(report));
+        }
+        catch (const interchange::StoreError &error)
+        {
+            complain(file.string() + ": nothing taken, " + error.what());
+            files.push_back(
+                {{"file", file.string()}, {"failure", {{"kind", "device"}, {"line", 0}, {"text", error.what()}}}});
+            deviceFailed = true;
+            break; // the next file would meet the same device
+        }
+    }
+    if (arguments.json)
+    {
+        output.line(text({{"version", jsonVersion}, {"dryRun", arguments.dryRun}, {"files", files}}));
+    }
+    if (!output.finish())
+    {
+        return exitOutput;
+    }
+    return deviceFailed ? static_cast<int>(exitDevice) : result;
+}
+} // namespace zb::cli

@@ -1,0 +1,158 @@
+// zb: the command line host. Arguments only; the commands stand in files of their own.
+#include "zb/commands.h"
+#include "zb/terminal.h"
+
+#include <CLI/CLI.hpp>
+
+#include <clocale>
+#include <exception>
+
+namespace
+{
+using namespace zb::cli;
+
+constexpr const char *exitCodes =
+    "Exit codes: 0 done; 1 done, but something of the input could not be taken; 2 wrong usage; 3 the device can't be\n"
+    "opened, read or written; 4 an input file is unreadable or no calendar; 5 the output can't be written.\n"
+    "The device is --device, else ZB_DEVICE, else $XDG_DATA_HOME/zembrik, else ~/.local/share/zembrik.";
+
+/// All commands with their options; each leaves what to run in `run`.
+class CommandLine
+{
+  public:
+    CommandLine() : m_app("Calendars on a handheld device kept in a folder.", "zb")
+    {
+        m_app.add_option("--device", m_device, "Folder of the device")->type_name("DIR");
+        m_app.set_version_flag("--version", "zb 0.1.0");
+        m_app.require_subcommand(1);
+        m_app.footer(exitCodes);
+        addInit();
+        addImport();
+        addAgenda();
+        addInfo();
+        addDump();
+    }
+
+    int run(int count, char **arguments)
+    {
+        try
+        {
+            m_app.parse(count, arguments);
+        }
+        catch (const CLI::ParseError &error)
+        {
+            return m_app.exit(error) == 0 ? exitOk : exitUsage;
+        }
+        return m_run();
+    }
+
+  private:
+    void addInit()
+    {
+        CLI::App *const command = m_app.add_subcommand("init", "Make a device, if there is none, and say where it is");
+        command->add_option("dir", m_init.device, "Folder of the device, as --device")->type_name("DIR");
+        command->callback(
+            [this]
+            {
+                m_init.device = m_init.device.empty() ? m_device : m_init.device;
+                m_run = [this] { return runInit(m_init); };
+            });
+    }
+
+    void addImport()
+    {
+        CLI::App *const command = m_app.add_subcommand("import", "Take the events of iCalendar files into the device");
+        command->add_option("file", m_import.files, "iCalendar files, - for standard input")
+            ->type_name("FILE.ics")
+            ->required();
+        command->add_flag("--dry-run", m_import.dryRun, "Say what would happen, write nothing");
+        command->add_flag("--json", m_import.json, "Print the result as JSON");
+        command->callback(
+            [this]
+            {
+                m_import.device = m_device;
+                m_run = [this] { return runImport(m_import); };
+            });
+    }
+
+    void addAgenda()
+    {
+        CLI::App *const command =
+            m_app.add_subcommand("agenda", "Print the appointments of this week, or of other days");
+        CLI::Option *const from =
+            command->add_option("--from", m_agenda.from, "First day: 2026-11-21, today, tomorrow, +3");
+        CLI::Option *const to = command->add_option("--to", m_agenda.to, "Last day, itself included");
+        bool *const week = &m_week;
+        CLI::Option *const weekFlag = command->add_flag("--week", *week, "This week (the default)");
+        CLI::Option *const fullest = command->add_flag("--fullest,--fullest-week", m_agenda.fullest,
+                                                       "The week with the most appointments of all");
+        for (CLI::Option *const day : {from, to})
+        {
+            day->type_name("DAY")->excludes(fullest)->excludes(weekFlag);
+        }
+        weekFlag->excludes(fullest);
+        command->add_flag("--json", m_agenda.json, "Print JSON");
+        command->callback(
+            [this]
+            {
+                m_agenda.device = m_device;
+                m_run = [this] { return runAgenda(m_agenda); };
+            });
+    }
+
+    void addInfo()
+    {
+        CLI::App *const command = m_app.add_subcommand("info", "List the databases of the device");
+        command->add_flag("--json", m_info.json, "Print JSON");
+        command->callback(
+            [this]
+            {
+                m_info.device = m_device;
+                m_run = [this] { return runInfo(m_info); };
+            });
+    }
+
+    void addDump()
+    {
+        CLI::App *const command = m_app.add_subcommand("dump", "Print the records of a database, property by property");
+        command->add_option("database", m_dump.database, "Name or id of the database")
+            ->type_name("DATABASE")
+            ->required();
+        command->add_option("--limit", m_dump.limit, "At most so many records")
+            ->type_name("N")
+            ->check(CLI::NonNegativeNumber);
+        command->add_flag("--json", m_dump.json, "Print JSON");
+        command->callback(
+            [this]
+            {
+                m_dump.device = m_device;
+                m_run = [this] { return runDump(m_dump); };
+            });
+    }
+
+    CLI::App m_app;
+    std::filesystem::path m_device;
+    InitArguments m_init;
+    ImportArguments m_import;
+    AgendaArguments m_agenda;
+    bool m_week = false;
+    InfoArguments m_info;
+    DumpArguments m_dump;
+    std::function<int()> m_run;
+};
+} // namespace
+
+int main(int count, char **arguments)
+{
+    // Only for the width of characters; all formats are the device's.
+    std::setlocale(LC_CTYPE, "C.UTF-8");
+    try
+    {
+        return CommandLine().run(count, arguments);
+    }
+    catch (const std::exception &error)
+    {
+        complain(error.what());
+        return exitDevice;
+    }
+}

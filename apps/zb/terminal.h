@@ -1,0 +1,89 @@
+// The terminal that a stream leads to: its width, whether it takes colours, and text that fits.
+//
+// Text from items may hold anything; visibleText() makes it harmless before it is printed (a subject must not be able
+// to move the cursor or recolour the screen).
+#pragma once
+
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+namespace zb::cli
+{
+enum class Style
+{
+    Plain,
+    Heading,
+    Today,
+    Time,
+    AllDay,
+    Dim
+};
+
+class Terminal
+{
+  public:
+    explicit Terminal(std::FILE *stream);
+
+    bool isTerminal() const
+    {
+        return m_isTerminal;
+    }
+    /// Columns; 0 when the stream is no terminal, text is then never cut.
+    int width() const
+    {
+        return m_width;
+    }
+    /// The text in a style; as it is where colours are off (no terminal, NO_COLOR set to anything, TERM=dumb).
+    std::string styled(std::string_view text, Style style) const;
+
+  private:
+    bool m_isTerminal;
+    bool m_colours;
+    int m_width;
+};
+
+/// UTF-8 with control characters, line ends and direction marks turned into blanks.
+std::string visibleText(std::u16string_view text);
+/// Columns that a text takes: two for wide characters, none for combining ones.
+int columnsOf(std::string_view text);
+/// The text, or its beginning with "…" when it takes more than `columns`; below 1 column nothing.
+std::string fitted(std::string_view text, int columns);
+/// With blanks behind it up to `columns`.
+std::string padded(std::string_view text, int columns);
+
+/// Prints to standard output and remembers failure.
+class Output
+{
+  public:
+    void write(std::string_view text);
+    void line(std::string_view text);
+    /// Flushes; false when anything was lost. The message is then printed.
+    bool finish();
+
+  private:
+    bool m_failed = false;
+};
+
+/// "zb: text" on standard error.
+void complain(std::string_view text);
+
+/// A bar on standard error for work that takes long enough to wonder; only on a terminal.
+class ProgressBar
+{
+  public:
+    explicit ProgressBar(std::string label);
+    ~ProgressBar();
+    ProgressBar(const ProgressBar &) = delete;
+    ProgressBar &operator=(const ProgressBar &) = delete;
+
+    void show(double fraction);
+    /// Takes the bar off the screen.
+    void clear();
+
+  private:
+    Terminal m_terminal;
+    std::string m_label;
+    int m_shown = -1; ///< percent on the screen
+};
+} // namespace zb::cli
