@@ -116,7 +116,8 @@ TEST(CStr, CopiesMovesAndGrows)
     CStr c(std::move(b));
     EXPECT_EQ(utf8(c), "abcdef");
     a = c;
-    a = a;
+    const CStr &self = a;
+    a = self;
     EXPECT_EQ(utf8(a), "abcdef");
     a = static_cast<const WCHAR *>(a) + 3;
     EXPECT_EQ(utf8(a), "def");

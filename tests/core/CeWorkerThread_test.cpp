@@ -5,6 +5,7 @@
 #include "core/TestWorker.h"
 
 #include <atomic>
+#include <chrono>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <memory>
@@ -144,6 +145,30 @@ TEST(CeWorkerThread, MayBeDeletedAsSoonAsStopHasReturned)
             Sleep(1);
         }
         worker.reset(); // its destructor stops
+    }
+}
+
+TEST(CeWorkerThread, StopReturnsAfterTheThreadsLastUseOfTheWorker)
+{
+    for (const bool obeys : {true, false})
+    {
+        std::atomic<bool> last = false;
+        Worker worker([obeys](Worker &self) { return obeys ? obedient(self) : DWORD{0}; });
+        worker.m_onDelete = [&]
+        {
+            // The handle is closed and the run lock free by now.
+            EXPECT_EQ(worker.GetHandle(), nullptr);
+            std::this_thread::sleep_for(std::chrono::milliseconds(30));
+            last = true;
+        };
+        worker.Start();
+        if (!obeys)
+        {
+            ASSERT_TRUE(waitUntil([&] { return worker.GetHandle() == nullptr; }));
+        }
+        worker.Stop(FALSE);
+        EXPECT_TRUE(last);
+        worker.m_onDelete = nullptr;
     }
 }
 

@@ -60,7 +60,17 @@ class Worker : public CeWorkerThread
         return GetStopEvent().IsSet();
     }
     Diary diary;
+    void Delete() override
+    {
+        if (m_onDelete)
+        {
+            m_onDelete();
+        }
+        CeWorkerThread::Delete();
+    }
     std::function<void()> m_onDestroy;
+    /// On the worker thread, in the last step of a run.
+    std::function<void()> m_onDelete;
     std::function<void()> m_onStop;
     std::atomic<DWORD> postKillThread = 0;
 
