@@ -146,7 +146,7 @@ class EventBuilder
         }
         if (!m_times.changedDay.empty())
         {
-            id += u"\n" + toUtf16(m_times.changedDay);
+            id.append(1, u'\n').append(toUtf16(m_times.changedDay));
         }
         if (id.size() > longestIdentity)
         {

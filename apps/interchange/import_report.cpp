@@ -11,7 +11,12 @@ std::string counted(std::size_t count, const std::string &one, const std::string
 
 std::string place(const ImportReport &report, std::size_t line)
 {
-    return report.file + (line == 0 ? "" : ":" + std::to_string(line)) + ": ";
+    std::string text = report.file;
+    if (line != 0)
+    {
+        text.append(1, ':').append(std::to_string(line));
+    }
+    return text.append(": ");
 }
 
 /// Words for components that people know; others by their name.

@@ -75,7 +75,7 @@ std::u16string hexadecimal(DWORD value)
 
 std::u16string lineOf(const CRegistry::INIValue &value)
 {
-    const std::u16string name = value.name == u"@" ? value.name : u"\"" + onOneLine(value.name) + u"\"";
+    const std::u16string name = value.name == u"@" ? value.name : u'"' + onOneLine(value.name) + u'"';
     if (value.type == REG_DWORD)
     {
         return name + u"=dword:" + hexadecimal(value.number);

@@ -180,7 +180,7 @@ std::optional<FilePlace> placeOfRoot()
     {
         return std::nullopt;
     }
-    place.name = ".";
+    place.name.assign(1, '.');
     place.found = place.isRoot = true;
     return place;
 }

@@ -174,12 +174,17 @@ int deliver(const Character *text, std::size_t length, Character *target, int ro
 template <typename From, typename To>
 int deliverAscii(const From *text, std::size_t length, To *target, int room)
 {
-    if (room != 0 && static_cast<std::size_t>(room) >= length)
+    if (room == 0)
     {
-        std::transform(text, text + length, target, [](From ch) { return static_cast<To>(ch); });
         return static_cast<int>(length);
     }
-    return deliver<To>(nullptr, length, target, room);
+    if (static_cast<std::size_t>(room) < length)
+    {
+        SetLastError(ERROR_INSUFFICIENT_BUFFER);
+        return 0;
+    }
+    std::transform(text, text + length, target, [](From ch) { return static_cast<To>(ch); });
+    return static_cast<int>(length);
 }
 
 int fail(DWORD error)

@@ -75,11 +75,15 @@ class HandleWait
     /// Two handles of a wait for all lead to one thing, which can't be taken twice.
     bool hasOneTwice() const
     {
-        std::array<const Waitable *, Room> objects{};
-        std::ranges::transform(m_wait.blocks, objects.begin(), &WaitBlock::object);
-        const auto end = objects.begin() + static_cast<std::ptrdiff_t>(m_count);
-        std::sort(objects.begin(), end, std::less<>());
-        return std::adjacent_find(objects.begin(), end) != end;
+        if constexpr (Room > 1)
+        {
+            std::array<const Waitable *, Room> objects{};
+            std::ranges::transform(m_wait.blocks, objects.begin(), &WaitBlock::object);
+            const auto end = objects.begin() + static_cast<std::ptrdiff_t>(m_count);
+            std::sort(objects.begin(), end, std::less<>());
+            return std::adjacent_find(objects.begin(), end) != end;
+        }
+        return false;
     }
 
     Waitable::Glance glance() const
