@@ -46,7 +46,14 @@ bool isOff(const UCollator *collator, UColAttribute attribute)
     return ucol_getAttribute(collator, attribute, &status) == UCOL_OFF && U_SUCCESS(status);
 }
 
-/// Whether the locale orders an ASCII character, or a run that begins with two of them, in a way of its own.
+/// Whether a text that the locale orders in a way of its own stands in the way of the tables: an ASCII character, or
+/// a run in which one follows another character. A lone one with a mark behind it does not: comparisons see the mark.
+bool disturbs(std::u16string_view text)
+{
+    const auto isAscii = [](WCHAR ch) { return ch < 0x80; };
+    return (text.size() == 1 && isAscii(text[0])) || std::any_of(text.begin() + 1, text.end(), isAscii);
+}
+
 bool tailorsAscii(const UCollator *collator)
 {
     UErrorCode status = U_ZERO_ERROR;
@@ -63,8 +70,8 @@ bool tailorsAscii(const UCollator *collator)
         std::array<UChar, 32> text{};
         const int length =
             uset_getItem(set.get(), i, &first, &last, text.data(), static_cast<int>(text.size()), &status);
-        const bool isRange = length == 0;
-        if (U_FAILURE(status) || (isRange ? first < 0x80 : text[0] < 0x80 && (length == 1 || text[1] < 0x80)))
+        const std::u16string_view run(text.data(), static_cast<std::size_t>(length));
+        if (U_FAILURE(status) || (run.empty() ? first < 0x80 : disturbs(run)))
         {
             return true;
         }
@@ -130,6 +137,19 @@ bool AsciiOrder::fill(const UCollator *collator, UCollator *primary, UCollator *
 
 std::optional<int> AsciiOrder::compare(std::u16string_view a, std::u16string_view b, bool ignoreCase) const
 {
+    // What both begin with counts alike, whatever it is, unless its last character could join the next.
+    const auto [aAt, bAt] = std::mismatch(a.begin(), a.end(), b.begin(), b.end());
+    if (aAt != a.begin() && aAt[-1] >= size)
+    {
+        return std::nullopt;
+    }
+    a.remove_prefix(static_cast<std::size_t>(aAt - a.begin()));
+    b.remove_prefix(static_cast<std::size_t>(bAt - b.begin()));
+    return compareRest(a, b, m_variantsCount && !ignoreCase);
+}
+
+std::optional<int> AsciiOrder::compareRest(std::u16string_view a, std::u16string_view b, bool variantsCount) const
+{
     int variants = 0;
     for (std::size_t i = 0, j = 0;; ++i, ++j)
     {
@@ -160,7 +180,7 @@ std::optional<int> AsciiOrder::compare(std::u16string_view a, std::u16string_vie
             }
             return m_rank[a[i]] < m_rank[b[j]] ? -1 : 1;
         }
-        if (variants == 0 && m_variantsCount && !ignoreCase)
+        if (variants == 0 && variantsCount)
         {
             variants = static_cast<int>(m_variant[a[i]]) - static_cast<int>(m_variant[b[j]]);
         }

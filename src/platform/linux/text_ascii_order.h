@@ -28,6 +28,7 @@ class AsciiOrder
 
   private:
     AsciiOrder() = default;
+    std::optional<int> compareRest(std::u16string_view a, std::u16string_view b, bool variantsCount) const;
     bool fill(const UCollator *collator, UCollator *primary, UCollator *secondary);
 
     static constexpr std::size_t size = 128;

@@ -124,18 +124,29 @@ ZonePeriod ZoneHistory::periodAt(std::int64_t moment) const
 std::int64_t ZoneHistory::fromLocal(std::int64_t local) const
 {
     const std::int64_t held = heldInRange(local);
+    std::optional<std::int64_t> skipped;
     ZonePeriod period = periodAt(held - widestOffset);
     int before = period.offset;
-    for (;;)
+    while (period.start <= held + widestOffset)
     {
         const std::int64_t moment = held - period.offset;
-        if (moment < period.end)
+        if (moment >= period.start && moment < period.end)
         {
-            return moment >= period.start ? moment : held - before;
+            return moment;
+        }
+        // Skipped by this change, though one soon after may still lead back to it.
+        if (moment < period.start && !skipped)
+        {
+            skipped = held - before;
+        }
+        if (period.end == std::numeric_limits<std::int64_t>::max())
+        {
+            break;
         }
         before = period.offset;
         period = periodAt(period.end);
     }
+    return skipped.value_or(held - before);
 }
 
 std::vector<ZoneChange> ZoneHistory::changesOf(int year) const

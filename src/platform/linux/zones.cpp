@@ -37,7 +37,8 @@ void putName(WCHAR (&target)[32], std::string_view name)
     target[length] = 0;
 }
 
-/// The yearly rule that gives a change, if it names the very day on which the wall clock shows the change.
+/// The yearly rule that gives a change at the same moment by the same wall clock, if that clock shows the very day
+/// which the rule names.
 const ChangeRule *ruleOf(const ZoneHistory &zone, const ZoneChange &change, int year)
 {
     const ZoneRule *rule = zone.yearlyRule();
@@ -45,12 +46,13 @@ const ChangeRule *ruleOf(const ZoneHistory &zone, const ZoneChange &change, int 
     {
         return nullptr;
     }
-    const ChangeRule *which = change.time == rule->daylightBegins(year)   ? &rule->toDaylight
-                              : change.time == rule->standardBegins(year) ? &rule->toStandard
-                                                                          : nullptr;
-    const bool onItsDay = which != nullptr && which->kind == ChangeRule::Kind::WeekOfMonth && which->secondOfDay >= 0 &&
-                          which->secondOfDay < secondsPerDay;
-    return onItsDay ? which : nullptr;
+    const bool toDaylight = change.time == rule->daylightBegins(year);
+    const ChangeRule &which = toDaylight ? rule->toDaylight : rule->toStandard;
+    const bool sameMoment = toDaylight || change.time == rule->standardBegins(year);
+    const bool onItsDay =
+        which.kind == ChangeRule::Kind::WeekOfMonth && which.secondOfDay >= 0 && which.secondOfDay < secondsPerDay;
+    const bool sameWall = which.localTime(year) == change.time + change.before.offset;
+    return sameMoment && onItsDay && sameWall ? &which : nullptr;
 }
 
 /// The change as week and weekday of its month, by the wall clock before it. The week is that of the zone's lasting
