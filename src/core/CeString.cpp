@@ -57,7 +57,12 @@ CeString::CeString(const WCHAR *text) : CeString()
 
 CeString::CeString(const WCHAR *text, int length) : CeString()
 {
-    if (text != nullptr && length > 0)
+    if (isResourceId(text) && length > 0)
+    {
+        *this = text;
+        Truncate(length);
+    }
+    else if (text != nullptr && length > 0)
     {
         Assign(text, static_cast<std::size_t>(length));
     }

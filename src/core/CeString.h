@@ -69,7 +69,8 @@ class ZBTOOLS_API CeString
     CeString(CeString &&other) noexcept;
     /// Null gives the empty string. A pointer below 0x10000 is the number of a text resource, which is loaded.
     CeString(const WCHAR *text);
-    /// The first `length` characters, which may hold zeros; a null text or a length below 1 gives the empty string.
+    /// The first `length` characters, which may hold zeros; a null text or a length below 1 gives the empty string. The
+    /// number of a text resource gives at most as many of its characters.
     CeString(const WCHAR *text, int length);
     /// Each byte becomes one character; bytes from 0x80 on are sign-extended (0xE9 gives U+FFE9). Kept: stored names
     /// were compared in this form.

@@ -8,6 +8,7 @@
 
 #include "support/TestDevice.h"
 
+#include <cmath>
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <string>
@@ -78,6 +79,8 @@ TEST(CeString, BuildsFromEachKindOfSource)
     EXPECT_TRUE(CeString(u"abc", 0).IsEmpty());
     EXPECT_TRUE(CeString(u"abc", -1).IsEmpty());
     EXPECT_EQ(CeString(u"a\0b", 3).GetLength(), 3);
+    EXPECT_EQ(CeString(u"a\0b", 3).Length(), 3);
+    EXPECT_EQ(CeString(u"a\0b", 3).GetAllocLength(), 3);
     EXPECT_EQ(text(CeString("abc")), "abc");
     EXPECT_TRUE(CeString(static_cast<const char *>(nullptr)).IsEmpty());
     EXPECT_EQ(text(CeString(u'x', 3)), "xxx");
@@ -439,6 +442,16 @@ TEST(CeString, WritesVeryLargeDoublesWithAnExponent)
     EXPECT_FALSE(text(CeString(1e308, 1000)).empty());
 }
 
+TEST(CeString, WritesDigitsWhileThePointLiesWithin40OfThem)
+{
+    // Powers of two, whose decimal digits are exact: 40 digits in front of the point, then 41.
+    EXPECT_EQ(text(CeString(std::ldexp(1.0, 130), 1)), "1361129467683753853853498429727072845824.0");
+    EXPECT_NE(text(CeString(std::ldexp(1.0, 133), 1)).find('e'), std::string::npos);
+    // 1.147943701974890e-41 has 40 zeros behind the point, half of it has 41.
+    EXPECT_EQ(text(CeString(std::ldexp(1.0, -136), 45)), "0." + std::string(40, '0') + "11479");
+    EXPECT_NE(text(CeString(std::ldexp(1.0, -137), 45)).find('e'), std::string::npos);
+}
+
 TEST(CeString, FormatsUpTo1023Characters)
 {
     CeString string;
@@ -491,6 +504,9 @@ TEST_F(CeStringResources, SmallPointerIsTheNumberOfAText)
     string += id;
     EXPECT_EQ(text(string), "<from the module");
     EXPECT_EQ(text(CeString(reinterpret_cast<const WCHAR *>(0xFFFF))), "last");
+    EXPECT_EQ(text(CeString(id, 4)), "from");
+    EXPECT_EQ(text(CeString(id, 99)), "from the module");
+    EXPECT_TRUE(CeString(id, 0).IsEmpty());
 }
 
 TEST_F(CeStringResources, TextIsTakenWithItsStoredLength)
