@@ -160,7 +160,7 @@ class CeList
 
     // --- File form; see CeList_file.h ---
 
-    /// withUser stores the low 32 bits of the user value.
+    /// withUser stores the low 32 bits of the user value. A null signature is an empty one.
     int SaveFile(const WCHAR *path, const char *signature, bool withUser = false);
     /// Clears the list first, and again on any error. `sized` makes room for the stored count in one piece and takes
     /// the stored base; withUser takes the stored user value. The list holds the elements that the file has, which may

@@ -46,6 +46,12 @@ class File
     HANDLE m_handle;
 };
 
+/// Its length with the zero; null counts as empty.
+std::size_t signatureBytes(const char *signature)
+{
+    return (signature != nullptr ? std::strlen(signature) : 0) + 1;
+}
+
 void addWord(std::vector<BYTE> &bytes, ULONG value)
 {
     for (unsigned shift = 0; shift < 32; shift += 8)
@@ -85,10 +91,11 @@ int readAll(HANDLE file, std::vector<BYTE> &bytes)
 
 CeListFileWriter::CeListFileWriter(const char *signature, const CeListFileHeader &header)
 {
-    const std::size_t length = std::strlen(signature) + 1;
+    const std::size_t length = signatureBytes(signature);
     m_bytes.push_back(VERSION);
     addWord(m_bytes, static_cast<ULONG>(length));
-    m_bytes.insert(m_bytes.end(), signature, signature + length);
+    m_bytes.insert(m_bytes.end(), signature, signature + length - 1);
+    m_bytes.push_back(0);
     addWord(m_bytes, static_cast<ULONG>(header.m_nCount));
     addWord(m_bytes, static_cast<ULONG>(header.m_nCursorIndex));
     addWord(m_bytes, static_cast<ULONG>(header.m_nBase));
@@ -171,7 +178,7 @@ int CeListFileReader::ReadHeader(const char *signature, CeListFileHeader &header
     {
         return CELIST_FILE;
     }
-    const std::size_t expected = std::strlen(signature) + 1;
+    const std::size_t expected = signatureBytes(signature);
     if (length != expected)
     {
         return CELIST_VERSION;
@@ -180,7 +187,7 @@ int CeListFileReader::ReadHeader(const char *signature, CeListFileHeader &header
     {
         return CELIST_FILE;
     }
-    if (std::memcmp(m_bytes.data() + m_nAt, signature, expected) != 0)
+    if (std::memcmp(m_bytes.data() + m_nAt, signature != nullptr ? signature : "", expected) != 0)
     {
         return CELIST_VERSION;
     }

@@ -26,7 +26,7 @@ class CeStrList : public CePtrList<T>
         : CePtrList<T>(base, ownership, ComparerFor(compare)), m_nOwnership(ownership)
     {
         this->SetUser(static_cast<DWORD_PTR>(ownership));
-        this->SetPack(Pack);
+        this->SetPack(PackerFor(ownership));
     }
 
     /// Appends a copy; null counts as empty. 0, or 2 without memory.
@@ -66,8 +66,23 @@ class CeStrList : public CePtrList<T>
         }
     }
     static T Copy(const WCHAR *text, int ownership);
-    /// The ownership is the user value: what is read is allocated as the list will free it.
+    /// What is read is allocated as the list will free it. That must not hang on the user value, which a file may set.
+    template <int ownership>
     static int Pack(T &element, UINT &size, void *&buffer, _CELIST_STREAMTYPE type, DWORD_PTR user);
+    static typename CePtrList<T>::PackCallback PackerFor(int ownership)
+    {
+        switch (ownership)
+        {
+        case CEOWN_FREE:
+            return Pack<CEOWN_FREE>;
+        case CEOWN_LOCAL:
+            return Pack<CEOWN_LOCAL>;
+        case CEOWN_BSTR:
+            return Pack<CEOWN_BSTR>;
+        default:
+            return Pack<CEOWN_NONE>;
+        }
+    }
 
     int m_nOwnership;
 };
@@ -92,7 +107,8 @@ T CeStrList<T>::Copy(const WCHAR *text, int ownership)
 }
 
 template <class T>
-int CeStrList<T>::Pack(T &element, UINT &size, void *&buffer, _CELIST_STREAMTYPE type, DWORD_PTR user)
+template <int ownership>
+int CeStrList<T>::Pack(T &element, UINT &size, void *&buffer, _CELIST_STREAMTYPE type, DWORD_PTR)
 {
     if (type == CELIST_WRITE)
     {
@@ -101,7 +117,7 @@ int CeStrList<T>::Pack(T &element, UINT &size, void *&buffer, _CELIST_STREAMTYPE
         buffer = const_cast<WCHAR *>(Text(element));
         return CELIST_OK;
     }
-    if (user != CEOWN_FREE && user != CEOWN_LOCAL && user != CEOWN_BSTR)
+    if (ownership == CEOWN_NONE)
     {
         return CELIST_FILE; // nobody would own the text
     }
@@ -111,6 +127,6 @@ int CeStrList<T>::Pack(T &element, UINT &size, void *&buffer, _CELIST_STREAMTYPE
     {
         std::memcpy(text.data(), buffer, size / sizeof(WCHAR) * sizeof(WCHAR));
     }
-    element = Copy(text.data(), static_cast<int>(user));
+    element = Copy(text.data(), ownership);
     return element != nullptr ? CELIST_OK : CELIST_MEMORY;
 }

@@ -147,6 +147,20 @@ TEST_F(CeListFile, WrongVersionOrSignatureIs5AndClears)
     EXPECT_EQ(list.LoadFile(path, ""), 5);
 }
 
+TEST_F(CeListFile, NoSignatureIsAnEmptyOne)
+{
+    CeList<ULONG> list(1);
+    list.AddTail(10);
+    ASSERT_EQ(list.SaveFile(path, nullptr), 0);
+    EXPECT_EQ(list.LoadFile(path, ""), 0);
+    EXPECT_EQ(list.LoadFile(path, nullptr), 0);
+    EXPECT_EQ(valuesOf(list), std::vector<ULONG>{10});
+    store(sample());
+    EXPECT_EQ(list.LoadFile(path, nullptr), 5);
+    EXPECT_EQ(list.SaveFile(nullptr, "Sig"), 4);
+    EXPECT_EQ(list.LoadFile(nullptr, "Sig"), 4);
+}
+
 TEST_F(CeListFile, MissingFileIs4AndClears)
 {
     CeList<ULONG> list(1);
@@ -426,6 +440,15 @@ TEST_F(CeListFile, StringsThatAreCutOrOddAreReadSafely)
     EXPECT_EQ(zb::test::utf8(list.GetAt(1)), "ab");
     EXPECT_EQ(zb::test::utf8(list.GetAt(2)), "c");
     EXPECT_EQ(zb::test::utf8(list.GetAt(3)), "");
+    for (const int ownership : {2, 3, 5})
+    {
+        // The file's user value, 7 here, has no say in how the next load allocates.
+        CeStrList<> taking(1, ownership);
+        ASSERT_EQ(taking.LoadFile(path, "Sig", false, true), 0);
+        EXPECT_EQ(taking.GetUser(), 7U);
+        ASSERT_EQ(taking.LoadFile(path, "Sig", false, true), 0);
+        EXPECT_EQ(zb::test::utf8(taking.GetAt(1)), "ab");
+    }
     CeStrList<> borrowing(1, 6);
     EXPECT_EQ(borrowing.LoadFile(path, "Sig"), 4) << "nobody would free the texts";
 }
