@@ -196,8 +196,15 @@ bool CeWorkerThread::RunBody(CeWorkerRun &run, DWORD *result)
 
 void CeWorkerThread::ReportException()
 {
-    DisplayMemory(DEBUG_LOG_PATH, u"Exception-thread");
-    OutputDebugStringW(u"Exception-thread\r\n");
+    try
+    {
+        DisplayMemory(DEBUG_LOG_PATH, u"Exception-thread");
+        OutputDebugStringW(u"Exception-thread\r\n");
+    }
+    catch (const std::bad_alloc &)
+    {
+        // Want of memory is what most likely brought us here; untold is better than the end of the process.
+    }
 }
 
 void CeWorkerThread::FinishRun(CeWorkerRun &run, DWORD result)

@@ -30,6 +30,8 @@ std::string lineBytes(const WCHAR *line)
 
 void appendLine(const WCHAR *file, const WCHAR *line)
 {
+    // Made before the mutex is owned, since it may throw.
+    const std::string bytes = lineBytes(line);
     // A mutex of the kernel, since a thread that is terminated in here gives that back.
     CeMutex mutex;
     if (!mutex.Create(u"ZembrikDebugLog", LOCK_TIMEOUT))
@@ -40,7 +42,6 @@ void appendLine(const WCHAR *file, const WCHAR *line)
         CreateFileW(file, GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (handle != INVALID_HANDLE_VALUE)
     {
-        const std::string bytes = lineBytes(line);
         DWORD done = 0;
         SetFilePointer(handle, 0, nullptr, FILE_END);
         WriteFile(handle, bytes.data(), static_cast<DWORD>(bytes.size()), &done, nullptr);

@@ -13,6 +13,7 @@
 #include <iterator>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -272,6 +273,17 @@ TEST_F(CeWorkerThreadException, IsCaughtToldAndLeavesTheWorkerMarked)
     worker.Stop(TRUE);
     EXPECT_TRUE(worker.IsRunning());
     EXPECT_FALSE(worker.Start());
+}
+
+TEST_F(CeWorkerThreadException, AReportWithoutMemoryDoesNotTakeTheProcessAlong)
+{
+    zb::setDebugSink([](const WCHAR *) { throw std::bad_alloc(); });
+    Worker worker([](Worker &) -> DWORD { throw std::bad_alloc(); }, nullptr, 500);
+    ASSERT_TRUE(worker.Start());
+    ASSERT_TRUE(waitUntil([&] { return worker.GetExitCode() == 0; }));
+    zb::setDebugSink({});
+    EXPECT_EQ(worker.diary.notes(), std::vector<std::string>{"PostKill"});
+    EXPECT_TRUE(worker.IsRunning());
 }
 
 TEST_F(CeWorkerThreadException, OfAnyTypeAndKillClearsIt)
