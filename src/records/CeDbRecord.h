@@ -124,6 +124,7 @@ class ZBTOOLS_API CeDbRecord
     bool GetIndexVal(int index, CeString &target) const;
 
     /// Two upper-case hexadecimal digits and a blank for every byte, the last one too: 0A FF 00 gives "0A FF 00 ".
+    /// std::bad_alloc when there is no room for so many characters.
     static CeString GetBlob(DWORD size, const BYTE *bytes);
 
     /// By number and type: FindProp, then GetIndexVal of the target's type.

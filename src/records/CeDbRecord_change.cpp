@@ -6,6 +6,7 @@
 
 #include <cstring>
 #include <limits>
+#include <new>
 
 bool CeDbRecord::hasType(int index, WORD type) const
 {
@@ -128,7 +129,14 @@ bool CeDbRecord::SetIndexVal(int index, CEBLOB value)
 BYTE *CeDbRecord::newLooseBlob(DWORD size)
 {
     const std::size_t even = (std::size_t{size} + 2) & ~std::size_t{1};
-    m_looseBlobs.push_back(nullptr);
+    try
+    {
+        m_looseBlobs.push_back(nullptr);
+    }
+    catch (const std::bad_alloc &)
+    {
+        return nullptr;
+    }
     auto *blob = static_cast<BYTE *>(LocalAlloc(LMEM_FIXED | LMEM_ZEROINIT, even));
     m_looseBlobs.back() = blob;
     return blob;

@@ -6,6 +6,9 @@
 #include "platform/locale.h"
 #include "platform/text.h"
 
+#include <algorithm>
+#include <limits>
+
 namespace
 {
 constexpr int decimal = 10;
@@ -82,7 +85,9 @@ CeString CeDbRecord::GetBlob(DWORD size, const BYTE *bytes)
     {
         return text;
     }
-    WCHAR *target = text.GetBufferSetLength(static_cast<int>(size * charactersPerByte));
+    // More characters than a string can count are refused there, like any that memory has no room for.
+    const std::size_t length = std::min<std::size_t>(size * charactersPerByte, std::numeric_limits<int>::max());
+    WCHAR *target = text.GetBufferSetLength(static_cast<int>(length));
     for (const BYTE *byte = bytes; byte != bytes + size; ++byte)
     {
         *target++ = digits[*byte >> 4U];

@@ -5,6 +5,8 @@
 #include "platform/locale.h"
 #include "platform/text.h"
 
+#include <new>
+
 namespace zb::test
 {
 namespace
@@ -129,6 +131,13 @@ TEST_F(CeDbRecordTextTest, aLongBlobIsShownWhole)
     CeString text;
     EXPECT_TRUE(record.GetIndexVal(0, text));
     EXPECT_EQ(text.GetLength(), 300'000);
+}
+
+TEST_F(CeDbRecordTextTest, aBlobWithoutRoomForItsTextThrowsBeforeItIsRead)
+{
+    const BYTE byte = 0;
+    EXPECT_THROW(CeDbRecord::GetBlob(0x60000000U, &byte), std::bad_alloc);
+    EXPECT_THROW(CeDbRecord::GetBlob(0xFFFFFFFFU, &byte), std::bad_alloc);
 }
 
 TEST_F(CeDbRecordTextTest, anUnknownTypeIsRefusedAndLeavesTheTarget)
