@@ -192,6 +192,42 @@ TEST(CeList, WalksByIndexTakeOneStepAnElement)
     }
 }
 
+/// Moves from `cursor` to `target` in a list of 11 whose link from one node to its neighbour is cut, and mends it
+/// again. 3 tells that the walk came by there, 0 that it took another way.
+int moveAcrossCut(int cursor, int target, int from, int to)
+{
+    CeList<void *> list(1);
+    list.SetSize(11);
+    list.MoveTo(from);
+    char *node = reinterpret_cast<char *>(list.GetPtrAt(from)) - 2 * sizeof(void *);
+    char *link = node + (to > from ? sizeof(void *) : 0);
+    void *const nothing = nullptr;
+    void *kept = nullptr;
+    EXPECT_EQ(list.MoveTo(cursor), 0);
+    std::memcpy(&kept, link, sizeof(kept));
+    std::memcpy(link, &nothing, sizeof(nothing));
+    const int error = list.MoveTo(target);
+    EXPECT_EQ(list.GetIndex(), error == 0 ? target : cursor) << "a walk that fails leaves the cursor";
+    std::memcpy(link, &kept, sizeof(kept));
+    return error;
+}
+
+TEST(CeList, AWalkStartsAtTheNearestOfHeadCursorAndTail)
+{
+    EXPECT_EQ(moveAcrossCut(3, 6, 4, 5), 3) << "forwards from the cursor";
+    EXPECT_EQ(moveAcrossCut(3, 7, 4, 5), 3) << "as far from the tail: still from the cursor";
+    EXPECT_EQ(moveAcrossCut(3, 8, 4, 5), 0);
+    EXPECT_EQ(moveAcrossCut(3, 8, 10, 9), 3) << "back from the tail";
+    EXPECT_EQ(moveAcrossCut(9, 4, 2, 3), 3) << "forwards from the head";
+    EXPECT_EQ(moveAcrossCut(9, 4, 7, 6), 0);
+    EXPECT_EQ(moveAcrossCut(8, 4, 2, 3), 0) << "as far from the head: from the cursor";
+    EXPECT_EQ(moveAcrossCut(8, 4, 6, 5), 3);
+    EXPECT_EQ(moveAcrossCut(9, 5, 7, 6), 3) << "back from the cursor";
+    EXPECT_EQ(moveAcrossCut(2, 1, 2, 1), 0) << "the head is taken at once";
+    EXPECT_EQ(moveAcrossCut(9, 11, 9, 10), 0) << "and the tail";
+    EXPECT_EQ(moveAcrossCut(10, 11, 10, 11), 3) << "but a neighbour first";
+}
+
 TEST(CeList, FindGivesTheFirstThatComparesEqual)
 {
     Numbers list(1);
@@ -341,6 +377,33 @@ TEST(CeListSize, BothWaysOfGrowingLeaveTheCursorOnTheLast)
     Numbers large(1);
     large.SetSize(6);
     EXPECT_EQ(large.GetIndex(), 6);
+}
+
+/// Whether the last `count` nodes of a list stand side by side. malloc rounds a node of three words up, so nodes of
+/// their own never do.
+bool inOnePiece(CeList<void *> &list, int count)
+{
+    for (int i = list.GetLastIndex() - count + 1; i < list.GetLastIndex(); ++i)
+    {
+        const auto *here = reinterpret_cast<char *>(list.GetPtrAt(i));
+        const auto *next = reinterpret_cast<char *>(list.GetPtrAt(i + 1));
+        if (next - here != 3 * sizeof(void *))
+        {
+            return false;
+        }
+    }
+    return true;
+}
+
+TEST(CeListSize, GrowsBySixOrMoreInOnePiece)
+{
+    CeList<void *> list(1);
+    list.SetSize(5);
+    EXPECT_FALSE(inOnePiece(list, 5));
+    list.SetSize(11);
+    EXPECT_TRUE(inOnePiece(list, 6));
+    list.SetSize(16);
+    EXPECT_FALSE(inOnePiece(list, 5)) << "what counts is the growth, not the size";
 }
 
 TEST(CeListSize, BlocksSurviveInsertionsAndRemovalsAnywhere)

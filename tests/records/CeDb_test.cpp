@@ -1,6 +1,7 @@
 // The life of a database: made, opened, renamed, counted, closed, deleted.
 #include "RecordsTest.h"
 
+#include "core/TestWindow.h"
 #include "core/bstrtools.h"
 #include "platform/text.h"
 
@@ -99,8 +100,30 @@ TEST_F(CeDbTest, openClosesWhatWasOpen)
     EXPECT_EQ(CeSeekDatabase(first, CEDB_SEEK_BEGINNING, 0, nullptr), 0U);
     EXPECT_EQ(GetLastError(), ERROR_INVALID_HANDLE);
 
+    const HANDLE second = db.GetHandle();
+    ASSERT_TRUE(db.Open(m_databaseId, keyId, 0, nullptr)) << "by id as well";
+    EXPECT_FALSE(CloseHandle(second));
+
     EXPECT_FALSE(db.Open(u"Nothing", 0, 0, nullptr)) << "a failed open has closed the old one too";
     EXPECT_FALSE(db.IsOpen());
+}
+
+TEST_F(CeDbTest, bothWaysOfOpeningHandOnTheNotifyWindow)
+{
+    TestWindow window;
+    CeDb writer;
+    ASSERT_TRUE(openThings(writer));
+    std::size_t told = 0;
+    for (const bool byName : {true, false})
+    {
+        CeDb db;
+        ASSERT_TRUE(byName ? db.Open(u"Things", keyId, 0, window.handle())
+                           : db.Open(m_databaseId, keyId, 0, window.handle()));
+        const CEOID oid = write(writer, {longProp(keyId, 1)});
+        ++told;
+        ASSERT_TRUE(TestWindow::pumpUntil([&] { return window.received(DB_CEOID_CREATED).size() == told; })) << byName;
+        EXPECT_EQ(window.received(DB_CEOID_CREATED).back().wParam, oid);
+    }
 }
 
 TEST_F(CeDbTest, nameLongerThanTheFieldIsCut)
