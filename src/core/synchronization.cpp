@@ -184,6 +184,8 @@ bool CeMutex::Create(const WCHAR *name, DWORD timeout, bool pump)
         {
             return false;
         }
+        // Given up for this wait and for the Create before, or the name would stay owned by nobody's wrapper.
+        ReleaseMutex(GetHandle());
         Release();
     }
     SetLastError(ERROR_SUCCESS);

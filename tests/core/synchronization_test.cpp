@@ -54,6 +54,30 @@ TEST(CeManualEvent, StaysSetUntilReset)
     EXPECT_TRUE(initiallySet.IsSet());
 }
 
+TEST(CeManualEvent, PulseReleasesWhoWaitsAndIsClearAgain)
+{
+    EXPECT_EQ(EVENT_PULSE, 1U);
+    EXPECT_EQ(EVENT_RESET, 2U);
+    EXPECT_EQ(EVENT_SET, 3U);
+    CeManualEvent event;
+    std::atomic<bool> over = false;
+    DWORD waited = WAIT_FAILED;
+    std::thread waiter(
+        [&]
+        {
+            waited = event.WaitFor(10000);
+            over = true;
+        });
+    while (!over)
+    {
+        EXPECT_TRUE(event.Pulse());
+        Sleep(1);
+    }
+    waiter.join();
+    EXPECT_EQ(waited, 0U);
+    EXPECT_FALSE(event.IsSet());
+}
+
 TEST(CeManualEvent, CountsAsSetWithoutAHandle)
 {
     CeManualEvent event;
@@ -231,6 +255,25 @@ TEST(CeMutex, CreateWaitsForTheOwnerOfTheName)
     mutex.Release();
     waiter.join();
     EXPECT_TRUE(owned);
+}
+
+TEST(CeMutex, CreatedAgainUnderItsNameIsOwnedOnce)
+{
+    const HANDLE watcher =
+        CreateMutexW(nullptr, FALSE, u"a name used twice"); // the mutex outlives the wrapper's handle
+    CeMutex mutex;
+    ASSERT_TRUE(mutex.Create(u"a name used twice"));
+    ASSERT_TRUE(mutex.Create(u"a name used twice"));
+    std::thread([watcher] { EXPECT_EQ(WaitForSingleObject(watcher, 0), 258U); }).join();
+    mutex.Release();
+    std::thread(
+        [watcher]
+        {
+            EXPECT_EQ(WaitForSingleObject(watcher, 0), 0U) << "one release gives it up";
+            ReleaseMutex(watcher);
+        })
+        .join();
+    CloseHandle(watcher);
 }
 
 TEST(CeMutex, CreatedAgainIsTheNewOneAlone)
