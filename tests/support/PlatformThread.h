@@ -5,45 +5,48 @@
 
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 namespace zb::test
 {
 /// As long as any test of this system may wait for something that is sure to come.
 inline constexpr DWORD patience = 20'000;
 
-/// Waited for when it goes, unless it was terminated. The function stays with the thread, which may be parked in it.
+/// Waited for when it goes. The function of a terminated thread is kept for good: the thread is parked in it, or never
+/// came to it.
 class PlatformThread
 {
   public:
     /// The body's result is the exit code; 0 for one that gives nothing.
     template <typename Body>
     explicit PlatformThread(Body body, DWORD flags = 0)
+        : m_body(std::make_unique<Function>(
+              [body = std::move(body)]() -> DWORD
+              {
+                  if constexpr (std::is_void_v<decltype(body())>)
+                  {
+                      body();
+                      return 0;
+                  }
+                  else
+                  {
+                      return body();
+                  }
+              }))
     {
-        auto owned = std::make_unique<std::function<DWORD()>>(
-            [body = std::move(body)]() -> DWORD
-            {
-                if constexpr (std::is_void_v<decltype(body())>)
-                {
-                    body();
-                    return 0;
-                }
-                else
-                {
-                    return body();
-                }
-            });
-        m_handle = CreateThread(nullptr, 0, run, owned.get(), flags, &m_id);
-        if (m_handle != nullptr)
-        {
-            static_cast<void>(owned.release());
-        }
+        m_handle = CreateThread(nullptr, 0, run, m_body.get(), flags, &m_id);
     }
     ~PlatformThread()
     {
-        ended();
+        const bool over = ended();
         CloseHandle(m_handle);
+        if (!over || isThreadTerminated(m_id))
+        {
+            keepForGood(std::move(m_body));
+        }
     }
     PlatformThread(const PlatformThread &) = delete;
     PlatformThread &operator=(const PlatformThread &) = delete;
@@ -68,12 +71,21 @@ class PlatformThread
     }
 
   private:
-    static DWORD run(void *raw)
+    using Function = std::function<DWORD()>;
+
+    static DWORD run(void *function)
     {
-        const std::unique_ptr<std::function<DWORD()>> body(static_cast<std::function<DWORD()> *>(raw));
-        return (*body)();
+        return (*static_cast<Function *>(function))();
+    }
+    static void keepForGood(std::unique_ptr<Function> function)
+    {
+        static auto *lock = new std::mutex;
+        static auto *kept = new std::vector<std::unique_ptr<Function>>;
+        const std::lock_guard guard(*lock);
+        kept->push_back(std::move(function));
     }
 
+    std::unique_ptr<Function> m_body;
     HANDLE m_handle = nullptr;
     DWORD m_id = 0;
 };
