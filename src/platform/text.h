@@ -46,8 +46,9 @@ ZBPLATFORM_API LONG wcstol(const WCHAR *text, WCHAR **end, int radix);
 ZBPLATFORM_API WCHAR *_ltow(LONG value, WCHAR *buffer, int radix);
 ZBPLATFORM_API WCHAR *_ultow(ULONG value, WCHAR *buffer, int radix);
 /// Digits of value with `places` digits behind the point, rounded; no point and no sign. *point is the position of
-/// the point counted from the first digit, *sign non-zero for a negative value. The text is the calling thread's own
-/// and lives until its next call.
+/// the point counted from the first digit that is not 0 (0.05 with 3 places is "50" and -1), *sign non-zero for a
+/// negative value. Infinite and no numbers give "inf" and "nan" and a point beyond any other. The text is the calling
+/// thread's own and lives until its next call.
 ZBPLATFORM_API char *_fcvt(double value, int places, int *point, int *sign);
 /// value with `digits` significant digits into buffer, and returns it.
 ZBPLATFORM_API char *_gcvt(double value, int digits, char *buffer);
@@ -71,7 +72,8 @@ ZBPLATFORM_API int iswctype(WCHAR ch, unsigned mask);
 
 /// The device's formatter: %s and %ls take WCHAR text (null gives "(null)"), %S and %hs narrow text, %c and %C
 /// characters, %d %i %u %x %X with l and h prefixes, width, zero fill, '-' and '#', precision for text; %I64d for
-/// 64 bits. At most 1,024 characters are written, the terminator included; returns the characters before it.
+/// 64 bits; '*' takes a width or precision from the arguments. Any other letter shows without its sign. At most 1,024
+/// characters are written, the terminator included; returns the characters before it.
 ZBPLATFORM_API int wsprintfW(WCHAR *buffer, const WCHAR *format, ...);
 ZBPLATFORM_API int wvsprintfW(WCHAR *buffer, const WCHAR *format, va_list arguments);
 /// The same grammar into `count` characters; -1 when it does not fit (what fits is written, terminated).
@@ -93,9 +95,9 @@ inline constexpr int CSTR_LESS_THAN = 1;
 inline constexpr int CSTR_EQUAL = 2;
 inline constexpr int CSTR_GREATER_THAN = 3;
 
-/// Compares by the locale's order: 1 less, 2 equal, 3 greater, 0 for bad arguments (last error 87). A length of -1
-/// means up to the terminating zero. The NORM_ flags leave differences out of account: letter case, accents, symbols
-/// and punctuation, hiragana against katakana, full against half width.
+/// Compares by the locale's order: 1 less, 2 equal, 3 greater, 0 for null texts or unknown flags (last error 87). A
+/// length below 0 means up to the terminating zero. The NORM_ flags leave differences out of account: letter case,
+/// accents, symbols and punctuation, hiragana against katakana, full against half width.
 ZBPLATFORM_API int CompareStringW(LCID locale, DWORD flags, const WCHAR *a, int aLength, const WCHAR *b, int bLength);
 /// The words of the locale's order, by CompareStringW without flags: below, equal to or above 0. Null sorts first.
 ZBPLATFORM_API int lstrcmpW(const WCHAR *a, const WCHAR *b);
@@ -107,7 +109,9 @@ inline constexpr UINT CP_ACP = 0;
 inline constexpr UINT CP_UTF8 = 65001;
 
 /// Returns the characters (bytes) written, or needed when the target size is 0; 0 with last error 122 when the target
-/// is too small, 87 for an unknown code page. A source length of -1 takes the terminating zero along. CP_ACP is the
+/// is too small, 87 for an unknown code page, no source or a source length of 0. Flag 8 of MultiByteToWideChar refuses
+/// ill-formed text (last error 1113), which otherwise becomes U+FFFD; what a code page lacks becomes defaultChar, '?'
+/// for null. A source length of -1 takes the terminating zero along. CP_ACP is the
 /// code page that goes with the device's locale (1252 for western ones).
 ZBPLATFORM_API int MultiByteToWideChar(UINT codePage, DWORD flags, const char *source, int sourceBytes, WCHAR *target,
                                        int targetChars);
