@@ -35,64 +35,72 @@ SYSTEMTIME fieldsOf(sys_days day)
                       0};
 }
 
-/// Calls `check(day, fields)` for each day of the years.
-template <typename Check>
-void forEachDay(int firstYear, int lastYear, Check check)
-{
-    const sys_days end = sys_days(year(lastYear) / 12 / 31);
-    for (sys_days day = sys_days(year(firstYear) / 1 / 1); day <= end && !testing::Test::HasFailure(); day += days(1))
-    {
-        check(day, fieldsOf(day));
-    }
-}
-
 bool same(const SYSTEMTIME &a, const SYSTEMTIME &b)
 {
     return std::memcmp(&a, &b, sizeof a) == 0;
 }
 
+/// Whether `holds(day, fields)` for each day of the years. One plain answer a day, since there are millions of them.
+template <typename Check>
+testing::AssertionResult forEachDay(int firstYear, int lastYear, Check holds)
+{
+    const sys_days end = sys_days(year(lastYear) / 12 / 31);
+    for (sys_days day = sys_days(year(firstYear) / 1 / 1); day <= end; day += days(1))
+    {
+        if (!holds(day, fieldsOf(day)))
+        {
+            return testing::AssertionFailure() << describe(fieldsOf(day));
+        }
+    }
+    return testing::AssertionSuccess();
+}
+
+void setSecondOfDay(SYSTEMTIME &fields, int second)
+{
+    fields.wHour = static_cast<WORD>(second / 3600);
+    fields.wMinute = static_cast<WORD>(second / 60 % 60);
+    fields.wSecond = static_cast<WORD>(second % 60);
+}
+
+/// Another time of day each day, through all of them.
+int secondFor(std::int64_t days)
+{
+    return static_cast<int>(std::abs(days * 7919) % 86'400);
+}
+
 TEST(Clock, EveryDayFrom1601To9999HasItsTicksAndComesBack)
 {
     const sys_days first = sys_days(year(1601) / 1 / 1);
-    forEachDay(1601, 9999,
-               [&](sys_days day, SYSTEMTIME fields)
-               {
-                   // Another time of day each day, through all of them.
-                   const auto second = static_cast<int>((day - first).count() * 7919LL % 86'400);
-                   fields.wHour = static_cast<WORD>(second / 3600);
-                   fields.wMinute = static_cast<WORD>(second / 60 % 60);
-                   fields.wSecond = static_cast<WORD>(second % 60);
-                   fields.wMilliseconds = static_cast<WORD>(second % 1000);
-                   const LONGLONG expected =
-                       ((day - first).count() * 86'400LL + second) * 10'000'000 + second % 1000 * 10'000LL;
-                   FILETIME time{};
-                   ASSERT_TRUE(SystemTimeToFileTime(&fields, &time)) << describe(fields);
-                   ASSERT_EQ(zb::ticksOf(time), expected) << describe(fields);
-                   SYSTEMTIME back = untouched;
-                   ASSERT_TRUE(FileTimeToSystemTime(&time, &back));
-                   ASSERT_TRUE(same(back, fields)) << describe(fields) << ' ' << describe(back);
-               });
+    const auto holds = [&](sys_days day, SYSTEMTIME fields)
+    {
+        const int second = secondFor((day - first).count());
+        setSecondOfDay(fields, second);
+        fields.wMilliseconds = static_cast<WORD>(second % 1000);
+        const LONGLONG expected = ((day - first).count() * 86'400LL + second) * 10'000'000 + second % 1000 * 10'000LL;
+        FILETIME time{};
+        SYSTEMTIME back = untouched;
+        return SystemTimeToFileTime(&fields, &time) != 0 && zb::ticksOf(time) == expected &&
+               FileTimeToSystemTime(&time, &back) != 0 && same(back, fields);
+    };
+    EXPECT_TRUE(forEachDay(1601, 9999, holds));
 }
 
 TEST(Clock, EveryDayFrom100To9999HasItsVariantDateAndComesBack)
 {
     const sys_days zero = sys_days(year(1899) / 12 / 30);
-    forEachDay(100, 9999,
-               [&](sys_days day, SYSTEMTIME fields)
-               {
-                   const auto days = (day - zero).count();
-                   const auto second = static_cast<int>(std::abs(days * 7919LL) % 86'400);
-                   fields.wHour = static_cast<WORD>(second / 3600);
-                   fields.wMinute = static_cast<WORD>(second / 60 % 60);
-                   fields.wSecond = static_cast<WORD>(second % 60);
-                   const double fraction = second / 86'400.0;
-                   double date = 0;
-                   ASSERT_TRUE(SystemTimeToVariantTime(&fields, &date)) << describe(fields);
-                   ASSERT_EQ(date, days >= 0 ? days + fraction : days - fraction) << describe(fields);
-                   SYSTEMTIME back = untouched;
-                   ASSERT_TRUE(VariantTimeToSystemTime(date, &back));
-                   ASSERT_TRUE(same(back, fields)) << describe(fields) << ' ' << describe(back);
-               });
+    const auto holds = [&](sys_days day, SYSTEMTIME fields)
+    {
+        const auto days = (day - zero).count();
+        const int second = secondFor(days);
+        setSecondOfDay(fields, second);
+        const double fraction = second / 86'400.0;
+        double date = 0;
+        SYSTEMTIME back = untouched;
+        return SystemTimeToVariantTime(&fields, &date) != 0 &&
+               date == (days >= 0 ? days + fraction : days - fraction) && VariantTimeToSystemTime(date, &back) != 0 &&
+               same(back, fields);
+    };
+    EXPECT_TRUE(forEachDay(100, 9999, holds));
 }
 
 TEST(Clock, EverySecondOfADayComesBackFromItsVariantDate)
@@ -102,14 +110,15 @@ TEST(Clock, EverySecondOfADayComesBackFromItsVariantDate)
         SYSTEMTIME fields = fieldsOf(sys_days(year(yearNumber) / 12 / 31));
         for (int second = 0; second < 86'400; ++second)
         {
-            fields.wHour = static_cast<WORD>(second / 3600);
-            fields.wMinute = static_cast<WORD>(second / 60 % 60);
-            fields.wSecond = static_cast<WORD>(second % 60);
+            setSecondOfDay(fields, second);
             double date = 0;
             SYSTEMTIME back = untouched;
-            ASSERT_TRUE(SystemTimeToVariantTime(&fields, &date));
-            ASSERT_TRUE(VariantTimeToSystemTime(date, &back));
-            ASSERT_TRUE(same(back, fields)) << describe(fields) << ' ' << describe(back);
+            const bool converted =
+                SystemTimeToVariantTime(&fields, &date) != 0 && VariantTimeToSystemTime(date, &back) != 0;
+            if (!converted || !same(back, fields))
+            {
+                FAIL() << describe(fields) << ' ' << describe(back);
+            }
         }
     }
 }

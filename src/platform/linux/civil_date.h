@@ -6,10 +6,12 @@
 
 #include "platform/clock.h"
 
+#include <cstdint>
+
 namespace zb::internal
 {
 inline constexpr int secondsPerDay = 86'400;
-inline constexpr int daysPer400Years = 146'097;
+inline constexpr unsigned daysPer400Years = 146'097;
 /// Days from 0000-03-01 to 1601-01-01.
 inline constexpr int daysTo1601 = 584'694;
 inline constexpr int daysFrom1601To1970 = 134'774;
@@ -41,22 +43,26 @@ struct CivilDate
     int day;
 };
 
+/// Two divisions by multiplication give year and day of a century, one gives month and day: the numbers are those of
+/// which the rounding never fails in this range.
 constexpr CivilDate civilDate(int days)
 {
-    const int shifted = days + daysTo1601;
-    const int era = shifted / daysPer400Years;
-    const int dayOfEra = shifted % daysPer400Years;
-    const int yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36524 - dayOfEra / 146096) / 365;
-    const int dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
-    const int marchMonth = (5 * dayOfYear + 2) / 153;
-    const int month = marchMonth < 10 ? marchMonth + 3 : marchMonth - 9;
-    return {era * 400 + yearOfEra + (month <= 2 ? 1 : 0), month, dayOfYear - (153 * marchMonth + 2) / 5 + 1};
+    const auto quarters = 4 * static_cast<unsigned>(days + daysTo1601) + 3;
+    const unsigned century = quarters / daysPer400Years;
+    const unsigned quartersOfCentury = quarters % daysPer400Years | 3U;
+    const std::uint64_t years = std::uint64_t{2'939'745} * quartersOfCentury; // 2^32 / 1461, rounded up
+    const auto dayOfYear = static_cast<unsigned>(static_cast<std::uint32_t>(years) / 2'939'745 / 4);
+    const unsigned months = 2141 * dayOfYear + 197'913; // 2^16 for each month, from March as 3 on
+    const bool nextYear = dayOfYear >= 306;
+    const auto year = static_cast<int>(100 * century + static_cast<unsigned>(years >> 32U));
+    const auto month = static_cast<int>(months >> 16U);
+    return {year + (nextYear ? 1 : 0), nextYear ? month - 12 : month, static_cast<int>((months & 0xFFFFU) / 2141) + 1};
 }
 
-/// 0 Sunday ... 6 Saturday; 1601-01-01 was a Monday.
+/// 0 Sunday ... 6 Saturday; 0000-03-01 was a Wednesday.
 constexpr int weekdayOf(int days)
 {
-    return ((days + 1) % 7 + 7) % 7;
+    return static_cast<int>(static_cast<unsigned>(days + daysTo1601 + 3) % 7);
 }
 
 static_assert(dayNumber(1601, 1, 1) == 0);

@@ -118,20 +118,19 @@ int VariantTimeToSystemTime(double date, SYSTEMTIME *fields)
     {
         return FALSE;
     }
-    const double whole = std::trunc(date);
-    auto days = static_cast<LONGLONG>(whole);
-    auto seconds = static_cast<int>(std::floor(std::fabs(date - whole) * secondsPerDay + 0.5));
+    auto days = static_cast<int>(date); // towards zero
+    auto seconds = static_cast<int>(std::fabs(date - days) * secondsPerDay + 0.5);
     if (seconds == secondsPerDay)
     {
         // Rounded up into the next day.
         seconds = 0;
         ++days;
     }
-    if (days < static_cast<LONGLONG>(first) || days >= static_cast<LONGLONG>(behindLast))
+    if (days < static_cast<int>(first) || days >= static_cast<int>(behindLast))
     {
         return FALSE;
     }
-    putDate(static_cast<int>(days + zb::daysFrom1601ToVariantZero), *fields);
+    putDate(days + static_cast<int>(zb::daysFrom1601ToVariantZero), *fields);
     putTime(seconds, *fields);
     fields->wMilliseconds = 0;
     return TRUE;
