@@ -135,35 +135,121 @@ bool AsciiOrder::fill(const UCollator *collator, UCollator *primary, UCollator *
     return true;
 }
 
+namespace
+{
+/// Where a comparison is in a text of known length.
+class CountedCursor
+{
+  public:
+    CountedCursor(const WCHAR *at, const WCHAR *end) : m_at(at), m_end(end)
+    {
+    }
+    bool atEnd() const
+    {
+        return m_at == m_end;
+    }
+    WCHAR here() const
+    {
+        return *m_at;
+    }
+    /// The character behind this one, or 0. Not at the end.
+    WCHAR next() const
+    {
+        return m_at + 1 == m_end ? WCHAR{0} : m_at[1];
+    }
+    void step()
+    {
+        ++m_at;
+    }
+
+  private:
+    const WCHAR *m_at;
+    const WCHAR *m_end;
+};
+
+/// The same in a text that ends with a zero.
+class TerminatedCursor
+{
+  public:
+    explicit TerminatedCursor(const WCHAR *at) : m_at(at)
+    {
+    }
+    bool atEnd() const
+    {
+        return *m_at == 0;
+    }
+    WCHAR here() const
+    {
+        return *m_at;
+    }
+    WCHAR next() const
+    {
+        return m_at[1];
+    }
+    void step()
+    {
+        ++m_at;
+    }
+
+  private:
+    const WCHAR *m_at;
+};
+} // namespace
+
+// What both texts begin with counts alike, whatever it is, unless its last character could join the next.
+
 std::optional<int> AsciiOrder::compare(std::u16string_view a, std::u16string_view b, bool ignoreCase) const
 {
-    // What both begin with counts alike, whatever it is, unless its last character could join the next.
-    const auto [aAt, bAt] = std::mismatch(a.begin(), a.end(), b.begin(), b.end());
-    if (aAt != a.begin() && aAt[-1] >= size)
+    const WCHAR *const aEnd = a.data() + a.size();
+    const WCHAR *const bEnd = b.data() + b.size();
+    const auto [aAt, bAt] = std::mismatch(a.data(), aEnd, b.data(), bEnd);
+    if (aAt == aEnd && bAt == bEnd)
+    {
+        return 0;
+    }
+    if (aAt != a.data() && aAt[-1] >= size)
     {
         return std::nullopt;
     }
-    a.remove_prefix(static_cast<std::size_t>(aAt - a.begin()));
-    b.remove_prefix(static_cast<std::size_t>(bAt - b.begin()));
-    return compareRest(a, b, m_variantsCount && !ignoreCase);
+    return compareRest(CountedCursor(aAt, aEnd), CountedCursor(bAt, bEnd), m_variantsCount && !ignoreCase);
 }
 
-std::optional<int> AsciiOrder::compareRest(std::u16string_view a, std::u16string_view b, bool variantsCount) const
+std::optional<int> AsciiOrder::compare(const WCHAR *a, const WCHAR *b, bool ignoreCase) const
 {
-    int variants = 0;
-    for (std::size_t i = 0, j = 0;; ++i, ++j)
+    std::size_t at = 0;
+    while (a[at] == b[at] && a[at] != 0)
     {
-        while (i < a.size() && a[i] < size && m_rank[a[i]] == 0)
+        ++at;
+    }
+    if (a[at] == b[at])
+    {
+        return 0;
+    }
+    if (at != 0 && a[at - 1] >= size)
+    {
+        return std::nullopt;
+    }
+    return compareRest(TerminatedCursor(a + at), TerminatedCursor(b + at), m_variantsCount && !ignoreCase);
+}
+
+template <typename Cursor>
+std::optional<int> AsciiOrder::compareRest(Cursor a, Cursor b, bool variantsCount) const
+{
+    const auto skipIgnored = [this](Cursor &cursor)
+    {
+        while (!cursor.atEnd() && cursor.here() < size && m_rank[cursor.here()] == 0)
         {
-            ++i;
+            cursor.step();
         }
-        while (j < b.size() && b[j] < size && m_rank[b[j]] == 0)
-        {
-            ++j;
-        }
-        const bool aEnds = i >= a.size();
-        const bool bEnds = j >= b.size();
-        if ((!aEnds && a[i] >= size) || (!bEnds && b[j] >= size))
+    };
+    int variants = 0;
+    for (;; a.step(), b.step())
+    {
+        skipIgnored(a);
+        skipIgnored(b);
+        const bool aEnds = a.atEnd();
+        const bool bEnds = b.atEnd();
+        if ((!aEnds && a.here() >= size) || (!bEnds && b.here() >= size))
         {
             return std::nullopt;
         }
@@ -171,18 +257,18 @@ std::optional<int> AsciiOrder::compareRest(std::u16string_view a, std::u16string
         {
             return aEnds && bEnds ? variants : aEnds ? -1 : 1;
         }
-        if (m_rank[a[i]] != m_rank[b[j]])
+        if (m_rank[a.here()] != m_rank[b.here()])
         {
             // A mark behind one of the two could still make another letter of it.
-            if ((i + 1 < a.size() && a[i + 1] >= size) || (j + 1 < b.size() && b[j + 1] >= size))
+            if (a.next() >= size || b.next() >= size)
             {
                 return std::nullopt;
             }
-            return m_rank[a[i]] < m_rank[b[j]] ? -1 : 1;
+            return m_rank[a.here()] < m_rank[b.here()] ? -1 : 1;
         }
         if (variants == 0 && variantsCount)
         {
-            variants = static_cast<int>(m_variant[a[i]]) - static_cast<int>(m_variant[b[j]]);
+            variants = static_cast<int>(m_variant[a.here()]) - static_cast<int>(m_variant[b.here()]);
         }
     }
 }

@@ -25,11 +25,14 @@ class AsciiOrder
     /// Below, equal to or above 0; nothing when the texts need the collator. With ignoreCase, letters that differ in
     /// case alone are equal.
     std::optional<int> compare(std::u16string_view a, std::u16string_view b, bool ignoreCase) const;
+    /// The same for texts that end with a zero, without looking for their ends first.
+    std::optional<int> compare(const WCHAR *a, const WCHAR *b, bool ignoreCase) const;
 
   private:
     AsciiOrder() = default;
-    std::optional<int> compareRest(std::u16string_view a, std::u16string_view b, bool variantsCount) const;
     bool fill(const UCollator *collator, UCollator *primary, UCollator *secondary);
+    template <typename Cursor>
+    std::optional<int> compareRest(Cursor a, Cursor b, bool variantsCount) const;
 
     static constexpr std::size_t size = 128;
     /// Rank among all characters, letters of both cases alike; 0 is left out of account.

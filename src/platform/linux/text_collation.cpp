@@ -10,6 +10,9 @@
 
 #include <unicode/ucol.h>
 
+#include <algorithm>
+#include <array>
+#include <atomic>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -26,6 +29,18 @@ constexpr bool has(DWORD flags, DWORD mask)
 {
     return (flags & mask) == mask;
 }
+
+/// A text as the call was given it: a negative length means up to the zero.
+struct GivenText
+{
+    const WCHAR *text;
+    int length;
+
+    std::u16string_view view() const
+    {
+        return length < 0 ? std::u16string_view(text) : std::u16string_view(text, static_cast<std::size_t>(length));
+    }
+};
 
 /// One collator with its settings, and its tables for ASCII text if it has any. Used from all threads, never changed.
 class TextOrder
@@ -52,18 +67,16 @@ class TextOrder
     TextOrder &operator=(const TextOrder &) = delete;
     ~TextOrder() = delete; // lives as long as the process
 
-    std::optional<int> compareAscii(std::u16string_view a, std::u16string_view b, bool ignoreCase) const
+    /// The tables for ASCII text; null when the locale has none.
+    const AsciiOrder *ascii() const
     {
-        return m_ascii ? m_ascii->compare(a, b, ignoreCase) : std::nullopt;
+        return m_ascii ? &*m_ascii : nullptr;
     }
 
-    int compare(std::u16string_view a, std::u16string_view b) const
+    int compare(GivenText a, GivenText b) const
     {
-        if (m_collator == nullptr)
-        {
-            return a.compare(b);
-        }
-        return ucol_strcoll(m_collator, a.data(), static_cast<int>(a.size()), b.data(), static_cast<int>(b.size()));
+        return m_collator == nullptr ? a.view().compare(b.view())
+                                     : ucol_strcoll(m_collator, a.text, a.length, b.text, b.length);
     }
 
   private:
@@ -83,20 +96,27 @@ class LocaleOrders
     {
         const bool symbols = has(flags, NORM_IGNORESYMBOLS);
         const int level = !has(flags, thirdStrength) ? 2 : has(flags, NORM_IGNORENONSPACE) ? 0 : 1;
-        Slot &slot = m_slots[static_cast<std::size_t>(level * 2 + (symbols ? 1 : 0))];
-        constexpr UCollationStrength strengths[] = {UCOL_PRIMARY, UCOL_SECONDARY, UCOL_TERTIARY};
-        std::call_once(slot.once, [&] { slot.order = new TextOrder(m_locale, strengths[level], symbols); });
-        return *slot.order;
+        const auto &slot = m_slots[static_cast<std::size_t>(level * 2 + (symbols ? 1 : 0))];
+        const TextOrder *made = slot.load(std::memory_order_acquire);
+        return made != nullptr ? *made : make(level, symbols);
     }
 
   private:
-    struct Slot
+    const TextOrder &make(int level, bool symbols) const
     {
-        std::once_flag once;
-        TextOrder *order = nullptr;
-    };
+        constexpr UCollationStrength strengths[] = {UCOL_PRIMARY, UCOL_SECONDARY, UCOL_TERTIARY};
+        const std::lock_guard guard(m_making);
+        auto &slot = m_slots[static_cast<std::size_t>(level * 2 + (symbols ? 1 : 0))];
+        if (slot.load(std::memory_order_relaxed) == nullptr)
+        {
+            slot.store(new TextOrder(m_locale, strengths[level], symbols), std::memory_order_release);
+        }
+        return *slot.load(std::memory_order_relaxed);
+    }
+
     std::string m_locale;
-    mutable std::array<Slot, 6> m_slots;
+    mutable std::mutex m_making;
+    mutable std::array<std::atomic<const TextOrder *>, 6> m_slots{};
 };
 
 const LocaleOrders &ordersOf(const std::string &locale)
@@ -119,30 +139,38 @@ const LocaleOrders &ordersOf(LCID locale)
     return memory.get(locale, [](const std::string &name) -> const LocaleOrders & { return ordersOf(name); });
 }
 
-std::u16string_view viewOf(const WCHAR *text, int length)
-{
-    return length < 0 ? std::u16string_view(text) : std::u16string_view(text, static_cast<std::size_t>(length));
-}
-
 /// What has to be taken out of the texts, since no strength leaves out just that.
 DWORD foldingOf(DWORD flags)
 {
     return has(flags, thirdStrength) ? 0 : flags & (thirdStrength | NORM_IGNORENONSPACE);
 }
 
-int compareTexts(LCID locale, DWORD flags, std::u16string_view a, std::u16string_view b)
+std::optional<int> compareAscii(const AsciiOrder *order, DWORD flags, GivenText a, GivenText b)
 {
-    if (a == b)
+    if (order == nullptr)
     {
-        return 0;
+        return std::nullopt;
     }
+    const bool ignoreCase = has(flags, NORM_IGNORECASE);
+    return a.length < 0 && b.length < 0 ? order->compare(a.text, b.text, ignoreCase)
+                                        : order->compare(a.view(), b.view(), ignoreCase);
+}
+
+int compareTexts(LCID locale, DWORD flags, GivenText a, GivenText b)
+{
     const TextOrder &order = ordersOf(locale).order(flags);
-    if (const auto ascii = order.compareAscii(a, b, has(flags, NORM_IGNORECASE)))
+    if (const auto ascii = compareAscii(order.ascii(), flags, a, b))
     {
         return *ascii;
     }
     const DWORD folding = foldingOf(flags);
-    return folding == 0 ? order.compare(a, b) : order.compare(foldedText(a, folding), foldedText(b, folding));
+    if (folding == 0)
+    {
+        return order.compare(a, b);
+    }
+    const std::u16string left = foldedText(a.view(), folding);
+    const std::u16string right = foldedText(b.view(), folding);
+    return order.compare({left.data(), static_cast<int>(left.size())}, {right.data(), static_cast<int>(right.size())});
 }
 } // namespace
 } // namespace zb::internal
@@ -155,7 +183,7 @@ int CompareStringW(LCID locale, DWORD flags, const WCHAR *a, int aLength, const 
         SetLastError(ERROR_INVALID_PARAMETER);
         return 0;
     }
-    const int result = compareTexts(locale, flags, viewOf(a, aLength), viewOf(b, bLength));
+    const int result = compareTexts(locale, flags, {a, std::max(aLength, -1)}, {b, std::max(bLength, -1)});
     return result < 0 ? CSTR_LESS_THAN : result == 0 ? CSTR_EQUAL : CSTR_GREATER_THAN;
 }
 
