@@ -9,7 +9,8 @@
 //
 // Strings and blobs that are handed in are copied. Errors are told through the return value and GetLastError: 6 a bad
 // handle, 87 a bad argument, 2 no such object, 122 a buffer too small, 112 disk full, 183 the name is taken, 259 no
-// more, 25 no position, 5 a store that must not be written.
+// more, 25 no record at the position or where a seek went, 5 a store that must not be written, 32 a store that another
+// process held for ten seconds, 29 a disk that failed, 1392 a store that is damaged where it was read, 8 no memory.
 #pragma once
 
 #include "platform/types.h"
@@ -169,7 +170,7 @@ inline constexpr DWORD CEDB_SEEK_VALUEGREATER = 64;
 inline constexpr DWORD CEDB_SEEK_VALUENEXTEQUAL = 128;
 
 /// Moves the position and returns the id of the record there; 0 when there is none, the position is then behind the
-/// last record (in front of the first after a backward step off the beginning).
+/// last record (in front of the first after a backward step, CURRENT with n below 0, off the beginning).
 ///
 /// | type | value | goes to |
 /// | CEOID | an id | that record |
@@ -182,14 +183,19 @@ inline constexpr DWORD CEDB_SEEK_VALUENEXTEQUAL = 128;
 /// | VALUENEXTEQUAL | CEPROPVAL * | the next record, if it is equal to the value |
 ///
 /// A value seek needs an open sort order and a value of its property, else 87. A record deleted under the position
-/// leaves the position in its gap: 1 on is the record that followed it. *index, when not null, gets the number of
-/// records before the one found; asking for it costs a count of keys after a seek by id or value.
+/// leaves the position in its gap: 1 on is the record that followed it. A record whose key another handle changes can
+/// still be read at the position, while steps go on from the place where it stood. *index, when not null, gets the
+/// number of records before the one found (unchanged without one); asking for it costs a count of keys after a seek by
+/// id or value.
+///
+/// Records are read ahead: what another process writes is seen a tenth of a second later at most, what any thread of
+/// this process writes at once.
 ZBPLATFORM_API CEOID CeSeekDatabase(HANDLE database, DWORD type, DWORD_PTR value, DWORD *index);
 
 inline constexpr DWORD CEDB_ALLOWREALLOC = 1;
 
 /// Reads properties of the record at the position into one block: the array of CEPROPVAL first, in the order of `ids`
-/// (or, with *count 0 and null ids, all the record's properties in order of their ids), strings and blobs packed behind
+/// (or, with null ids, all the record's properties in order of their ids), strings and blobs packed behind
 /// it in that order, each blob padded to an even length. A property that the record lacks has CEDB_PROPNOTFOUND set and
 /// a zero value. Every pointer leads into the block.
 ///
@@ -201,7 +207,8 @@ ZBPLATFORM_API CEOID CeReadRecordProps(HANDLE database, DWORD flags, WORD *count
                                        DWORD *size);
 
 /// Adds a record (oid 0) or changes one: the given properties are set, those with CEDB_PROPDELETE taken out, others
-/// stay. Returns its id, 0 on failure, when nothing has changed. A null string is stored as an empty one.
+/// stay. A property with CEDB_PROPNOTFOUND, as reads give it, is left as it is, and of one given twice the last counts.
+/// Returns the record's id, 0 on failure, when nothing has changed. A null string is stored as an empty one.
 ZBPLATFORM_API CEOID CeWriteRecordProps(HANDLE database, CEOID oid, WORD count, const CEPROPVAL *properties);
 ZBPLATFORM_API BOOL CeDeleteRecord(HANDLE database, CEOID oid);
 
@@ -220,7 +227,10 @@ namespace zb
 {
 /// All writes that the calling thread makes between construction and commit() are one transaction: one sync, all or
 /// nothing. Without commit() the destructor takes them back. Other threads' and processes' writes wait meanwhile;
-/// reading goes on. Not nested: a second one on the same thread joins the first.
+/// reading goes on, and shows the writes to this thread alone. Not nested: a second one on the same thread joins the
+/// first; when it is given up without commit() the first can't be committed any more. When the store fails in the midst
+/// (a full disk), all is taken back at once and every later write of the bulk fails with the same error. That of a
+/// thread that was terminated is taken back when another thread wants to write.
 class ZBPLATFORM_API BulkWrite
 {
   public:

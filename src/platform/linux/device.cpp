@@ -18,6 +18,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <mutex>
+#include <utility>
 
 namespace zb
 {
@@ -100,8 +101,8 @@ std::shared_ptr<DeviceState> stateFor(const DeviceOptions &options)
 void closeAll(DeviceState &state)
 {
     publish(nullptr);
-    for (const HandleKind kind : {HandleKind::File, HandleKind::FindFile, HandleKind::Database, HandleKind::FindDatabase,
-                                  HandleKind::RegistryKey})
+    for (const HandleKind kind : {HandleKind::File, HandleKind::FindFile, HandleKind::Database,
+                                  HandleKind::FindDatabase, HandleKind::RegistryKey})
     {
         internal::removeAllHandles(kind);
     }
@@ -150,10 +151,29 @@ class OpenedDevice final : public Device
     {
         if (!createPimDatabases())
         {
-            const bool full = GetLastError() == ERROR_DISK_FULL;
-            throw DeviceError(full ? DeviceFault::DiskFull : DeviceFault::Other,
-                              "The databases of the device in " + m_state->root.string() + " could not be made" +
-                                  (full ? ": the disk is full." : "."));
+            const auto [fault, reason] = whyNot(GetLastError());
+            throw DeviceError(fault, "The databases of the device in " + m_state->root.string() + " could not be made" +
+                                         reason + ".");
+        }
+    }
+    static std::pair<DeviceFault, const char *> whyNot(DWORD error)
+    {
+        switch (error)
+        {
+        case ERROR_DISK_FULL:
+            return {DeviceFault::DiskFull, ": the disk is full"};
+        // A store that is whole takes these databases or has them: it contradicts itself.
+        case ERROR_INVALID_PARAMETER:
+        case ERROR_ALREADY_EXISTS:
+        case ERROR_FILE_NOT_FOUND:
+        case ERROR_FILE_CORRUPT:
+            return {DeviceFault::Damaged, ": its store is damaged"};
+        case ERROR_SHARING_VIOLATION:
+            return {DeviceFault::Busy, ": another program holds its store"};
+        case ERROR_ACCESS_DENIED:
+            return {DeviceFault::ReadOnly, ": its store can't be written"};
+        default:
+            return {DeviceFault::Other, ""};
         }
     }
 

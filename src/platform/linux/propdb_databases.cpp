@@ -242,7 +242,7 @@ void reorderRecord(WriteAccess &access, CEOID database, CEOID oid, const SortOrd
         record.bind(1, oid);
         if (!record.step())
         {
-            refuse(storeDamaged);
+            refuse(ERROR_FILE_CORRUPT);
         }
         const BytesView stored = record.bytes(1);
         oldKey.assign(stored.begin(), stored.end());

@@ -211,7 +211,7 @@ SortOrders decodeOrders(BytesView bytes)
     }
     if (bytes.size() % 8 != 0 || !areValidOrders(orders))
     {
-        throw StoreFault(storeDamaged);
+        throw StoreFault(ERROR_FILE_CORRUPT);
     }
     return orders;
 }

@@ -220,7 +220,7 @@ std::optional<ValueView> valueOf(const CEPROPVAL &property)
 
 void RecordView::refuseDamaged()
 {
-    throw StoreFault(storeDamaged);
+    throw StoreFault(ERROR_FILE_CORRUPT);
 }
 
 std::size_t RecordView::searchPlace(CEPROPID id) const
@@ -244,7 +244,16 @@ std::size_t RecordView::searchPlace(CEPROPID id) const
 
 std::size_t RecordView::sizeAt(std::size_t place) const
 {
-    return isBytesType(TypeFromPropID(idAt(place))) ? load<DWORD>(within(m_data, wordAt(place), 4)) & ~farBit : 0;
+    if (!isBytesType(TypeFromPropID(idAt(place))))
+    {
+        return 0;
+    }
+    const std::size_t size = load<DWORD>(within(m_data, wordAt(place), 4)) & ~farBit;
+    if (size > CEDB_MAXRECORDSIZE)
+    {
+        refuseDamaged();
+    }
+    return size;
 }
 
 BytesView RecordView::farBytes(std::size_t offset, std::size_t size) const

@@ -55,7 +55,7 @@ constexpr bool isBytesType(WORD type)
 std::optional<ValueView> valueOf(const CEPROPVAL &property);
 
 /// A record's two blobs, as they were read. Every access is checked against their ends; what does not hold together
-/// throws StoreFault(storeDamaged).
+/// throws StoreFault(ERROR_FILE_CORRUPT).
 class RecordView
 {
   public:

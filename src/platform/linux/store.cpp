@@ -157,7 +157,7 @@ void Store::loadCounters()
     Statement counters(*m_writer, Query::ReadCounters);
     if (!counters.step())
     {
-        throw StoreFault(storeDamaged);
+        throw StoreFault(ERROR_FILE_CORRUPT);
     }
     m_pending.nextId = std::max(counters.integer(0), m_idFloor);
     m_pending.nextChange = counters.integer(1);
@@ -199,7 +199,28 @@ void Store::commitTransaction()
         flush();
     }
     Statement(*m_writer, Query::Commit).run();
+    m_savedIds = std::max(m_savedIds, m_pending.nextId);
     m_writes.fetch_add(1, std::memory_order_acq_rel);
+}
+
+/// The ids that a bulk gave out before it was taken back stay used, for later processes too.
+void Store::keepIds() noexcept
+{
+    try
+    {
+        if (m_writer != nullptr && m_idFloor > m_savedIds)
+        {
+            beginTransaction();
+            loadCounters();
+            m_pending.idsTaken = true;
+            commitTransaction();
+        }
+    }
+    catch (...)
+    {
+        // The next write of this process takes them along.
+    }
+    rollBack();
 }
 
 bool Store::beginBulk()
@@ -256,6 +277,7 @@ bool Store::endBulk(bool commit)
             error = GetLastError();
         }
         rollBack();
+        keepIds();
         t_bulkToken = 0;
         m_bulkToken = 0;
     }

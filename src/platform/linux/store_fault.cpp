@@ -32,6 +32,7 @@ DWORD lastErrorOf(int result, sqlite3 *connection)
         return ERROR_ACCESS_DENIED;
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
+    case SQLITE_PROTOCOL: // so SQLite calls a lock of the log that it could not get in many tries
         return ERROR_SHARING_VIOLATION;
     case SQLITE_TOOBIG:
     case SQLITE_RANGE:
@@ -42,7 +43,7 @@ DWORD lastErrorOf(int result, sqlite3 *connection)
     case SQLITE_SCHEMA:
     case SQLITE_ERROR:
     case SQLITE_MISMATCH:
-        return storeDamaged;
+        return ERROR_FILE_CORRUPT;
     default:
         // Some file systems tell of a full disk only at a sync or when a file is made longer.
         return isDiskFull(connection) ? ERROR_DISK_FULL : ERROR_WRITE_FAULT;

@@ -9,9 +9,6 @@ struct sqlite3;
 
 namespace zb::internal
 {
-/// The store is damaged where it was read.
-inline constexpr DWORD storeDamaged = 1392;
-
 class StoreFault : public std::exception
 {
   public:

@@ -83,7 +83,7 @@ bool hasLog(const fs::path &file)
         refuse(DeviceFault::ReadOnly, file, "can't be written");
     case ERROR_SHARING_VIOLATION:
         refuse(DeviceFault::Busy, file, "is held by another program");
-    case storeDamaged:
+    case ERROR_FILE_CORRUPT:
         refuse(DeviceFault::Damaged, file, "is damaged");
     default:
         if (::access(file.c_str(), W_OK) != 0 || ::access(file.parent_path().c_str(), W_OK) != 0)
@@ -282,7 +282,7 @@ std::unique_ptr<Connection> acceptStore(const fs::path &file, const std::string 
     }
     if (!hasSchema(*connection))
     {
-        throw StoreFault(storeDamaged);
+        throw StoreFault(ERROR_FILE_CORRUPT);
     }
     configureConnection(*connection);
     sqlite3_db_config(connection->raw(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 0, nullptr);

@@ -104,6 +104,7 @@ class Store
     void flush();
     void flushCounts();
     void loadCounters();
+    void keepIds() noexcept;
     /// Takes the bulk back at once; its owner's later writes fail with this code.
     void loseBulk(DWORD code) noexcept;
     /// Why the writer failed last.
@@ -122,8 +123,9 @@ class Store
     std::unique_ptr<Connection> m_writer;
     std::uint64_t m_bulkToken = 0; ///< 0: no bulk
     DWORD m_bulkThread = 0;
-    DWORD m_bulkError = 0; ///< not 0: the bulk is lost, nothing of it remains
-    std::int64_t m_idFloor = 1;
+    DWORD m_bulkError = 0;       ///< not 0: the bulk is lost, nothing of it remains
+    std::int64_t m_idFloor = 1;  ///< ids below are used, whatever the store says
+    std::int64_t m_savedIds = 1; ///< ids below are used, and the store says so
     PendingChanges m_pending;
 
     OpenDatabases m_openDatabases;
