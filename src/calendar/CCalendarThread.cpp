@@ -87,6 +87,10 @@ CCalendarThread::~CCalendarThread()
 {
     Stop(TRUE);
     LocalFree(m_categoryRestrict.m_blobFilter.lpb);
+    if (!m_bBufferTaken)
+    {
+        LocalFree(m_pReadBuffer);
+    }
 }
 
 void CCalendarThread::SetSettingsKey(const WCHAR *path)

@@ -254,7 +254,8 @@ class ZBTOOLS_API CCalendarThread : public CeWorkerThread
     int m_nRangeEnd = noDay;
     std::unique_ptr<DATACALENDARDB> m_pRow;
     std::vector<DWORD> m_lstDeletedDates;
-    BYTE *m_pReadBuffer = nullptr; // owned by m_record once it was read into
+    BYTE *m_pReadBuffer = nullptr;
+    bool m_bBufferTaken = false; // m_record owns the buffer since it was read into
     CeDbRecord m_record;
     CeDb m_dbAppointments;
     std::unique_ptr<CeDb> m_pDbLinks;

@@ -10,6 +10,8 @@ namespace
 {
 /// Blobs up to this size count as empty notes and as no attendees.
 constexpr DWORD emptyBlobSize = 4;
+/// 10000-01-01: variant dates end before it, and the longest duration added to it still fits 64 bits.
+constexpr LONGLONG behindLastYear = (2'958'466 + zb::daysFrom1601ToVariantZero) * zb::ticksPerDay;
 
 /// Floor division: days before the first one are negative.
 int dayOfTicks(LONGLONG ticks)
@@ -63,6 +65,7 @@ bool CCalendarThread::FlagAt(int index) const
 bool CCalendarThread::fReadRecord()
 {
     m_bRestRead = false;
+    m_bBufferTaken = true;
     if (!m_dbAppointments.ReadRec(m_record, m_pReadBuffer, READ_BUFFER_SIZE, APPT_PROPERTY_COUNT,
                                   APPOINTMENT_PROPERTIES.data()))
     {
@@ -100,7 +103,7 @@ bool CCalendarThread::ReadStart()
     FILETIME start{};
     m_record.GetIndexVal(APPT_START, start);
     m_startTicks = zb::ticksOf(start);
-    if (m_startTicks < 0)
+    if (m_startTicks < 0 || m_startTicks >= behindLastYear)
     {
         return false;
     }

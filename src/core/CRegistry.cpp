@@ -10,7 +10,7 @@
 #include <cstring>
 #include <mutex>
 
-CePtrList<CRegistry::INIFile *> CRegistry::INIFileCache(0, 6, nullptr);
+CePtrList<CRegistry::INIFile *> CRegistry::INIFileCache(0, CEOWN_DELETE, nullptr);
 
 namespace
 {
@@ -72,7 +72,7 @@ CRegistry::INIFile *cachedFile(const std::u16string &path)
     CRegistry::INIFile *file = findCached(path);
     if (file == nullptr)
     {
-        file = new CRegistry::INIFile(path); // held by the cache for as long as the process lives
+        file = new CRegistry::INIFile(path); // owned by the cache for as long as the process lives
         CRegistry::INIFileCache.AddTail(file);
     }
     return file;
