@@ -138,7 +138,9 @@ void monthLoad(benchmark::State &state, CalendarFilter filter)
     Host host;
     CCalendarThread loader;
     loader.m_hWndHost = host.handle();
-    loader.m_settings.CAV_FilterAppointments = filter;
+    CalendarSettings settings;
+    settings.CAV_FilterAppointments = filter;
+    loader.m_ownSettings = settings;
     const SYSTEMTIME first{2025, 3, 0, 1, 0, 0, 0, 0};
     const SYSTEMTIME last{2025, 3, 0, 31, 0, 0, 0, 0};
     loader.SetRestrict(&first, &last);

@@ -1,6 +1,7 @@
 // The calendar loader's frame: construction, range, and the run from the first record to the last.
 #include "calendar/CCalendarThread.h"
 
+#include "core/CRegistry.h"
 #include "platform/clock.h"
 #include "platform/pim.h"
 #include "platform/resources.h"
@@ -100,7 +101,12 @@ void CCalendarThread::SetSettingsKey(const WCHAR *path)
 
 void CCalendarThread::SetRestrict(const SYSTEMTIME *start, const SYSTEMTIME *end)
 {
-    const Range range{*start, *end, wholeDayOf(*start), wholeDayOf(*end)};
+    Range range{*start, wholeDayOf(*start), wholeDayOf(*end)};
+    if (range.dtEnd == noDate)
+    {
+        // A date that does not exist is no end: without range rather than one that goes on for thousands of years.
+        range = Range{};
+    }
     const std::lock_guard guard(m_rangeGuard);
     m_range = range;
 }
@@ -116,9 +122,17 @@ void CCalendarThread::GetCategoryRestrict(CCategoryFilterInfo *&restriction)
     restriction = &m_categoryRestrict;
 }
 
-void CCalendarThread::SetCategoryRestrict(bool)
+void CCalendarThread::SetCategoryRestrict(bool save)
 {
     Categories2BLOB(&m_categoryRestrict.m_blobFilter, *m_categoryRestrict.m_pSelected);
+    if (save)
+    {
+        CRegistry registry;
+        registry.OpenKey(HKEY_CURRENT_USER, DEFAULT_SETTINGS_KEY);
+        registry.SetValue(u"m_bIncludeNoCat", m_categoryRestrict.m_bIncludeNoCat);
+        registry.SetValue(u"bHideCategories", static_cast<DWORD>(m_categoryRestrict.bHideCategories));
+        registry.SetValue(u"CategoryANDOR", m_categoryRestrict.CategoryANDOR);
+    }
 }
 
 void CCalendarThread::SetNoHeaderDates(bool noHeaders)
@@ -223,6 +237,7 @@ void CCalendarThread::BeginFullLoad()
 void CCalendarThread::ChooseMode()
 {
     const Range range = CurrentRange();
+    m_stRangeStart = range.start;
     m_nRangeStart = static_cast<int>(range.dtStart);
     m_nRangeEnd = static_cast<int>(range.dtEnd);
     m_reader.SetRange(range.dtStart, range.dtEnd);

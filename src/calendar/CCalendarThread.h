@@ -39,6 +39,7 @@
 #include <atomic>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -78,9 +79,10 @@ class ZBTOOLS_API CCalendarThread : public CeWorkerThread
 
     /// Where the messages go; null sends none.
     HWND m_hWndHost = nullptr;
-    /// Present state: nothing reads the settings from the store yet; what stands here counts.
-    CalendarSettings m_settings;
+    /// Settings of a host for this list alone. Without them, the usual case, each full load reads those of the store.
+    std::optional<CalendarSettings> m_ownSettings;
 
+    /// Key of the settings in the text store; null takes the default. Counts from the next load on.
     void SetSettingsKey(const WCHAR *path);
     const WCHAR *GetSettingsKey() const
     {
@@ -90,12 +92,20 @@ class ZBTOOLS_API CCalendarThread : public CeWorkerThread
     void SetRestrict(const SYSTEMTIME *start, const SYSTEMTIME *end);
     /// Hands out the restriction for editing; SetCategoryRestrict makes the edited choice count.
     void GetCategoryRestrict(CCategoryFilterInfo *&restriction);
-    /// Present state: `save` has no effect, since there is no settings store yet.
+    /// Takes the chosen categories over. The three numbers of the restriction are settings, which a full load reads
+    /// again: they last only when they are saved. `save` writes them under DEFAULT_SETTINGS_KEY, also for a list with a
+    /// key of its own (kept: hosts read them there).
     void SetCategoryRestrict(bool save);
     /// No headers of days; the list then stays in the order of reading.
     void SetNoHeaderDates(bool noHeaders);
-    /// Takes the settings over: names in lower case, zone, today, task sort key, short date format.
+    /// Reads the settings: names in lower case, zone, today, task sort key, restriction, short date format. A full load
+    /// does it first of all.
     void SettingChange();
+    /// The settings that the last SettingChange found.
+    const CalendarSettings &GetSettings() const
+    {
+        return m_settings;
+    }
 
     // --- The list -------------------------------------------------------------------------------------------------
 
@@ -162,7 +172,6 @@ class ZBTOOLS_API CCalendarThread : public CeWorkerThread
     struct Range
     {
         SYSTEMTIME start{};
-        SYSTEMTIME end{};
         double dtStart = noDate;
         double dtEnd = noDate;
         bool isSet() const
@@ -209,6 +218,7 @@ class ZBTOOLS_API CCalendarThread : public CeWorkerThread
     void AddAge(DATACALENDAR &row, WORD firstYear, const WCHAR *mark) const;
     int LastDayOf(const DATACALENDAR &row) const;
     void AddFurtherDays(DATACALENDAR *row, int count);
+    bool IsCutByRange(const DATACALENDAR &row) const;
     bool EndsEarly(const DATACALENDAR &row) const;
     void SetOccurrence(const SYSTEMTIME &date);
     void fGetRecurTimingStr(const TIME_ZONE_INFORMATION *zone, int startHour, int startMinute, int endHour,
@@ -235,6 +245,7 @@ class ZBTOOLS_API CCalendarThread : public CeWorkerThread
     Range m_range;
 
     std::u16string m_strSettingsKey;
+    CalendarSettings m_settings;
     CCategoryFilterInfo m_categoryRestrict;
     CePtrList<CFullCategory *> m_lstSelected;
     bool m_bNoHeaderDates = false;
@@ -250,6 +261,7 @@ class ZBTOOLS_API CCalendarThread : public CeWorkerThread
     CalendarFilter m_filter = CalendarFilter::Range;
     bool m_bExpand = true;
     bool m_bTestStatus = false;
+    SYSTEMTIME m_stRangeStart{}; // the range of this run, whatever SetRestrict says meanwhile
     int m_nRangeStart = noDay;
     int m_nRangeEnd = noDay;
     std::unique_ptr<DATACALENDARDB> m_pRow;

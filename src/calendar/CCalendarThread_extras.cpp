@@ -60,6 +60,10 @@ SYSTEMTIME CCalendarThread::GetToday()
 
 void CCalendarThread::SettingChange()
 {
+    m_settings = m_ownSettings ? *m_ownSettings : CalendarSettings::read(m_strSettingsKey.c_str());
+    m_categoryRestrict.bHideCategories = static_cast<LONG>(m_settings.bHideCategories);
+    m_categoryRestrict.m_bIncludeNoCat = m_settings.m_bIncludeNoCat;
+    m_categoryRestrict.CategoryANDOR = m_settings.CategoryANDOR;
     m_strAnniversaryName = searchedName(m_settings.AnnCatName, u"Birthdays", u"Anniversaries");
     m_strBirthdayName = searchedName(m_settings.BDayCatName, u"Anniversaries", u"Birthdays");
     s_dwTaskSort.store(m_settings.TaskSort, std::memory_order_relaxed);

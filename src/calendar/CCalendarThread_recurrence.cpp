@@ -106,8 +106,7 @@ void CCalendarThread::fFillEventList()
     {
         return;
     }
-    const Range range = CurrentRange();
-    const zb::RecurrenceRange days{zb::CalendarDay::fromSystemTime(range.start), static_cast<double>(m_nRangeStart),
+    const zb::RecurrenceRange days{zb::CalendarDay::fromSystemTime(m_stRangeStart), static_cast<double>(m_nRangeStart),
                                    static_cast<double>(m_nRangeEnd)};
     OccurrenceMaker maker(*this);
     zb::RecurrenceWalk walk(row, days, maker, row.m_dtStart, row.m_dtEnd, row.m_nDuration, m_dtWorking);

@@ -85,11 +85,16 @@ void CCalendarThread::AddAge(DATACALENDAR &row, WORD firstYear, const WCHAR *mar
     row.m_bRecurring = 0;
 }
 
+bool CCalendarThread::IsCutByRange(const DATACALENDAR &row) const
+{
+    return m_filter == CalendarFilter::Range && DayAndSecond(row.m_dtEnd).day > m_nRangeEnd;
+}
+
 int CCalendarThread::LastDayOf(const DATACALENDAR &row) const
 {
     const DayAndSecond end(row.m_dtEnd);
     int last = end.day;
-    if (m_filter == CalendarFilter::Range && end.day > m_nRangeEnd)
+    if (IsCutByRange(row))
     {
         last = m_nRangeEnd;
     }
@@ -111,10 +116,12 @@ bool CCalendarThread::EndsEarly(const DATACALENDAR &row) const
 
 void CCalendarThread::AddFurtherDays(DATACALENDAR *row, int count)
 {
+    // Where the range ends first, the event's own last day is not among its rows.
+    const bool endsEarly = !IsCutByRange(*row) && EndsEarly(*row);
     DATACALENDAR *made = row;
     for (int n = 1; n <= count; ++n)
     {
-        if (n == count && EndsEarly(*row))
+        if (n == count && endsEarly)
         {
             made->m_bEndsEarly = true;
             return;

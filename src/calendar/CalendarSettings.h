@@ -1,11 +1,11 @@
 // The settings of a calendar list, with the values that hold when the store has none.
 //
-// Fields carry the names under which they are stored. The three values of the category restriction (m_bIncludeNoCat,
-// bHideCategories, CategoryANDOR) are not here: they live in the loader's CCategoryFilterInfo.
-//
-// A host sets them before Start; the loader's thread reads them while it runs.
+// Fields carry the names under which they are stored, in the text store under the list's own key; FloatCat alone comes
+// from the device's registry, where the plug-in of the Today screen keeps it. A value of another type than the field's
+// counts as missing.
 #pragma once
 
+#include "core/api.h"
 #include "platform/types.h"
 
 #include <string>
@@ -57,4 +57,15 @@ struct CalendarSettings
     /// day.
     DWORD AppointmentSingleIfEndsEarly = 0;
     std::u16string FloatCat; ///< category of floating items, see the loader
+    // The category restriction, see CCategoryFilterInfo.
+    DWORD bHideCategories = 0;
+    DWORD m_bIncludeNoCat = 0;
+    DWORD CategoryANDOR = 0;
+
+    /// What the store holds now under a key of HKEY_CURRENT_USER. TaskSort is the one value that is written back when
+    /// it is missing. Never fails: what can't be read has its default. Any thread.
+    static ZBTOOLS_API CalendarSettings read(const WCHAR *key);
 };
+
+/// Key of the plug-in of the Today screen, in the device's registry.
+inline constexpr const WCHAR *todayPluginKey = u"Software\\Morvane\\ZBToday";

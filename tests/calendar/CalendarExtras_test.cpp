@@ -165,9 +165,11 @@ TEST_F(CalendarExtras, TheListIsSortedAnewByTheOrderOfItsFilter)
     loader().SortDataList(true);
     EXPECT_EQ(loader().subjects(), "b, a");
     loader().setFilter(CalendarFilter::Birthdays);
+    loader().SettingChange();
     loader().SortDataList(true);
     EXPECT_EQ(loader().subjects(), "a, b");
     loader().setFilter(CalendarFilter::Anniversaries);
+    loader().SettingChange();
     loader().SortDataList(false);
     EXPECT_EQ(loader().subjects(), "b, a");
 }

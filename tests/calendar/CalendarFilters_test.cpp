@@ -1,5 +1,6 @@
 // Which records each list takes: filters, status, categories, birthdays, anniversaries, holidays, floating items.
 #include "calendar/CalendarTest.h"
+#include "core/CRegistry.h"
 
 #include "platform/clock.h"
 #include "platform/pim_recurrence.h"
@@ -82,7 +83,7 @@ TEST_F(CalendarFilters, StatusFilterWantsOneStatus)
                                                     {1, "free, tentative, busy, out"}};
     for (const auto &[filter, expected] : cases)
     {
-        loader().m_settings.CAV_StatusFilter = filter;
+        loader().set(u"CAV_StatusFilter", filter);
         EXPECT_EQ(subjectsOf(CalendarFilter::RangeWithoutDays), expected) << filter;
     }
 }
@@ -92,14 +93,15 @@ TEST_F(CalendarFilters, ListsThatDoNotExpandIgnoreStatusAndCategories)
     AppointmentRecord record = allDay(u"Labour Day", makeFileTime(2026, 3, 3));
     record.busy = 0;
     add(record);
-    loader().m_settings.CAV_StatusFilter = statusFilterBusy;
+    loader().set(u"CAV_StatusFilter", statusFilterBusy);
     CCategoryFilterInfo *restriction = nullptr;
     loader().GetCategoryRestrict(restriction);
     restriction->bHideCategories = -1;
+    loader().SetCategoryRestrict(true);
     EXPECT_EQ(subjectsOf(CalendarFilter::Holidays), "Labour Day");
-    loader().m_settings.CAV_StatusFilter = statusFilterAll;
+    loader().set(u"CAV_StatusFilter", statusFilterAll);
     EXPECT_EQ(subjectsOf(CalendarFilter::Range), "Labour Day");
-    loader().m_settings.CAV_StatusFilter = statusFilterBusy;
+    loader().set(u"CAV_StatusFilter", statusFilterBusy);
     EXPECT_EQ(subjectsOf(CalendarFilter::Range), "");
 }
 
@@ -132,7 +134,7 @@ class CalendarCategories : public CalendarFilters
             category->m_nId = static_cast<SHORT>(id);
             restriction->m_pSelected->AddTail(category);
         }
-        loader().SetCategoryRestrict(false);
+        loader().SetCategoryRestrict(true);
     }
     std::string shown()
     {
@@ -154,8 +156,10 @@ TEST_F(CalendarCategories, ChosenOnesAreShown)
     choose({workBit, 40});
     EXPECT_EQ(shown(), "work, both");
     restriction->CategoryANDOR = 1;
+    loader().SetCategoryRestrict(true);
     EXPECT_EQ(shown(), "both");
     restriction->m_bIncludeNoCat = 1;
+    loader().SetCategoryRestrict(true);
     EXPECT_EQ(shown(), "none, both, empty");
 }
 
@@ -171,6 +175,7 @@ TEST_F(CalendarCategories, ChosenOnesAreHidden)
 TEST_F(CalendarCategories, OnlyThoseWithoutCategories)
 {
     restriction->bHideCategories = -1;
+    loader().SetCategoryRestrict(true);
     EXPECT_EQ(shown(), "none, empty");
 }
 
@@ -182,6 +187,14 @@ TEST_F(CalendarCategories, AnEditCountsOnceItIsSet)
     EXPECT_EQ(shown(), "none, work, both, empty");
     loader().SetCategoryRestrict(false);
     EXPECT_EQ(shown(), "both");
+}
+
+TEST_F(CalendarCategories, NumbersThatWereNotSavedEndWithTheNextLoad)
+{
+    restriction->bHideCategories = -1;
+    loader().SetCategoryRestrict(false);
+    EXPECT_EQ(shown(), "none, work, both, empty");
+    EXPECT_EQ(restriction->bHideCategories, 0);
 }
 
 // --- Birthdays and anniversaries ---------------------------------------------------------------------------------
@@ -233,15 +246,15 @@ TEST_F(CalendarFilters, TheCategoryNameMakesABirthday)
 
 TEST_F(CalendarFilters, NamesAreComparedWithoutRegardToCase)
 {
-    loader().m_settings.BDayCatName = u"GEBURTSTAG";
+    loader().set(u"BDayCatName", u"GEBURTSTAG");
     add(yearlyAllDay(u"Geburtstag von Fritz", 2025, 6, 1));
     EXPECT_EQ(subjectsOf(CalendarFilter::Birthdays), "(1 years) Geburtstag von Fritz");
 }
 
 TEST_F(CalendarFilters, NeitherNameMayBeTheOthersDefault)
 {
-    loader().m_settings.AnnCatName = u"Birthdays";
-    loader().m_settings.BDayCatName = u"Anniversaries";
+    loader().set(u"AnnCatName", u"Birthdays");
+    loader().set(u"BDayCatName", u"Anniversaries");
     AppointmentRecord record = yearlyAllDay(u"Carl", 2025, 6, 1);
     record.categories = categoryBlob({birthdaysBit});
     add(record);
@@ -253,14 +266,14 @@ TEST_F(CalendarFilters, AnEmptyNameTurnsTheOtherKindOff)
 {
     add(yearlyAllDay(u"Anna bday", 2020, 6, 1));
     add(yearlyAllDay(u"Wedding anniv", 2020, 6, 2));
-    loader().m_settings.AnnCatName = u"";
+    loader().set(u"AnnCatName", u"");
     EXPECT_EQ(subjectsOf(CalendarFilter::Birthdays), "");
     EXPECT_EQ(subjectsOf(CalendarFilter::Anniversaries), "(6 years) Wedding anniv");
-    loader().m_settings.AnnCatName = u"Anniversaries";
-    loader().m_settings.BDayCatName = u"";
+    loader().set(u"AnnCatName", u"Anniversaries");
+    loader().set(u"BDayCatName", u"");
     EXPECT_EQ(subjectsOf(CalendarFilter::Birthdays), "(6 years) Anna bday");
     EXPECT_EQ(subjectsOf(CalendarFilter::Anniversaries), "");
-    loader().m_settings.AnnCatName = u"";
+    loader().set(u"AnnCatName", u"");
     EXPECT_EQ(subjectsOf(CalendarFilter::Birthdays), "");
 }
 
@@ -351,10 +364,10 @@ TEST_F(CalendarFilters, HolidaysSaySoInCategoryOrSubject)
     add(allDay(u"Holidays", makeFileTime(2026, 3, 3)));
     add(timed(u"Pay day", makeFileTime(2026, 3, 4, 9), 60));
     EXPECT_EQ(subjectsOf(CalendarFilter::Holidays), "Easter, LABOUR DAY");
-    loader().m_settings.HolidayCatName = u"work";
-    loader().m_settings.HolidaySubName = u"HOLI";
+    loader().set(u"HolidayCatName", u"work");
+    loader().set(u"HolidaySubName", u"HOLI");
     EXPECT_EQ(subjectsOf(CalendarFilter::Holidays), "Holidays");
-    loader().m_settings.HolidaySubName = u"";
+    loader().set(u"HolidaySubName", u"");
     EXPECT_EQ(subjectsOf(CalendarFilter::Holidays), "");
 }
 
@@ -387,7 +400,7 @@ TEST_F(CalendarFilters, FloatingItemsLoseTheirMark)
         add(record);
         expected += (expected.empty() ? "" : ", ") + std::string(shown);
     }
-    loader().m_settings.FloatCat = u"Floats";
+    SetToRegistrySZ(HKEY_CURRENT_USER, u"Software\\Morvane\\ZBToday", u"FloatCat", u"Floats");
     EXPECT_EQ(subjectsOf(CalendarFilter::RangeWithoutDays), expected);
 }
 
@@ -397,11 +410,11 @@ TEST_F(CalendarFilters, FloatingItemsNeedTheirCategoryToTheLetter)
     record.categories = categoryBlob({floatsBit});
     add(record);
     EXPECT_EQ(subjectsOf(CalendarFilter::RangeWithoutDays), "D2 14 Buy milk");
-    loader().m_settings.FloatCat = u"floats";
+    SetToRegistrySZ(HKEY_CURRENT_USER, u"Software\\Morvane\\ZBToday", u"FloatCat", u"floats");
     EXPECT_EQ(subjectsOf(CalendarFilter::RangeWithoutDays), "D2 14 Buy milk");
-    loader().m_settings.FloatCat = u"Work";
+    SetToRegistrySZ(HKEY_CURRENT_USER, u"Software\\Morvane\\ZBToday", u"FloatCat", u"Work");
     EXPECT_EQ(subjectsOf(CalendarFilter::RangeWithoutDays), "D2 14 Buy milk");
-    loader().m_settings.FloatCat = u"Float";
+    SetToRegistrySZ(HKEY_CURRENT_USER, u"Software\\Morvane\\ZBToday", u"FloatCat", u"Float");
     EXPECT_EQ(subjectsOf(CalendarFilter::RangeWithoutDays), "Buy milk");
 }
 
@@ -410,7 +423,7 @@ TEST_F(CalendarFilters, AFloatingItemIsNoBirthday)
     AppointmentRecord record = yearlyAllDay(u"D1 2 bday Anna", 2020, 6, 1);
     record.categories = categoryBlob({floatsBit});
     add(record);
-    loader().m_settings.FloatCat = u"Floats";
+    SetToRegistrySZ(HKEY_CURRENT_USER, u"Software\\Morvane\\ZBToday", u"FloatCat", u"Floats");
     EXPECT_EQ(subjectsOf(CalendarFilter::Birthdays), "");
     EXPECT_EQ(subjectsOf(CalendarFilter::Recurring), "bday Anna");
 }

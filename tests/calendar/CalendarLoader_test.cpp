@@ -363,14 +363,14 @@ TEST_F(CalendarLoader, AnEndAfterMidnightShowsOnBothDays)
 
 TEST_F(CalendarLoader, AnEarlyEndCanLeaveOutTheLastDay)
 {
-    loader().m_settings.AppointmentSingleIfEndsEarly = 1;
+    loader().set(u"AppointmentSingleIfEndsEarly", 1U);
     EXPECT_EQ(daysOf(timed(u"x", makeFileTime(2026, 3, 10, 22), 150)), (Rows{"2026-03-10"}));
     EXPECT_TRUE(loader().row(0)->m_bEndsEarly);
 }
 
 TEST_F(CalendarLoader, TheHourItselfIsEarlyOnTheMinute)
 {
-    loader().m_settings.AppointmentSingleIfEndsEarly = 3;
+    loader().set(u"AppointmentSingleIfEndsEarly", 3U);
     // 10 March 20:00 to 12 March 03:00, then to 03:01, then to 02:59.
     EXPECT_EQ(daysOf(timed(u"x", makeFileTime(2026, 3, 10, 20), 31 * 60)), (Rows{"2026-03-10", "2026-03-11"}));
     EXPECT_FALSE(loader().row(0)->m_bEndsEarly);
@@ -384,7 +384,7 @@ TEST_F(CalendarLoader, TheHourItselfIsEarlyOnTheMinute)
 
 TEST_F(CalendarLoader, AllDayEventsShowOnEachOfTheirDays)
 {
-    loader().m_settings.AppointmentSingleIfEndsEarly = 23;
+    loader().set(u"AppointmentSingleIfEndsEarly", 23U);
     EXPECT_EQ(daysOf(allDay(u"x", makeFileTime(2026, 3, 10), 3)), (Rows{"2026-03-10", "2026-03-11", "2026-03-12"}));
     EXPECT_FALSE(loader().row(1)->m_bEndsEarly);
 }
@@ -401,6 +401,25 @@ TEST_F(CalendarLoader, DaysEndWithTheRange)
     loader().setRange(2026, 3, 10, 3);
     EXPECT_EQ(daysOf(timed(u"x", makeFileTime(2026, 3, 8, 12), 10 * 1440)),
               (Rows{"2026-03-08", "2026-03-09", "2026-03-10", "2026-03-11", "2026-03-12"}));
+}
+
+TEST_F(CalendarLoader, AnEarlyEndBehindTheRangeTakesNoDayOfIt)
+{
+    loader().set(u"AppointmentSingleIfEndsEarly", 23U);
+    loader().setRange(2026, 3, 10, 3);
+    // To 18 March 12:00: early, but not on one of the days shown.
+    EXPECT_EQ(daysOf(timed(u"x", makeFileTime(2026, 3, 10, 12), 8 * 1440)),
+              (Rows{"2026-03-10", "2026-03-11", "2026-03-12"}));
+    EXPECT_FALSE(loader().row(2)->m_bEndsEarly);
+}
+
+TEST_F(CalendarLoader, ARangeWithoutAnEndIsNone)
+{
+    const SYSTEMTIME first = makeSystemTime(2026, 3, 1);
+    SYSTEMTIME last = makeSystemTime(2026, 3, 1);
+    last.wDay = 32;
+    loader().SetRestrict(&first, &last);
+    EXPECT_FALSE(loader().IsInCache(&first));
 }
 
 TEST_F(CalendarLoader, AnEmptyAppointmentAtMidnightShowsOnItsDay)

@@ -376,12 +376,13 @@ TEST_F(CalendarRun, SettingsOfTheDeviceAreTakenAtEachLoad)
     device.setClock(makeFileTime(2026, 7, 1, 23, 30));
     load();
     EXPECT_EQ(describe(CCalendarThread::GetToday()), "2026-07-01 23:30:00");
-    loader().m_settings.TaskSort = 42228;
-    loader().m_settings.TaskSortDescending = 1;
+    loader().set(u"TaskSort", 42228U);
+    loader().set(u"TaskSortDescending", 1U);
     load();
     EXPECT_EQ(CCalendarThread::s_dwTaskSort, 42228U);
     EXPECT_TRUE(CCalendarThread::s_bTaskSortDescending);
-    loader().m_settings = {};
+    loader().unset(u"TaskSort");
+    loader().unset(u"TaskSortDescending");
     load();
     EXPECT_EQ(CCalendarThread::s_dwTaskSort, 42227U);
     EXPECT_FALSE(CCalendarThread::s_bTaskSortDescending);

@@ -1,6 +1,7 @@
 // Records, loader, window and row texts of the calendar's tests.
 #include "calendar/CalendarTest.h"
 
+#include "core/CRegistry.h"
 #include "platform/clock.h"
 #include "platform/kernel.h"
 #include "platform/pim.h"
@@ -212,6 +213,27 @@ void TestLoader::setRange(int year, int month, int day, int days)
     SYSTEMTIME last{};
     FileTimeToSystemTime(&lastTime, &last);
     SetRestrict(&first, &last);
+}
+
+void TestLoader::set(const WCHAR *name, DWORD value)
+{
+    CRegistry registry;
+    registry.OpenKey(HKEY_CURRENT_USER, GetSettingsKey());
+    registry.SetValue(name, value);
+}
+
+void TestLoader::set(const WCHAR *name, const WCHAR *value)
+{
+    CRegistry registry;
+    registry.OpenKey(HKEY_CURRENT_USER, GetSettingsKey());
+    registry.SetValue(name, value);
+}
+
+void TestLoader::unset(const WCHAR *name)
+{
+    CRegistry registry;
+    registry.OpenKey(HKEY_CURRENT_USER, GetSettingsKey());
+    registry.DeleteValue(name);
 }
 
 std::vector<std::string> TestLoader::load()

@@ -107,8 +107,13 @@ class TestLoader : public CCalendarThread
     void setRange(int year, int month, int day, int days);
     void setFilter(CalendarFilter filter)
     {
-        m_settings.CAV_FilterAppointments = filter;
+        set(u"CAV_FilterAppointments", static_cast<DWORD>(filter));
     }
+    /// Writes a setting to the store, under the key of this loader.
+    void set(const WCHAR *name, DWORD value);
+    void set(const WCHAR *name, const WCHAR *value);
+    /// Takes a setting out of the store.
+    void unset(const WCHAR *name);
     /// A whole load on this thread; its rows as text.
     std::vector<std::string> load();
     std::vector<std::string> rows();
