@@ -4,6 +4,7 @@
 #include "platform/kernel.h"
 #include "platform/text.h"
 
+#include <bit>
 #include <cstdlib>
 
 CFullCategory::~CFullCategory()
@@ -51,5 +52,22 @@ void Categories2BLOB(CEBLOB *blob, CePtrList<CFullCategory *> &categories)
         const DWORD size = static_cast<DWORD>(id / 32) * 4 + 4;
         blob->dwCount = size > blob->dwCount ? size : blob->dwCount;
         blob->lpb[id / 8] = static_cast<BYTE>(blob->lpb[id / 8] | (1U << (id % 8)));
+    }
+}
+
+void BLOB2Categories(CEBLOB blob, CeList<unsigned int> &ids)
+{
+    if (blob.dwCount < 4 || blob.lpb == nullptr)
+    {
+        return;
+    }
+    // Byte by byte, lowest bit first, is the same order as by little-endian words.
+    const DWORD bytes = blob.dwCount / 4 * 4;
+    for (DWORD at = 0; at < bytes; ++at)
+    {
+        for (unsigned rest = blob.lpb[at]; rest != 0; rest &= rest - 1)
+        {
+            ids.AddTail(at * 8 + static_cast<unsigned>(std::countr_zero(rest)));
+        }
     }
 }

@@ -5,6 +5,7 @@
 // 5 and 33 give the 8 bytes 21 00 00 00 02 00 00 00.
 #pragma once
 
+#include "core/CeList.h"
 #include "core/CePtrList.h"
 #include "core/api.h"
 #include "platform/propdb.h"
@@ -37,3 +38,7 @@ inline constexpr DWORD categoryBlobRoom = 1024;
 /// Makes the blob of a list of categories. The blob's old bytes are freed with LocalFree and the new ones come from
 /// LocalAlloc; ids outside 0 to 8191 are left out. An empty list gives size 0 and a null pointer.
 ZBTOOLS_API void Categories2BLOB(CEBLOB *blob, CePtrList<CFullCategory *> &categories);
+
+/// Appends the ids of a blob to the list, the lowest first. Bytes behind the last whole word are ignored; a blob of
+/// fewer than 4 bytes, or a null one, has none. The blob stays the caller's.
+ZBTOOLS_API void BLOB2Categories(CEBLOB blob, CeList<unsigned int> &ids);

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+#include <set>
 #include <vector>
 
 namespace
@@ -63,6 +65,7 @@ TEST(CategoryBlob, SetsTheBitOfEachCategoryInTheSmallestSize)
     EXPECT_EQ(Chosen({0, 5, 33}).bytes(), (std::vector<BYTE>{0x21, 0, 0, 0, 2, 0, 0, 0}));
     EXPECT_EQ(Chosen({31}).bytes(), (std::vector<BYTE>{0, 0, 0, 0x80}));
     EXPECT_EQ(Chosen({32}).bytes(), (std::vector<BYTE>{0, 0, 0, 0, 1, 0, 0, 0}));
+    EXPECT_EQ(Chosen({63}).bytes(), (std::vector<BYTE>{0, 0, 0, 0, 0, 0, 0, 0x80}));
     EXPECT_EQ(Chosen({8191}).bytes().size(), 1024U);
     EXPECT_EQ(Chosen({8191}).bytes().back(), 0x80);
 }
@@ -79,6 +82,80 @@ TEST(CategoryBlob, OfNoCategoriesIsEmpty)
 TEST(CategoryBlob, LeavesOutIdsThatItCannotHold)
 {
     EXPECT_EQ(Chosen({-1, 8192, 1}).bytes(), (std::vector<BYTE>{2, 0, 0, 0}));
+}
+
+std::vector<unsigned> idsOf(std::vector<BYTE> bytes)
+{
+    CeList<unsigned int> ids(1);
+    BLOB2Categories(CEBLOB{static_cast<DWORD>(bytes.size()), bytes.data()}, ids);
+    std::vector<unsigned> all;
+    for (int i = ids.GetBase(); i <= ids.GetLastIndex(); ++i)
+    {
+        all.push_back(ids.GetAt(i));
+    }
+    return all;
+}
+
+TEST(CategoryBlob, TellsItsIdsTheLowestFirst)
+{
+    EXPECT_EQ(idsOf({0x21, 0, 0, 0, 2, 0, 0, 0}), (std::vector<unsigned>{0, 5, 33}));
+    EXPECT_EQ(idsOf({0, 0, 0, 0x80}), std::vector<unsigned>{31});
+    EXPECT_EQ(idsOf({0x80, 0x40, 0x20, 0x10}), (std::vector<unsigned>{7, 14, 21, 28}));
+    EXPECT_EQ(idsOf({0, 0, 0, 0}), std::vector<unsigned>{});
+    std::vector<BYTE> largest(1024);
+    largest.back() = 0x80;
+    EXPECT_EQ(idsOf(largest), std::vector<unsigned>{8191});
+}
+
+TEST(CategoryBlob, TornBytesAreIgnored)
+{
+    EXPECT_EQ(idsOf({1, 0, 0, 0, 0xFF, 0xFF}), std::vector<unsigned>{0});
+    EXPECT_EQ(idsOf({1, 0, 0, 0, 0xFF, 0xFF, 0xFF}), std::vector<unsigned>{0});
+    EXPECT_EQ(idsOf({0xFF, 0xFF, 0xFF}), std::vector<unsigned>{});
+    EXPECT_EQ(idsOf({}), std::vector<unsigned>{});
+    CeList<unsigned int> ids(0);
+    BLOB2Categories(CEBLOB{8, nullptr}, ids);
+    EXPECT_TRUE(ids.IsEmpty());
+}
+
+TEST(CategoryBlob, IdsAreAppended)
+{
+    CeList<unsigned int> ids(0);
+    ids.AddTail(99);
+    BYTE bytes[] = {2, 0, 0, 0};
+    BLOB2Categories(CEBLOB{4, bytes}, ids);
+    ASSERT_EQ(ids.GetCount(), 2);
+    EXPECT_EQ(ids.GetAt(0), 99U);
+    EXPECT_EQ(ids.GetAt(1), 1U);
+}
+
+TEST(CategoryBlob, AnySetOfIdsComesBackFromItsBlob)
+{
+    for (unsigned seed = 1; seed <= 300; ++seed)
+    {
+        std::mt19937 random(seed);
+        std::set<unsigned> ids;
+        const unsigned limit = 1 + random() % 8192;
+        for (unsigned n = random() % 40; n != 0; --n)
+        {
+            ids.insert(random() % limit);
+        }
+        CePtrList<CFullCategory *> list(1, CEOWN_DELETE);
+        std::vector<unsigned> shuffled(ids.begin(), ids.end());
+        std::shuffle(shuffled.begin(), shuffled.end(), random);
+        for (const unsigned id : shuffled)
+        {
+            auto *category = new CFullCategory;
+            category->m_nId = static_cast<SHORT>(id);
+            list.AddTail(category);
+        }
+        CEBLOB blob{};
+        Categories2BLOB(&blob, list);
+        EXPECT_EQ(blob.dwCount, ids.empty() ? 0U : *ids.rbegin() / 32 * 4 + 4) << "seed " << seed;
+        EXPECT_EQ(idsOf({blob.lpb, blob.lpb + blob.dwCount}), std::vector<unsigned>(ids.begin(), ids.end()))
+            << "seed " << seed;
+        LocalFree(blob.lpb);
+    }
 }
 
 TEST(FullCategory, HasItsFirstValuesAndCopiesAll)
