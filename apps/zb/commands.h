@@ -52,4 +52,24 @@ struct DumpArguments
     bool json = false;
 };
 int runDump(const DumpArguments &arguments);
+
+enum class SettingsAction
+{
+    List,
+    Get,
+    Set,
+    Unset
+};
+
+struct SettingsArguments
+{
+    std::filesystem::path device;
+    SettingsAction action = SettingsAction::List;
+    std::string key; ///< as written; empty: everything in a list, the calendar's key otherwise
+    std::string name;
+    std::string value;
+    bool asText = false; ///< a value of digits is a text all the same
+    bool json = false;
+};
+int runSettings(const SettingsArguments &arguments);
 } // namespace zb::cli

@@ -31,6 +31,7 @@ class CommandLine
         addAgenda();
         addInfo();
         addDump();
+        addSettings();
     }
 
     int run(int count, char **arguments)
@@ -130,6 +131,45 @@ class CommandLine
             });
     }
 
+    /// One of the words behind "settings".
+    CLI::App *addSettingsWord(CLI::App *settings, const char *word, const char *help, SettingsAction action)
+    {
+        CLI::App *const command = settings->add_subcommand(word, help);
+        command->add_option("--key", m_settings.key, "Key: CAV is Software\\Kelvo\\Zembrik\\CAV, . the key above it")
+            ->type_name("KEY");
+        command->callback([this, action] { m_settings.action = action; });
+        return command;
+    }
+
+    void addSettings()
+    {
+        CLI::App *const command = m_app.add_subcommand("settings", "Show and change the settings of the device");
+        command->require_subcommand(0, 1);
+        CLI::Option *const json = command->add_flag("--json", m_settings.json, "Print JSON");
+        CLI::App *const list =
+            addSettingsWord(command, "list", "All settings, those at their default too", SettingsAction::List);
+        CLI::App *const get = addSettingsWord(command, "get", "Print one value", SettingsAction::Get);
+        CLI::App *const set = addSettingsWord(command, "set", "Change one value", SettingsAction::Set);
+        CLI::App *const unset =
+            addSettingsWord(command, "unset", "Take one value out, so that its default holds", SettingsAction::Unset);
+        for (CLI::App *const word : {get, set, unset})
+        {
+            word->add_option("name", m_settings.name, "Name of the setting")->type_name("NAME")->required();
+        }
+        for (CLI::App *const word : {list, get})
+        {
+            word->add_flag(json->get_name(), m_settings.json, "Print JSON");
+        }
+        set->add_option("value", m_settings.value, "A number (42, 0x2a) or a text")->type_name("VALUE")->required();
+        set->add_flag("--text", m_settings.asText, "Keep a number as a text");
+        command->callback(
+            [this]
+            {
+                m_settings.device = m_device;
+                m_run = [this] { return runSettings(m_settings); };
+            });
+    }
+
     CLI::App m_app;
     std::filesystem::path m_device;
     InitArguments m_init;
@@ -138,6 +178,7 @@ class CommandLine
     bool m_week = false;
     InfoArguments m_info;
     DumpArguments m_dump;
+    SettingsArguments m_settings;
     std::function<int()> m_run;
 };
 } // namespace

@@ -2,10 +2,13 @@
 #include "calendar/CRecurrenceReader.h"
 
 #include "core/DateConstants.h"
+#include "core/ShowError.h"
 #include "platform/clock.h"
+#include "platform/device.h"
 #include "platform/text.h"
 
 #include <algorithm>
+#include <atomic>
 
 namespace
 {
@@ -99,6 +102,30 @@ void readPeriod(const zb::RecurrenceBlob &blob, RECURPATTERN &pattern)
         pattern.m_nPeriodMonths = period;
     }
 }
+/// Marks the process as reading a blob. A mark that a killed thread left is overwritten by the next reading.
+class ReadInProgress
+{
+  public:
+    explicit ReadInProgress(const CRecurrenceReader &reader)
+    {
+        const CRecurrenceReader *const other = current.exchange(&reader, std::memory_order_relaxed);
+        const std::uint64_t device = zb::deviceGeneration();
+        if (other != nullptr && toldFor.exchange(device, std::memory_order_relaxed) != device)
+        {
+            ShowError(u"Thread Collision", showErrorFlags);
+        }
+    }
+    ReadInProgress(const ReadInProgress &) = delete;
+    ReadInProgress &operator=(const ReadInProgress &) = delete;
+    ~ReadInProgress()
+    {
+        current.store(nullptr, std::memory_order_relaxed);
+    }
+
+  private:
+    static inline std::atomic<const CRecurrenceReader *> current{nullptr};
+    static inline std::atomic<std::uint64_t> toldFor{0};
+};
 } // namespace
 
 namespace zb
@@ -144,6 +171,7 @@ bool CRecurrenceReader::isInRange(DWORD firstDate, DWORD lastDate) const
 int CRecurrenceReader::Read(const BYTE *bytes, DWORD size, CEOID, DATACALENDARDB &row, std::vector<DWORD> &deletedDates,
                             bool)
 {
+    const ReadInProgress mark(*this);
     if (bytes == nullptr || size == 0)
     {
         return FAILURE;

@@ -23,7 +23,9 @@
 // | | 2 | number of exceptions, one for each modified date |
 // | | | the exceptions, see readException |
 //
-// Threads: an object belongs to its loader's thread. All it needs lies in the object, so loaders never meet here.
+// Threads: an object belongs to its loader's thread. All it needs lies in the object, so that two loaders at once get
+// what each would get alone. The system was not made for two at once all the same: the first time that it sees them, it
+// says so by "Thread Collision", once for as long as the device is open.
 #pragma once
 
 #include "calendar/DATACALENDARDB.h"

@@ -16,6 +16,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace zb
 {
@@ -58,6 +59,9 @@ struct DeviceOptions
     std::string timeZone;
     /// The moment now in ticks since 1601, UTC; empty takes the host's clock.
     std::function<LONGLONG()> clock;
+    /// Shows a message of MessageBoxW (text, caption, flags) and returns the button that ends it; called on the thread
+    /// that asks, any. Empty writes caption and text to standard error and presses the first button.
+    std::function<int(std::u16string_view, std::u16string_view, UINT)> messageBox;
     /// Name of a SQLite file layer to open the store with (faults are injected there); empty takes the default.
     std::string storeFileLayer;
 };

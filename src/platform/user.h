@@ -24,6 +24,23 @@ inline constexpr UINT WM_TIMER = 0x0113;
 inline constexpr UINT WM_USER = 0x0400;
 inline constexpr UINT WM_APP = 0x8000;
 
+/// Buttons of MessageBoxW, by the low 4 bits of its flags.
+inline constexpr UINT MB_OK = 0;
+inline constexpr UINT MB_OKCANCEL = 1;
+inline constexpr UINT MB_ABORTRETRYIGNORE = 2;
+inline constexpr UINT MB_YESNOCANCEL = 3;
+inline constexpr UINT MB_YESNO = 4;
+inline constexpr UINT MB_RETRYCANCEL = 5;
+inline constexpr UINT MB_TYPEMASK = 15;
+
+inline constexpr int IDOK = 1;
+inline constexpr int IDCANCEL = 2;
+inline constexpr int IDABORT = 3;
+inline constexpr int IDRETRY = 4;
+inline constexpr int IDIGNORE = 5;
+inline constexpr int IDYES = 6;
+inline constexpr int IDNO = 7;
+
 struct MSG
 {
     HWND hwnd;
@@ -111,6 +128,10 @@ ZBPLATFORM_API BOOL PostMessageW(HWND window, UINT message, WPARAM wParam, LPARA
 /// False and last error 1444 for a thread that does not exist.
 ZBPLATFORM_API BOOL PostThreadMessageW(DWORD thread, UINT message, WPARAM wParam, LPARAM lParam);
 ZBPLATFORM_API void PostQuitMessage(int exitCode);
+
+/// Tells the user something and waits for a button; the low 4 bits of the flags choose the buttons (MB_OK ...). Null
+/// texts are empty. Goes where the device's options say, since there are no dialogs yet. Any thread.
+ZBPLATFORM_API int MessageBoxW(HWND owner, const WCHAR *text, const WCHAR *caption, UINT flags);
 /// Dispatches what other threads sent, then takes a posted message, a quit, or a due timer, in that order. first and
 /// last bound the message numbers, both 0 means all; a window takes its own messages and its children's. A quit passes
 /// every bound. GetMessageW gives 0 for WM_QUIT, else 1; -1 for a window that is gone or another thread's.

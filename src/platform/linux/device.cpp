@@ -88,6 +88,7 @@ std::shared_ptr<DeviceState> stateFor(const DeviceOptions &options)
     state->locale = options.locale.empty() ? internal::hostLocale() : options.locale;
     state->timeZone = options.timeZone.empty() ? internal::hostZone() : options.timeZone;
     state->clock = options.clock ? options.clock : hostTicks;
+    state->messageBox = options.messageBox;
     if (!internal::isZoneName(state->timeZone))
     {
         throw DeviceError(DeviceFault::Other, "The time zone \"" + state->timeZone + "\" is not known.");

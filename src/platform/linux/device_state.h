@@ -19,6 +19,7 @@ struct DeviceState
     std::string locale;          ///< BCP 47
     std::string timeZone;        ///< tzdata name
     std::function<LONGLONG()> clock;
+    std::function<int(std::u16string_view, std::u16string_view, UINT)> messageBox; ///< empty: standard error
     std::shared_ptr<Store> store;
 };
 
