@@ -164,8 +164,8 @@ class ZBTOOLS_API CCalendarThread : public CeWorkerThread
     DWORD ThreadProc() override;
     void PostKill() override;
 
-    /// Names of the categories in a record's blob, joined by ", ", as malloc text; never null but without memory.
-    /// Present state: always an empty text, since nothing knows the categories' names yet.
+    /// Names of the categories in a record's blob, joined by ", ", as malloc text (see CategoryAssembler); never null
+    /// but without memory. Called once for each record that comes so far, on the thread of the run.
     virtual WCHAR *AssembleCategories(const CEBLOB &blob);
 
   private:

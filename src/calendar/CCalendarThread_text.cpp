@@ -4,6 +4,7 @@
 #include "core/bstrtools.h"
 #include "core/stringtools.h"
 #include "platform/text.h"
+#include "records/FullCategories.h"
 
 namespace
 {
@@ -69,9 +70,11 @@ void CCalendarThread::ReadCategories()
     }
 }
 
-WCHAR *CCalendarThread::AssembleCategories(const CEBLOB &)
+WCHAR *CCalendarThread::AssembleCategories(const CEBLOB &blob)
 {
-    return zb::copyCategories(nullptr);
+    CeList<unsigned int> ids;
+    BLOB2Categories(blob, ids);
+    return CategoryAssembler(ids);
 }
 
 /// Floating items carry a mark ("D" or "W", one more character, a number) in front of their subject, which is not

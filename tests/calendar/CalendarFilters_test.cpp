@@ -149,6 +149,15 @@ TEST_F(CalendarCategories, WithoutRestrictionAllPass)
     EXPECT_EQ(shown(), "none, work, both, empty");
 }
 
+TEST_F(CalendarCategories, RowsHaveTheirNames)
+{
+    load();
+    EXPECT_EQ(utf8(loader().row(0)->m_pszCategories), "");
+    EXPECT_EQ(utf8(loader().row(1)->m_pszCategories), "Work");
+    EXPECT_EQ(utf8(loader().row(2)->m_pszCategories), "Work, "); // nobody knows category 40
+    EXPECT_EQ(utf8(loader().row(3)->m_pszCategories), "");
+}
+
 TEST_F(CalendarCategories, ChosenOnesAreShown)
 {
     choose({40});

@@ -6,6 +6,7 @@
 #include "platform/kernel.h"
 #include "platform/pim.h"
 #include "platform/pim_recurrence.h"
+#include "support/CategoryRecords.h"
 
 #include <chrono>
 #include <cmath>
@@ -285,20 +286,6 @@ std::string TestLoader::subjects()
     return all;
 }
 
-WCHAR *TestLoader::AssembleCategories(const CEBLOB &blob)
-{
-    static constexpr const char16_t *names[] = {u"", u"Birthdays", u"Anniversaries", u"Holiday", u"Floats", u"Work"};
-    std::u16string text;
-    for (int bit = 1; bit <= workBit && blob.dwCount != 0; ++bit)
-    {
-        if ((blob.lpb[0] & (1U << bit)) != 0)
-        {
-            text += (text.empty() ? u"" : u", ") + std::u16string(names[bit]);
-        }
-    }
-    return copyCategories(text.c_str());
-}
-
 // --- Rows as text ------------------------------------------------------------------------------------------------
 
 int dayNumber(int year, int month, int day)
@@ -341,6 +328,13 @@ std::string describe(const DATACALENDAR &row)
 
 CalendarTest::CalendarTest() : device(utcOptions())
 {
+    BulkWrite bulk;
+    addCategoryRecord(u"Birthdays", birthdaysBit);
+    addCategoryRecord(u"Anniversaries", anniversariesBit);
+    addCategoryRecord(u"Holiday", holidayBit);
+    addCategoryRecord(u"Floats", floatsBit);
+    addCategoryRecord(u"Work", workBit);
+    bulk.commit();
 }
 
 TestLoader &CalendarTest::loader()

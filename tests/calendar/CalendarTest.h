@@ -1,5 +1,5 @@
-// What the calendar's tests share: records written as a device holds them, a loader whose categories have names, a host
-// window that keeps the messages, and rows as text.
+// What the calendar's tests share: records written as a device holds them, a device whose categories have names, a
+// loader, a host window that keeps the messages, and rows as text.
 #pragma once
 
 #include "calendar/CCalendarThread.h"
@@ -49,7 +49,7 @@ CEOID addRecord(const AppointmentRecord &record);
 /// A database with one long property in its records, one record for each value.
 void makeIdDatabase(const char16_t *name, CEPROPID property, const std::vector<LONG> &values);
 
-/// Category bits that the test loader has names for.
+/// Category bits that have names on the test's device.
 inline constexpr int birthdaysBit = 1;
 inline constexpr int anniversariesBit = 2;
 inline constexpr int holidayBit = 3;
@@ -98,7 +98,7 @@ class HostWindow
     std::vector<Message> m_messages;
 };
 
-/// A loader that knows the names of the categories above.
+/// A loader with a range and a load on the calling thread.
 class TestLoader : public CCalendarThread
 {
   public:
@@ -121,9 +121,6 @@ class TestLoader : public CCalendarThread
     const DATACALENDAR *row(int n);
     int rowCount();
     std::string subjects();
-
-  protected:
-    WCHAR *AssembleCategories(const CEBLOB &blob) override;
 };
 
 /// "2026-03-02 | 2026-03-02 10:00 - 2026-03-02 11:00 | Subject", or "2026-03-02 header".
