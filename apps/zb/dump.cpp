@@ -3,6 +3,7 @@
 #include "platform/text.h"
 #include "records/CeDb.h"
 #include "records/CeDbRecord.h"
+#include "zb/blob_words.h"
 #include "zb/commands.h"
 #include "zb/json.h"
 #include "zb/open_device.h"
@@ -44,6 +45,10 @@ void print(const CeDbRecord &record, const Terminal &terminal, Output &output)
         const std::string head =
             padded(typeName(TypeFromPropID(value.propid)), 9) + " " + padded(propertyName(value.propid), 14) + " ";
         output.line("  " + terminal.styled(propertyId(value.propid), Style::Dim) + " " + head + valueText(value));
+        for (const std::string &words : blobWords(value))
+        {
+            output.line(std::string(38, ' ') + terminal.styled(words, Style::Dim));
+        }
     }
 }
 
@@ -53,10 +58,15 @@ Json asJson(const CeDbRecord &record)
     for (WORD n = 0; n < record.GetCount(); ++n)
     {
         const CEPROPVAL &value = record.GetProps()[n];
-        properties.push_back({{"id", propertyId(value.propid)},
-                              {"type", typeName(TypeFromPropID(value.propid))},
-                              {"name", propertyName(value.propid)},
-                              {"value", valueJson(value)}});
+        Json property = {{"id", propertyId(value.propid)},
+                         {"type", typeName(TypeFromPropID(value.propid))},
+                         {"name", propertyName(value.propid)},
+                         {"value", valueJson(value)}};
+        if (const std::vector<std::string> words = blobWords(value); !words.empty())
+        {
+            property["words"] = words;
+        }
+        properties.push_back(std::move(property));
     }
     return {{"id", record.GetOid()}, {"properties", properties}};
 }
