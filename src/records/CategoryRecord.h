@@ -27,6 +27,11 @@ inline constexpr CEPROPID CATEGORY_REFS_B = MakePropId(0x4005, CEVT_I2);
 inline constexpr CEPROPID CATEGORY_REFS_CONTACTS = MakePropId(0x4004, CEVT_I2);
 inline constexpr CEPROPID CATEGORY_SHOWN = MakePropId(0x3004, CEVT_BOOL);
 
+/// What a record is read into; one that needs more is left out of every list.
+inline constexpr DWORD CATEGORY_READ_BYTES = 2048;
+/// Characters of the longest name that fits there behind the seven property values.
+inline constexpr std::size_t CATEGORY_NAME_LENGTH = (CATEGORY_READ_BYTES - 7 * sizeof(CEPROPVAL)) / sizeof(WCHAR) - 1;
+
 /// Affiliations, as a mask.
 inline constexpr ULONG CATEGORY_USED_A = 1;
 inline constexpr ULONG CATEGORY_USED_B = 2;

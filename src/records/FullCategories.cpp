@@ -22,8 +22,6 @@
 
 namespace
 {
-constexpr DWORD readBytes = 2048;
-
 enum CategoryProperty : int
 {
     NAME,
@@ -123,10 +121,10 @@ SnapshotPtr Snapshot::read()
     }
     CEOID oid = db.SeekFirst();
     CeDbRecord record; // owns the buffer from the first read on
-    BYTE *buffer = oid != 0 ? static_cast<BYTE *>(LocalAlloc(LMEM_FIXED, readBytes)) : nullptr;
+    BYTE *buffer = oid != 0 ? static_cast<BYTE *>(LocalAlloc(LMEM_FIXED, CATEGORY_READ_BYTES)) : nullptr;
     for (; oid != 0 && buffer != nullptr; oid = db.SeekNext())
     {
-        if (!db.ReadRec(record, buffer, readBytes, PROPERTY_COUNT, categoryProperties.data()))
+        if (!db.ReadRec(record, buffer, CATEGORY_READ_BYTES, PROPERTY_COUNT, categoryProperties.data()))
         {
             continue; // too long or unreadable, which is no reason to delete it
         }

@@ -206,6 +206,7 @@ TEST(CategoryFilter, OrWantsOneInCommon)
     EXPECT_FALSE(CategoryOrFilter(Blob{0x02, 0, 0, 0}.get(), filter.get()));
     EXPECT_FALSE(CategoryOrFilter(Blob{0x02, 0, 0, 0, 1, 0, 0, 0}.get(), filter.get()));
     EXPECT_TRUE(CategoryOrFilter(Blob{0, 0, 0, 0, 1, 0, 0, 0}.get(), Blob{1, 0, 0, 0, 1, 0, 0, 0}.get()));
+    EXPECT_TRUE(CategoryOrFilter(Blob{0x20, 0, 0, 0}.get(), Blob{0x21, 0, 0, 0, 1, 0, 0, 0}.get()));
     EXPECT_FALSE(CategoryOrFilter(Blob{}.get(), filter.get()));
     EXPECT_FALSE(CategoryOrFilter(Blob{0x21, 0, 0}.get(), filter.get()));
 }
