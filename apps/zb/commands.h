@@ -72,4 +72,26 @@ struct SettingsArguments
     bool json = false;
 };
 int runSettings(const SettingsArguments &arguments);
+
+enum class CategoriesAction
+{
+    List,
+    Add,
+    Rename,
+    Color,
+    Delete
+};
+
+struct CategoriesArguments
+{
+    std::filesystem::path device;
+    CategoriesAction action = CategoriesAction::List;
+    std::string name;
+    std::string newName;
+    std::string color;   ///< as written; empty when not given
+    bool retire = false; ///< a deleted category keeps its number
+    bool yes = false;    ///< delete it though items use it
+    bool json = false;
+};
+int runCategories(const CategoriesArguments &arguments);
 } // namespace zb::cli

@@ -32,6 +32,7 @@ class CommandLine
         addInfo();
         addDump();
         addSettings();
+        addCategories();
     }
 
     int run(int count, char **arguments)
@@ -170,6 +171,48 @@ class CommandLine
             });
     }
 
+    /// One of the words behind "categories" that take the name of a category.
+    CLI::App *addCategoriesWord(CLI::App *categories, const char *word, const char *help, CategoriesAction action)
+    {
+        CLI::App *const command = categories->add_subcommand(word, help);
+        command->add_option("name", m_categories.name, "Name of the category")->type_name("NAME")->required();
+        command->callback([this, action] { m_categories.action = action; });
+        return command;
+    }
+
+    void addCategories()
+    {
+        CLI::App *const command = m_app.add_subcommand("categories", "Show and change the categories of items");
+        command->require_subcommand(0, 1);
+        command->add_flag("--json", m_categories.json, "Print JSON");
+        command->add_subcommand("list", "All categories, their colours and how many items use them")
+            ->add_flag("--json", m_categories.json, "Print JSON");
+        addCategoriesWord(command, "add", "Make a category and print its number", CategoriesAction::Add)
+            ->add_option("--color", m_categories.color, "Its colour, #RRGGBB")
+            ->type_name("COLOR");
+        addCategoriesWord(command, "rename", "Give a category another name", CategoriesAction::Rename)
+            ->add_option("new-name", m_categories.newName, "The new name")
+            ->type_name("NEW")
+            ->required();
+        addCategoriesWord(command, "color", "Give a category a colour, or take it away", CategoriesAction::Color)
+            ->add_option("color", m_categories.color, "#RRGGBB, or none")
+            ->type_name("COLOR")
+            ->required();
+        CLI::App *const remove =
+            addCategoriesWord(command, "delete", "Delete a category that no item uses", CategoriesAction::Delete);
+        CLI::Option *const yes = remove->add_flag("--yes", m_categories.yes, "Also one that items use");
+        remove
+            ->add_flag("--retire", m_categories.retire,
+                       "Keep its number, so that its items never get another one's name")
+            ->excludes(yes);
+        command->callback(
+            [this]
+            {
+                m_categories.device = m_device;
+                m_run = [this] { return runCategories(m_categories); };
+            });
+    }
+
     CLI::App m_app;
     std::filesystem::path m_device;
     InitArguments m_init;
@@ -179,6 +222,7 @@ class CommandLine
     InfoArguments m_info;
     DumpArguments m_dump;
     SettingsArguments m_settings;
+    CategoriesArguments m_categories;
     std::function<int()> m_run;
 };
 } // namespace

@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <array>
+#include <string_view>
 
 namespace
 {
@@ -38,8 +39,13 @@ constexpr std::array<CEPROPID, PROPERTY_COUNT> rowProperties = {
 
 bool isGoodName(const WCHAR *name)
 {
-    return name != nullptr && *name != 0 && wcslen(name) <= CATEGORY_NAME_LENGTH &&
-           wcspbrk(name, separators) == nullptr;
+    if (name == nullptr || *name == 0 || wcspbrk(name, separators) != nullptr)
+    {
+        return false;
+    }
+    const std::u16string_view text(name);
+    return text.size() <= CATEGORY_NAME_LENGTH &&
+           std::none_of(text.begin(), text.end(), [](WCHAR ch) { return iswctype(ch, C1_CNTRL) != 0; });
 }
 
 bool isActive(const CeDbRecord &row)
@@ -243,7 +249,7 @@ CategoryChange renameCategory(const WCHAR *name, const WCHAR *newName)
     return change;
 }
 
-CategoryChange deleteCategory(const WCHAR *name, const std::function<UsedCategory()> &inUse)
+CategoryChange deleteCategory(const WCHAR *name, const std::function<UsedCategory()> &inUse, DWORD knownUses)
 {
     CeDb db;
     CeDbRecord row;
@@ -256,7 +262,7 @@ CategoryChange deleteCategory(const WCHAR *name, const std::function<UsedCategor
         return CategoryChange::NotFound;
     }
     // Asked before the store is kept from other writers, since the answer may take its time.
-    const UsedCategory answer = usesOf(row) > 0 ? inUse() : UsedCategory::Delete;
+    const UsedCategory answer = usesOf(row) > 0 || knownUses != 0 ? inUse() : UsedCategory::Delete;
     BulkWrite bulk;
     const CEOID oid = findRow(db, row, name);
     const CategoryChange change = committed(bulk, oid == 0 || removeRow(db, oid, row, answer));

@@ -20,7 +20,7 @@ namespace zb
 enum class CategoryChange
 {
     Done,
-    BadName,  ///< empty, too long to be read back, or with "," or ";", which stand between names
+    BadName,  ///< empty, too long to be read back, with "," or ";", which stand between names, or control characters
     Exists,   ///< another category has the name
     NotFound, ///< no category has it
     Full,     ///< all ids from 0 to 8191 are taken
@@ -40,11 +40,17 @@ enum class UsedCategory
 ZBTOOLS_API CategoryChange addCategory(const WCHAR *name, SHORT *id = nullptr);
 /// Takes the colour along, and a copy of the icon.
 ZBTOOLS_API CategoryChange renameCategory(const WCHAR *name, const WCHAR *newName);
-/// `inUse` is asked when the counters of use of its record come to more than 0; an unused category just goes. Its
-/// colour is removed in each of these cases (kept: also by the answer Keep).
-ZBTOOLS_API CategoryChange deleteCategory(const WCHAR *name, const std::function<UsedCategory()> &inUse);
+/// `inUse` is asked when the counters of use of its record come to more than 0, or the caller knows of uses; an unused
+/// category just goes. Its colour is removed in each of these cases (kept: also by the answer Keep).
+ZBTOOLS_API CategoryChange deleteCategory(const WCHAR *name, const std::function<UsedCategory()> &inUse,
+                                          DWORD knownUses = 0);
 
-/// 0 takes the colour away; low byte red. False when it could not be saved.
+/// Appointments, tasks and contacts of each category, by id from 0 to 8191. Counted by reading every item, because the
+/// counters in the records are the device's and need not be up to date. A database that does not open counts nothing.
+ZBTOOLS_API std::vector<DWORD> countCategoryUses();
+
+/// 0 takes the colour away; low byte red. False when it could not be saved, and for a name that the settings can't hold
+/// (one with "=" or a line end).
 ZBTOOLS_API bool setCategoryColor(const WCHAR *name, COLORREF color);
 /// 0 without one.
 ZBTOOLS_API COLORREF categoryColor(const WCHAR *name);

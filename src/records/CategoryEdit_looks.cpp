@@ -79,7 +79,8 @@ bool setCategoryIcon(const WCHAR *name, const WCHAR *file)
 bool setCategoryColor(const WCHAR *name, COLORREF color)
 {
     CRegistry settings;
-    if (name == nullptr || *name == 0 || settings.OpenKey(HKEY_CURRENT_USER, CATEGORY_COLORS_KEY) != 0)
+    if (name == nullptr || *name == 0 || wcspbrk(name, u"=\r\n") != nullptr ||
+        settings.OpenKey(HKEY_CURRENT_USER, CATEGORY_COLORS_KEY) != 0)
     {
         return false;
     }

@@ -137,7 +137,7 @@ TEST_F(CategoryEdit, IdsOfRetiredCategoriesStayTaken)
 
 TEST_F(CategoryEdit, NamesWithSeparatorsAreRefused)
 {
-    for (const WCHAR *name : {u"a,b", u"a;b", u",", u";", u""})
+    for (const WCHAR *name : {u"a,b", u"a;b", u",", u";", u"", u"a\nb", u"\t"})
     {
         EXPECT_EQ(addCategory(name), CategoryChange::BadName);
     }
@@ -314,6 +314,41 @@ TEST_F(CategoryEdit, TheCachesStayUntilTheyAreReset)
     EXPECT_EQ(GetFullCategoryInfo(list, false), 2);
 }
 
+TEST_F(CategoryEdit, UsesThatTheCallerKnowsOfCountToo)
+{
+    addCategoryRecord(u"Work", 1);
+    int asked = 0;
+    EXPECT_EQ(deleteCategory(
+                  u"Work", [&] { return ++asked, UsedCategory::Keep; }, 1),
+              CategoryChange::Done);
+    EXPECT_EQ(asked, 1);
+    EXPECT_EQ(allNames(), Names{"Work"});
+}
+
+TEST_F(CategoryEdit, UsesAreCountedInAllItems)
+{
+    const std::vector<std::pair<const WCHAR *, std::vector<BYTE>>> items = {
+        {appointmentsDatabase, {1, 0, 0, 0}},
+        {appointmentsDatabase, {3, 0, 0, 0, 2, 0, 0, 0}},
+        {tasksDatabase, {1, 0, 0, 0}},
+        {contactsDatabase, {1, 0, 0, 0, 0xFF}},
+        {contactsDatabase, {}},
+        {contactsDatabase, std::vector<BYTE>(2000, 0x80)}};
+    for (const auto &[name, bytes] : items)
+    {
+        CEOID oid = 0;
+        CloseHandle(CeOpenDatabase(&oid, name, 0, 0, nullptr));
+        OpenedDatabase(oid).add({blobValue(0x00160041, bytes)});
+    }
+    const std::vector<DWORD> uses = countCategoryUses();
+    ASSERT_EQ(uses.size(), 8192U);
+    EXPECT_EQ(uses[0], 4U);
+    EXPECT_EQ(uses[1], 1U);
+    EXPECT_EQ(uses[2], 0U);
+    EXPECT_EQ(uses[33], 1U);
+    EXPECT_EQ(uses[8191], 1U);
+}
+
 // --- Colours and icons -------------------------------------------------------------------------------------------
 
 TEST_F(CategoryEdit, AColourOfZeroTakesTheValueAway)
@@ -328,6 +363,7 @@ TEST_F(CategoryEdit, AColourOfZeroTakesTheValueAway)
     EXPECT_LT(settings.QueryValue(u"Work", &value), 0);
     EXPECT_TRUE(setCategoryColor(u"Work", 0));
     EXPECT_FALSE(setCategoryColor(u"", 5));
+    EXPECT_FALSE(setCategoryColor(u"a=b", 5));
     EXPECT_FALSE(setCategoryColor(nullptr, 5));
     EXPECT_EQ(categoryColor(nullptr), 0U);
 }
