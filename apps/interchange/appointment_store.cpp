@@ -1,5 +1,6 @@
 #include "interchange/appointment_store.h"
 
+#include "platform/clock.h"
 #include "platform/kernel.h"
 #include "platform/text.h"
 
@@ -95,6 +96,13 @@ bool sameValue(const CEPROPVAL &a, const CEPROPVAL &b)
         return false;
     }
 }
+
+const CEPROPVAL *valueOf(const CEPROPVAL *values, WORD count, CEPROPID id)
+{
+    const auto *const found =
+        std::find_if(values, values + count, [&](const CEPROPVAL &value) { return value.propid == id; });
+    return found == values + count ? nullptr : found;
+}
 } // namespace
 
 StoreError::StoreError(DWORD code) : std::runtime_error(wordsFor(code)), m_code(code)
@@ -106,7 +114,7 @@ std::vector<Shortening> shortenToRecord(AppointmentItem &item)
     constexpr std::size_t limit = largestReadableRecord - roomForChanges;
     std::vector<Shortening> done;
     const std::size_t written = item.notes.size() + item.location.size() + item.subject.size();
-    if (written < limit / 8)
+    if (written + item.recurrence.size() < limit / 8)
     {
         return done; // fits whatever the encoding
     }
@@ -148,6 +156,7 @@ AppointmentStore::Outcome AppointmentStore::store(const AppointmentItem &item)
 {
     const CEOID id = find(item.interchangeId);
     m_properties = encodeAppointment(item);
+    m_wasSeries = false;
     if (id != 0 && isSame(m_properties))
     {
         return Outcome::Unchanged;
@@ -168,15 +177,73 @@ CEOID AppointmentStore::find(const std::u16string &identity)
     return CeSeekDatabase(m_database, CEDB_SEEK_VALUEFIRSTEQUAL, reinterpret_cast<DWORD_PTR>(&key), nullptr);
 }
 
-/// Whether the record at the position says just what `properties` would write.
-bool AppointmentStore::isSame(const RecordProperties &properties)
+/// All properties of the record at the position.
+const CEPROPVAL *AppointmentStore::read(WORD &count)
 {
-    WORD count = 0;
     if (CeReadRecordProps(m_database, CEDB_ALLOWREALLOC, &count, nullptr, &m_buffer, &m_bufferSize) == 0)
     {
         throw StoreError(GetLastError());
     }
-    const auto *const stored = reinterpret_cast<const CEPROPVAL *>(m_buffer);
+    return reinterpret_cast<const CEPROPVAL *>(m_buffer);
+}
+
+bool AppointmentStore::isLeftover(const CEPROPVAL *values, WORD count, const Leftovers &leftovers) const
+{
+    const CEPROPVAL *const identity = valueOf(values, count, itemInterchangeId);
+    const CEPROPVAL *const flag = valueOf(values, count, appointmentRecurringFlag);
+    const CEPROPVAL *const start = valueOf(values, count, appointmentStart);
+    const std::u16string name = identity->val.lpwstr;
+    if (leftovers.kept.count(name) != 0)
+    {
+        return false;
+    }
+    const bool ours = flag != nullptr && flag->val.iVal != 0;
+    const bool past = start != nullptr && ticksOf(start->val.filetime) < leftovers.keepBefore;
+    return leftovers.covered.count(name) != 0 || (ours && !past);
+}
+
+std::size_t AppointmentStore::removeLeftovers(const Leftovers &leftovers)
+{
+    const std::u16string prefix = leftovers.series + u'\n';
+    std::vector<CEOID> gone;
+    std::u16string text = prefix;
+    CEPROPVAL key{};
+    key.propid = itemInterchangeId;
+    key.val.lpwstr = text.data();
+    // The days of a series lie together behind the series itself.
+    CEOID id = CeSeekDatabase(m_database, CEDB_SEEK_VALUEGREATER, reinterpret_cast<DWORD_PTR>(&key), nullptr);
+    while (id != 0)
+    {
+        WORD count = 0;
+        const CEPROPVAL *const values = read(count);
+        const CEPROPVAL *const identity = valueOf(values, count, itemInterchangeId);
+        if (identity == nullptr || std::u16string_view(identity->val.lpwstr).substr(0, prefix.size()) != prefix)
+        {
+            break;
+        }
+        if (isLeftover(values, count, leftovers))
+        {
+            gone.push_back(id);
+        }
+        id = CeSeekDatabase(m_database, CEDB_SEEK_CURRENT, 1, nullptr);
+    }
+    for (const CEOID each : gone)
+    {
+        if (CeDeleteRecord(m_database, each) == FALSE)
+        {
+            throw StoreError(GetLastError());
+        }
+    }
+    return gone.size();
+}
+
+/// Whether the record at the position says just what `properties` would write.
+bool AppointmentStore::isSame(const RecordProperties &properties)
+{
+    WORD count = 0;
+    const auto *const stored = read(count);
+    const auto *const flag = valueOf(stored, count, appointmentRecurringFlag);
+    m_wasSeries = flag != nullptr && flag->val.iVal != 0;
     const auto *const wanted = properties.values();
     return std::all_of(wanted, wanted + properties.count(),
                        [&](const CEPROPVAL &value)

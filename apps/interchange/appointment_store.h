@@ -5,6 +5,7 @@
 #include "platform/propdb.h"
 
 #include <cstddef>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -60,14 +61,34 @@ class AppointmentStore
     /// Writes the item under its interchangeId. Properties that an import does not know stay as they are. Throws
     /// StoreError.
     Outcome store(const AppointmentItem &item);
+    /// Whether the record that store() changed said before that it is part of a series, or one itself.
+    bool wasSeries() const
+    {
+        return m_wasSeries;
+    }
+
+    /// Which records of single days of a series are to go.
+    struct Leftovers
+    {
+        std::u16string series;             ///< identity of the series
+        std::set<std::u16string> kept;     ///< days that stay
+        std::set<std::u16string> covered;  ///< days that go whatever wrote them
+        LONGLONG keepBefore = 0;           ///< others that start before stay (UTC ticks)
+    };
+    /// Removes the records of single days that a series had at an earlier import and has no more, and returns how many.
+    /// Throws StoreError.
+    std::size_t removeLeftovers(const Leftovers &leftovers);
 
   private:
     CEOID find(const std::u16string &identity);
+    const CEPROPVAL *read(WORD &count);
+    bool isLeftover(const CEPROPVAL *values, WORD count, const Leftovers &leftovers) const;
     bool isSame(const RecordProperties &properties);
 
     HANDLE m_database;
     BYTE *m_buffer = nullptr;
     DWORD m_bufferSize = 0;
     RecordProperties m_properties;
+    bool m_wasSeries = false;
 };
 } // namespace zb::interchange

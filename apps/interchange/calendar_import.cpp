@@ -3,12 +3,18 @@
 #include "interchange/appointment_store.h"
 #include "interchange/calendar_survey.h"
 #include "interchange/event_item.h"
+#include "interchange/event_series.h"
 #include "interchange/zone_book.h"
+#include "platform/clock.h"
 #include "platform/kernel.h"
 #include "platform/locale.h"
 #include "platform/propdb.h"
 
+#include <algorithm>
+#include <optional>
 #include <set>
+#include <unordered_map>
+#include <vector>
 
 namespace zb::interchange
 {
@@ -38,8 +44,11 @@ class CalendarImport
                 m_options.progress(static_cast<double>(m_reader.position()) / static_cast<double>(m_reader.size()));
             }
         }
+        takeStraySeries();
         addNotes();
-        const bool changed = m_report.added != 0 || m_report.updated != 0;
+        std::stable_sort(m_report.findings.begin(), m_report.findings.end(),
+                         [](const Finding &a, const Finding &b) { return a.line < b.line; });
+        const bool changed = m_report.added != 0 || m_report.updated != 0 || m_report.removed != 0;
         if (changed && !m_options.dryRun && !writing.commit())
         {
             throw StoreError(GetLastError());
@@ -72,33 +81,165 @@ class CalendarImport
             refuse(event.line, "it has no end (END:VEVENT)");
             return;
         }
+        const bool older = m_survey.lineThatCounts(event) != event.line;
+        m_report.superseded += older ? 1 : 0;
+        const bool change = event.has(EventField::RecurrenceId);
+        const auto changes =
+            change || event.repeats() ? m_survey.changesOfSeries(event) : std::optional<std::size_t>();
+        if (changes && *changes != 0)
+        {
+            collect(event, change, *changes, older);
+        }
+        else if (older)
+        {
+            return;
+        }
+        else if (changes && event.repeats() && !change)
+        {
+            takeSeries(event, {});
+        }
+        else
+        {
+            takeSingle(event);
+        }
+    }
+
+    void takeSingle(const CalendarComponent &event)
+    {
         if (isLeftOutOnPurpose(event))
         {
             return;
         }
         EventReading reading = readEvent(event, m_zones);
-        tellUnknownZone(reading);
+        if (!reading.unknownZone.empty())
+        {
+            tellUnknownZone(reading.unknownZone, reading.unknownZoneLine);
+        }
         if (!reading.item)
         {
             refuse(reading.line, reading.reason);
             return;
         }
         shorten(event, *reading.item);
-        count(m_store.store(*reading.item));
-        if (event.has(EventField::Rule) || event.has(EventField::RepeatDates))
+        const auto outcome = m_store.store(*reading.item);
+        count(outcome);
+        if (outcome == AppointmentStore::Outcome::Updated && m_store.wasSeries() && !event.has(EventField::RecurrenceId))
         {
+            m_report.removed += m_store.removeLeftovers({reading.item->interchangeId, {}, {}, 0});
+        }
+    }
+
+    /// A repeating event waits for the changed days that the file tells of it, and they for it.
+    struct WaitingSeries
+    {
+        std::optional<CalendarComponent> series;
+        std::vector<CalendarComponent> changes;
+        std::size_t seen = 0; ///< changes, older versions included
+    };
+
+    void collect(const CalendarComponent &event, bool change, std::size_t changes, bool older)
+    {
+        const Fingerprint key = seriesKey(event);
+        WaitingSeries &waiting = m_waiting[key];
+        waiting.seen += change ? 1 : 0;
+        if (change && !older)
+        {
+            waiting.changes.push_back(event);
+        }
+        else if (!older)
+        {
+            waiting.series = event;
+        }
+        if (waiting.series && waiting.seen == changes)
+        {
+            const WaitingSeries whole = std::move(waiting);
+            m_waiting.erase(key);
+            takeSeries(*whole.series, whole.changes);
+        }
+    }
+
+    /// Changed days whose series did not come in the version that counts: each by itself.
+    void takeStraySeries()
+    {
+        for (const auto &[key, waiting] : m_waiting)
+        {
+            if (waiting.series)
+            {
+                takeSeries(*waiting.series, waiting.changes);
+                continue;
+            }
+            for (const CalendarComponent &change : waiting.changes)
+            {
+                takeSingle(change);
+            }
+        }
+        m_waiting.clear();
+    }
+
+    void takeSeries(const CalendarComponent &series, const std::vector<CalendarComponent> &changes)
+    {
+        if (series.says(EventField::Status, "CANCELLED"))
+        {
+            m_report.cancelled += 1 + changes.size();
+            return;
+        }
+        FILETIME now{};
+        GetSystemTimeAsFileTime(&now);
+        const auto take = [this](AppointmentItem &item, const CalendarComponent &event)
+        {
+            shorten(event, item);
+            count(m_store.store(item));
+        };
+        SeriesReading reading = readSeries(series, changes, m_zones, ticksOf(now), take);
+        for (const UnknownZone &zone : reading.unknownZones)
+        {
+            tellUnknownZone(zone.name, zone.line);
+        }
+        for (Finding &finding : reading.findings)
+        {
+            m_report.find(finding.line, std::move(finding.text));
+        }
+        m_report.refused += reading.refusedDays;
+        m_report.cancelledDays += reading.cancelledDays;
+        m_report.changedDays += reading.changedDays;
+        countForm(reading);
+        if (reading.form != SeriesForm::Refused)
+        {
+            m_report.removed += m_store.removeLeftovers({reading.identity, std::move(reading.kept),
+                                                         std::move(reading.covered), reading.windowStart});
+            return;
+        }
+        // Without their series the changed days stand by themselves.
+        for (const CalendarComponent &change : changes)
+        {
+            takeSingle(change);
+        }
+    }
+
+    void countForm(const SeriesReading &reading)
+    {
+        switch (reading.form)
+        {
+        case SeriesForm::Refused:
+            refuse(reading.line, reading.reason);
+            break;
+        case SeriesForm::Pattern:
+            ++m_report.series;
+            break;
+        case SeriesForm::Unrolled:
+            ++m_report.unrolled;
+            m_report.unrolledAppointments += reading.singles;
+            break;
+        case SeriesForm::FirstDay:
             ++m_report.repeating;
+            break;
         }
     }
 
     bool isLeftOutOnPurpose(const CalendarComponent &event)
     {
         std::size_t *kind = nullptr;
-        if (m_survey.lineThatCounts(event) != event.line)
-        {
-            kind = &m_report.superseded;
-        }
-        else if (event.says(EventField::Status, "CANCELLED"))
+        if (event.says(EventField::Status, "CANCELLED"))
         {
             kind = &m_report.cancelled;
         }
@@ -119,13 +260,12 @@ class CalendarImport
         m_report.find(line, "an event was left out: " + reason);
     }
 
-    void tellUnknownZone(const EventReading &reading)
+    void tellUnknownZone(const std::string &name, std::size_t line)
     {
-        if (!reading.unknownZone.empty() && m_unknownZones.size() < mostComponentNames &&
-            m_unknownZones.insert(reading.unknownZone).second)
+        if (m_unknownZones.size() < mostComponentNames && m_unknownZones.insert(name).second)
         {
-            m_report.find(reading.unknownZoneLine, "the time zone \"" + reading.unknownZone +
-                                                       "\" is unknown; its times were taken as the device's own");
+            m_report.find(line,
+                          "the time zone \"" + name + "\" is unknown; its times were taken as the device's own");
         }
     }
 
@@ -186,6 +326,7 @@ class CalendarImport
     const ImportOptions &m_options;
     ImportReport &m_report;
     std::set<std::string> m_unknownZones;
+    std::unordered_map<Fingerprint, WaitingSeries> m_waiting;
     std::size_t m_seen = 0;
 };
 } // namespace

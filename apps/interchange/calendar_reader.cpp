@@ -11,6 +11,8 @@ constexpr std::size_t deepestNesting = 16;
 constexpr std::size_t longestName = 64;
 // The longest definitions in use list some hundred changes.
 constexpr std::size_t mostZoneLines = 10'000;
+// Some ten thousand days that are taken out of a series or added to it.
+constexpr std::size_t mostRepetitionBytes = 1024 * 1024;
 
 struct FieldName
 {
@@ -37,6 +39,8 @@ constexpr std::array<FieldName, static_cast<std::size_t>(EventField::Count)> fie
     {"LAST-MODIFIED", EventField::LastModified},
     {"RRULE", EventField::Rule},
     {"RDATE", EventField::RepeatDates},
+    {"EXDATE", EventField::ExceptionDates},
+    {"EXRULE", EventField::ExceptionRule},
 }};
 
 // None of these ever stands inside another of them.
@@ -136,7 +140,11 @@ std::string_view CalendarComponent::parameter(EventField field, std::string_view
     {
         return {};
     }
-    std::string_view rest = std::string_view(text).substr(found.offset - 1 - found.parameters, found.parameters);
+    return parameterOf(std::string_view(text).substr(found.offset - 1 - found.parameters, found.parameters), name);
+}
+
+std::string_view parameterOf(std::string_view rest, std::string_view name)
+{
     while (!rest.empty())
     {
         rest.remove_prefix(1); // the semicolon
@@ -169,6 +177,7 @@ void CalendarComponent::clear()
     hasAlarm = false;
     oversized = false;
     zoneId.clear();
+    repetition.clear();
     m_places.fill({});
     m_aside.clear();
 }
@@ -346,6 +355,7 @@ void CalendarReader::begin(CalendarComponent &component)
     m_inner.clear();
     m_deeper = 0;
     m_zoneLines = 0;
+    m_repetitionBytes = 0;
 }
 
 void CalendarReader::readComponent(CalendarComponent &component)
@@ -445,11 +455,31 @@ bool CalendarReader::closes(CalendarComponent &component)
     return own;
 }
 
-void CalendarReader::takeEventLine(CalendarComponent &component) const
+void CalendarReader::takeRepetitionLine(CalendarComponent &component, EventField kind)
+{
+    m_repetitionBytes += m_parts.whole.size() + sizeof(RepetitionLine);
+    if (m_repetitionBytes > mostRepetitionBytes)
+    {
+        component.oversized = true;
+        return;
+    }
+    component.repetition.push_back(
+        {kind, std::string(m_parts.parameters), std::string(m_parts.value), m_line.line, m_line.cut});
+}
+
+void CalendarReader::takeEventLine(CalendarComponent &component)
 {
     const auto *const found = std::find_if(fieldNames.begin(), fieldNames.end(),
                                            [this](const FieldName &entry) { return entry.name == m_parts.name; });
-    if (found == fieldNames.end() || component.has(found->field))
+    if (found == fieldNames.end())
+    {
+        return;
+    }
+    if (found->field >= EventField::Rule)
+    {
+        takeRepetitionLine(component, found->field);
+    }
+    if (component.has(found->field))
     {
         return;
     }

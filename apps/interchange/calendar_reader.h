@@ -42,7 +42,19 @@ enum class EventField : std::size_t
     LastModified,
     Rule,
     RepeatDates,
+    ExceptionDates,
+    ExceptionRule,
     Count
+};
+
+/// One line that tells on which days an event repeats.
+struct RepetitionLine
+{
+    EventField kind;        ///< Rule, RepeatDates, ExceptionDates, ExceptionRule
+    std::string parameters; ///< with their semicolons
+    std::string value;
+    std::size_t line = 0;
+    bool cut = false; ///< longer than the limit of lines
 };
 
 enum class ComponentKind
@@ -63,7 +75,9 @@ class CalendarComponent
     bool unended = false; ///< its END is missing
     bool hasAlarm = false;
     std::string zoneId;     ///< TZID of a zone definition
-    bool oversized = false; ///< a zone definition with more rules than any real one
+    bool oversized = false; ///< a zone definition with more rules than any real one, an event with more repetition
+    /// All lines of an event that tell its repetition.
+    std::vector<RepetitionLine> repetition;
 
     bool has(EventField field) const
     {
@@ -84,6 +98,12 @@ class CalendarComponent
     /// Value of a parameter (its name in upper case) without quotes; empty when missing. The fields from Sequence on
     /// have none.
     std::string_view parameter(EventField field, std::string_view name) const;
+
+    /// Whether the event has days of its own beside the first.
+    bool repeats() const
+    {
+        return has(EventField::Rule) || has(EventField::RepeatDates);
+    }
 
     /// Whether the value is this word, which is in upper case, in any case and with blanks around it.
     bool says(EventField field, std::string_view word) const;
@@ -119,6 +139,9 @@ struct ReaderNotes
     std::size_t unendedCalendarFirst = 0;
     EncodingNotes encoding;
 };
+
+/// Value of a parameter in a line's parameters, as CalendarComponent::parameter gives it.
+std::string_view parameterOf(std::string_view parameters, std::string_view name);
 
 class CalendarReader
 {
@@ -161,7 +184,8 @@ class CalendarReader
     void begin(CalendarComponent &component);
     void openInner(CalendarComponent &component);
     bool closes(CalendarComponent &component);
-    void takeEventLine(CalendarComponent &component) const;
+    void takeEventLine(CalendarComponent &component);
+    void takeRepetitionLine(CalendarComponent &component, EventField kind);
     void takeZoneLine(CalendarComponent &component);
     void stray();
     [[noreturn]] void torn(const CalendarComponent *component) const;
@@ -176,6 +200,7 @@ class CalendarReader
     std::vector<std::string> m_inner; ///< open components inside the current one
     std::size_t m_deeper = 0;         ///< levels open below the deepest that is remembered
     std::size_t m_zoneLines = 0;
+    std::size_t m_repetitionBytes = 0;
     ReaderNotes m_notes;
 };
 } // namespace zb::interchange

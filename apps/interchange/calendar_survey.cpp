@@ -46,6 +46,14 @@ CalendarSurvey::CalendarSurvey(CalendarReader &reader, ZoneBook &zones)
         {
             continue;
         }
+        if (component.has(EventField::RecurrenceId))
+        {
+            ++m_series[seriesKey(component)].changes;
+        }
+        else if (component.repeats())
+        {
+            m_series[seriesKey(component)].repeats = true;
+        }
         const Version version = versionOf(component);
         const auto [found, added] = m_versions.emplace(eventKey(component), version);
         Version &best = found->second;
@@ -62,6 +70,16 @@ std::size_t CalendarSurvey::lineThatCounts(const CalendarComponent &event) const
 {
     const auto found = m_versions.find(eventKey(event));
     return found == m_versions.end() ? event.line : found->second.line;
+}
+
+std::optional<std::size_t> CalendarSurvey::changesOfSeries(const CalendarComponent &event) const
+{
+    if (!event.has(EventField::Uid))
+    {
+        return event.repeats() ? std::optional<std::size_t>(0) : std::nullopt;
+    }
+    const auto found = m_series.find(seriesKey(event));
+    return found != m_series.end() && found->second.repeats ? std::optional(found->second.changes) : std::nullopt;
 }
 
 bool CalendarSurvey::hasChangedFirstDay(const CalendarComponent &series) const

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <unordered_map>
 
 namespace zb::interchange
@@ -21,6 +22,9 @@ class CalendarSurvey
     /// Line of the version that counts among all with the key of this event: the highest SEQUENCE, then the latest
     /// LAST-MODIFIED or else DTSTAMP, then the one furthest down.
     std::size_t lineThatCounts(const CalendarComponent &event) const;
+    /// How many events of the file change a day of the repeating event that this one belongs to; nothing when the file
+    /// holds no such repeating event.
+    std::optional<std::size_t> changesOfSeries(const CalendarComponent &event) const;
     /// True when the file holds the first day of this series as a changed day of its own.
     bool hasChangedFirstDay(const CalendarComponent &series) const;
 
@@ -34,6 +38,13 @@ class CalendarSurvey
 
     static Version versionOf(const CalendarComponent &event);
 
+    struct Series
+    {
+        std::size_t changes = 0; ///< older versions of them included
+        bool repeats = false;
+    };
+
     std::unordered_map<Fingerprint, Version> m_versions;
+    std::unordered_map<Fingerprint, Series> m_series;
 };
 } // namespace zb::interchange

@@ -11,6 +11,7 @@ namespace zb::interchange
 namespace
 {
 constexpr std::size_t longestIdentity = 255;
+constexpr std::size_t longestDay = 64;
 
 /// A TEXT value without its escapes. A backslash in front of anything else stands for itself, as careless writers of
 /// paths mean it.
@@ -89,6 +90,21 @@ std::u16string manyLines(const std::u16string &text)
     return trimmed(std::move(lines));
 }
 
+/// All that an event says, for one without UID.
+Fingerprint contentOf(const CalendarComponent &event)
+{
+    if (event.repetition.empty())
+    {
+        return fingerprint(event.text);
+    }
+    std::string text = event.text;
+    for (const RepetitionLine &line : event.repetition)
+    {
+        text.append(line.parameters).append(1, ':').append(line.value).append(1, '\n');
+    }
+    return fingerprint(text);
+}
+
 class EventBuilder
 {
   public:
@@ -142,17 +158,13 @@ class EventBuilder
         std::u16string id = trimmed(unescaped(m_event.rawValue(EventField::Uid)));
         if (id.empty())
         {
-            return toUtf16("content-" + fingerprint(m_event.text).hex());
-        }
-        if (!m_times.changedDay.empty())
-        {
-            id.append(1, u'\n').append(toUtf16(m_times.changedDay));
+            return toUtf16("content-" + contentOf(m_event).hex());
         }
         if (id.size() > longestIdentity)
         {
             id = toUtf16("long-" + fingerprint(toUtf8(std::u16string_view(id))).hex());
         }
-        return id;
+        return m_times.changedDay.empty() ? id : dayIdentity(id, m_times.changedDay);
     }
 
     const CalendarComponent &m_event;
@@ -168,12 +180,23 @@ std::string keyOf(const CalendarComponent &event, std::string_view day)
 }
 } // namespace
 
+std::u16string dayIdentity(const std::u16string &series, std::string_view day)
+{
+    std::u16string text = toUtf16(day);
+    if (text.size() > longestDay)
+    {
+        text = toUtf16("long-" + fingerprint(day).hex());
+    }
+    return series + u'\n' + text;
+}
+
 EventReading readEvent(const CalendarComponent &event, ZoneBook &zones)
 {
     EventReading reading;
     try
     {
-        const EventTimes times = readEventTimes(event, zones);
+        reading.times = readEventTimes(event, zones);
+        const EventTimes &times = reading.times;
         reading.unknownZone = times.unknownZone;
         reading.unknownZoneLine = times.unknownZoneLine;
         reading.item = EventBuilder(event, times).build();
@@ -189,8 +212,13 @@ EventReading readEvent(const CalendarComponent &event, ZoneBook &zones)
 Fingerprint eventKey(const CalendarComponent &event)
 {
     return event.rawValue(EventField::Uid).empty()
-               ? fingerprint(event.text)
+               ? contentOf(event)
                : fingerprint(keyOf(event, event.rawValue(EventField::RecurrenceId)));
+}
+
+Fingerprint seriesKey(const CalendarComponent &event)
+{
+    return fingerprint(event.rawValue(EventField::Uid));
 }
 
 Fingerprint changedDayKey(const CalendarComponent &series)

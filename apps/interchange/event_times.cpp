@@ -36,16 +36,6 @@ SYSTEMTIME fieldsOf(LONGLONG ticks)
     return fields;
 }
 
-/// "20261121T093000Z"
-std::string utcText(LONGLONG ticks)
-{
-    const SYSTEMTIME at = fieldsOf(ticks);
-    char text[64];
-    std::snprintf(text, sizeof text, "%04u%02u%02uT%02u%02u%02uZ", unsigned{at.wYear}, unsigned{at.wMonth},
-                  unsigned{at.wDay}, unsigned{at.wHour}, unsigned{at.wMinute}, unsigned{at.wSecond});
-    return text;
-}
-
 std::string_view trimmed(std::string_view text)
 {
     const std::size_t from = text.find_first_not_of(" \t");
@@ -133,6 +123,10 @@ class TimeReader
         m_start = moment(EventField::Start, "start");
         m_times.allDay = m_start.isDate;
         m_times.start = fileTimeOf(m_start.ticks);
+        m_times.zone = m_start.zone;
+        FILETIME wall{};
+        SystemTimeToFileTime(&m_start.fields, &wall);
+        m_times.wallStart = ticksOf(wall);
         if (m_start.isDate)
         {
             readDays();
@@ -372,6 +366,34 @@ class TimeReader
     Moment m_start;
 };
 } // namespace
+
+std::string utcText(LONGLONG ticks)
+{
+    const SYSTEMTIME at = fieldsOf(ticks);
+    char text[64];
+    std::snprintf(text, sizeof text, "%04u%02u%02uT%02u%02u%02uZ", unsigned{at.wYear}, unsigned{at.wMonth},
+                  unsigned{at.wDay}, unsigned{at.wHour}, unsigned{at.wMinute}, unsigned{at.wSecond});
+    return text;
+}
+
+std::optional<ListedMoment> readMoment(std::string_view value, std::string_view zone, ZoneBook &zones)
+{
+    const std::optional<WrittenTime> time = readTime(trimmed(value));
+    FILETIME local{};
+    if (!time || time->fields.wYear < firstYear || SystemTimeToFileTime(&time->fields, &local) == FALSE)
+    {
+        return std::nullopt;
+    }
+    const LONGLONG ticks = ticksOf(local) + (time->endsDay ? ticksPerDay : 0);
+    if (time->isDate)
+    {
+        return ListedMoment{true, ticks};
+    }
+    CalendarZone &of = time->isUtc ? zones.utc() : zone.empty() ? zones.device() : zones.find(zone);
+    const std::optional<FILETIME> utc = of.toUtc(fieldsOf(ticks));
+    return utc && ticksOf(*utc) >= 0 && ticksOf(*utc) < endOfYears ? std::optional(ListedMoment{false, ticksOf(*utc)})
+                                                                  : std::nullopt;
+}
 
 EventTimes readEventTimes(const CalendarComponent &event, ZoneBook &zones)
 {

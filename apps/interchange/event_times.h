@@ -6,6 +6,7 @@
 #include "platform/types.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 
 namespace zb::interchange
@@ -24,11 +25,28 @@ struct EventTimes
     LONG minutes = 0; ///< of a timed event
     bool allDay = false;
     LONG days = 1; ///< of an all-day event
+    /// Timed: the zone of its start, in the book, and the start by its wall clock, in ticks.
+    CalendarZone *zone = nullptr;
+    LONGLONG wallStart = 0;
     /// The day of its series that the event changes, the same however its writer spells it; empty for none.
     std::string changedDay;
     std::string unknownZone; ///< the first zone that nobody knows
     std::size_t unknownZoneLine = 0;
 };
+
+/// A moment in a list of days.
+struct ListedMoment
+{
+    bool isDate = false;
+    LONGLONG ticks = 0; ///< UTC; of a date its midnight, in no zone
+};
+
+/// One value of a list, or the day that an event changes; `zone` is its TZID, empty for none. Nothing for a text that
+/// is no date or lies outside the years of records.
+std::optional<ListedMoment> readMoment(std::string_view value, std::string_view zone, ZoneBook &zones);
+
+/// The UTC form of a moment: "20261121T093000Z".
+std::string utcText(LONGLONG ticks);
 
 /// Throws EventLeftOut.
 EventTimes readEventTimes(const CalendarComponent &event, ZoneBook &zones);

@@ -56,8 +56,10 @@ std::string summary(const ImportReport &report)
     {
         return place(report, 0) + "nothing taken";
     }
-    return place(report, 0) + std::to_string(report.added) + " new, " + std::to_string(report.updated) + " changed, " +
-           std::to_string(report.unchanged) + " unchanged, " + std::to_string(report.leftOut()) + " left out";
+    std::string text = place(report, 0) + std::to_string(report.added) + " new, " + std::to_string(report.updated) +
+                       " changed, " + std::to_string(report.unchanged) + " unchanged, " +
+                       std::to_string(report.leftOut()) + " left out";
+    return report.removed == 0 ? text : text + ", " + std::to_string(report.removed) + " removed";
 }
 
 std::vector<std::string> remarks(const ImportReport &report)
@@ -80,11 +82,11 @@ std::vector<std::string> remarks(const ImportReport &report)
         }
     };
     add(report.moreFindings, counted(report.moreFindings, "more remark", "more remarks") + " of this kind");
-    add(report.repeating, counted(report.repeating, "repeating event came in as its first day only",
-                                  "repeating events came in as their first day only"));
-    add(report.changedFirstDays,
-        counted(report.changedFirstDays, "repeating event came in as its changed first day only",
-                "repeating events came in as their changed first days only"));
+    add(report.unrolled,
+        counted(report.unrolled, "repeating event", "repeating events") + " came in as " +
+            counted(report.unrolledAppointments, "single appointment", "single appointments"));
+    add(report.changedFirstDays, counted(report.changedFirstDays, "event came in as it was changed later",
+                                         "events came in as they were changed later"));
     add(report.cancelled, counted(report.cancelled, "cancelled event was left out", "cancelled events were left out"));
     add(report.superseded,
         counted(report.superseded, "older version of an event was left out", "older versions of events were left out"));

@@ -1,11 +1,11 @@
 #include "interchange/zone_book.h"
 
+#include "interchange/foreign_zone_names.h"
+#include "interchange/zone_definition.h"
 #include "platform/clock.h"
 #include "platform/locale.h"
 
 #include <algorithm>
-
-#include <libical/ical.h>
 
 namespace zb::interchange
 {
@@ -13,9 +13,6 @@ namespace
 {
 // A file may define as many zones as it likes; more than the world has are not remembered.
 constexpr std::size_t mostDefinitions = 1000;
-// Where tzdata and the expansion of definitions both are sure of their rules; later years repeat these.
-constexpr int lastExpandedYear = 2034;
-constexpr int weekdayCycle = 28;
 
 class UtcZone : public CalendarZone
 {
@@ -24,6 +21,18 @@ class UtcZone : public CalendarZone
     {
         FILETIME time{};
         return SystemTimeToFileTime(&local, &time) != FALSE ? std::optional(time) : std::nullopt;
+    }
+    int offsetMinutes(const FILETIME &) override
+    {
+        return 0;
+    }
+    TIME_ZONE_INFORMATION record(int) override
+    {
+        return {};
+    }
+    std::string_view name() const override
+    {
+        return "UTC";
     }
 };
 
@@ -38,6 +47,18 @@ class NamedZone : public CalendarZone
     {
         return zoneLocalToUtc(m_name, local);
     }
+    int offsetMinutes(const FILETIME &utc) override
+    {
+        return zoneOffsetMinutes(m_name, utc).value_or(0);
+    }
+    TIME_ZONE_INFORMATION record(int year) override
+    {
+        return zoneRecord(m_name, year).value_or(TIME_ZONE_INFORMATION{});
+    }
+    std::string_view name() const override
+    {
+        return m_name;
+    }
     bool isKnown() const override
     {
         return m_known;
@@ -47,91 +68,6 @@ class NamedZone : public CalendarZone
     std::string m_name;
     bool m_known;
 };
-
-struct ZoneRelease
-{
-    void operator()(icaltimezone *zone) const
-    {
-        icaltimezone_free(zone, 1);
-    }
-};
-
-int daysInFebruary(int year)
-{
-    return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0) ? 29 : 28;
-}
-
-int weekdayOfNewYear(int year)
-{
-    const int past = year - 1;
-    return (1 + past + past / 4 - past / 100 + past / 400) % 7;
-}
-
-/// A year that definitions are expanded for, with the same calendar as the one given.
-int likeYear(int year)
-{
-    if (year <= lastExpandedYear)
-    {
-        return year;
-    }
-    int like = lastExpandedYear - weekdayCycle + 1;
-    while (weekdayOfNewYear(like) != weekdayOfNewYear(year) || daysInFebruary(like) != daysInFebruary(year))
-    {
-        ++like;
-    }
-    return like;
-}
-
-/// A zone by the rules in the file.
-class DefinedZone : public CalendarZone
-{
-  public:
-    explicit DefinedZone(icaltimezone *zone) : m_zone(zone)
-    {
-    }
-
-    std::optional<FILETIME> toUtc(const SYSTEMTIME &local) override
-    {
-        FILETIME time{};
-        if (SystemTimeToFileTime(&local, &time) == FALSE)
-        {
-            return std::nullopt;
-        }
-        icaltimetype fields = icaltime_null_time();
-        fields.year = likeYear(local.wYear);
-        fields.month = local.wMonth;
-        fields.day = local.wDay;
-        fields.hour = local.wHour;
-        fields.minute = local.wMinute;
-        fields.second = local.wSecond;
-        const LONGLONG offset = icaltimezone_get_utc_offset(m_zone.get(), &fields, nullptr);
-        return fileTimeOf(ticksOf(time) - offset * ticksPerSecond);
-    }
-
-  private:
-    std::unique_ptr<icaltimezone, ZoneRelease> m_zone;
-};
-
-std::unique_ptr<CalendarZone> zoneFromDefinition(const std::string &text)
-{
-    if (text.find("TZOFFSETTO") == std::string::npos)
-    {
-        return nullptr;
-    }
-    icalcomponent *component = icalparser_parse_string(text.c_str());
-    if (component == nullptr)
-    {
-        return nullptr;
-    }
-    icaltimezone *zone = icaltimezone_new();
-    if (icalcomponent_isa(component) != ICAL_VTIMEZONE_COMPONENT || icaltimezone_set_component(zone, component) == 0)
-    {
-        icalcomponent_free(component);
-        icaltimezone_free(zone, 1);
-        return nullptr;
-    }
-    return std::make_unique<DefinedZone>(zone);
-}
 
 bool isZoneName(std::string_view name)
 {
@@ -165,8 +101,8 @@ std::string_view tzdataName(std::string_view id)
 } // namespace
 
 ZoneBook::ZoneBook(std::string deviceZone)
-    : m_utc(std::make_unique<UtcZone>()), m_deviceName(std::move(deviceZone)),
-      m_device(std::make_unique<NamedZone>(m_deviceName, true))
+    : m_utc(std::make_shared<UtcZone>()), m_deviceName(std::move(deviceZone)),
+      m_device(std::make_shared<NamedZone>(m_deviceName, true))
 {
 }
 
@@ -194,15 +130,26 @@ CalendarZone &ZoneBook::find(std::string_view id)
     return *found->second;
 }
 
-std::unique_ptr<CalendarZone> ZoneBook::look(std::string_view id) const
+std::shared_ptr<CalendarZone> ZoneBook::look(std::string_view id) const
 {
-    const std::string_view name = tzdataName(id);
-    if (!name.empty())
+    std::string name(tzdataName(id));
+    if (name.empty())
     {
-        return std::make_unique<NamedZone>(std::string(name), true);
+        name = zoneNameOf(id);
     }
-    const auto defined = m_definitions.find(id);
-    auto zone = defined == m_definitions.end() ? nullptr : zoneFromDefinition(defined->second);
-    return zone != nullptr ? std::move(zone) : std::make_unique<NamedZone>(m_deviceName, false);
+    if (name.empty())
+    {
+        const auto defined = m_definitions.find(id);
+        if (auto zone = defined == m_definitions.end() ? nullptr : zoneFromDefinition(defined->second))
+        {
+            return zone;
+        }
+        name = zoneOfShownName(id);
+    }
+    if (name.empty() || !isInTzdata(name))
+    {
+        return std::make_shared<NamedZone>(m_deviceName, false);
+    }
+    return std::make_shared<NamedZone>(std::move(name), true);
 }
 } // namespace zb::interchange

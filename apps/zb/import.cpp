@@ -44,6 +44,12 @@ Json asJson(const ImportReport &report)
                        {"olderVersions", report.superseded},
                        {"changedFirstDays", report.changedFirstDays},
                        {"refused", report.refused}};
+    file["removed"] = report.removed;
+    file["series"] = {{"records", report.series},
+                      {"changedDays", report.changedDays},
+                      {"cancelledDays", report.cancelledDays},
+                      {"unrolled", report.unrolled},
+                      {"unrolledAppointments", report.unrolledAppointments}};
     file["repeatingAsFirstDay"] = report.repeating;
     file["shortenedTexts"] = report.shortened;
     file["otherComponents"] = Json::object();

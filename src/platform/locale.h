@@ -75,6 +75,9 @@ ZBPLATFORM_API std::optional<int> zoneOffsetMinutes(std::string_view name, const
 /// offset before the change; one that stands twice in autumn is the first of the two. Nothing for an unknown zone or
 /// a time that is no date.
 ZBPLATFORM_API std::optional<FILETIME> zoneLocalToUtc(std::string_view name, const SYSTEMTIME &local);
+/// The tzdata name of a zone that other systems call by names of their own ("W. Europe Standard Time" is
+/// "Europe/Berlin"); empty for a name that is none of those.
+ZBPLATFORM_API std::string zoneNameOf(std::string_view foreignName);
 /// Name of the device's zone.
 ZBPLATFORM_API std::string deviceZoneName();
 } // namespace zb

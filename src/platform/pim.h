@@ -84,6 +84,8 @@ struct AppointmentItem
     /// all-day series is stored as given, and is the moment of its first midnight in the device's zone, since loaders
     /// bring every series into that zone.
     std::vector<BYTE> recurrence;
+    /// A single appointment that stands for a day of a series: its record says so.
+    bool partOfSeries = false;
     /// Series: the zone of its times (encodeZone), empty for the device's own, wherever that is.
     std::vector<BYTE> zone;
 };

@@ -62,7 +62,7 @@ RecordProperties encodeAppointment(const AppointmentItem &item)
     RecordProperties record;
     setTimes(record, item);
     record.set(appointmentReminderSet, static_cast<SHORT>(item.reminder ? 1 : 0));
-    record.set(appointmentRecurringFlag, static_cast<SHORT>(item.recurrence.empty() ? 0 : 1));
+    record.set(appointmentRecurringFlag, static_cast<SHORT>(item.recurrence.empty() && !item.partOfSeries ? 0 : 1));
     record.set(itemSensitivity, item.isPrivate ? sensitivityPrivate : SHORT{0});
     record.set(appointmentBusyStatus, static_cast<SHORT>(item.busy));
     setText(record, itemSubject, item.subject);
