@@ -10,7 +10,6 @@
 #include "platform/locale.h"
 #include "platform/propdb.h"
 
-#include <algorithm>
 #include <optional>
 #include <set>
 #include <unordered_map>
@@ -46,8 +45,6 @@ class CalendarImport
         }
         takeStraySeries();
         addNotes();
-        std::stable_sort(m_report.findings.begin(), m_report.findings.end(),
-                         [](const Finding &a, const Finding &b) { return a.line < b.line; });
         const bool changed = m_report.added != 0 || m_report.updated != 0 || m_report.removed != 0;
         if (changed && !m_options.dryRun && !writing.commit())
         {

@@ -18,7 +18,8 @@
 
 namespace zb::interchange
 {
-/// Days around today in which an unrolled event comes in, and how many of them at most. Those from today on go first.
+/// Days around today in which an unrolled event comes in, and how many of them at most. When there are more, those
+/// furthest ahead stay out, until half of the room is left for them, and then the oldest.
 inline constexpr int unrolledDaysBefore = 365;
 inline constexpr int unrolledDaysAfter = 5 * 365 + 1;
 inline constexpr std::size_t mostUnrolled = 1000;

@@ -52,7 +52,7 @@ struct ImportReport
     std::size_t shortened = 0; ///< texts cut to what a record holds; each has a finding
     std::map<std::string, std::size_t> otherComponents;
 
-    std::vector<Finding> findings; ///< in the order of the file, as many as are kept
+    std::vector<Finding> findings; ///< as many as are kept
     std::size_t moreFindings = 0;  ///< those beyond
 
     /// Set when nothing of the file was taken.

@@ -4,6 +4,8 @@
 #include "interchange/rule_days.h"
 #include "platform/clock.h"
 
+#include <iterator>
+
 namespace zb::interchange
 {
 namespace
@@ -79,16 +81,24 @@ class Unroller
         }
     }
 
-    /// The start itself stays; beyond the limit the past goes first, the oldest of it, then what is furthest ahead.
+    /// The start itself stays.
     void limit()
     {
         auto &days = m_result.days;
+        auto ahead = static_cast<std::size_t>(std::distance(days.lower_bound(m_today), days.end()));
         while (days.size() > mostUnrolled)
         {
             m_result.whole = false;
-            auto oldest = days.begin();
-            oldest = oldest->first == m_series.start ? std::next(oldest) : oldest;
-            days.erase(oldest->first < m_today ? oldest : std::prev(days.end()));
+            auto gone = std::prev(days.end());
+            if (ahead <= mostUnrolled / 2)
+            {
+                gone = days.begin()->first == m_series.start ? std::next(days.begin()) : days.begin();
+            }
+            else
+            {
+                --ahead;
+            }
+            days.erase(gone);
         }
     }
 
