@@ -70,10 +70,10 @@ class AppointmentStore
     /// Which records of single days of a series are to go.
     struct Leftovers
     {
-        std::u16string series;             ///< identity of the series
-        std::set<std::u16string> kept;     ///< days that stay
-        std::set<std::u16string> covered;  ///< days that go whatever wrote them
-        LONGLONG keepBefore = 0;           ///< others that start before stay (UTC ticks)
+        std::u16string series;            ///< identity of the series
+        std::set<std::u16string> kept;    ///< days that stay
+        std::set<std::u16string> covered; ///< days that go whatever wrote them
+        LONGLONG keepBefore = 0;          ///< others that start before stay (UTC ticks)
     };
     /// Removes the records of single days that a series had at an earlier import and has no more, and returns how many.
     /// Throws StoreError.

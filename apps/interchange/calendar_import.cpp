@@ -81,8 +81,7 @@ class CalendarImport
         const bool older = m_survey.lineThatCounts(event) != event.line;
         m_report.superseded += older ? 1 : 0;
         const bool change = event.has(EventField::RecurrenceId);
-        const auto changes =
-            change || event.repeats() ? m_survey.changesOfSeries(event) : std::optional<std::size_t>();
+        const auto changes = change || event.repeats() ? m_survey.changesOfSeries(event) : std::optional<std::size_t>();
         if (changes && *changes != 0)
         {
             collect(event, change, *changes, older);
@@ -120,7 +119,8 @@ class CalendarImport
         shorten(event, *reading.item);
         const auto outcome = m_store.store(*reading.item);
         count(outcome);
-        if (outcome == AppointmentStore::Outcome::Updated && m_store.wasSeries() && !event.has(EventField::RecurrenceId))
+        if (outcome == AppointmentStore::Outcome::Updated && m_store.wasSeries() &&
+            !event.has(EventField::RecurrenceId))
         {
             m_report.removed += m_store.removeLeftovers({reading.item->interchangeId, {}, {}, 0});
         }
@@ -202,8 +202,8 @@ class CalendarImport
         countForm(reading);
         if (reading.form != SeriesForm::Refused)
         {
-            m_report.removed += m_store.removeLeftovers({reading.identity, std::move(reading.kept),
-                                                         std::move(reading.covered), reading.windowStart});
+            m_report.removed += m_store.removeLeftovers(
+                {reading.identity, std::move(reading.kept), std::move(reading.covered), reading.windowStart});
             return;
         }
         // Without their series the changed days stand by themselves.
@@ -261,8 +261,7 @@ class CalendarImport
     {
         if (m_unknownZones.size() < mostComponentNames && m_unknownZones.insert(name).second)
         {
-            m_report.find(line,
-                          "the time zone \"" + name + "\" is unknown; its times were taken as the device's own");
+            m_report.find(line, "the time zone \"" + name + "\" is unknown; its times were taken as the device's own");
         }
     }
 

@@ -202,8 +202,9 @@ class SeriesReader
         }
         std::string text = "a repeating event came in as " + std::to_string(m_reading.singles) +
                            (m_reading.singles == 1 ? " single appointment" : " single appointments");
-        text += unrolled.whole ? ", all it has" : ", those from " + dateText(unrolled.from) + " to " +
-                                                      dateText(unrolled.to - ticksPerDay);
+        text += unrolled.whole
+                    ? ", all it has"
+                    : ", those from " + dateText(unrolled.from) + " to " + dateText(unrolled.to - ticksPerDay);
         if (!unrolled.whole && unrolled.days.size() >= mostUnrolled)
         {
             text += " (1,000 at most)";

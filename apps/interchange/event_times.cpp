@@ -392,7 +392,7 @@ std::optional<ListedMoment> readMoment(std::string_view value, std::string_view 
     CalendarZone &of = time->isUtc ? zones.utc() : zone.empty() ? zones.device() : zones.find(zone);
     const std::optional<FILETIME> utc = of.toUtc(fieldsOf(ticks));
     return utc && ticksOf(*utc) >= 0 && ticksOf(*utc) < endOfYears ? std::optional(ListedMoment{false, ticksOf(*utc)})
-                                                                  : std::nullopt;
+                                                                   : std::nullopt;
 }
 
 EventTimes readEventTimes(const CalendarComponent &event, ZoneBook &zones)

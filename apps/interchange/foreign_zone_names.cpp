@@ -143,9 +143,9 @@ std::string zoneOfShownName(std::string_view shown)
     while (!rest.empty())
     {
         const std::string_view name = trimmed(rest.substr(0, rest.find(',')));
-        const auto *const found = std::lower_bound(places.begin(), places.end(), name,
-                                                   [](const Place &place, std::string_view wanted)
-                                                   { return place.first < wanted; });
+        const auto *const found =
+            std::lower_bound(places.begin(), places.end(), name,
+                             [](const Place &place, std::string_view wanted) { return place.first < wanted; });
         if (found != places.end() && found->first == name)
         {
             return std::string(found->second);

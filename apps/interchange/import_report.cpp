@@ -82,9 +82,8 @@ std::vector<std::string> remarks(const ImportReport &report)
         }
     };
     add(report.moreFindings, counted(report.moreFindings, "more remark", "more remarks") + " of this kind");
-    add(report.unrolled,
-        counted(report.unrolled, "repeating event", "repeating events") + " came in as " +
-            counted(report.unrolledAppointments, "single appointment", "single appointments"));
+    add(report.unrolled, counted(report.unrolled, "repeating event", "repeating events") + " came in as " +
+                             counted(report.unrolledAppointments, "single appointment", "single appointments"));
     add(report.changedFirstDays, counted(report.changedFirstDays, "event came in as it was changed later",
                                          "events came in as they were changed later"));
     add(report.cancelled, counted(report.cancelled, "cancelled event was left out", "cancelled events were left out"));

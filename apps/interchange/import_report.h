@@ -43,10 +43,10 @@ struct ImportReport
 
     std::size_t removed = 0; ///< appointments of earlier imports that stood for days which a series has no more
 
-    std::size_t series = 0;       ///< repeating events taken as one record each
-    std::size_t changedDays = 0;  ///< changed days that such a record tells
+    std::size_t series = 0;        ///< repeating events taken as one record each
+    std::size_t changedDays = 0;   ///< changed days that such a record tells
     std::size_t cancelledDays = 0; ///< days taken out of a series
-    std::size_t unrolled = 0;     ///< repeating events taken as single appointments; each has a finding
+    std::size_t unrolled = 0;      ///< repeating events taken as single appointments; each has a finding
     std::size_t unrolledAppointments = 0;
     std::size_t repeating = 0; ///< taken as their first day only; each has a finding
     std::size_t shortened = 0; ///< texts cut to what a record holds; each has a finding

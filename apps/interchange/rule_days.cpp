@@ -101,8 +101,7 @@ bool isWithinDay(const icalrecurrencetype &rule)
 }
 
 RuleDays::RuleDays(const icalrecurrencetype &rule, LONGLONG wallStart)
-    : m_iterator(icalrecur_iterator_new(rule, icalTimeOf(wallStart)), icalrecur_iterator_free),
-      m_counts(rule.count > 0)
+    : m_iterator(icalrecur_iterator_new(rule, icalTimeOf(wallStart)), icalrecur_iterator_free), m_counts(rule.count > 0)
 {
 }
 

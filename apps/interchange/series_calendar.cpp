@@ -49,7 +49,8 @@ void eachValue(std::string_view list, const Take &take)
 /// Whether the text is this word, which is in upper case.
 bool isWord(std::string_view text, std::string_view word)
 {
-    return std::equal(text.begin(), text.end(), word.begin(), word.end(), [](char ch, char wanted)
+    return std::equal(text.begin(), text.end(), word.begin(), word.end(),
+                      [](char ch, char wanted)
                       { return ch == wanted || (ch >= 'a' && ch <= 'z' && ch - 'a' + 'A' == wanted); });
 }
 
@@ -183,9 +184,10 @@ void SeriesCalendar::readListed(std::string_view value, std::string_view zone)
     {
         const std::string end(trimmed(value.substr(slash + 1)));
         const auto until = readMoment(end, zone, m_zones);
-        const icaldurationtype span = until ? icaldurationtype_null_duration() : icaldurationtype_from_string(end.c_str());
-        const LONGLONG minutes = until ? (until->ticks - moment->ticks) / ticksPerMinute
-                                       : LONGLONG{icaldurationtype_as_int(span)} / 60;
+        const icaldurationtype span =
+            until ? icaldurationtype_null_duration() : icaldurationtype_from_string(end.c_str());
+        const LONGLONG minutes =
+            until ? (until->ticks - moment->ticks) / ticksPerMinute : LONGLONG{icaldurationtype_as_int(span)} / 60;
         const bool whole = until || icaldurationtype_is_bad_duration(span) == 0;
         day.minutes = whole && minutes >= 0 && minutes <= 1440 * 366 ? static_cast<LONG>(minutes) : day.minutes;
     }
@@ -226,7 +228,8 @@ void SeriesCalendar::readChange(const CalendarComponent &event)
     }
     if (change.identity.empty() && moment)
     {
-        const bool asWritten = moment->isDate || (zone.empty() && trimmed(raw).back() != 'Z' && trimmed(raw).back() != 'z');
+        const bool asWritten =
+            moment->isDate || (zone.empty() && trimmed(raw).back() != 'Z' && trimmed(raw).back() != 'z');
         change.identity = dayIdentity(item.interchangeId, asWritten ? std::string(raw) : utcText(moment->ticks));
     }
     changes.push_back(std::move(change));

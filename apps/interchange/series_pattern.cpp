@@ -176,7 +176,8 @@ class Planner
         const Reach reach = reachOfSeries();
         if (reach.first < 0)
         {
-            return refuse("its zone is so far ahead that it falls on the day before here, where lists don't look for it");
+            return refuse(
+                "its zone is so far ahead that it falls on the day before here, where lists don't look for it");
         }
         if (reach.last > longestReach)
         {
@@ -311,16 +312,15 @@ class Planner
         const LONGLONG utc = ticksOf(item.start);
         const LONGLONG minutes = item.allDay ? LONGLONG{item.days} * 1440 - 1 : item.durationMinutes;
         const LONGLONG start = item.allDay ? utc : m_series.wallOfUtc(utc);
-        const LONGLONG end = item.allDay ? start + minutes * ticksPerMinute
-                                         : m_series.wallOfUtc(utc + minutes * ticksPerMinute);
+        const LONGLONG end =
+            item.allDay ? start + minutes * ticksPerMinute : m_series.wallOfUtc(utc + minutes * ticksPerMinute);
         if (!saysNoMore(change) || start < firstListedTicks || end < start || yearOf(end) > 4000 ||
             (m_series.allDay() && !item.allDay && !change.event->parameter(EventField::Start, "TZID").empty()))
         {
             return std::nullopt;
         }
-        const Reach reach = item.allDay
-                                ? Reach{0, dayNumber(end) - dayNumber(start)}
-                                : reachOf(dayOf(start), utc, minutes);
+        const Reach reach =
+            item.allDay ? Reach{0, dayNumber(end) - dayNumber(start)} : reachOf(dayOf(start), utc, minutes);
         const LONGLONG moved = dayNumber(start) - dayNumber(day);
         if (reach.first < 0 || reach.last > longestReach || (moved == 0 && reach.last > m_reach) ||
             (moved != 0 && !canMove(moved, start, dayNumber(end) != dayNumber(start), reach.last)))

@@ -15,7 +15,7 @@ namespace zb::interchange
 struct SeriesPlan
 {
     AppointmentItem item;
-    std::set<LONGLONG> singleDays;             ///< days of the series that the pattern lacks, by the wall clock
+    std::set<LONGLONG> singleDays;              ///< days of the series that the pattern lacks, by the wall clock
     std::vector<const ChangedDay *> ownRecords; ///< changed days that are appointments of their own
     std::vector<const ChangedDay *> covered;    ///< changed or cancelled days that the record tells
     std::size_t changedDays = 0;

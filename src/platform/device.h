@@ -28,7 +28,7 @@ enum class DeviceFault
     Damaged,      ///< the store is no database, or fails its check
     ReadOnly,     ///< the folder or store can't be written
     DiskFull,
-    Busy,         ///< another process held the store too long
+    Busy, ///< another process held the store too long
     Other
 };
 

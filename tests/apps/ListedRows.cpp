@@ -102,9 +102,9 @@ std::vector<std::string> listedTimes(int firstDay, int lastDay, const std::strin
     {
         if (row.subject == subject)
         {
-            times.push_back(dateText(row.day) + (row.allDay ? std::string()
-                                                            : " " + clockText(row.startMinute) + "-" +
-                                                                  clockText(row.endMinute)));
+            times.push_back(
+                dateText(row.day) +
+                (row.allDay ? std::string() : " " + clockText(row.startMinute) + "-" + clockText(row.endMinute)));
         }
     }
     return times;

@@ -7,7 +7,8 @@
 // - on the very day of a change the loader judges a zone by the day, not by the hour: times here begin at 4 o'clock;
 // - a start that the rule does not name counts as one of its COUNT, where libical's iterator begins behind it;
 // - an unrolled event has the days around the device's today alone: the ranges here lie among them;
-// - a day that a change moves is shown by its new time alone in every range; its row may stand outside the range when the
+// - a day that a change moves is shown by its new time alone in every range; its row may stand outside the range when
+// the
 //   old day lies inside, and is then not for that list.
 #include "apps/CalendarText.h"
 #include "apps/ListedRows.h"
@@ -89,7 +90,8 @@ class Maker
 
     Event event()
     {
-        static const char *zones[] = {"", "Europe/Berlin", "America/New_York", "Asia/Tokyo", "Europe/London", "Asia/Kolkata"};
+        static const char *zones[] = {"",           "Europe/Berlin", "America/New_York",
+                                      "Asia/Tokyo", "Europe/London", "Asia/Kolkata"};
         Event event;
         event.allDay = number(0, 4) == 0;
         event.zone = event.allDay ? "" : zones[number(0, 5)];
@@ -234,10 +236,10 @@ std::string fileOf(const Event &event)
     std::string body = eventOf(lines);
     for (const Change &change : event.changes)
     {
-        const std::string text = eventOf(
-            "UID:random@test\n" + property(event, "RECURRENCE-ID", change.original) +
-            (change.cancelled ? "STATUS:CANCELLED\n" : "SUMMARY:" + change.subject + "\n") +
-            property(event, "DTSTART", change.start) + lengthText(event, change.minutes));
+        const std::string text =
+            eventOf("UID:random@test\n" + property(event, "RECURRENCE-ID", change.original) +
+                    (change.cancelled ? "STATUS:CANCELLED\n" : "SUMMARY:" + change.subject + "\n") +
+                    property(event, "DTSTART", change.start) + lengthText(event, change.minutes));
         body = minutesOf(change.original) % 2 == 0 ? body + text : text + body;
     }
     return calendarOf(body);
@@ -373,7 +375,8 @@ TEST_F(SeriesDifferentialTest, ImportedSeriesShowTheDaysThatAnIndependentExpansi
                               row.subject);
             }
             ASSERT_EQ(shown, expected) << "range " << from << " to " << to << ", seed " << seed << ", round " << round
-                                       << "\n" << text;
+                                       << "\n"
+                                       << text;
         }
         const auto again = openMemory(text);
         const ImportReport second = importCalendar(*again, "random.ics", {});

@@ -17,9 +17,8 @@ std::string zb::zoneNameOf(std::string_view foreignName)
     const std::u16string name = toUtf16(foreignName);
     std::array<char16_t, longest> found{};
     UErrorCode status = U_ZERO_ERROR;
-    const int32_t length =
-        ucal_getTimeZoneIDForWindowsID(name.data(), static_cast<int32_t>(name.size()), nullptr, found.data(),
-                                       static_cast<int32_t>(found.size()), &status);
+    const int32_t length = ucal_getTimeZoneIDForWindowsID(name.data(), static_cast<int32_t>(name.size()), nullptr,
+                                                          found.data(), static_cast<int32_t>(found.size()), &status);
     if (U_FAILURE(status) != 0 || length <= 0 || static_cast<std::size_t>(length) > found.size())
     {
         return {};
