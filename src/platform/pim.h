@@ -31,7 +31,6 @@ inline constexpr const WCHAR *categoriesDatabase = u"\\Categories Database";
 ZBPLATFORM_API bool createPimDatabases();
 
 // Properties that only sort orders need here.
-inline constexpr CEPROPID taskDueDate = MakePropId(0x4105, CEVT_FILETIME);
 inline constexpr CEPROPID contactFileAs = MakePropId(0x4013, CEVT_LPWSTR);
 inline constexpr CEPROPID categoryName = MakePropId(0x4001, CEVT_LPWSTR);
 inline constexpr CEPROPID categoryId = MakePropId(0x4002, CEVT_I2);
@@ -52,6 +51,16 @@ inline constexpr CEPROPID itemCategories = MakePropId(0x0016, CEVT_BLOB);
 inline constexpr CEPROPID appointmentRecurrence = MakePropId(0x4015, CEVT_BLOB);
 inline constexpr CEPROPID appointmentAttendees = MakePropId(0x0030, CEVT_BLOB);
 inline constexpr CEPROPID appointmentZone = MakePropId(0x0001, CEVT_BLOB);
+
+// Properties of a task record beside the ones of all items.
+inline constexpr CEPROPID taskCompleteFlag = MakePropId(0x410f, CEVT_I2);
+inline constexpr CEPROPID taskDateCompleted = MakePropId(0x410f, CEVT_FILETIME);
+inline constexpr CEPROPID taskStartDate = MakePropId(0x4104, CEVT_FILETIME);
+inline constexpr CEPROPID taskDueDate = MakePropId(0x4105, CEVT_FILETIME);
+inline constexpr CEPROPID taskImportance = MakePropId(0x0026, CEVT_I4);
+inline constexpr CEPROPID taskRecurringFlag = MakePropId(0x4126, CEVT_I2);
+inline constexpr CEPROPID taskReminderSet = MakePropId(0x4503, CEVT_I2);
+
 /// Ours: the identity of an item in interchange files (UID, and the recurrence id behind a line feed when the record
 /// is one changed day of a series). A sort order of its own finds it.
 inline constexpr CEPROPID itemInterchangeId = MakePropId(0x5a01, CEVT_LPWSTR);
@@ -88,6 +97,28 @@ struct AppointmentItem
     bool partOfSeries = false;
     /// Series: the zone of its times (encodeZone), empty for the device's own, wherever that is.
     std::vector<BYTE> zone;
+};
+
+enum class TaskImportance : LONG
+{
+    High = 1,
+    Normal = 2,
+    Low = 3
+};
+
+/// One task as its owner sees it, before it becomes a record. Dates are days in no zone: their time of day is dropped.
+struct TaskItem
+{
+    std::u16string subject; ///< with the priority in front, "A1|7: Pay"; empty: the record has none
+    std::u16string notes;
+    std::u16string interchangeId;
+    std::optional<FILETIME> start;
+    std::optional<FILETIME> due;
+    bool complete = false;
+    std::optional<FILETIME> completed; ///< counts only in a complete task
+    TaskImportance importance = TaskImportance::Normal;
+    bool isPrivate = false;
+    bool reminder = false;
 };
 
 /// Properties of a record in one owner, each id once: setting or removing one again takes the place of what was told
@@ -135,6 +166,13 @@ inline constexpr std::size_t appointmentReadBytes = 0x20000;
 /// `start` is dropped), because lists show an item on every day up to the one that its end falls on: 2 days from 3
 /// March are 2,879 minutes, to 4 March 23:59. Fewer than 1 day counts as 1, a duration below 0 as 0.
 ZBPLATFORM_API RecordProperties encodeAppointment(const AppointmentItem &item);
+
+/// The properties of a task's record, in the same manner: what the item lacks is written as to be removed, and what an
+/// item of this form can't say (categories, icon, recurrence and its flag) stays as it is in a changed record.
+///
+/// Dates are stored as midnight of their day. A task due from 2999-11-27 to 2999-12-31 is a template to all task lists
+/// and does not show.
+ZBPLATFORM_API RecordProperties encodeTask(const TaskItem &item);
 
 /// Notes as they stand in property 0x0017, and back: the bytes 5A 42 54 31, then the text as UTF-16, little-endian,
 /// without a terminator. Text without characters gives an empty blob. Bytes that begin otherwise (notes in ink) give an

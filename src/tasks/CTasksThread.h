@@ -317,10 +317,12 @@ class ZBTOOLS_API CTasksThread : public CeWorkerThread
     void BuildShortDateFormat();
 
     // One record (CTasksThread_record.cpp).
-    Candidate Judge(CeDbRecord &record, bool bLive);
+    LONG PlaceTask(CeDbRecord &record, bool &shown, int nIndex, bool bLive, bool bForce);
+    bool IsParentAt(int nIndex);
+    Candidate Judge(const CeDbRecord &record, bool bLive, bool stays);
+    bool PassesAndCounts(const Candidate &task, bool bLive, bool stays);
     bool PassesDateRule(const Candidate &task) const;
-    LONG Reject(int nIndex, bool bForce);
-    DATATASKS *RowFor(int nIndex, bool bLive, CEOID oid, int &nPosition);
+    DATATASKS *RowFor(int nIndex, bool bLive, int &nPosition);
     void CountRow(DATATASKS &row);
     void FillRow(DATATASKS &row, const CeDbRecord &record, const Candidate &task);
     void ReadTexts(DATATASKS &row, const CeDbRecord &record);
@@ -351,6 +353,10 @@ class ZBTOOLS_API CTasksThread : public CeWorkerThread
     void CreateProgressGroups();
     void CreateCompletionGroups();
     void CreateLetterGroups();
+    DATATASKS *CreateCategoryGroup(const std::u16string &name);
+    DATATASKS *CreateLetterGroup(WCHAR letter, bool withHeading);
+    DATATASKS *NewGroup(const std::u16string &title);
+    DATATASKS *NewFixedGroup(UINT label);
     void ForgetGroup(const DATATASKS &header);
     bool IsGroupHeaderOpen(DATATASKS *header);
     void SetGroupHeaderOpen(DATATASKS *header, bool bOpen);
@@ -364,7 +370,11 @@ class ZBTOOLS_API CTasksThread : public CeWorkerThread
     void SortHierTasks(CePtrList<DATATASKS *> &rows, ListCompare compare);
     void SortGroupTasks(CePtrList<DATATASKS *> &headers, ListCompare groupCompare, ListCompare childCompare);
     void CollectTopRows(CePtrList<DATATASKS *> &rows);
+    void DropEmptiedGroups();
     void LoadHierTasks(CePtrList<DATATASKS *> &rows);
+    void Publish(int shown);
+    void AppendUnreached(std::vector<DATATASKS *> &rows);
+    static int CompareBySecondKey(DATATASKS *const &a, DATATASKS *const &b, DWORD_PTR user);
 
     // The tree (CTasksThread_tree.cpp).
     bool HasHierarchy() const;
@@ -407,7 +417,8 @@ class ZBTOOLS_API CTasksThread : public CeWorkerThread
     std::map<std::u16string, DATATASKS *, TextOrder> m_groupsByCategory;
     std::unordered_map<double, DATATASKS *> m_groupsByDate;
     std::unordered_map<WCHAR, std::pair<int, DATATASKS *>> m_groupsByLetter;
-    std::vector<DATATASKS *> m_fixedGroups;
+    int m_nLetterGroups = 0;
+    std::vector<DATATASKS *> m_fixedGroups; // of importance, progress and completion, by m_nGroupIndex
 
     // What follows belongs to a load or live call.
     bool m_bLoading = false;

@@ -1,7 +1,6 @@
 // From an appointment as its owner sees it to the properties of its record. Layouts stand in platform/pim.h.
+#include "platform/linux/pim_item_fields.h"
 #include "platform/pim.h"
-
-#include "platform/clock.h"
 
 #include <algorithm>
 #include <array>
@@ -11,36 +10,13 @@ namespace zb
 {
 namespace
 {
+using internal::midnightOf;
+using internal::setBlob;
+using internal::setText;
+
 constexpr LONG minutesPerDay = 1440;
 constexpr LONG mostDays = std::numeric_limits<LONG>::max() / minutesPerDay;
 constexpr std::array<BYTE, 4> notesTag = {0x5A, 0x42, 0x54, 0x31};
-
-FILETIME midnightOf(const FILETIME &time)
-{
-    const LONGLONG ticks = ticksOf(time);
-    return fileTimeOf(ticks - ticks % ticksPerDay);
-}
-
-void setText(RecordProperties &record, CEPROPID id, const std::u16string &text)
-{
-    // A text that begins with its end is none.
-    if (text.empty() || text.front() == 0)
-    {
-        record.remove(id);
-        return;
-    }
-    record.set(id, text);
-}
-
-void setBlob(RecordProperties &record, CEPROPID id, std::vector<BYTE> bytes)
-{
-    if (bytes.empty())
-    {
-        record.remove(id);
-        return;
-    }
-    record.set(id, std::move(bytes));
-}
 
 void setTimes(RecordProperties &record, const AppointmentItem &item)
 {

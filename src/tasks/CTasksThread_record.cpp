@@ -1,0 +1,349 @@
+// One record: whether it shows, and its row.
+#include "tasks/CTasksThread.h"
+
+#include "platform/clock.h"
+#include "platform/text.h"
+#include "records/FullCategories.h"
+#include "tasks/TaskSubject.h"
+
+#include <cstdlib>
+
+namespace
+{
+/// Tasks due from 2999-11-27 to 2999-12-31 are stored templates.
+constexpr int firstTemplateDay = 401734;
+constexpr int lastTemplateDay = 401768;
+/// Blobs up to this size count as empty notes.
+constexpr DWORD emptyBlobSize = 4;
+
+CEBLOB blobAt(const CeDbRecord &record, int index)
+{
+    return record.IsPresent(index) ? record.GetProps()[index].val.blob : CEBLOB{};
+}
+
+const WCHAR *textAt(const CeDbRecord &record, int index)
+{
+    return record.IsPresent(index) ? record.GetProps()[index].val.lpwstr : nullptr;
+}
+
+SHORT shortAt(const CeDbRecord &record, int index)
+{
+    SHORT value = 0;
+    record.GetIndexVal(index, value);
+    return value;
+}
+
+WORD withoutSign(SHORT value)
+{
+    return static_cast<WORD>(std::abs(static_cast<int>(value)));
+}
+
+/// noDate for a property that is missing or no moment of the calendar.
+double dateAt(const CeDbRecord &record, int index)
+{
+    FILETIME time{};
+    SYSTEMTIME fields{};
+    double date = noDate;
+    if (record.GetIndexVal(index, time) && FileTimeToSystemTime(&time, &fields))
+    {
+        SystemTimeToVariantTime(&fields, &date);
+    }
+    return date;
+}
+
+LONG importanceOf(const CeDbRecord &record)
+{
+    LONG stored = 0;
+    record.GetIndexVal(CTasksThread::TASK_IMPORTANCE, stored);
+    return stored == 1 ? taskImportanceHigh : stored == 3 ? taskImportanceLow : taskImportanceNormal;
+}
+} // namespace
+
+/// What the filters look at in one record.
+struct CTasksThread::Candidate
+{
+    double dtDue = noDate;
+    double dtStart = noDate;
+    double dtCompleted = noDate;
+    bool complete = false;
+    LONG importance = taskImportanceNormal;
+
+    bool rightCategory = true; ///< as far as it was tested
+    bool refused = false;      ///< by a filter that comes before the rules about dates
+
+    int dueDay() const
+    {
+        return static_cast<int>(dtDue);
+    }
+    int startDay() const
+    {
+        return static_cast<int>(dtStart);
+    }
+    int completedDay() const
+    {
+        return static_cast<int>(dtCompleted);
+    }
+    bool isTemplate() const
+    {
+        return dueDay() >= firstTemplateDay && dueDay() <= lastTemplateDay;
+    }
+};
+
+LONG CTasksThread::AddNewTask(CeDbRecord *pRec, bool *pbShown, int nIndex, bool bLive, bool bForce)
+{
+    bool ignored = false;
+    bool &shown = pbShown != nullptr ? *pbShown : ignored;
+    shown = false;
+    if (pRec == nullptr)
+    {
+        return 0;
+    }
+    const bool alone = bLive && !m_bLoading;
+    if (alone)
+    {
+        InitiateLinksDB();
+        TakeToday();
+    }
+    const LONG visible = PlaceTask(*pRec, shown, nIndex, bLive, bForce);
+    if (alone)
+    {
+        CloseLinksDB();
+    }
+    return visible;
+}
+
+LONG CTasksThread::PlaceTask(CeDbRecord &record, bool &shown, int nIndex, bool bLive, bool bForce)
+{
+    const bool stays = bForce || (bLive && IsParentAt(nIndex));
+    const Candidate task = Judge(record, bLive, stays);
+    shown = PassesAndCounts(task, bLive, stays);
+    if (!shown && !stays)
+    {
+        if (nIndex >= 0)
+        {
+            DeleteTaskFromThread(nIndex);
+        }
+        return 0;
+    }
+    int position = -1;
+    DATATASKS *row = RowFor(nIndex, bLive, position);
+    FillRow(*row, record, task);
+    if (!bLive || bForce)
+    {
+        JoinRow(row);
+    }
+    row->m_bParentOnly = !shown;
+    shown = true;
+    ReadLinkFlags(*row);
+    if (IsGrouped())
+    {
+        AddToGroup(row, false, position);
+    }
+    else if (row->m_pParent != nullptr)
+    {
+        row->m_bHidden = !row->m_pParent->m_bExpanded || row->m_pParent->m_bHidden;
+    }
+    if (bLive)
+    {
+        SortPriorityManager();
+    }
+    return row->m_bHidden ? 0 : 1;
+}
+
+/// A parent must not vanish from under its children. Kept: the last row is not looked at.
+bool CTasksThread::IsParentAt(int nIndex)
+{
+    if (nIndex < 1 || nIndex > m_lstRows.GetCount() - 1)
+    {
+        return false;
+    }
+    const DATATASKS *row = m_lstRows.GetAt(nIndex);
+    return row != nullptr && !row->IsGroupHeader() && row->IsParentNode();
+}
+
+/// The filters up to the rules about dates. Unless the record stays whatever they say, the first that refuses ends it.
+CTasksThread::Candidate CTasksThread::Judge(const CeDbRecord &record, bool bLive, bool stays)
+{
+    Candidate task;
+    if (bLive)
+    {
+        const CEBLOB categories = blobAt(record, TASK_CATEGORIES);
+        task.rightCategory = CategoryFilterHighLevel(&categories, &m_categoryRestrict);
+        task.refused = !task.rightCategory;
+    }
+    task.dtDue = dateAt(record, TASK_DUE);
+    if (task.refused && !stays)
+    {
+        return task;
+    }
+    task.dtStart = dateAt(record, TASK_START);
+    // Kept: what a rule switches on stays so until the settings are read again.
+    m_bShowUndated = m_bShowUndated || m_nFilterRule == taskRuleNoDates || m_nFilterRule == taskRuleComplete;
+    m_bShowCompleted = m_bShowCompleted || m_nFilterRule == taskRuleComplete;
+    task.complete = shortAt(record, TASK_COMPLETE) != 0;
+    task.dtCompleted = task.complete ? dateAt(record, TASK_COMPLETED) : noDate;
+    task.importance = importanceOf(record);
+    task.refused = task.refused || (task.dtDue == noDate && !m_bShowUndated) ||
+                   (m_nFilterPriority <= static_cast<ULONG>(taskImportanceHigh) &&
+                    static_cast<ULONG>(task.importance) != m_nFilterPriority);
+    return task;
+}
+
+/// Whether the record shows; counts it as such. A parent that is pulled in behind a load was counted when its record
+/// had its turn.
+bool CTasksThread::PassesAndCounts(const Candidate &task, bool bLive, bool stays)
+{
+    const bool counts = !(bLive && m_bLoading);
+    if (counts)
+    {
+        // A load has counted all records of the right categories before it knows which are templates.
+        const bool isTask = task.rightCategory && !task.isTemplate();
+        m_counts.total += (bLive && isTask ? 1 : 0) - (!bLive && task.isTemplate() ? 1 : 0);
+    }
+    if (task.refused || task.isTemplate() || !PassesDateRule(task))
+    {
+        return false;
+    }
+    const bool shows = !task.complete || m_bShowCompleted;
+    // Kept: complete tasks that pass the rule count as shown also where they don't show.
+    if (counts && (shows || !stays))
+    {
+        ++m_counts.shown;
+        m_counts.completed += task.complete ? 1 : 0;
+    }
+    return shows;
+}
+
+bool CTasksThread::PassesDateRule(const Candidate &task) const
+{
+    const int due = task.dueDay();
+    const int start = task.startDay();
+    const int today = m_nToday;
+    const auto isToday = [&](int day) { return day == today; };
+    const auto isSoon = [&](int day) { return day == today || day == today + 1; };
+    const bool undated = due == noDay && start == noDay;
+    if (m_dtOn != noDate)
+    {
+        const int on = static_cast<int>(m_dtOn);
+        return due == on || start == on;
+    }
+    switch (m_nFilterRule)
+    {
+    case taskRuleDueByToday:
+        return (task.complete ? isToday(due) || isToday(task.completedDay()) : due <= today) || isToday(start) ||
+               undated;
+    case taskRuleOverdue:
+        return !task.complete && due < today;
+    case taskRuleNoDates:
+        return undated;
+    case taskRuleActive:
+        return (task.complete ? isToday(due) || isToday(task.completedDay()) : due <= today || start <= today) ||
+               isToday(start) || undated;
+    case taskRuleByTomorrow:
+        return (task.complete ? isSoon(due) || isSoon(task.completedDay()) : due <= today + 1) || isSoon(start) ||
+               undated;
+    case taskRuleComplete:
+        return task.complete;
+    case taskRuleDaysAhead:
+    {
+        const LONGLONG last = static_cast<LONGLONG>(today) + m_nDaysFuture;
+        return (due <= last && start == noDay) || start <= last || due == noDay;
+    }
+    default:
+        return true;
+    }
+}
+
+/// The row that takes the record: the one at the index, emptied and out of its groups, or a new one. nPosition is the
+/// place that it had in its group.
+DATATASKS *CTasksThread::RowFor(int nIndex, bool bLive, int &nPosition)
+{
+    DATATASKS *row = nIndex >= 0 ? m_lstRows.GetAt(nIndex) : nullptr;
+    if (row == nullptr || row->IsGroupHeader())
+    {
+        const bool replacesNull = row == nullptr && nIndex >= 0;
+        row = new DATATASKS;
+        if (!replacesNull || m_lstRows.SetAt(nIndex, row) != CELIST_OK)
+        {
+            m_lstRows.AddTail(row);
+        }
+        return row;
+    }
+    PreTaskUpdateCountChange(row);
+    nPosition = IsGrouped() ? AddToGroup(row, true, -1) : -1;
+    if (m_nGroupBy == taskGroupCategory)
+    {
+        RemoveRowsOf(row->m_oid, row);
+    }
+    const LONG manualOrder = bLive && m_nGroupBy == taskGroupPriorityManager ? row->m_nManualOrder : 0;
+    row->NullData(false);
+    row->m_nManualOrder = manualOrder;
+    return row;
+}
+
+void CTasksThread::CountRow(DATATASKS &row)
+{
+    LONG &importance = row.m_nImportance == taskImportanceHigh  ? m_counts.high
+                       : row.m_nImportance == taskImportanceLow ? m_counts.low
+                                                                : m_counts.normal;
+    ++importance;
+    const int due = static_cast<int>(row.m_dtDue);
+    row.m_bOverdue = row.m_bComplete == 0 && due < m_nToday;
+    row.m_bDueToday = row.m_bComplete == 0 && due == m_nToday;
+    m_counts.overdue += row.m_bOverdue ? 1 : 0;
+    m_counts.dueToday += row.m_bDueToday ? 1 : 0;
+}
+
+void CTasksThread::FillRow(DATATASKS &row, const CeDbRecord &record, const Candidate &task)
+{
+    row.m_oid = record.GetOid();
+    row.m_dtDue = task.dtDue;
+    row.m_dtStart = task.dtStart;
+    row.m_dtCompleted = task.dtCompleted;
+    row.m_bComplete = task.complete ? 1 : 0;
+    row.m_nImportance = task.importance;
+    row.m_nSensitivity = shortAt(record, TASK_SENSITIVITY);
+    row.m_bRecurring = withoutSign(shortAt(record, TASK_RECURRING));
+    row.m_bReminder = withoutSign(shortAt(record, TASK_REMINDER));
+    row.m_bHasNotes = blobAt(record, TASK_NOTES).dwCount > emptyBlobSize ? 1 : 0;
+    CountRow(row);
+    ReadTexts(row, record);
+    row.m_bLoaded = true;
+}
+
+void CTasksThread::ReadTexts(DATATASKS &row, const CeDbRecord &record)
+{
+    CeList<unsigned int> ids;
+    BLOB2Categories(blobAt(record, TASK_CATEGORIES), ids);
+    row.m_pszCategories = ids.IsEmpty() ? _wcsdup(u"") : CategoryAssembler(ids);
+    row.m_pszIcon = _wcsdup(textAt(record, TASK_ICON));
+    int days = 0;
+    row.m_pszSubject = CTask::ParseExtraFromSubjectInt(textAt(record, TASK_SUBJECT), row.m_szPriorityLetter,
+                                                       row.m_szPriorityNumber, days);
+    row.m_nRepeatDays = days;
+}
+
+void CTasksThread::ReadLinkFlags(DATATASKS &row)
+{
+    m_keyLinks.val.lVal = m_keyJournal.val.lVal = static_cast<LONG>(row.m_oid);
+    row.m_bHasLinks = m_pDbLinks != nullptr && m_pDbLinks->SeekRec(&m_keyLinks) != 0 ? 1 : 0;
+    row.m_bHasJournal = m_pDbJournal != nullptr && m_pDbJournal->SeekRec(&m_keyJournal) != 0 ? 1 : 0;
+}
+
+void CTasksThread::PreTaskUpdateCountChange(const DATATASKS *row)
+{
+    if (row == nullptr)
+    {
+        return;
+    }
+    --m_counts.total;
+    // A row that is there for its children alone was never counted as shown.
+    m_counts.shown -= row->m_bParentOnly ? 0 : 1;
+    m_counts.completed -= row->m_bComplete != 0 && !row->m_bParentOnly ? 1 : 0;
+    m_counts.overdue -= row->m_bOverdue ? 1 : 0;
+    m_counts.dueToday -= row->m_bDueToday ? 1 : 0;
+    LONG &importance = row->m_nImportance == taskImportanceHigh  ? m_counts.high
+                       : row->m_nImportance == taskImportanceLow ? m_counts.low
+                                                                 : m_counts.normal;
+    --importance;
+}
