@@ -308,7 +308,11 @@ void CTasksThread::InitiateLinksDB()
     {
         return;
     }
-    LoadHTData();
+    // A live call reads the links anew, unless the host has yet to save what it changed.
+    if (m_bLoading || !HasUnsavedLinks())
+    {
+        LoadHTData();
+    }
     m_nUnmatched = GetTreeCount();
     m_pDbLinks = openOrNull(linksDatabase, linksItem);
     m_pDbJournal = openOrNull(journalDatabase, journalItem);

@@ -377,9 +377,24 @@ class ZBTOOLS_API CTasksThread : public CeWorkerThread
     static int CompareBySecondKey(DATATASKS *const &a, DATATASKS *const &b, DWORD_PTR user);
 
     // The tree (CTasksThread_tree.cpp).
+    struct TreeBuilder;
     bool HasHierarchy() const;
+    bool HasUnsavedLinks() const;
     void JoinRow(DATATASKS *row);
     void AttachParents();
+    // CTasksThread_treeedit.cpp.
+    void HangUp(DATATASKS &row, DATATASKS *parent, const _HIERSTRUCT &link);
+    void DetachRow(DATATASKS &row, bool bPromoteChildren);
+    void RemoveLinksOf(CEOID oid);
+    void PromoteChildren(DATATASKS &row);
+    void SetParentOpen(DATATASKS &row, bool bOpen);
+    void PruneParentOnly(DATATASKS *row);
+    void TakeFromTree(DATATASKS &row);
+    void RemoveDisplayedRow(int nIndex);
+    void RemoveAllDisplayedRows(CEOID oid);
+    LONG SetNodeOpen(DATATASKS &node, bool bOpen);
+    void OpenAll();
+    void CloseAll();
 
     CeActiveList<DATATASKS *> m_lstRows{1, CEOWN_NONE};
     CePtrList<DATATASKS *> m_lstGroups{0, CEOWN_DELETE};

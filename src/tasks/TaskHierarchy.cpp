@@ -57,6 +57,7 @@ void TaskHierarchy::Append(const _HIERSTRUCT &link)
     LinkToParent(at);
     ++m_count;
     m_cursor = at;
+    m_bChanged = true;
 }
 
 void TaskHierarchy::LinkToParent(int at)
@@ -134,6 +135,7 @@ bool TaskHierarchy::Remove(ULONG oid)
     At(at).next = m_free;
     m_free = at;
     --m_count;
+    m_bChanged = true;
     return true;
 }
 
@@ -151,8 +153,28 @@ bool TaskHierarchy::SetParent(ULONG oid, ULONG oidParent)
         UnlinkFromParent(at);
         At(at).oidParent = oidParent;
         LinkToParent(at);
+        m_bChanged = true;
     }
     return true;
+}
+
+bool TaskHierarchy::SetExpanded(ULONG oid, bool bExpanded)
+{
+    const int at = FirstOf(oid);
+    if (at == none)
+    {
+        return false;
+    }
+    m_cursor = at;
+    SetFlag(at, bExpanded);
+    return true;
+}
+
+void TaskHierarchy::SetFlag(int at, bool bExpanded)
+{
+    const BYTE flag = bExpanded ? 1 : 0;
+    m_bChanged = m_bChanged || At(at).expanded != flag;
+    At(at).expanded = flag;
 }
 
 void TaskHierarchy::SetExpandedBelow(ULONG oidParent, bool bExpanded)
@@ -160,7 +182,7 @@ void TaskHierarchy::SetExpandedBelow(ULONG oidParent, bool bExpanded)
     const auto found = m_ofParent.find(oidParent);
     for (int at = found != m_ofParent.end() ? found->second : none; at != none; at = At(at).nextOfParent)
     {
-        At(at).expanded = bExpanded ? 1 : 0;
+        SetFlag(at, bExpanded);
     }
 }
 
@@ -168,12 +190,13 @@ void TaskHierarchy::SetExpandedAll(bool bExpanded)
 {
     for (int at = m_order.first; at != none; at = At(at).next)
     {
-        At(at).expanded = bExpanded ? 1 : 0;
+        SetFlag(at, bExpanded);
     }
 }
 
 void TaskHierarchy::RemoveAll()
 {
+    m_bChanged = m_bChanged || m_count != 0;
     m_slots.clear();
     m_ofChild.clear();
     m_ofParent.clear();

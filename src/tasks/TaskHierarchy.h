@@ -79,6 +79,7 @@ class ZBTOOLS_API TaskHierarchy
     bool Find(ULONG oid, _HIERSTRUCT *link);
     bool Remove(ULONG oid);
     bool SetParent(ULONG oid, ULONG oidParent);
+    bool SetExpanded(ULONG oid, bool bExpanded);
     /// The flag of every link that names this parent.
     void SetExpandedBelow(ULONG oidParent, bool bExpanded);
     void SetExpandedAll(bool bExpanded);
@@ -91,6 +92,11 @@ class ZBTOOLS_API TaskHierarchy
     bool IsEmpty() const
     {
         return m_count == 0;
+    }
+    /// A link was added, removed or changed since the last Load or successful Save.
+    bool IsChanged() const
+    {
+        return m_bChanged;
     }
     /// In order, their unused bytes 0.
     std::vector<_HIERSTRUCT> Links() const;
@@ -131,6 +137,7 @@ class ZBTOOLS_API TaskHierarchy
     int ReadLinks(CeListFileReader &reader);
     void MoveCursorTo(LONGLONG index);
     bool MoveRefusedFileAside(const WCHAR *path);
+    static int Delete(const WCHAR *path);
     int Write(const WCHAR *path) const;
     int FirstOf(ULONG oid) const;
     void Append(const _HIERSTRUCT &link);
@@ -138,6 +145,7 @@ class ZBTOOLS_API TaskHierarchy
     void LinkToParent(int at);
     void UnlinkFromParent(int at);
     void UnlinkFromOrder(int at);
+    void SetFlag(int at, bool bExpanded);
     Slot &At(int at)
     {
         return m_slots[static_cast<std::size_t>(at)];
@@ -155,6 +163,7 @@ class ZBTOOLS_API TaskHierarchy
     int m_count = 0;
     int m_cursor = none; // a slot
     int m_base = 0;
+    bool m_bChanged = false;
     bool m_bRefused = false; // the file that was last read is not understood
 };
 } // namespace zb

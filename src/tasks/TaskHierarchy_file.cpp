@@ -90,6 +90,7 @@ int TaskHierarchy::Load(const WCHAR *path)
         m_base = 0;
     }
     m_bRefused = error != CELIST_OK;
+    m_bChanged = false;
     return error;
 }
 
@@ -156,19 +157,22 @@ int TaskHierarchy::Save(const WCHAR *path)
         return CELIST_FILE;
     }
     m_bRefused = false;
-    if (IsEmpty())
-    {
-        return DeleteFileW(path) != FALSE || isMissing(path) ? CELIST_OK : CELIST_FILE;
-    }
+    int error = CELIST_OK;
     try
     {
-        createFoldersOf(path);
-        return Write(path);
+        error = IsEmpty() ? Delete(path) : Write(path);
     }
     catch (const std::bad_alloc &)
     {
-        return CELIST_MEMORY;
+        error = CELIST_MEMORY;
     }
+    m_bChanged = m_bChanged && error != CELIST_OK;
+    return error;
+}
+
+int TaskHierarchy::Delete(const WCHAR *path)
+{
+    return DeleteFileW(path) != FALSE || isMissing(path) ? CELIST_OK : CELIST_FILE;
 }
 
 bool TaskHierarchy::MoveRefusedFileAside(const WCHAR *path)
@@ -187,6 +191,7 @@ bool TaskHierarchy::MoveRefusedFileAside(const WCHAR *path)
 
 int TaskHierarchy::Write(const WCHAR *path) const
 {
+    createFoldersOf(path);
     CeListFileWriter writer(SIGNATURE, {m_count, GetCursor() + m_base, m_base, 0});
     for (int at = m_order.first; at != none; at = At(at).next)
     {
