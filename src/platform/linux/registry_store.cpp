@@ -75,7 +75,7 @@ std::vector<std::u16string_view> partsOf(std::u16string_view path)
 class RegistryStore::Statement
 {
   public:
-    Statement(sqlite3 *connection, const char *sql) : m_connection(connection)
+    Statement(sqlite3 *connection, const char *sql)
     {
         check(sqlite3_prepare_v2(connection, sql, -1, &m_statement, nullptr));
     }
@@ -136,7 +136,6 @@ class RegistryStore::Statement
         }
     }
 
-    sqlite3 *m_connection;
     sqlite3_stmt *m_statement = nullptr;
     int m_bound = 0;
 };

@@ -6,7 +6,6 @@ namespace zb::internal
 {
 namespace
 {
-constexpr std::size_t headSize = 44;
 /// Offsets beyond this are no local time that any place has kept.
 constexpr std::int64_t largestOffset = 26 * 3600;
 
