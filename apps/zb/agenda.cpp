@@ -1,4 +1,4 @@
-// zb agenda: appointments day by day.
+// zb agenda: appointments, birthdays and tasks day by day.
 #include "calendar/DATACALENDAR.h"
 #include "platform/locale.h"
 #include "platform/text.h"
@@ -57,14 +57,17 @@ std::optional<DayRange> rangeOf(const AgendaArguments &arguments)
 
 /// The week with the most appointments, the earliest of equals. An appointment counts once in every week it reaches
 /// into. This week when there is none at all.
-DayRange fullestWeek()
+DayRange fullestWeek(const CalendarChoice &choice)
 {
     int best = weekStart(today());
     if (const std::optional<DayRange> all = daysWithAppointments())
     {
         std::map<int, std::set<std::pair<CEOID, int>>> weeks;
-        visitAppointments(
-            all->first, all->last,
+        CalendarChoice appointments = choice;
+        appointments.tasks = false;
+        appointments.birthdays = false;
+        visitCalendar(
+            all->first, all->last, appointments,
             [&](const DATACALENDAR &row)
             { weeks[weekStart(row.m_nDay)].emplace(row.m_oid, static_cast<int>(std::floor(row.m_dtStart))); });
         const auto fullest = std::max_element(
@@ -74,12 +77,30 @@ DayRange fullestWeek()
     return {best, best + daysOfWeek - 1};
 }
 
+/// Appointments and birthdays, one of several days once.
 std::size_t countOf(const std::vector<AgendaRow> &rows)
 {
-    std::set<std::pair<CEOID, int>> distinct;
+    std::set<std::tuple<AgendaKind, CEOID, int>> distinct;
     for (const AgendaRow &row : rows)
     {
-        distinct.emplace(row.id, row.firstDay);
+        if (row.kind != AgendaKind::Task)
+        {
+            distinct.emplace(row.kind, row.id, row.firstDay);
+        }
+    }
+    return distinct.size();
+}
+
+/// Tasks, one that shows on several days once.
+std::size_t taskCountOf(const std::vector<AgendaRow> &rows)
+{
+    std::set<CEOID> distinct;
+    for (const AgendaRow &row : rows)
+    {
+        if (row.kind == AgendaKind::Task)
+        {
+            distinct.insert(row.id);
+        }
     }
     return distinct.size();
 }
@@ -90,20 +111,63 @@ const char *busyWord(int status)
     return status >= 0 && status < 4 ? words[static_cast<std::size_t>(status)] : "unknown";
 }
 
+const char *kindWord(AgendaKind kind)
+{
+    constexpr std::array<const char *, 4> words = {"appointment", "birthday", "anniversary", "task"};
+    return words[static_cast<std::size_t>(kind)];
+}
+
+const char *importanceWord(int importance)
+{
+    return importance >= 2 ? "high" : importance <= 0 ? "low" : "normal";
+}
+
+Json dateJson(const std::optional<SYSTEMTIME> &date)
+{
+    return date ? Json(isoDate(*date)) : Json();
+}
+
+Json namesJson(const std::vector<std::u16string> &names)
+{
+    Json list = Json::array();
+    for (const std::u16string &name : names)
+    {
+        list.push_back(toUtf8(std::u16string_view(name)));
+    }
+    return list;
+}
+
+void addTask(Json &json, const AgendaRow &row)
+{
+    json["due"] = dateJson(row.due);
+    json["start"] = dateJson(row.begun);
+    json["completed"] = dateJson(row.completed);
+    json["complete"] = row.isComplete;
+    json["overdue"] = row.isOverdue;
+    json["importance"] = importanceWord(row.importance);
+    json["priority"] = toUtf8(std::u16string_view(row.priority));
+}
+
+void addAppointment(Json &json, const AgendaRow &row)
+{
+    json["location"] = toUtf8(std::u16string_view(row.location));
+    json["start"] = row.allDay ? isoDate(row.start) : isoTime(row.start, false);
+    json["end"] = row.allDay ? isoDate(dateOf(row.lastDay)) : isoTime(row.end, false);
+    json["allDay"] = row.allDay;
+    json["busy"] = busyWord(row.busyStatus);
+}
+
 Json asJson(const AgendaRow &row)
 {
-    return {{"id", row.id},
-            {"kind", row.isBirthday ? "birthday" : "appointment"},
-            {"subject", toUtf8(std::u16string_view(row.subject))},
-            {"location", toUtf8(std::u16string_view(row.location))},
-            {"start", row.allDay ? isoDate(row.start) : isoTime(row.start, false)},
-            {"end", row.allDay ? isoDate(dateOf(row.lastDay)) : isoTime(row.end, false)},
-            {"allDay", row.allDay},
-            {"busy", busyWord(row.busyStatus)},
-            {"private", row.isPrivate},
-            {"reminder", row.reminder},
-            {"recurring", row.recurring},
-            {"notes", row.hasNotes}};
+    Json json = {
+        {"id", row.id}, {"kind", kindWord(row.kind)}, {"subject", toUtf8(std::u16string_view(row.subject))}};
+    row.kind == AgendaKind::Task ? addTask(json, row) : addAppointment(json, row);
+    json["private"] = row.isPrivate;
+    json["reminder"] = row.reminder;
+    json["recurring"] = row.recurring;
+    json["notes"] = row.hasNotes;
+    json["categories"] = namesJson(row.categories);
+    return json;
 }
 
 Json asJson(const DayRange &range, const std::vector<AgendaRow> &rows)
@@ -114,20 +178,25 @@ Json asJson(const DayRange &range, const std::vector<AgendaRow> &rows)
         const std::string date = isoDate(dateOf(row.day));
         if (days.empty() || days.back()["date"] != date)
         {
-            days.push_back({{"date", date}, {"appointments", Json::array()}});
+            days.push_back({{"date", date}, {"appointments", Json::array()}, {"tasks", Json::array()}});
         }
-        days.back()["appointments"].push_back(asJson(row));
+        days.back()[row.kind == AgendaKind::Task ? "tasks" : "appointments"].push_back(asJson(row));
     }
     return {{"version", jsonVersion},
             {"zone", deviceZoneName()},
             {"from", isoDate(dateOf(range.first))},
             {"to", isoDate(dateOf(range.last))},
             {"appointments", countOf(rows)},
+            {"tasks", taskCountOf(rows)},
             {"days", days}};
 }
 
 std::string timeOf(const AgendaRow &row)
 {
+    if (row.kind == AgendaKind::Task)
+    {
+        return row.isComplete ? "done" : row.isOverdue ? "overdue" : "to do";
+    }
     if (row.allDay)
     {
         return "all day";
@@ -144,8 +213,22 @@ std::string timeOf(const AgendaRow &row)
     return begins ? "from " + timeText(row.start) : ends ? "until " + timeText(row.end) : "all day long";
 }
 
-/// What stands behind the subject.
-std::string detailsOf(const AgendaRow &row)
+/// What is worth telling of a task besides its subject, on the day on which it shows.
+std::vector<std::string> taskMarks(const AgendaRow &row)
+{
+    std::vector<std::string> marks;
+    if (row.due && dayOf(*row.due) != row.day)
+    {
+        marks.push_back("due " + shortDate(dayOf(*row.due)));
+    }
+    if (row.importance != 1)
+    {
+        marks.push_back(std::string(importanceWord(row.importance)) + " importance");
+    }
+    return marks;
+}
+
+std::vector<std::string> appointmentMarks(const AgendaRow &row)
 {
     std::vector<std::string> marks;
     if (row.allDay && row.lastDay > row.firstDay)
@@ -161,16 +244,63 @@ std::string detailsOf(const AgendaRow &row)
     {
         marks.emplace_back("out of office");
     }
+    return marks;
+}
+
+std::string joined(const std::vector<std::string> &parts, const char *joint)
+{
+    std::string text;
+    for (const std::string &part : parts)
+    {
+        text += (text.empty() ? "" : joint) + part;
+    }
+    return text;
+}
+
+/// What stands behind the subject.
+std::string detailsOf(const AgendaRow &row)
+{
+    std::vector<std::string> marks = row.kind == AgendaKind::Task ? taskMarks(row) : appointmentMarks(row);
     if (row.isPrivate)
     {
         marks.emplace_back("private");
     }
-    std::string text = visibleText(row.location);
-    for (std::size_t n = 0; n < marks.size(); ++n)
+    std::vector<std::string> names;
+    for (const std::u16string &name : row.categories)
     {
-        text += (n == 0 ? (text.empty() ? "(" : " (") : ", ") + marks[n] + (n + 1 == marks.size() ? ")" : "");
+        names.push_back(visibleText(name));
     }
-    return text;
+    std::string text = visibleText(row.location);
+    text += marks.empty() ? "" : (text.empty() ? "(" : " (") + joined(marks, ", ") + ")";
+    const std::string categories = joined(names, ", ");
+    return text.empty() || categories.empty() ? text + categories : text + " · " + categories;
+}
+
+Style timeStyle(const AgendaRow &row)
+{
+    if (row.kind == AgendaKind::Task)
+    {
+        return row.isComplete ? Style::Dim : row.isOverdue ? Style::Overdue : Style::Task;
+    }
+    return row.allDay ? Style::AllDay : Style::Time;
+}
+
+std::string subjectOf(const AgendaRow &row)
+{
+    const std::string subject = visibleText(row.subject);
+    return row.priority.empty() ? subject : visibleText(row.priority) + " " + subject;
+}
+
+/// "2 appointments and 1 task".
+std::string countText(std::size_t appointments, std::size_t tasks)
+{
+    const auto count = [](std::size_t number, const std::string &what)
+    { return (number == 0 ? "no" : std::to_string(number)) + " " + what + (number == 1 ? "" : "s"); };
+    if (appointments == 0 && tasks != 0)
+    {
+        return count(tasks, "task");
+    }
+    return count(appointments, "appointment") + (tasks == 0 ? "" : " and " + count(tasks, "task"));
 }
 
 class AgendaPrinter
@@ -187,13 +317,9 @@ class AgendaPrinter
 
     void print(const DayRange &range)
     {
-        const std::size_t count = countOf(m_rows);
         const std::string days =
             shortDate(range.first) + (range.last == range.first ? "" : " – " + shortDate(range.last));
-        m_output.line(days + ": " +
-                      (count == 0   ? "no appointments"
-                       : count == 1 ? "1 appointment"
-                                    : std::to_string(count) + " appointments"));
+        m_output.line(days + ": " + countText(countOf(m_rows), taskCountOf(m_rows)));
         for (std::size_t n = 0; n < m_rows.size(); ++n)
         {
             if (n == 0 || m_rows[n].day != m_rows[n - 1].day)
@@ -216,8 +342,9 @@ class AgendaPrinter
     void printRow(const AgendaRow &row)
     {
         const std::string time = padded(timeOf(row), m_timeColumns);
-        const std::string head = "  " + m_terminal.styled(time, row.allDay ? Style::AllDay : Style::Time) + "  ";
-        const std::string subject = visibleText(row.subject);
+        const std::string mark = row.color ? m_terminal.coloured(m_terminal.hasColours() ? "▌" : " ", *row.color) : " ";
+        const std::string head = " " + mark + m_terminal.styled(time, timeStyle(row)) + "  ";
+        const std::string subject = subjectOf(row);
         const std::string details = detailsOf(row);
         const int room = std::max(m_terminal.width() - m_timeColumns - 4, narrowestText);
         const bool oneLine =
@@ -241,6 +368,21 @@ class AgendaPrinter
     int m_today;
     int m_timeColumns = 0;
 };
+
+int printAgenda(const AgendaArguments &arguments, const DayRange &range)
+{
+    const std::vector<AgendaRow> rows = loadAgenda(range.first, range.last, arguments.choice);
+    Output output;
+    if (arguments.json)
+    {
+        output.line(text(asJson(range, rows)));
+    }
+    else
+    {
+        AgendaPrinter(rows, output).print(range);
+    }
+    return output.finish() ? exitOk : exitOutput;
+}
 } // namespace
 
 int runAgenda(const AgendaArguments &arguments)
@@ -250,21 +392,15 @@ int runAgenda(const AgendaArguments &arguments)
     {
         return exitDevice;
     }
-    const std::optional<DayRange> range = arguments.fullest ? fullestWeek() : rangeOf(arguments);
-    if (!range)
+    try
     {
+        const std::optional<DayRange> range = arguments.fullest ? fullestWeek(arguments.choice) : rangeOf(arguments);
+        return range ? printAgenda(arguments, *range) : exitUsage;
+    }
+    catch (const UnknownCategory &unknown)
+    {
+        complain(unknown.what());
         return exitUsage;
     }
-    const std::vector<AgendaRow> rows = loadAppointments(range->first, range->last);
-    Output output;
-    if (arguments.json)
-    {
-        output.line(text(asJson(*range, rows)));
-    }
-    else
-    {
-        AgendaPrinter(rows, output).print(*range);
-    }
-    return output.finish() ? exitOk : exitOutput;
 }
 } // namespace zb::cli

@@ -3,10 +3,14 @@
 #include "calendar/CCalendarThread.h"
 #include "platform/clock.h"
 #include "platform/locale.h"
+#include "platform/text.h"
 #include "platform/pim.h"
 #include "platform/user.h"
+#include "records/CCategoryColor.h"
 #include "records/CeDb.h"
 #include "records/CeDbRecord.h"
+#include "records/FullCategories.h"
+#include "tasks/DATATASKS.h"
 #include "zb/days.h"
 
 #include <algorithm>
@@ -106,11 +110,80 @@ SYSTEMTIME endOf(const DATACALENDAR &row, const SYSTEMTIME &start, const std::st
     return offset && FileTimeToSystemTime(&local, &end) != FALSE ? end : timeOf(row.m_dtEnd);
 }
 
-AgendaRow rowOf(const DATACALENDAR &row, const std::string &zone)
+/// Names in a joined text, without the marks that the loader adds for birthdays.
+std::vector<std::u16string> namesIn(const WCHAR *categories)
+{
+    std::vector<std::u16string> names;
+    std::u16string_view rest = categories == nullptr ? std::u16string_view() : std::u16string_view(categories);
+    while (!rest.empty())
+    {
+        const std::size_t end = std::min(rest.find(u", "), rest.size());
+        if (end != 0 && rest.front() != u'~')
+        {
+            names.emplace_back(rest.substr(0, end));
+        }
+        rest.remove_prefix(std::min(end + 2, rest.size()));
+    }
+    return names;
+}
+
+std::optional<COLORREF> colorOf(const WCHAR *categories)
+{
+    CCategoryColor::InitCategoryColors();
+    const COLORREF color = CCategoryColor::GetCategoryColorCR(categories);
+    return color == NO_CATEGORY_COLOR ? std::nullopt : std::optional(color);
+}
+
+std::optional<SYSTEMTIME> dateOrNone(double date)
+{
+    return date == noDate ? std::nullopt : std::optional(timeOf(date));
+}
+
+AgendaRow commonOf(const DATACALENDAR &row)
 {
     AgendaRow copy;
     copy.id = row.m_oid;
     copy.day = row.m_nDay;
+    copy.categories = namesIn(row.m_pszCategories);
+    copy.color = colorOf(row.m_pszCategories);
+    return copy;
+}
+
+AgendaRow taskOf(const DATACALENDAR &row)
+{
+    const DATATASKS &task = *row.m_pTask;
+    AgendaRow copy = commonOf(row);
+    copy.kind = AgendaKind::Task;
+    copy.firstDay = row.m_nDay;
+    copy.lastDay = row.m_nDay;
+    copy.subject = textOf(task.m_pszSubject);
+    copy.due = dateOrNone(task.m_dtDue);
+    copy.begun = dateOrNone(task.m_dtStart);
+    copy.completed = dateOrNone(task.m_dtCompleted);
+    copy.isComplete = task.m_bComplete != 0;
+    copy.isOverdue = task.m_bOverdue;
+    copy.importance = task.m_nImportance;
+    copy.priority = textOf(task.m_szPriorityLetter) + textOf(task.m_szPriorityNumber);
+    copy.isPrivate = task.m_nSensitivity != 0;
+    copy.reminder = task.m_bReminder != 0;
+    copy.recurring = task.m_bRecurring != 0;
+    copy.hasNotes = task.m_bHasNotes != 0;
+    return copy;
+}
+
+AgendaKind kindOf(const DATACALENDAR &row)
+{
+    if (!row.m_bContact)
+    {
+        return AgendaKind::Appointment;
+    }
+    return textOf(row.m_pszCategories) == u"~Birthday" ? AgendaKind::Birthday : AgendaKind::Anniversary;
+}
+
+AgendaRow rowOf(const DATACALENDAR &row, const std::string &zone)
+{
+    AgendaRow copy = commonOf(row);
+    copy.kind = kindOf(row);
     // Through fields, which are rounded to the second: sums of days and minutes miss whole days by a hair.
     copy.start = timeOf(row.m_dtStart);
     copy.end = endOf(row, copy.start, zone);
@@ -127,10 +200,57 @@ AgendaRow rowOf(const DATACALENDAR &row, const std::string &zone)
     copy.reminder = row.m_bReminder != 0;
     copy.recurring = row.m_bRecurring != 0;
     copy.hasNotes = row.m_bHasNotes != 0;
-    copy.isBirthday = row.m_bContact;
     copy.subject = textOf(row.m_bstrSubject);
     copy.location = textOf(row.m_bstrLocation);
     return copy;
+}
+
+/// The list's settings with the choice on top; the store stays as it is.
+CalendarSettings settingsFor(const CalendarChoice &choice)
+{
+    CalendarSettings settings = CalendarSettings::read(CCalendarThread::DEFAULT_SETTINGS_KEY);
+    // An agenda is the list of the range, whatever a screen showed last.
+    settings.CAV_FilterAppointments = CalendarFilter::Range;
+    settings.CAV_StatusFilter = choice.status.value_or(settings.CAV_StatusFilter);
+    settings.AV_ShowTasks = choice.tasks.value_or(settings.AV_ShowTasks != 0) ? 1 : 0;
+    settings.WV_ShowTasks = settings.DV_ShowTasks = settings.MV_ShowTasks = settings.MVD_ShowTasks = 0;
+    settings.ReadBirthdays = choice.birthdays.value_or(settings.ReadBirthdays != 0) ? 1 : 0;
+    if (choice.withoutCategory || !choice.categories.empty())
+    {
+        settings.bHideCategories = static_cast<DWORD>(choice.withoutCategory ? categoriesNoneOnly
+                                                      : choice.hide          ? categoriesHide
+                                                                             : categoriesShow);
+        settings.CategoryANDOR = choice.all ? 1 : 0;
+        settings.m_bIncludeNoCat = 0;
+    }
+    return settings;
+}
+
+void chooseCategories(CCalendarThread &loader, const std::vector<std::string> &names)
+{
+    CCategoryFilterInfo *restriction = nullptr;
+    loader.GetCategoryRestrict(restriction);
+    CePtrList<CFullCategory *> known(0, CEOWN_DELETE);
+    GetFullCategoryInfo(known, true);
+    for (const std::string &name : names)
+    {
+        const std::u16string wanted = toUtf16(name);
+        bool found = false;
+        for (int n = 0; n < known.GetCount() && !found; ++n)
+        {
+            const CFullCategory &category = *known.GetAt(n);
+            found = lstrcmpiW(category.m_pszName, wanted.c_str()) == 0;
+            if (found)
+            {
+                restriction->m_pSelected->AddTail(category.Copy());
+            }
+        }
+        if (!found)
+        {
+            throw UnknownCategory("there is no category \"" + name + "\"; \"zb categories\" lists them");
+        }
+    }
+    loader.SetCategoryRestrict(false);
 }
 
 /// Local day of the start of the first record that has one, walking by `seekOn` from `id`.
@@ -152,48 +272,51 @@ std::optional<int> dayOfStart(CeDb &database, CEOID id, CEOID (CeDb::*seekOn)(DW
 }
 } // namespace
 
-void visitAppointments(int firstDay, int lastDay, const std::function<void(const DATACALENDAR &)> &take)
+void visitCalendar(int firstDay, int lastDay, const CalendarChoice &choice,
+                   const std::function<void(const DATACALENDAR &)> &take)
 {
     const HostWindow window;
     CCalendarThread loader;
     const SYSTEMTIME first = dateOf(firstDay);
     const SYSTEMTIME last = dateOf(lastDay);
     loader.m_hWndHost = window.handle();
+    loader.m_ownSettings = settingsFor(choice);
+    chooseCategories(loader, choice.categories);
     // Headers of days are this program's own; without them a long range costs nothing.
     loader.SetNoHeaderDates(true);
     loader.SetRestrict(&first, &last);
     if (loader.Start() == FALSE || !window.awaitList())
     {
-        throw std::runtime_error("the appointments could not be loaded");
+        throw std::runtime_error("the calendar could not be loaded");
     }
     loader.Stop(FALSE);
     loader.SortDataList(true);
     CePtrList<DATACALENDAR *> &list = loader.GetList();
     for (int n = list.GetBase(); n <= list.GetLastIndex(); ++n)
     {
-        const DATACALENDAR *const row = list.GetAt(n);
-        if (row->m_oid != 0 && row->m_pTask == nullptr)
-        {
-            take(*row);
-        }
+        take(*list.GetAt(n));
     }
 }
 
-std::vector<AgendaRow> loadAppointments(int firstDay, int lastDay)
+std::vector<AgendaRow> loadAgenda(int firstDay, int lastDay, const CalendarChoice &choice)
 {
     std::vector<AgendaRow> rows;
     const std::string zone = deviceZoneName();
-    visitAppointments(firstDay, lastDay,
-                      [&](const DATACALENDAR &row)
+    visitCalendar(firstDay, lastDay, choice,
+                  [&](const DATACALENDAR &row)
+                  {
+                      // Birthdays come for the whole years of the range, and long events from their first day on.
+                      if (row.m_nDay < firstDay || row.m_nDay > lastDay)
                       {
-                          AgendaRow copy = rowOf(row, zone);
-                          // The hour that a row's end is off can take it over midnight.
-                          const bool lasts = copy.day <= std::max(copy.firstDay, copy.lastDay);
-                          if (lasts && copy.day >= firstDay && copy.day <= lastDay)
-                          {
-                              rows.push_back(std::move(copy));
-                          }
-                      });
+                          return;
+                      }
+                      AgendaRow copy = row.m_pTask != nullptr ? taskOf(row) : rowOf(row, zone);
+                      // The hour that a row's end is off can take it over midnight.
+                      if (copy.day <= std::max(copy.firstDay, copy.lastDay))
+                      {
+                          rows.push_back(std::move(copy));
+                      }
+                  });
     return rows;
 }
 

@@ -1,10 +1,11 @@
-// Appointments of a range of days as the calendar loader gives them, for a program without a screen.
+// What the calendar loader gives for a range of days (appointments, birthdays, tasks), for a program without a screen.
 #pragma once
 
 #include "platform/types.h"
 
 #include <functional>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -12,10 +13,38 @@ class DATACALENDAR;
 
 namespace zb::cli
 {
-/// One appointment on one day; one that lasts over several days has a row on each.
+/// What to show where the settings of the device don't decide it.
+struct CalendarChoice
+{
+    std::vector<std::string> categories; ///< names; none: the settings' restriction without any chosen
+    bool hide = false;                   ///< those of the categories are left out instead
+    bool all = false;                    ///< all of them are needed, not one
+    bool withoutCategory = false;        ///< only what has no category at all
+    std::optional<DWORD> status;         ///< value of CAV_StatusFilter
+    std::optional<bool> tasks;
+    std::optional<bool> birthdays;
+};
+
+/// A category that the device doesn't have.
+class UnknownCategory : public std::runtime_error
+{
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+enum class AgendaKind
+{
+    Appointment,
+    Birthday, ///< of a contact
+    Anniversary,
+    Task
+};
+
+/// One appointment or task on one day; one that lasts over several days has a row on each.
 struct AgendaRow
 {
-    CEOID id = 0;
+    AgendaKind kind = AgendaKind::Appointment;
+    CEOID id = 0; ///< of the contact in a birthday
     int day = 0;      ///< that this row is for
     int firstDay = 0; ///< of the whole appointment
     int lastDay = 0;
@@ -27,19 +56,30 @@ struct AgendaRow
     bool reminder = false;
     bool recurring = false;
     bool hasNotes = false;
-    bool isBirthday = false; ///< comes from a contact, `id` is the contact's
     std::u16string subject;
     std::u16string location;
+    std::vector<std::u16string> categories;
+    std::optional<COLORREF> color; ///< of its categories, low byte red
+
+    // Of a task.
+    std::optional<SYSTEMTIME> due;
+    std::optional<SYSTEMTIME> begun;
+    std::optional<SYSTEMTIME> completed;
+    bool isComplete = false;
+    bool isOverdue = false;
+    int importance = 1; ///< 0 low, 1 normal, 2 high
+    std::u16string priority; ///< "A1"; empty without
 };
 
 /// Runs the loader over the days from first to last and hands its rows to `take`, in the order in which they show. The
 /// loader works on its own thread; this one waits and dispatches its messages. Throws std::runtime_error when the load
-/// does not come to its end.
-void visitAppointments(int firstDay, int lastDay, const std::function<void(const DATACALENDAR &)> &take);
+/// does not come to its end, UnknownCategory for a name that is none.
+void visitCalendar(int firstDay, int lastDay, const CalendarChoice &choice,
+                   const std::function<void(const DATACALENDAR &)> &take);
 
 /// Rows from the first day to the last, itself included, in the order in which they show: by day, whole days first,
-/// then by start.
-std::vector<AgendaRow> loadAppointments(int firstDay, int lastDay);
+/// then by start, then the tasks.
+std::vector<AgendaRow> loadAgenda(int firstDay, int lastDay, const CalendarChoice &choice);
 
 struct DayRange
 {

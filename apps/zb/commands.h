@@ -2,6 +2,7 @@
 // messages to standard error.
 #pragma once
 
+#include "zb/calendar_load.h"
 #include "zb/exit_code.h"
 
 #include <cstddef>
@@ -33,6 +34,7 @@ struct AgendaArguments
     std::string from; ///< as written, empty when not given
     std::string to;
     bool fullest = false;
+    CalendarChoice choice;
     bool json = false;
 };
 int runAgenda(const AgendaArguments &arguments);

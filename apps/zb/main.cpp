@@ -1,4 +1,5 @@
 // zb: the command line host. Arguments only; the commands stand in files of their own.
+#include "calendar/CalendarSettings.h"
 #include "zb/commands.h"
 #include "zb/terminal.h"
 
@@ -93,6 +94,7 @@ class CommandLine
             day->type_name("DAY")->excludes(fullest)->excludes(weekFlag);
         }
         weekFlag->excludes(fullest);
+        addAgendaChoice(*command);
         command->add_flag("--json", m_agenda.json, "Print JSON");
         command->callback(
             [this]
@@ -100,6 +102,29 @@ class CommandLine
                 m_agenda.device = m_device;
                 m_run = [this] { return runAgenda(m_agenda); };
             });
+    }
+
+    void addAgendaChoice(CLI::App &command)
+    {
+        static const std::map<std::string, DWORD> statuses = {{"free", statusFilterFree},
+                                                              {"tentative", statusFilterTentative},
+                                                              {"busy", statusFilterBusy},
+                                                              {"out", statusFilterOutOfOffice},
+                                                              {"all", statusFilterAll}};
+        CalendarChoice &choice = m_agenda.choice;
+        CLI::Option *const categories =
+            command.add_option("--category", choice.categories, "Only what has this category; may be given often")
+                ->type_name("NAME")
+                ->take_all();
+        command.add_flag("--all-of", choice.all, "Only what has all of the categories")->needs(categories);
+        command.add_flag("--hide", choice.hide, "Leave out what has them instead")->needs(categories);
+        command.add_flag("--no-category", choice.withoutCategory, "Only what has no category")->excludes(categories);
+        command.add_option("--status", choice.status, "free, tentative, busy, out (of office), all")
+            ->type_name("STATUS")
+            ->transform(CLI::CheckedTransformer(statuses));
+        command.add_flag("--tasks,!--no-tasks", choice.tasks, "With or without tasks, whatever the settings say");
+        command.add_flag("--birthdays,!--no-birthdays", choice.birthdays,
+                         "With or without birthdays and anniversaries of contacts");
     }
 
     void addInfo()

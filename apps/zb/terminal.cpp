@@ -49,6 +49,10 @@ std::string_view codeOf(Style style)
         return "\x1b[36m";
     case Style::AllDay:
         return "\x1b[33m";
+    case Style::Task:
+        return "\x1b[35m";
+    case Style::Overdue:
+        return "\x1b[1;31m";
     case Style::Dim:
         return "\x1b[2m";
     case Style::Plain:
@@ -100,6 +104,17 @@ std::string Terminal::styled(std::string_view text, Style style) const
         return std::string(text);
     }
     return std::string(codeOf(style)) + std::string(text) + "\x1b[0m";
+}
+
+std::string Terminal::coloured(std::string_view text, std::uint32_t color) const
+{
+    if (!m_colours)
+    {
+        return std::string(text);
+    }
+    char code[32];
+    std::snprintf(code, sizeof code, "\x1b[38;2;%u;%u;%um", color & 0xFFU, color >> 8U & 0xFFU, color >> 16U & 0xFFU);
+    return code + std::string(text) + "\x1b[0m";
 }
 
 std::string visibleText(std::u16string_view text)

@@ -4,6 +4,7 @@
 // to move the cursor or recolour the screen).
 #pragma once
 
+#include <cstdint>
 #include <cstdio>
 #include <string>
 #include <string_view>
@@ -17,6 +18,8 @@ enum class Style
     Today,
     Time,
     AllDay,
+    Task,
+    Overdue,
     Dim
 };
 
@@ -29,6 +32,10 @@ class Terminal
     {
         return m_isTerminal;
     }
+    bool hasColours() const
+    {
+        return m_colours;
+    }
     /// Columns; 0 when the stream is no terminal, text is then never cut.
     int width() const
     {
@@ -36,6 +43,8 @@ class Terminal
     }
     /// The text in a style; as it is where colours are off (no terminal, NO_COLOR set to anything, TERM=dumb).
     std::string styled(std::string_view text, Style style) const;
+    /// In a colour of its own, low byte red; as it is where colours are off.
+    std::string coloured(std::string_view text, std::uint32_t color) const;
 
   private:
     bool m_isTerminal;

@@ -1,5 +1,6 @@
 // The calendar loader's frame: construction, range, and the run from the first record to the last.
 #include "calendar/CCalendarThread.h"
+#include "calendar/CCalendarThread_lock.h"
 
 #include "core/CRegistry.h"
 #include "platform/clock.h"
@@ -26,32 +27,6 @@ double wholeDayOf(const SYSTEMTIME &date)
     SystemTimeToVariantTime(&date, &moment);
     return static_cast<int>(moment);
 }
-
-/// The list lock for the length of a run.
-class ListLockHold
-{
-  public:
-    explicit ListLockHold(CeCriticalSection &lock) : m_lock(&lock)
-    {
-    }
-    ListLockHold(const ListLockHold &) = delete;
-    ListLockHold &operator=(const ListLockHold &) = delete;
-    ~ListLockHold()
-    {
-        leave();
-    }
-    void leave()
-    {
-        if (m_lock != nullptr)
-        {
-            m_lock->Leave();
-            m_lock = nullptr;
-        }
-    }
-
-  private:
-    CeCriticalSection *m_lock;
-};
 } // namespace
 
 std::atomic<DWORD> CCalendarThread::s_dwTaskSort{taskSortComplete};
@@ -218,6 +193,8 @@ DWORD CCalendarThread::CalendarThreadProc(CeManualEvent *stop, CEOID oid)
     {
         return 0;
     }
+    AddTasks(stop);
+    AddContactInfo(stop);
     AddCalendarDate();
     const int published = m_list.m_nPublished;
     hold.leave();

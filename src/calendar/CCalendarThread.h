@@ -143,6 +143,29 @@ class ZBTOOLS_API CCalendarThread : public CeWorkerThread
     /// the list (unsorted, without messages). stop may be null. Returns 0.
     DWORD CalendarThreadProc(CeManualEvent *stop, CEOID oid);
 
+    /// Part of a full run: the tasks, when one of the ShowTasks settings is on in the list of the range. Those that the
+    /// list has go first. Returns the number of rows. For a thread that holds the list lock; so are the two below.
+    int AddTasks(CeManualEvent *stop);
+    /// Adds the rows of one task, which was read with the properties of SetTaskProps, at the end of the list: 0 to 3,
+    /// one for each day on which it shows. *shown tells whether it shows. `single` opens and closes the link and
+    /// journal databases for it.
+    int AddNewTask(const CeDbRecord &record, bool *shown, bool single);
+    void DeleteTasksInList();
+    /// The properties of a task as AddNewTask wants them, 12 of them; returns their number.
+    static int SetTaskProps(CEPROPID *ids);
+    /// For the host's thread: reads settings and tasks anew and sorts. 0 while a run goes on, else the number of rows.
+    int AddTasksToThread(CeManualEvent *stop);
+    /// For the host's thread: takes the tasks out and sorts; nothing while a run goes on.
+    void RemoveTasksFromThread();
+    /// Present for hosts that call it, and does nothing: headers go with the next run.
+    void DeleteDateHeadersInList()
+    {
+    }
+    /// Part of a full run: birthdays and anniversaries of the contacts, when ReadBirthdays is on and the list is none of
+    /// 2, 3 and 4. In the list of the range one row for each of its years, also where the day lies outside of it (kept:
+    /// hosts look at m_nDay); in the others one for this year. Returns the number of rows.
+    int AddContactInfo(CeManualEvent *stop);
+
     /// Part of a full run: sorts, and puts the headers of days in (for every day of the range in the list of the range,
     /// else in front of each day that has rows; rows that are there twice then go). Returns the number of headers. Only
     /// for a thread that holds the list lock; so do the two below, which do not sort.
@@ -208,6 +231,8 @@ class ZBTOOLS_API CCalendarThread : public CeWorkerThread
     void RecogniseYears();
     bool BelongsToList() const;
     void ReadLinkFlags();
+    bool HasLink(CEOID oid);
+    bool HasJournal(CEOID oid);
     const WCHAR *TextAt(int index) const;
     CEBLOB BlobAt(int index) const;
     bool FlagAt(int index) const;
@@ -233,6 +258,17 @@ class ZBTOOLS_API CCalendarThread : public CeWorkerThread
     bool fCheckDeleteExp(const zb::CalendarDay &date) const;
     void FillException(const RECUREXCEPTION &exception);
     bool OccurrenceReachesRange() const;
+
+    // Tasks and contacts (CCalendarThread_tasks.cpp, CCalendarThread_contacts.cpp).
+    class ListLockHold;
+    static bool IsStopped(CeManualEvent *stop)
+    {
+        return stop != nullptr && stop->IsSet();
+    }
+    bool ShowsTasks() const;
+    int AddContactDay(const CeDbRecord &record, int index, const WCHAR *mark);
+    DATACALENDAR *NewContactRow(const CeDbRecord &record, const SYSTEMTIME &date, int year, const WCHAR *mark) const;
+    static int YearOf(int day);
 
     // Settings (CCalendarThread_extras.cpp).
     void TakeToday();

@@ -56,11 +56,11 @@ int orderOfTasks(const DATACALENDAR &a, const DATACALENDAR &b)
 {
     const DWORD key = CCalendarThread::s_dwTaskSort.load(std::memory_order_relaxed);
     const bool descending = CCalendarThread::s_bTaskSortDescending.load(std::memory_order_relaxed);
-    int result = zb::compareTasks(a.m_pTask, b.m_pTask, key);
+    int result = zb::compareTasks(*a.m_pTask, *b.m_pTask, key);
     result = descending ? -result : result;
     if (result == 0 && key != taskSortImportance)
     {
-        result = zb::compareTasks(a.m_pTask, b.m_pTask, taskSortImportance);
+        result = zb::compareTasks(*a.m_pTask, *b.m_pTask, taskSortImportance);
     }
     return result != 0 ? result : orderOfIds(a, b);
 }

@@ -147,14 +147,18 @@ bool CCalendarThread::BelongsToList() const
 
 void CCalendarThread::ReadLinkFlags()
 {
-    if (m_pDbLinks != nullptr)
-    {
-        m_keyLinks.val.lVal = static_cast<LONG>(m_pRow->m_oid);
-        m_pRow->m_bHasLink = m_pDbLinks->SeekRec(&m_keyLinks) != 0 ? 1 : 0;
-    }
-    if (m_pDbJournal != nullptr)
-    {
-        m_keyJournal.val.lVal = static_cast<LONG>(m_pRow->m_oid);
-        m_pRow->m_bHasJournal = static_cast<LONG>(m_pDbJournal->SeekRec(&m_keyJournal)) > 0 ? 1 : 0;
-    }
+    m_pRow->m_bHasLink = HasLink(m_pRow->m_oid) ? 1 : 0;
+    m_pRow->m_bHasJournal = HasJournal(m_pRow->m_oid) ? 1 : 0;
+}
+
+bool CCalendarThread::HasLink(CEOID oid)
+{
+    m_keyLinks.val.lVal = static_cast<LONG>(oid);
+    return m_pDbLinks != nullptr && m_pDbLinks->SeekRec(&m_keyLinks) != 0;
+}
+
+bool CCalendarThread::HasJournal(CEOID oid)
+{
+    m_keyJournal.val.lVal = static_cast<LONG>(oid);
+    return m_pDbJournal != nullptr && static_cast<LONG>(m_pDbJournal->SeekRec(&m_keyJournal)) > 0;
 }

@@ -1,9 +1,9 @@
 // Calendar rows: their first values, release and copy.
 #include "calendar/DATACALENDAR.h"
 
-#include "calendar/CalendarTasks.h"
 #include "core/bstrtools.h"
 #include "platform/text.h"
+#include "tasks/DATATASKS.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -38,7 +38,7 @@ DATACALENDAR::~DATACALENDAR()
 
 void DATACALENDAR::releaseOwned()
 {
-    zb::releaseTask(m_pTask);
+    delete m_pTask;
     // Freed by the platform's call: FreeBSTR leaves alone what counts as empty, and rows own their empty texts too.
     SysFreeString(m_bstrSubject);
     SysFreeString(m_bstrLocation);

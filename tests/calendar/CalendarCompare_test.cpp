@@ -2,6 +2,7 @@
 #include "calendar/CalendarTest.h"
 
 #include "core/bstrtools.h"
+#include "tasks/DATATASKS.h"
 
 namespace
 {
@@ -22,8 +23,9 @@ struct Row
     }
     void makeTask()
     {
-        row.m_pTask = reinterpret_cast<DATATASKS *>(&row);
+        row.m_pTask = &task;
     }
+    DATATASKS task;
     DATACALENDAR row;
     DATACALENDAR *pointer;
 };
