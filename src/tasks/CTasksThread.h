@@ -55,6 +55,7 @@
 #include <atomic>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -117,6 +118,10 @@ class ZBTOOLS_API CTasksThread : public CeWorkerThread
 
     /// Where the messages go; null sends none.
     HWND m_hWndHost = nullptr;
+
+    /// Settings of a host for this list alone; the store is then neither read nor written for them. Without them, the
+    /// usual case, SettingChange and SortDataList read those of the store.
+    std::optional<TaskListSettings> m_ownSettings;
 
     /// The key of this list's settings, at most 260 characters; counts from the next SettingChange on.
     void Override(const WCHAR *path);
@@ -363,6 +368,7 @@ class ZBTOOLS_API CTasksThread : public CeWorkerThread
     bool StateValueName(const DATATASKS &header, std::u16string &name) const;
 
     // Sorting (CTasksThread_sort.cpp).
+    TaskListSettings SortKeysOfStore() const;
     void ReadSortKeys();
     static ListCompare CompareOf(ULONG key);
     ListCompare GroupCompare() const;

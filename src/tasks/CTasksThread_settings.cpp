@@ -16,12 +16,6 @@ std::u16string localeText(LCTYPE item)
     GetLocaleInfoW(LOCALE_USER_DEFAULT, item, text.data(), static_cast<int>(text.size()));
     return text.data();
 }
-
-ULONG valueOr(const CRegistry &key, const WCHAR *name, ULONG value)
-{
-    key.QueryValue(name, &value);
-    return value;
-}
 } // namespace
 
 void CTasksThread::Override(const WCHAR *path)
@@ -35,23 +29,23 @@ void CTasksThread::Override(const WCHAR *path)
 
 void CTasksThread::SettingChange()
 {
-    CRegistry key;
-    key.OpenKey(HKEY_CURRENT_USER, m_szKey.c_str());
-    m_nFilterRule = static_cast<int>(valueOr(key, u"TV_FilterData", taskRuleAll));
-    m_bShowPrivate = valueOr(key, u"TV_ShowPrivate", 1);
-    m_nFilterPriority = valueOr(key, u"TV_FilterPriority", taskPriorityAll);
-    m_nDaysFuture = static_cast<LONG>(valueOr(key, u"TV_DaysFuture", taskDaysUnlimited));
-    m_categoryRestrict.bHideCategories = static_cast<LONG>(valueOr(key, u"bHideCategories", categoriesShow));
-    m_categoryRestrict.m_bIncludeNoCat = valueOr(key, u"m_bIncludeNoCat", 0);
-    m_categoryRestrict.CategoryANDOR = valueOr(key, u"CategoryANDOR", 0);
-    m_bShowCompleted = valueOr(key, u"bShowCompleted", 0) != 0;
-    m_bShowUndated = valueOr(key, u"bShowUndated", 1) != 0;
-    m_nGroupBy = static_cast<TaskGrouping>(valueOr(key, u"GroupBy", taskGroupNone));
+    const TaskListSettings settings = m_ownSettings ? *m_ownSettings : TaskListSettings::read(m_szKey.c_str());
+    m_nFilterRule = static_cast<int>(settings.TV_FilterData);
+    m_bShowPrivate = settings.TV_ShowPrivate;
+    m_nFilterPriority = settings.TV_FilterPriority;
+    m_nDaysFuture = static_cast<LONG>(settings.TV_DaysFuture);
+    m_categoryRestrict.bHideCategories = static_cast<LONG>(settings.bHideCategories);
+    m_categoryRestrict.m_bIncludeNoCat = settings.m_bIncludeNoCat;
+    m_categoryRestrict.CategoryANDOR = settings.CategoryANDOR;
+    m_bShowCompleted = settings.bShowCompleted != 0;
+    m_bShowUndated = settings.bShowUndated != 0;
+    m_nGroupBy = static_cast<TaskGrouping>(settings.GroupBy);
     if (m_nGroupBy == taskGroupCompletion || m_nGroupBy == taskGroupPriorityManager)
     {
         m_bShowCompleted = m_nGroupBy == taskGroupCompletion;
     }
     m_bExpandAll = false;
+    CRegistry key;
     m_bHeadings = key.Exists(HKEY_CURRENT_USER, HEADINGS_KEY) && key.OpenKey(HKEY_CURRENT_USER, HEADINGS_KEY) == 0 &&
                   key.ValueCount() > 0;
     TakeToday();

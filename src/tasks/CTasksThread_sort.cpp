@@ -8,24 +8,34 @@
 
 namespace
 {
-ULONG readOrWriteBack(CRegistry &key, const WCHAR *name, ULONG value)
+void readOrWriteBack(CRegistry &key, const WCHAR *name, ULONG &value)
 {
     if (key.QueryValue(name, &value) != 0)
     {
         key.SetValue(name, value);
     }
-    return value;
 }
 } // namespace
 
-void CTasksThread::ReadSortKeys()
+TaskListSettings CTasksThread::SortKeysOfStore() const
 {
+    TaskListSettings settings;
     CRegistry key;
     key.OpenKey(HKEY_CURRENT_USER, m_szKey.c_str());
-    m_sort.first = readOrWriteBack(key, u"TV_Sort0", taskSortPriority);
-    m_sort.second = readOrWriteBack(key, u"TV_Sort1", taskSortSubjectSecond);
-    m_sort.firstDescending = readOrWriteBack(key, u"TV_SortDescending0", 0) != 0;
-    m_sort.secondDescending = readOrWriteBack(key, u"TV_SortDescending1", 0) != 0;
+    readOrWriteBack(key, u"TV_Sort0", settings.TV_Sort0);
+    readOrWriteBack(key, u"TV_Sort1", settings.TV_Sort1);
+    readOrWriteBack(key, u"TV_SortDescending0", settings.TV_SortDescending0);
+    readOrWriteBack(key, u"TV_SortDescending1", settings.TV_SortDescending1);
+    return settings;
+}
+
+void CTasksThread::ReadSortKeys()
+{
+    const TaskListSettings settings = m_ownSettings ? *m_ownSettings : SortKeysOfStore();
+    m_sort.first = settings.TV_Sort0;
+    m_sort.second = settings.TV_Sort1;
+    m_sort.firstDescending = settings.TV_SortDescending0 != 0;
+    m_sort.secondDescending = settings.TV_SortDescending1 != 0;
     if (m_nGroupBy == taskGroupPriorityManager)
     {
         m_sort.first = taskSortManual;

@@ -2,6 +2,7 @@
 // by. Filter rules and sort keys are the numbers of the host's menu commands.
 #pragma once
 
+#include "core/api.h"
 #include "platform/types.h"
 
 /// TV_FilterData.
@@ -47,6 +48,30 @@ inline constexpr ULONG taskSortPrioritySecond = 42139;
 inline constexpr ULONG taskSortCompletionSecond = 42140;
 inline constexpr ULONG taskSortLetterSecond = 42355;
 inline constexpr ULONG taskSortCategorySecond = 42359;
+
+/// The settings of one task list, with the values that hold when the store has none. Fields carry the names under which
+/// they are stored.
+struct TaskListSettings
+{
+    ULONG TV_FilterData = taskRuleAll;
+    ULONG TV_ShowPrivate = 1; ///< kept; nothing tests it
+    ULONG TV_FilterPriority = taskPriorityAll;
+    ULONG TV_DaysFuture = taskDaysUnlimited; ///< days ahead of taskRuleDaysAhead
+    ULONG bHideCategories = 0;
+    ULONG m_bIncludeNoCat = 0;
+    ULONG CategoryANDOR = 0;
+    ULONG bShowCompleted = 0; ///< always on when grouped by completion, always off in the priority manager
+    ULONG bShowUndated = 1;
+    ULONG GroupBy = taskGroupNone;
+    // Sorting; these four are written back when the store lacks them at a sort.
+    ULONG TV_Sort0 = taskSortPriority;
+    ULONG TV_Sort1 = taskSortSubjectSecond;
+    ULONG TV_SortDescending0 = 0;
+    ULONG TV_SortDescending1 = 0;
+
+    /// What the store holds now under a key of HKEY_CURRENT_USER; what can't be read has its default. Any thread.
+    static ZBTOOLS_API TaskListSettings read(const WCHAR *key);
+};
 
 /// What the orders of task rows go by. Each loader has one and hands it to the comparators as the user word, so two
 /// loaders may sort at the same moment.
