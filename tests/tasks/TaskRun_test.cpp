@@ -1,0 +1,338 @@
+// A load on the worker thread: its messages and their order, stopping, killing, the lock, and what fails.
+#include "platform/pim.h"
+#include "support/MessageWindow.h"
+#include "support/PropertyRecords.h"
+#include "tasks/TaskListTest.h"
+
+#include <atomic>
+#include <chrono>
+#include <thread>
+
+namespace
+{
+using namespace zb::test;
+
+struct Message
+{
+    UINT number;
+    WPARAM wParam;
+    LPARAM lParam;
+    bool operator==(const Message &) const = default;
+};
+
+std::ostream &operator<<(std::ostream &stream, const Message &message)
+{
+    return stream << message.number << " (" << message.wParam << ", " << message.lParam << ")";
+}
+
+class TaskRun : public TaskListTest
+{
+  protected:
+    TaskRun()
+    {
+        window = windowClass.make(&procedure);
+        loader().m_hWndHost = window;
+    }
+    ~TaskRun() override
+    {
+        loader().Stop(TRUE);
+        DestroyWindow(window);
+    }
+    bool waitFor(UINT number)
+    {
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        while (std::chrono::steady_clock::now() < deadline)
+        {
+            drainMessages();
+            for (const Message &message : messages)
+            {
+                if (message.number == number)
+                {
+                    return true;
+                }
+            }
+            MsgWaitForMultipleObjectsEx(0, nullptr, 20, QS_ALLINPUT, 0);
+        }
+        return false;
+    }
+    void addMany(int count)
+    {
+        zb::BulkWrite bulk;
+        for (int i = 0; i < count; ++i)
+        {
+            addTask({.subject = utf16("task " + std::to_string(10'000 + i))});
+        }
+        bulk.commit();
+    }
+
+    MessageWindowClass windowClass{u"TaskListHost"};
+    std::vector<Message> messages;
+    std::function<void(UINT)> onMessage;
+    Procedure procedure = [this](HWND handle, UINT number, WPARAM wParam, LPARAM lParam) -> LRESULT
+    {
+        if (number == 32802 || number == 1274 || number == 32803)
+        {
+            messages.push_back({number, wParam, lParam});
+            if (onMessage)
+            {
+                onMessage(number);
+            }
+            return 0;
+        }
+        return DefWindowProcW(handle, number, wParam, lParam);
+    };
+    HWND window = nullptr;
+};
+
+TEST_F(TaskRun, tellsItsBeginTheListAndItsEnd)
+{
+    addTask({.subject = u"a"});
+    addTask({.subject = u"b"});
+    int displayed = -1;
+    onMessage = [&](UINT number)
+    {
+        if (number == 1274)
+        {
+            displayed = loader().GetList().GetDisplayCount();
+        }
+    };
+    loader().Start();
+    ASSERT_TRUE(waitFor(32803));
+    EXPECT_EQ(messages, (std::vector<Message>{{32802, 0, 0}, {1274, 1, 2}, {32803, 0, 0}}));
+    EXPECT_EQ(displayed, 2);
+    EXPECT_EQ(shown(), "a, b");
+    loader().WaitForComplete();
+    EXPECT_FALSE(loader().IsBusy());
+}
+
+TEST_F(TaskRun, theListBelongsToTheHostWhileItHandlesTheMessage)
+{
+    // The message is sent: the worker waits until the host has taken the list over.
+    const CEOID oid = addTask({.subject = u"a"});
+    std::string rowsInside;
+    onMessage = [&](UINT number)
+    {
+        if (number == 1274)
+        {
+            changeTask(oid, {.subject = u"b"});
+            live(oid, 1);
+            rowsInside = rows();
+        }
+    };
+    loader().Start();
+    ASSERT_TRUE(waitFor(32803));
+    EXPECT_EQ(rowsInside, "b");
+}
+
+TEST_F(TaskRun, theCountOfTheMessageIsThatOfTheRowsThatShow)
+{
+    addTask({.subject = u"a"});
+    groupBy(taskGroupImportance);
+    loader().Start();
+    ASSERT_TRUE(waitFor(32803));
+    EXPECT_EQ(messages[1], (Message{1274, 1, 3}));
+}
+
+TEST_F(TaskRun, aSecondStartLoadsAnew)
+{
+    addTask({.subject = u"a"});
+    loader().Start();
+    ASSERT_TRUE(waitFor(32803));
+    addTask({.subject = u"b"});
+    messages.clear();
+    loader().Start();
+    ASSERT_TRUE(waitFor(32803));
+    EXPECT_EQ(shown(), "a, b");
+}
+
+TEST_F(TaskRun, aLoadOnTheCallersThreadSendsOnlyTheList)
+{
+    addTask({.subject = u"a"});
+    load();
+    EXPECT_EQ(messages, (std::vector<Message>{{1274, 1, 1}}));
+}
+
+TEST_F(TaskRun, aStopWhileTheHostIsToldOfTheBeginningLeavesOutTheList)
+{
+    addMany(2000);
+    loader().Start();
+    // The host is asked to stop before it has dispatched anything; the run may be anywhere.
+    loader().Stop(TRUE);
+    drainMessages();
+    for (const Message &message : messages)
+    {
+        EXPECT_TRUE(message == (Message{32802, 0, 0}) || message == (Message{32803, 0, 0}) || message.number == 1274);
+    }
+    const auto has = [&](UINT number) {
+        return std::any_of(messages.begin(), messages.end(),
+                           [&](const Message &each) { return each.number == number; });
+    };
+    EXPECT_EQ(has(32802), has(32803));
+    messages.clear();
+    loader().Start();
+    ASSERT_TRUE(waitFor(32803)) << "the next run is not held up by the one that was stopped";
+    EXPECT_EQ(loader().GetList().GetDisplayCount(), 2000);
+}
+
+TEST_F(TaskRun, anEventThatIsNotSetCancelsBeforeTheFirstRecord)
+{
+    addTask({.subject = u"a"});
+    load();
+    messages.clear();
+    CeManualEvent run(false);
+    EXPECT_EQ(loader().TasksThreadProc(&run), 0U);
+    EXPECT_TRUE(messages.empty());
+    EXPECT_EQ(rows(), "");
+    EXPECT_EQ(loader().GetList().GetDisplayCount(), 0);
+    EXPECT_FALSE(loader().IsBusy());
+    run.Set();
+    EXPECT_EQ(loader().TasksThreadProc(&run), 0U);
+    EXPECT_EQ(messages, (std::vector<Message>{{1274, 1, 1}}));
+    EXPECT_EQ(shown(), "a");
+}
+
+TEST_F(TaskRun, aClosedEventCancels)
+{
+    addTask({.subject = u"a"});
+    CeManualEvent run(true);
+    run.Close();
+    loader().TasksThreadProc(&run);
+    EXPECT_TRUE(messages.empty());
+    EXPECT_EQ(rows(), "");
+}
+
+/// Loads on a thread of its own; the event is cleared as soon as the first records have been read.
+TEST_F(TaskRun, aCancelledLoadKeepsTheRowsReadSoFarAndShowsNone)
+{
+    addMany(5000);
+    bool cut = false;
+    for (int attempt = 0; attempt < 50 && !cut; ++attempt)
+    {
+        messages.clear();
+        CeManualEvent run(true);
+        std::atomic<bool> ended = false;
+        std::thread worker(
+            [&]
+            {
+                loader().TasksThreadProc(&run);
+                ended = true;
+            });
+        std::this_thread::sleep_for(std::chrono::milliseconds(5 + attempt * 3));
+        run.Reset();
+        while (!ended)
+        {
+            drainMessages(); // a load that got to its end sends its message
+        }
+        worker.join();
+        const int read = loader().GetList().GetCount();
+        cut = read > 0 && read < 5000;
+        if (cut)
+        {
+            EXPECT_EQ(read % 25, 0) << "the event is looked at once in 25 records";
+            EXPECT_EQ(loader().GetList().GetDisplayCount(), 0);
+            EXPECT_TRUE(messages.empty());
+        }
+    }
+    EXPECT_TRUE(cut);
+    load();
+    EXPECT_EQ(loader().GetList().GetDisplayCount(), 5000);
+}
+
+TEST_F(TaskRun, aLoadThatMeetsAnotherGivesUp)
+{
+    addTask({.subject = u"a"});
+    load();
+    messages.clear();
+    addTask({.subject = u"b"});
+    std::thread other([&] { loader().GetListLock().Enter(); });
+    other.join();
+    EXPECT_EQ(loader().TasksThreadProc(nullptr), 0U);
+    EXPECT_TRUE(messages.empty());
+    EXPECT_EQ(shown(), "a");
+}
+
+TEST_F(TaskRun, withoutTheDatabaseTheListIsEmptyAndStillTold)
+{
+    addTask({.subject = u"a"});
+    load();
+    messages.clear();
+    CEOID oid = 0;
+    CloseHandle(CeOpenDatabase(&oid, u"Tasks Database", 0, 0, nullptr));
+    ASSERT_NE(CeDeleteDatabase(oid), FALSE);
+    loader().TasksThreadProc(nullptr);
+    EXPECT_EQ(messages, (std::vector<Message>{{1274, 1, 0}}));
+    EXPECT_EQ(rows(), "");
+    EXPECT_EQ(loader().GetCounts().total, 0);
+    EXPECT_EQ(loader().GetCounts().shown, 0);
+}
+
+TEST_F(TaskRun, aDatabaseWithoutTheOrderOfSubjectsIsReadInTheOrderItHas)
+{
+    CEOID oid = 0;
+    CloseHandle(CeOpenDatabase(&oid, u"Tasks Database", 0, 0, nullptr));
+    ASSERT_NE(CeDeleteDatabase(oid), FALSE);
+    const SORTORDERSPEC byDue{0x41050040, 0};
+    ASSERT_NE(CeCreateDatabase(u"Tasks Database", 0, 1, &byDue), 0U);
+    addTask({.subject = u"b"});
+    addTask({.subject = u"a"});
+    EXPECT_EQ(load(), "a, b");
+}
+
+TEST_F(TaskRun, withoutHostNobodyIsTold)
+{
+    addTask({.subject = u"a"});
+    loader().m_hWndHost = nullptr;
+    loader().Start();
+    loader().WaitForComplete();
+    EXPECT_TRUE(messages.empty());
+    EXPECT_EQ(shown(), "a");
+}
+
+TEST_F(TaskRun, aHostThatIsBusyForTooLongGetsItsLoaderKilledAndCanLoadAgain)
+{
+    addTask({.subject = u"a"});
+    CTasksThread &list = loader();
+    list.Start();
+    // The worker waits for an answer to 1274 that never comes while this thread pumps nothing.
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    list.Kill(1);
+    ASSERT_TRUE(waitFor(32803));
+    messages.clear();
+    EXPECT_EQ(load(), "a") << "the lock was given back";
+}
+
+TEST_F(TaskRun, aLoadKilledInItsMiddleHoldsUpNoLaterOne)
+{
+    addMany(5000);
+    for (int attempt = 0; attempt < 5; ++attempt)
+    {
+        messages.clear();
+        loader().Start();
+        std::this_thread::sleep_for(std::chrono::milliseconds(5 + 10 * attempt));
+        loader().Kill(1);
+        ASSERT_TRUE(waitFor(32803));
+        load();
+        ASSERT_EQ(loader().GetList().GetDisplayCount(), 5000);
+    }
+}
+
+TEST_F(TaskRun, moreThan65535RecordsAreReadToTheEnd)
+{
+    constexpr int count = 66'000;
+    CEOID database = 0;
+    const HANDLE handle = CeOpenDatabase(&database, u"Tasks Database", 0, 0, nullptr);
+    zb::BulkWrite bulk;
+    for (int i = 0; i < count; ++i)
+    {
+        const std::u16string subject = utf16("task " + std::to_string(100'000 + i));
+        const CEPROPVAL value = textValue(0x0037001f, subject);
+        CeWriteRecordProps(handle, 0, 1, &value);
+    }
+    bulk.commit();
+    CloseHandle(handle);
+    load();
+    EXPECT_EQ(loader().GetList().GetDisplayCount(), count);
+    EXPECT_EQ(loader().GetCounts().total, count);
+    EXPECT_EQ(describe(*loader().GetList().GetTail()), "task " + std::to_string(100'000 + count - 1));
+}
+} // namespace
