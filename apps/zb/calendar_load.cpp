@@ -5,13 +5,12 @@
 #include "platform/locale.h"
 #include "platform/text.h"
 #include "platform/pim.h"
-#include "platform/user.h"
-#include "records/CCategoryColor.h"
 #include "records/CeDb.h"
 #include "records/CeDbRecord.h"
-#include "records/FullCategories.h"
 #include "tasks/DATATASKS.h"
 #include "zb/days.h"
+#include "zb/loader_window.h"
+#include "zb/task_list_load.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -20,61 +19,7 @@ namespace zb::cli
 {
 namespace
 {
-constexpr const WCHAR *windowClass = u"ZBCOMMANDHOST";
 constexpr int daysOfYear = 366;
-
-/// A window without a screen, for the loader's messages.
-class HostWindow
-{
-  public:
-    HostWindow()
-    {
-        WNDCLASSW description{};
-        description.lpfnWndProc = DefWindowProcW;
-        description.lpszClassName = windowClass;
-        RegisterClassW(&description);
-        m_window = CreateWindowExW(0, windowClass, u"", 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
-        if (m_window == nullptr)
-        {
-            throw std::runtime_error("no window for the calendar loader");
-        }
-    }
-    ~HostWindow()
-    {
-        DestroyWindow(m_window);
-        UnregisterClassW(windowClass, nullptr);
-    }
-    HostWindow(const HostWindow &) = delete;
-    HostWindow &operator=(const HostWindow &) = delete;
-
-    HWND handle() const
-    {
-        return m_window;
-    }
-
-    /// Dispatches messages until the loader is done; true when it told a complete list before.
-    bool awaitList() const
-    {
-        bool complete = false;
-        MSG message{};
-        while (GetMessageW(&message, nullptr, 0, 0) > 0)
-        {
-            if (message.hwnd == m_window && message.message == loaderListComplete)
-            {
-                complete = true;
-            }
-            if (message.hwnd == m_window && message.message == loaderDone)
-            {
-                return complete;
-            }
-            DispatchMessageW(&message);
-        }
-        return false;
-    }
-
-  private:
-    HWND m_window;
-};
 
 SYSTEMTIME timeOf(double date)
 {
@@ -110,30 +55,6 @@ SYSTEMTIME endOf(const DATACALENDAR &row, const SYSTEMTIME &start, const std::st
     return offset && FileTimeToSystemTime(&local, &end) != FALSE ? end : timeOf(row.m_dtEnd);
 }
 
-/// Names in a joined text, without the marks that the loader adds for birthdays.
-std::vector<std::u16string> namesIn(const WCHAR *categories)
-{
-    std::vector<std::u16string> names;
-    std::u16string_view rest = categories == nullptr ? std::u16string_view() : std::u16string_view(categories);
-    while (!rest.empty())
-    {
-        const std::size_t end = std::min(rest.find(u", "), rest.size());
-        if (end != 0 && rest.front() != u'~')
-        {
-            names.emplace_back(rest.substr(0, end));
-        }
-        rest.remove_prefix(std::min(end + 2, rest.size()));
-    }
-    return names;
-}
-
-std::optional<COLORREF> colorOf(const WCHAR *categories)
-{
-    CCategoryColor::InitCategoryColors();
-    const COLORREF color = CCategoryColor::GetCategoryColorCR(categories);
-    return color == NO_CATEGORY_COLOR ? std::nullopt : std::optional(color);
-}
-
 std::optional<SYSTEMTIME> dateOrNone(double date)
 {
     return date == noDate ? std::nullopt : std::optional(timeOf(date));
@@ -144,8 +65,8 @@ AgendaRow commonOf(const DATACALENDAR &row)
     AgendaRow copy;
     copy.id = row.m_oid;
     copy.day = row.m_nDay;
-    copy.categories = namesIn(row.m_pszCategories);
-    copy.color = colorOf(row.m_pszCategories);
+    copy.categories = categoryNames(row.m_pszCategories);
+    copy.color = categoriesColor(row.m_pszCategories);
     return copy;
 }
 
@@ -215,42 +136,13 @@ CalendarSettings settingsFor(const CalendarChoice &choice)
     settings.AV_ShowTasks = choice.tasks.value_or(settings.AV_ShowTasks != 0) ? 1 : 0;
     settings.WV_ShowTasks = settings.DV_ShowTasks = settings.MV_ShowTasks = settings.MVD_ShowTasks = 0;
     settings.ReadBirthdays = choice.birthdays.value_or(settings.ReadBirthdays != 0) ? 1 : 0;
-    if (choice.withoutCategory || !choice.categories.empty())
+    if (choice.categories.isMade())
     {
-        settings.bHideCategories = static_cast<DWORD>(choice.withoutCategory ? categoriesNoneOnly
-                                                      : choice.hide          ? categoriesHide
-                                                                             : categoriesShow);
-        settings.CategoryANDOR = choice.all ? 1 : 0;
+        settings.bHideCategories = static_cast<DWORD>(choice.categories.mode());
+        settings.CategoryANDOR = choice.categories.all ? 1 : 0;
         settings.m_bIncludeNoCat = 0;
     }
     return settings;
-}
-
-void chooseCategories(CCalendarThread &loader, const std::vector<std::string> &names)
-{
-    CCategoryFilterInfo *restriction = nullptr;
-    loader.GetCategoryRestrict(restriction);
-    CePtrList<CFullCategory *> known(0, CEOWN_DELETE);
-    GetFullCategoryInfo(known, true);
-    for (const std::string &name : names)
-    {
-        const std::u16string wanted = toUtf16(name);
-        bool found = false;
-        for (int n = 0; n < known.GetCount() && !found; ++n)
-        {
-            const CFullCategory &category = *known.GetAt(n);
-            found = lstrcmpiW(category.m_pszName, wanted.c_str()) == 0;
-            if (found)
-            {
-                restriction->m_pSelected->AddTail(category.Copy());
-            }
-        }
-        if (!found)
-        {
-            throw UnknownCategory("there is no category \"" + name + "\"; \"zb categories\" lists them");
-        }
-    }
-    loader.SetCategoryRestrict(false);
 }
 
 /// Local day of the start of the first record that has one, walking by `seekOn` from `id`.
@@ -275,13 +167,16 @@ std::optional<int> dayOfStart(CeDb &database, CEOID id, CEOID (CeDb::*seekOn)(DW
 void visitCalendar(int firstDay, int lastDay, const CalendarChoice &choice,
                    const std::function<void(const DATACALENDAR &)> &take)
 {
-    const HostWindow window;
+    LoaderWindow window;
     CCalendarThread loader;
     const SYSTEMTIME first = dateOf(firstDay);
     const SYSTEMTIME last = dateOf(lastDay);
     loader.m_hWndHost = window.handle();
     loader.m_ownSettings = settingsFor(choice);
-    chooseCategories(loader, choice.categories);
+    CCategoryFilterInfo *restriction = nullptr;
+    loader.GetCategoryRestrict(restriction);
+    selectCategories(choice.categories, *restriction);
+    loader.SetCategoryRestrict(false);
     // Headers of days are this program's own; without them a long range costs nothing.
     loader.SetNoHeaderDates(true);
     loader.SetRestrict(&first, &last);

@@ -2,10 +2,10 @@
 #pragma once
 
 #include "platform/types.h"
+#include "zb/category_choice.h"
 
 #include <functional>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -16,20 +16,10 @@ namespace zb::cli
 /// What to show where the settings of the device don't decide it.
 struct CalendarChoice
 {
-    std::vector<std::string> categories; ///< names; none: the settings' restriction without any chosen
-    bool hide = false;                   ///< those of the categories are left out instead
-    bool all = false;                    ///< all of them are needed, not one
-    bool withoutCategory = false;        ///< only what has no category at all
-    std::optional<DWORD> status;         ///< value of CAV_StatusFilter
+    CategoryChoice categories;
+    std::optional<DWORD> status; ///< value of CAV_StatusFilter
     std::optional<bool> tasks;
     std::optional<bool> birthdays;
-};
-
-/// A category that the device doesn't have.
-class UnknownCategory : public std::runtime_error
-{
-  public:
-    using std::runtime_error::runtime_error;
 };
 
 enum class AgendaKind

@@ -4,6 +4,7 @@
 
 #include "zb/calendar_load.h"
 #include "zb/exit_code.h"
+#include "zb/task_list_load.h"
 
 #include <cstddef>
 #include <filesystem>
@@ -38,6 +39,15 @@ struct AgendaArguments
     bool json = false;
 };
 int runAgenda(const AgendaArguments &arguments);
+
+struct TasksArguments
+{
+    std::filesystem::path device;
+    TaskListChoice choice;
+    std::string day; ///< as written, empty when not given
+    bool json = false;
+};
+int runTasks(const TasksArguments &arguments);
 
 struct InfoArguments
 {

@@ -30,6 +30,7 @@ class CommandLine
         addInit();
         addImport();
         addAgenda();
+        addTasks();
         addInfo();
         addDump();
         addSettings();
@@ -104,6 +105,17 @@ class CommandLine
             });
     }
 
+    static void addCategoryChoice(CLI::App &command, CategoryChoice &choice)
+    {
+        CLI::Option *const names =
+            command.add_option("--category", choice.names, "Only what has this category; may be given several times")
+                ->type_name("NAME")
+                ->take_all();
+        command.add_flag("--all-of", choice.all, "Only what has all of the categories")->needs(names);
+        command.add_flag("--hide", choice.hide, "Leave out what has them instead")->needs(names);
+        command.add_flag("--no-category", choice.withoutCategory, "Only what has no category")->excludes(names);
+    }
+
     void addAgendaChoice(CLI::App &command)
     {
         static const std::map<std::string, DWORD> statuses = {{"free", statusFilterFree},
@@ -112,19 +124,61 @@ class CommandLine
                                                               {"out", statusFilterOutOfOffice},
                                                               {"all", statusFilterAll}};
         CalendarChoice &choice = m_agenda.choice;
-        CLI::Option *const categories =
-            command.add_option("--category", choice.categories, "Only what has this category; may be given often")
-                ->type_name("NAME")
-                ->take_all();
-        command.add_flag("--all-of", choice.all, "Only what has all of the categories")->needs(categories);
-        command.add_flag("--hide", choice.hide, "Leave out what has them instead")->needs(categories);
-        command.add_flag("--no-category", choice.withoutCategory, "Only what has no category")->excludes(categories);
+        addCategoryChoice(command, choice.categories);
         command.add_option("--status", choice.status, "free, tentative, busy, out (of office), all")
             ->type_name("STATUS")
             ->transform(CLI::CheckedTransformer(statuses));
         command.add_flag("--tasks,!--no-tasks", choice.tasks, "With or without tasks, whatever the settings say");
         command.add_flag("--birthdays,!--no-birthdays", choice.birthdays,
                          "With or without birthdays and anniversaries of contacts");
+    }
+
+    void addTasks()
+    {
+        static const std::map<std::string, ULONG> groupings = {
+            {"none", taskGroupNone},         {"category", taskGroupCategory},     {"importance", taskGroupImportance},
+            {"priority", taskGroupLetter},   {"progress", taskGroupProgress},     {"completion", taskGroupCompletion},
+            {"due", taskGroupDueDate},       {"manager", taskGroupPriorityManager}};
+        static const std::map<std::string, ULONG> rules = {
+            {"all", taskRuleAll},           {"today", taskRuleDueByToday}, {"overdue", taskRuleOverdue},
+            {"undated", taskRuleNoDates},   {"active", taskRuleActive},    {"tomorrow", taskRuleByTomorrow},
+            {"complete", taskRuleComplete}, {"ahead", taskRuleDaysAhead}};
+        static const std::map<std::string, ULONG> importances = {{"low", 0}, {"normal", 1}, {"high", 2}};
+        CLI::App *const command = m_app.add_subcommand("tasks", "Print the tasks");
+        TaskListChoice &choice = m_tasks.choice;
+        CLI::Option *const group =
+            command->add_option("--group", choice.grouping,
+                                "none, category, importance, priority (letter), progress, completion, due, manager");
+        group->type_name("GROUPING")->transform(CLI::CheckedTransformer(groupings));
+        command->add_flag_callback("--tree", [this] { m_tasks.choice.grouping = taskGroupTree; }, "Nested as they belong")
+            ->excludes(group);
+        command
+            ->add_option("--sort", choice.sort,
+                         "subject, due, start, importance, completion, priority, category; two with a comma between, "
+                         "- in front for descending (--sort=-due,subject)")
+            ->type_name("KEYS")
+            ->delimiter(',')
+            ->expected(1, 2);
+        CLI::Option *const filter = command->add_option(
+            "--filter", choice.rule, "all, today, overdue, undated, active, tomorrow, complete, ahead (see --days)");
+        filter->type_name("FILTER")->transform(CLI::CheckedTransformer(rules));
+        command->add_option("--days", choice.daysAhead, "Days ahead of --filter ahead")
+            ->type_name("N")
+            ->check(CLI::Range(0, static_cast<int>(taskDaysUnlimited)));
+        command->add_option("--on", m_tasks.day, "Only what is due or starts on this day")->type_name("DAY");
+        command->add_option("--importance", choice.importance, "Only low, normal or high")
+            ->type_name("IMPORTANCE")
+            ->transform(CLI::CheckedTransformer(importances));
+        command->add_flag("--completed,!--no-completed", choice.completed, "With or without completed tasks");
+        command->add_flag("--undated,!--no-undated", choice.undated, "With or without tasks that have no due date");
+        addCategoryChoice(*command, choice.categories);
+        command->add_flag("--json", m_tasks.json, "Print JSON");
+        command->callback(
+            [this]
+            {
+                m_tasks.device = m_device;
+                m_run = [this] { return runTasks(m_tasks); };
+            });
     }
 
     void addInfo()
@@ -244,6 +298,7 @@ class CommandLine
     ImportArguments m_import;
     AgendaArguments m_agenda;
     bool m_week = false;
+    TasksArguments m_tasks;
     InfoArguments m_info;
     DumpArguments m_dump;
     SettingsArguments m_settings;

@@ -1,0 +1,294 @@
+// zb tasks: the tasks, grouped, nested and sorted.
+#include "platform/text.h"
+#include "zb/commands.h"
+#include "zb/days.h"
+#include "zb/json.h"
+#include "zb/open_device.h"
+#include "zb/terminal.h"
+
+#include <algorithm>
+
+namespace zb::cli
+{
+namespace
+{
+constexpr int narrowestText = 10;
+constexpr int indentColumns = 3;
+
+std::string utf8(const std::u16string &text)
+{
+    return toUtf8(std::u16string_view(text));
+}
+
+const char *importanceWord(LONG importance)
+{
+    return importance >= taskImportanceHigh ? "high" : importance <= taskImportanceLow ? "low" : "normal";
+}
+
+const char *groupingWord(ULONG grouping)
+{
+    constexpr std::array<const char *, 9> words = {"none",       "category", "importance", "priority", "progress",
+                                                   "completion", "due",      "manager",    "tree"};
+    return grouping < words.size() ? words[grouping] : "none";
+}
+
+// --- JSON --------------------------------------------------------------------------------------------------------
+
+Json dateJson(const std::optional<SYSTEMTIME> &date)
+{
+    return date ? Json(isoDate(*date)) : Json();
+}
+
+Json asJson(const TaskNode &task);
+
+Json asJson(const std::vector<TaskNode> &tasks)
+{
+    Json list = Json::array();
+    for (const TaskNode &task : tasks)
+    {
+        list.push_back(asJson(task));
+    }
+    return list;
+}
+
+Json asJson(const TaskNode &task)
+{
+    Json categories = Json::array();
+    for (const std::u16string &name : task.categories)
+    {
+        categories.push_back(utf8(name));
+    }
+    Json json = {{"id", task.id},
+                 {"subject", utf8(task.subject)},
+                 {"priority", utf8(task.priority)},
+                 {"importance", importanceWord(task.importance)},
+                 {"due", dateJson(task.due)},
+                 {"start", dateJson(task.begun)},
+                 {"completed", dateJson(task.completed)},
+                 {"complete", task.isComplete},
+                 {"overdue", task.isOverdue},
+                 {"dueToday", task.isDueToday},
+                 {"repeatDays", task.repeatDays},
+                 {"private", task.isPrivate},
+                 {"reminder", task.hasReminder},
+                 {"recurring", task.isRecurring},
+                 {"notes", task.hasNotes},
+                 {"categories", categories}};
+    if (!task.children.empty())
+    {
+        json["parentOnly"] = task.isParentOnly;
+        json["tasks"] = asJson(task.children);
+    }
+    return json;
+}
+
+Json asJson(const TaskList &list)
+{
+    const CTasksThread::Counts &counts = list.counts;
+    Json json = {{"version", jsonVersion},
+                 {"grouping", groupingWord(list.grouping)},
+                 {"counts",
+                  {{"total", counts.total},
+                   {"shown", counts.shown},
+                   {"completed", counts.completed},
+                   {"overdue", counts.overdue},
+                   {"dueToday", counts.dueToday},
+                   {"high", counts.high},
+                   {"normal", counts.normal},
+                   {"low", counts.low}}},
+                 {"groups", Json::array()}};
+    for (const TaskGroup &group : list.groups)
+    {
+        json["groups"].push_back({{"name", utf8(group.name)}, {"tasks", asJson(group.tasks)}});
+    }
+    return json;
+}
+
+// --- Text --------------------------------------------------------------------------------------------------------
+
+std::string countText(const TaskList &list)
+{
+    std::size_t tasks = 0;
+    for (const TaskGroup &group : list.groups)
+    {
+        tasks += group.tasks.size();
+    }
+    if (tasks == 0)
+    {
+        return "No tasks";
+    }
+    // The total has those that a filter leaves out, and each task once however many groups it stands in.
+    std::string text = std::to_string(list.counts.shown) + (list.counts.shown == 1 ? " task" : " tasks");
+    const auto add = [&](LONG count, const char *what)
+    { text += count == 0 ? std::string() : ", " + std::to_string(count) + " " + what; };
+    add(list.counts.overdue, "overdue");
+    add(list.counts.dueToday, "due today");
+    add(list.counts.completed, "completed");
+    return text;
+}
+
+std::string dueText(const TaskNode &task)
+{
+    if (task.isComplete)
+    {
+        return task.completed ? "done " + shortDate(dayOf(*task.completed)) : "done";
+    }
+    if (!task.due)
+    {
+        return {};
+    }
+    const std::string date = shortDate(dayOf(*task.due));
+    return task.isOverdue ? "overdue since " + date : task.isDueToday ? "due today" : "due " + date;
+}
+
+Style dueStyle(const TaskNode &task)
+{
+    return task.isComplete ? Style::Dim : task.isOverdue ? Style::Overdue : task.isDueToday ? Style::Today : Style::Time;
+}
+
+/// What stands behind the subject and the date.
+std::string detailsOf(const TaskNode &task)
+{
+    std::vector<std::string> parts;
+    if (task.importance != taskImportanceNormal)
+    {
+        parts.push_back(std::string(importanceWord(task.importance)) + " importance");
+    }
+    if (task.repeatDays != 0)
+    {
+        parts.push_back("every " + std::to_string(task.repeatDays) + " days");
+    }
+    if (task.isPrivate)
+    {
+        parts.emplace_back("private");
+    }
+    std::string text;
+    for (const std::string &part : parts)
+    {
+        text += (text.empty() ? "" : ", ") + part;
+    }
+    for (std::size_t n = 0; n < task.categories.size(); ++n)
+    {
+        text += (text.empty() ? "" : n == 0 ? " · " : ", ") + visibleText(task.categories[n]);
+    }
+    return text;
+}
+
+class TaskPrinter
+{
+  public:
+    explicit TaskPrinter(Output &output) : m_output(output), m_terminal(stdout)
+    {
+    }
+
+    void print(const TaskList &list)
+    {
+        m_output.line(countText(list));
+        const bool grouped = list.grouping >= taskGroupCategory && list.grouping <= taskGroupPriorityManager;
+        for (const TaskGroup &group : list.groups)
+        {
+            if (group.tasks.empty())
+            {
+                continue;
+            }
+            m_output.line("");
+            if (grouped)
+            {
+                m_output.line(m_terminal.styled(visibleText(group.name), Style::Heading) +
+                              m_terminal.styled(" (" + std::to_string(group.tasks.size()) + ")", Style::Dim));
+            }
+            for (const TaskNode &task : group.tasks)
+            {
+                printTask(task, 0);
+            }
+        }
+    }
+
+  private:
+    void printTask(const TaskNode &task, int depth)
+    {
+        const int indent = 1 + depth * indentColumns;
+        const std::string mark =
+            task.color ? m_terminal.coloured(m_terminal.hasColours() ? "▌" : " ", *task.color) : " ";
+        const std::string head = std::string(static_cast<std::size_t>(indent), ' ') + mark +
+                                 (task.isComplete ? "[x] " : "[ ] ");
+        const std::string due = dueText(task);
+        const std::string details = detailsOf(task);
+        const std::string subject = (task.priority.empty() ? "" : visibleText(task.priority) + " ") +
+                                    visibleText(task.subject);
+        const int room = std::max(m_terminal.width() - indent - 5, narrowestText);
+        const int needed = columnsOf(subject) + (due.empty() ? 0 : columnsOf(due) + 2) +
+                           (details.empty() ? 0 : columnsOf(details) + 3);
+        const bool oneLine = m_terminal.width() == 0 || needed <= room;
+        const std::string shownDue = due.empty() ? "" : "  " + m_terminal.styled(due, dueStyle(task));
+        const std::string shownSubject = m_terminal.styled(
+            oneLine ? subject : fitted(subject, room), task.isComplete || task.isParentOnly ? Style::Dim : Style::Plain);
+        if (oneLine)
+        {
+            m_output.line(head + shownSubject + shownDue +
+                          (details.empty() ? "" : m_terminal.styled(" · " + details, Style::Dim)));
+        }
+        else
+        {
+            const std::string margin(static_cast<std::size_t>(indent) + 3, ' ');
+            m_output.line(head + shownSubject);
+            m_output.line(margin + shownDue + (details.empty() ? "" : m_terminal.styled("  " + details, Style::Dim)));
+        }
+        for (const TaskNode &child : task.children)
+        {
+            printTask(child, depth + 1);
+        }
+    }
+
+    Output &m_output;
+    Terminal m_terminal;
+};
+
+int printTasks(const TasksArguments &arguments)
+{
+    TaskListChoice choice = arguments.choice;
+    if (!arguments.day.empty())
+    {
+        choice.day = dayFromText(arguments.day, today());
+        if (!choice.day)
+        {
+            complain("--on \"" + arguments.day + "\" is no day: use 2026-11-21, today, tomorrow, yesterday or +3");
+            return exitUsage;
+        }
+    }
+    const TaskList list = loadTasks(choice);
+    Output output;
+    if (arguments.json)
+    {
+        output.line(text(asJson(list)));
+    }
+    else
+    {
+        TaskPrinter(output).print(list);
+    }
+    return output.finish() ? exitOk : exitOutput;
+}
+} // namespace
+
+int runTasks(const TasksArguments &arguments)
+{
+    const std::unique_ptr<Device> device = openDevice(arguments.device, Missing::Refuse);
+    if (!device)
+    {
+        return exitDevice;
+    }
+    try
+    {
+        return printTasks(arguments);
+    }
+    catch (const UnknownCategory &unknown)
+    {
+        complain(unknown.what());
+    }
+    catch (const UnknownSortKey &unknown)
+    {
+        complain(unknown.what());
+    }
+    return exitUsage;
+}
+} // namespace zb::cli
