@@ -17,6 +17,28 @@ constexpr const char *exitCodes =
     "opened, read or written; 4 an input file is unreadable or no calendar; 5 the output can't be written.\n"
     "The device is --device, else ZB_DEVICE, else $XDG_DATA_HOME/zembrik, else ~/.local/share/zembrik.";
 
+using Words = std::map<std::string, DWORD>;
+
+/// Turns the words of a map, which has to outlive the command line, into its numbers.
+CLI::Validator words(const Words &map)
+{
+    const auto translate = [&map](std::string &word)
+    {
+        if (const auto found = map.find(word); found != map.end())
+        {
+            word = std::to_string(found->second);
+            return std::string();
+        }
+        std::string known;
+        for (const auto &[name, number] : map)
+        {
+            known += (known.empty() ? "" : ", ") + name;
+        }
+        return "\"" + word + "\" is none of " + known;
+    };
+    return CLI::Validator(translate, "");
+}
+
 /// All commands with their options; each leaves what to run in `run`.
 class CommandLine
 {
@@ -118,7 +140,7 @@ class CommandLine
 
     void addAgendaChoice(CLI::App &command)
     {
-        static const std::map<std::string, DWORD> statuses = {{"free", statusFilterFree},
+        static const Words statuses = {{"free", statusFilterFree},
                                                               {"tentative", statusFilterTentative},
                                                               {"busy", statusFilterBusy},
                                                               {"out", statusFilterOutOfOffice},
@@ -127,7 +149,7 @@ class CommandLine
         addCategoryChoice(command, choice.categories);
         command.add_option("--status", choice.status, "free, tentative, busy, out (of office), all")
             ->type_name("STATUS")
-            ->transform(CLI::CheckedTransformer(statuses));
+            ->transform(words(statuses));
         command.add_flag("--tasks,!--no-tasks", choice.tasks, "With or without tasks, whatever the settings say");
         command.add_flag("--birthdays,!--no-birthdays", choice.birthdays,
                          "With or without birthdays and anniversaries of contacts");
@@ -135,21 +157,21 @@ class CommandLine
 
     void addTasks()
     {
-        static const std::map<std::string, ULONG> groupings = {
+        static const Words groupings = {
             {"none", taskGroupNone},         {"category", taskGroupCategory},     {"importance", taskGroupImportance},
             {"priority", taskGroupLetter},   {"progress", taskGroupProgress},     {"completion", taskGroupCompletion},
             {"due", taskGroupDueDate},       {"manager", taskGroupPriorityManager}};
-        static const std::map<std::string, ULONG> rules = {
+        static const Words rules = {
             {"all", taskRuleAll},           {"today", taskRuleDueByToday}, {"overdue", taskRuleOverdue},
             {"undated", taskRuleNoDates},   {"active", taskRuleActive},    {"tomorrow", taskRuleByTomorrow},
             {"complete", taskRuleComplete}, {"ahead", taskRuleDaysAhead}};
-        static const std::map<std::string, ULONG> importances = {{"low", 0}, {"normal", 1}, {"high", 2}};
+        static const Words importances = {{"low", 0}, {"normal", 1}, {"high", 2}};
         CLI::App *const command = m_app.add_subcommand("tasks", "Print the tasks");
         TaskListChoice &choice = m_tasks.choice;
         CLI::Option *const group =
             command->add_option("--group", choice.grouping,
                                 "none, category, importance, priority (letter), progress, completion, due, manager");
-        group->type_name("GROUPING")->transform(CLI::CheckedTransformer(groupings));
+        group->type_name("GROUPING")->transform(words(groupings));
         command->add_flag_callback("--tree", [this] { m_tasks.choice.grouping = taskGroupTree; }, "Nested as they belong")
             ->excludes(group);
         command
@@ -161,14 +183,14 @@ class CommandLine
             ->expected(1, 2);
         CLI::Option *const filter = command->add_option(
             "--filter", choice.rule, "all, today, overdue, undated, active, tomorrow, complete, ahead (see --days)");
-        filter->type_name("FILTER")->transform(CLI::CheckedTransformer(rules));
+        filter->type_name("FILTER")->transform(words(rules));
         command->add_option("--days", choice.daysAhead, "Days ahead of --filter ahead")
             ->type_name("N")
             ->check(CLI::Range(0, static_cast<int>(taskDaysUnlimited)));
         command->add_option("--on", m_tasks.day, "Only what is due or starts on this day")->type_name("DAY");
         command->add_option("--importance", choice.importance, "Only low, normal or high")
             ->type_name("IMPORTANCE")
-            ->transform(CLI::CheckedTransformer(importances));
+            ->transform(words(importances));
         command->add_flag("--completed,!--no-completed", choice.completed, "With or without completed tasks");
         command->add_flag("--undated,!--no-undated", choice.undated, "With or without tasks that have no due date");
         addCategoryChoice(*command, choice.categories);
