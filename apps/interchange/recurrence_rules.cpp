@@ -15,6 +15,8 @@ constexpr DWORD weekend = 65;
 constexpr DWORD lastInstance = 5;
 /// No series is followed further than this to find where its count ends.
 constexpr int mostOccurrences = 100'000;
+constexpr int mostYears = 200;
+constexpr int lastListedYear = 2999;
 /// From day 29 on, a month without that day would show its last day, where the rule names none.
 constexpr int lastDayOfEveryMonth = 28;
 
@@ -284,6 +286,24 @@ std::optional<icaltimetype> lastOccurrence(const icalrecurrencetype &rule, const
     return std::nullopt;
 }
 
+/// The day of the last occurrence; one that lies behind some centuries counts as none.
+DWORD lastDateOf(const icalrecurrencetype &rule, const icaltimetype &start)
+{
+    const bool hasCount = rule.count > 0;
+    const bool inReach = hasCount ? rule.count <= mostOccurrences : rule.until.year < start.year + mostYears;
+    const auto last = inReach ? lastOccurrence(rule, start) : std::nullopt;
+    if (last)
+    {
+        return minutesSince1601(*last) / 1440 * 1440;
+    }
+    if (hasCount || rule.until.year >= lastListedYear)
+    {
+        return endlessSeriesDate;
+    }
+    const bool endsEarlier = rule.until.hour * 60 + rule.until.minute < start.hour * 60 + start.minute;
+    return (minutesSince1601(rule.until) / 1440 - (endsEarlier ? 1 : 0)) * 1440;
+}
+
 bool firstOccurrenceIsStart(const icalrecurrencetype &rule, const icaltimetype &start)
 {
     const Iterator iterator = occurrencesOf(rule, start);
@@ -320,14 +340,9 @@ PatternResult patternFromRule(const icalrecurrencetype &rule, const icaltimetype
     pattern.lastDate = endlessSeriesDate;
     if (rule.count > 0 || !icaltime_is_null_time(rule.until))
     {
-        const auto last = lastOccurrence(rule, start);
-        if (!last)
-        {
-            return refuse("its end cannot be told");
-        }
         pattern.end = rule.count > 0 ? RecurrenceEnd::AfterCount : RecurrenceEnd::OnDate;
         pattern.occurrences = rule.count > 0 ? static_cast<DWORD>(rule.count) : 0;
-        pattern.lastDate = minutesSince1601(*last) / 1440 * 1440;
+        pattern.lastDate = lastDateOf(rule, start);
     }
     return result;
 }

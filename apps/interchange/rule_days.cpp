@@ -2,6 +2,7 @@
 
 #include "platform/clock.h"
 
+#include <cstdlib>
 #include <string>
 
 namespace zb::interchange
@@ -11,6 +12,9 @@ namespace
 constexpr int mostSteps = 300'000;
 constexpr std::size_t longestRule = 4096;
 
+constexpr short noPart = ICAL_RECURRENCE_ARRAY_MAX;
+constexpr int hoursPerDay = 24;
+
 bool isByMinute(const icalrecurrencetype &rule)
 {
     return rule.freq == ICAL_SECONDLY_RECURRENCE || rule.freq == ICAL_MINUTELY_RECURRENCE;
@@ -18,10 +22,53 @@ bool isByMinute(const icalrecurrencetype &rule)
 
 bool isLimited(const icalrecurrencetype &rule)
 {
-    constexpr short none = ICAL_RECURRENCE_ARRAY_MAX;
-    return rule.by_second[0] != none || rule.by_minute[0] != none || rule.by_hour[0] != none ||
-           rule.by_day[0] != none || rule.by_month_day[0] != none || rule.by_year_day[0] != none ||
-           rule.by_week_no[0] != none || rule.by_month[0] != none || rule.by_set_pos[0] != none;
+    return rule.by_second[0] != noPart || rule.by_minute[0] != noPart || rule.by_hour[0] != noPart ||
+           rule.by_day[0] != noPart || rule.by_month_day[0] != noPart || rule.by_year_day[0] != noPart ||
+           rule.by_week_no[0] != noPart || rule.by_month[0] != noPart || rule.by_set_pos[0] != noPart;
+}
+
+/// A rule that only names some hours is followed day by day, since hour by hour one that names none of them would keep
+/// its reader busy for half a minute. False where that is not the same.
+bool countDays(icalrecurrencetype &rule)
+{
+    if (rule.freq != ICAL_HOURLY_RECURRENCE || !isLimited(rule))
+    {
+        return true;
+    }
+    if (rule.interval != 1 || rule.by_set_pos[0] != noPart)
+    {
+        return false;
+    }
+    rule.freq = ICAL_DAILY_RECURRENCE;
+    for (int hour = 0; rule.by_hour[0] == noPart && hour < hoursPerDay; ++hour)
+    {
+        rule.by_hour[hoursPerDay - 1 - hour] = static_cast<short>(hoursPerDay - 1 - hour);
+    }
+    return true;
+}
+
+/// Whether a month can hold one of the rule's days; years of months without one are slow to pass.
+bool namesSomeDay(const icalrecurrencetype &rule)
+{
+    constexpr int daysOfMonth[] = {31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    constexpr int mostWeekdays = 5;
+    const bool inMonths = rule.freq == ICAL_MONTHLY_RECURRENCE || rule.by_month[0] != noPart;
+    for (const short *day = rule.by_day; inMonths && *day != noPart; ++day)
+    {
+        if (std::abs(icalrecurrencetype_day_position(*day)) > mostWeekdays)
+        {
+            return false;
+        }
+    }
+    bool found = rule.by_month[0] == noPart || rule.by_month_day[0] == noPart;
+    for (const short *month = rule.by_month; *month != noPart && !found; ++month)
+    {
+        for (const short *day = rule.by_month_day; *day != noPart && !found; ++day)
+        {
+            found = *month >= 1 && *month <= 12 && std::abs(*day) <= daysOfMonth[*month - 1];
+        }
+    }
+    return found;
 }
 
 void setUntil(icalrecurrencetype &rule, const std::function<LONGLONG(LONGLONG)> &toWall)
@@ -83,7 +130,7 @@ std::optional<icalrecurrencetype> parseRule(std::string_view text, const std::fu
     const std::string rule(text.substr(from, text.find_last_not_of(" \t;") + 1 - from));
     icalrecurrencetype parsed = icalrecurrencetype_from_string(rule.c_str());
     if (parsed.freq == ICAL_NO_RECURRENCE || parsed.interval < 1 || parsed.count < 0 || parsed.rscale != nullptr ||
-        (isByMinute(parsed) && isLimited(parsed)))
+        (isByMinute(parsed) && isLimited(parsed)) || !namesSomeDay(parsed) || !countDays(parsed))
     {
         return std::nullopt;
     }
@@ -117,7 +164,7 @@ std::optional<LONGLONG> RuleDays::next()
 {
     if (!m_iterator || m_steps >= mostSteps)
     {
-        m_gaveUp = true;
+        m_gaveUp = m_iterator != nullptr;
         return std::nullopt;
     }
     ++m_steps;

@@ -19,8 +19,9 @@ icaltimetype icalTimeOf(LONGLONG wall);
 LONGLONG wallOf(const icaltimetype &time);
 
 /// `toWall` turns a moment in UTC into the wall clock of the series. Its end, however written, becomes wall clock and
-/// takes in the whole day when it is a date. Nothing for a text that is no rule, one that goes by another calendar, and
-/// one that only counts seconds or minutes in some hours or days, which could keep a reader busy for hours.
+/// takes in the whole day when it is a date. Nothing for a text that is no rule, one that goes by another calendar or
+/// names a day that no month has, and for one that counts seconds, minutes or several hours but names only some of
+/// them, which could keep a reader busy for hours.
 std::optional<icalrecurrencetype> parseRule(std::string_view text, const std::function<LONGLONG(LONGLONG)> &toWall);
 
 /// True for a rule that names several moments of a day one by one.
@@ -30,6 +31,11 @@ class RuleDays
 {
   public:
     RuleDays(const icalrecurrencetype &rule, LONGLONG wallStart);
+    /// False for a rule that names no day whatever.
+    bool isValid() const
+    {
+        return m_iterator != nullptr;
+    }
     /// Leaves out what lies before; nothing happens for a rule with a count.
     void skipTo(LONGLONG wall);
     /// Rising; nothing at the end, and behind so many days that no reader waits for more.

@@ -136,7 +136,7 @@ void SeriesCalendar::readLine(const RepetitionLine &line)
 void SeriesCalendar::readRule(const RepetitionLine &line, std::vector<icalrecurrencetype> &into)
 {
     const auto rule = parseRule(line.value, [this](LONGLONG utc) { return allDay() ? utc : wallOfUtc(utc); });
-    if (rule && !line.cut)
+    if (rule && !line.cut && RuleDays(*rule, start).isValid())
     {
         into.push_back(*rule);
         return;

@@ -385,7 +385,11 @@ class Planner
             m_pattern.exceptions.push_back(std::move(exception));
         }
         auto bytes = encodeRecurrence(m_pattern);
-        if (!bytes || bytes->size() > largestPattern)
+        if (!bytes)
+        {
+            return refuse("it repeats after more time than a record can say");
+        }
+        if (bytes->size() > largestPattern)
         {
             return refuse("more of its days are changed than a record holds");
         }

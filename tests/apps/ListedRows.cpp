@@ -4,6 +4,7 @@
 #include "platform/clock.h"
 #include "support/TestDevice.h"
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 
@@ -107,6 +108,7 @@ std::vector<std::string> listedTimes(int firstDay, int lastDay, const std::strin
                 (row.allDay ? std::string() : " " + clockText(row.startMinute) + "-" + clockText(row.endMinute)));
         }
     }
+    std::sort(times.begin(), times.end());
     return times;
 }
 } // namespace zb::test

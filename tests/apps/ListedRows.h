@@ -28,6 +28,6 @@ struct ListedRow
 
 /// The rows of a load over a range of days, both included, that stand on one of them.
 std::vector<ListedRow> listedRows(int firstDay, int lastDay);
-/// Rows with this subject as "2026-03-02 10:00-11:00" (whole days as "2026-03-02"), a blank line between days left out.
+/// Rows with this subject as "2026-03-02 10:00-11:00" (whole days as "2026-03-02"), in order.
 std::vector<std::string> listedTimes(int firstDay, int lastDay, const std::string &subject);
 } // namespace zb::test

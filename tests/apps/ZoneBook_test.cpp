@@ -1,6 +1,7 @@
 // Zones of calendar files: tzdata first, the file's own definitions for other names, the device's zone for the rest.
 #include "apps/CalendarText.h"
 #include "interchange/zone_book.h"
+#include "platform/locale.h"
 #include "support/TestDevice.h"
 
 #include <gtest/gtest.h>
@@ -50,6 +51,68 @@ TEST_F(ZoneBookTest, AnHourThatComesTwiceIsItsFirstAndOneThatNeverComesCountsFro
 {
     EXPECT_EQ(utc(book.find("Europe/Berlin"), makeSystemTime(2026, 10, 25, 2, 30)), "2026-10-25 00:30:00");
     EXPECT_EQ(utc(book.find("Europe/Berlin"), makeSystemTime(2026, 3, 29, 2, 30)), "2026-03-29 01:30:00");
+}
+
+TEST_F(ZoneBookTest, NamesOfOtherSystemsHaveTheRulesOfTzdata)
+{
+    EXPECT_EQ(book.find("W. Europe Standard Time").name(), "Europe/Berlin");
+    EXPECT_EQ(book.find("Eastern Standard Time").name(), "America/New_York");
+    EXPECT_EQ(book.find("Tokyo Standard Time").name(), "Asia/Tokyo");
+    EXPECT_EQ(book.find("(UTC+01:00) Amsterdam, Berlin, Bern, Rome, Stockholm, Vienna").name(), "Europe/Amsterdam");
+    EXPECT_EQ(book.find("(UTC-05:00) Eastern Time (US & Canada)").name(), "America/New_York");
+    EXPECT_EQ(book.find("(GMT+05:30) Chennai, Kolkata, Mumbai, New Delhi").name(), "Asia/Kolkata");
+    EXPECT_EQ(book.find("Nowhere we know, Lisbon").name(), "Europe/Lisbon");
+    EXPECT_EQ(book.find("/mozilla.org/20050126_1/Europe/Berlin").name(), "Europe/Berlin");
+    EXPECT_FALSE(book.find("(UTC+01:00)").isKnown());
+    EXPECT_FALSE(book.find("Standard Time").isKnown());
+    EXPECT_FALSE(book.find("(UTC+01:00").isKnown());
+    EXPECT_EQ(zb::zoneNameOf(""), "");
+    EXPECT_EQ(zb::zoneNameOf("Europe/Berlin"), "");
+    EXPECT_EQ(zb::zoneNameOf(std::string(5000, 'x')), "");
+}
+
+TEST_F(ZoneBookTest, EveryShownNameLeadsToAZoneOfTzdata)
+{
+    for (const char *shown : {"Greenland", "Kyiv", "Astana", "Hanoi", "Newfoundland", "Saskatchewan"})
+    {
+        EXPECT_TRUE(book.find(shown).isKnown()) << shown;
+    }
+}
+
+TEST_F(ZoneBookTest, DefinitionsGoBeforeShownNames)
+{
+    book.define("Berlin", definition("Berlin"));
+    EXPECT_EQ(book.find("Berlin").name(), "");
+    EXPECT_EQ(utc(book.find("Berlin"), makeSystemTime(2026, 1, 15, 12)), "2026-01-15 19:00:00");
+}
+
+TEST_F(ZoneBookTest, ADefinitionGivesOffsetsAndARecord)
+{
+    book.define("Ship", definition("Ship"));
+    CalendarZone &ship = book.find("Ship");
+    EXPECT_EQ(ship.offsetMinutes(zb::test::makeFileTime(2026, 1, 15)), -420);
+    EXPECT_EQ(ship.offsetMinutes(zb::test::makeFileTime(2026, 7, 15)), -360);
+    EXPECT_EQ(ship.offsetMinutes(zb::test::makeFileTime(2062, 7, 15)), -360);
+    const TIME_ZONE_INFORMATION record = ship.record(2026);
+    EXPECT_EQ(record.Bias, 420);
+    EXPECT_EQ(record.DaylightBias, -60);
+    EXPECT_EQ(record.DaylightDate.wMonth, 3);
+    EXPECT_EQ(record.DaylightDate.wDay, 2);
+    EXPECT_EQ(record.DaylightDate.wDayOfWeek, 0);
+    EXPECT_EQ(record.DaylightDate.wHour, 2);
+    EXPECT_EQ(record.StandardDate.wMonth, 11);
+    EXPECT_EQ(record.StandardDate.wDay, 1);
+    EXPECT_EQ(record.StandardDate.wYear, 0);
+}
+
+TEST_F(ZoneBookTest, TheDevicesZoneIsKnownByItsName)
+{
+    EXPECT_TRUE(book.isDevice(book.device()));
+    EXPECT_TRUE(book.isDevice(book.find("Europe/Berlin")));
+    EXPECT_TRUE(book.isDevice(book.find("W. Europe Standard Time")));
+    EXPECT_TRUE(book.isDevice(book.find("Nobody knows this")));
+    EXPECT_FALSE(book.isDevice(book.utc()));
+    EXPECT_FALSE(book.isDevice(book.find("Europe/Paris")));
 }
 
 TEST_F(ZoneBookTest, TimesWithoutZoneAreTheDevices)
