@@ -2,6 +2,7 @@
 
 #include "platform/clock.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <string>
 
@@ -25,6 +26,14 @@ bool isLimited(const icalrecurrencetype &rule)
     return rule.by_second[0] != noPart || rule.by_minute[0] != noPart || rule.by_hour[0] != noPart ||
            rule.by_day[0] != noPart || rule.by_month_day[0] != noPart || rule.by_year_day[0] != noPart ||
            rule.by_week_no[0] != noPart || rule.by_month[0] != noPart || rule.by_set_pos[0] != noPart;
+}
+
+/// Whether the rule goes by another calendar. Told from its text: parsing it would hand out memory of the parser's.
+bool namesCalendar(std::string rule)
+{
+    std::transform(rule.begin(), rule.end(), rule.begin(),
+                   [](char ch) { return ch >= 'a' && ch <= 'z' ? static_cast<char>(ch - 'a' + 'A') : ch; });
+    return rule.find("RSCALE") != std::string::npos;
 }
 
 /// A rule that only names some hours is followed day by day, since hour by hour one that names none of them would keep
@@ -128,8 +137,12 @@ std::optional<icalrecurrencetype> parseRule(std::string_view text, const std::fu
         return std::nullopt;
     }
     const std::string rule(text.substr(from, text.find_last_not_of(" \t;") + 1 - from));
+    if (namesCalendar(rule))
+    {
+        return std::nullopt;
+    }
     icalrecurrencetype parsed = icalrecurrencetype_from_string(rule.c_str());
-    if (parsed.freq == ICAL_NO_RECURRENCE || parsed.interval < 1 || parsed.count < 0 || parsed.rscale != nullptr ||
+    if (parsed.freq == ICAL_NO_RECURRENCE || parsed.interval < 1 || parsed.count < 0 ||
         (isByMinute(parsed) && isLimited(parsed)) || !namesSomeDay(parsed) || !countDays(parsed))
     {
         return std::nullopt;

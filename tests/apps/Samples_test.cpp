@@ -1,6 +1,7 @@
 // The sample calendars hold what they promise.
 #include "apps/ZbFixture.h"
 
+#include <map>
 #include <set>
 
 namespace
@@ -64,6 +65,40 @@ TEST_F(SamplesTest, TheWorkingQuarterComesInWhole)
     EXPECT_EQ(report["repeatingAsFirstDay"], 0);
     const Json week = json({"agenda", "--json", "--from", "2026-11-16", "--to", "2026-11-22"});
     EXPECT_GE(week["appointments"].get<int>(), 15);
+}
+
+TEST_F(SamplesTest, WhatComesRoundAgainStandsOnItsDays)
+{
+    const Json report = importSample("series.ics", 0);
+    EXPECT_EQ(report["series"]["records"], 14);
+    EXPECT_EQ(report["series"]["unrolled"], 1);
+    // On 15 and 28 of each month from September 2026 to December 2027.
+    EXPECT_EQ(report["series"]["unrolledAppointments"], 32);
+    EXPECT_EQ(report["new"], 14 + 32);
+    EXPECT_EQ(report["series"]["changedDays"], 1);
+    EXPECT_EQ(report["series"]["cancelledDays"], 1);
+    std::map<std::string, std::set<std::string>> dates;
+    const Json agenda = json({"agenda", "--json", "--from", "2026-11-16", "--to", "2027-01-03"});
+    for (const Json &day : agenda["days"])
+    {
+        for (const Json &row : day["appointments"])
+        {
+            dates[row["subject"]].insert(day["date"]);
+        }
+    }
+    using Dates = std::set<std::string>;
+    EXPECT_EQ(dates["Choir practice, dress rehearsal"], Dates{"2026-11-20"}) << "moved from the Thursday";
+    EXPECT_EQ(dates["Choir practice"], (Dates{"2026-11-26", "2026-12-03", "2026-12-10", "2026-12-17", "2026-12-31"}));
+    EXPECT_EQ(dates["House meeting"], (Dates{"2026-11-20", "2026-12-18"}));
+    EXPECT_EQ(dates["Close the books of the month"], (Dates{"2026-11-30", "2026-12-31"}));
+    EXPECT_EQ(dates["Payroll run"], (Dates{"2026-11-28", "2026-12-15", "2026-12-28"}));
+    EXPECT_EQ(dates["Transfer the rent"], (Dates{"2026-12-01", "2027-01-01"}));
+    EXPECT_EQ(dates["Book club with Ines and Tom"], (Dates{"2026-11-29", "2026-12-13", "2026-12-27"}));
+    EXPECT_EQ(dates["(38 years) Birthday of Tom"], Dates{"2026-11-21"});
+    EXPECT_EQ(dates["Stand-up"].count("2026-12-23"), 1U);
+    EXPECT_EQ(dates["Stand-up"].count("2026-12-24"), 0U);
+    EXPECT_EQ(dates["Swimming"].count("2026-11-19"), 0U);
+    EXPECT_EQ(importSample("series.ics", 0)["unchanged"], 46);
 }
 
 TEST_F(SamplesTest, TheAwkwardOneTellsWhatItCouldNotKeep)
