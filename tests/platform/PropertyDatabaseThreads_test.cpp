@@ -4,6 +4,7 @@
 #include "support/PropertyRecords.h"
 #include "support/QuickDevice.h"
 
+#include <optional>
 #include <set>
 
 using namespace zb::test;
@@ -132,6 +133,7 @@ TEST_F(BulkWrites, MakeOtherThreadsWait)
     const OpenedDatabase database(oid);
     TestEvent started;
     TestEvent done;
+    std::optional<zb::BulkWrite> bulk(std::in_place);
     PlatformThread other(
         [&]
         {
@@ -140,13 +142,11 @@ TEST_F(BulkWrites, MakeOtherThreadsWait)
             own.add({longValue(number, 2)});
             done.set();
         });
-    {
-        zb::BulkWrite bulk;
-        EXPECT_TRUE(started.wait());
-        database.add({longValue(number, 1)});
-        EXPECT_FALSE(done.wait(200));
-        EXPECT_TRUE(bulk.commit());
-    }
+    EXPECT_TRUE(started.wait());
+    database.add({longValue(number, 1)});
+    EXPECT_FALSE(done.wait(200));
+    EXPECT_TRUE(bulk->commit());
+    bulk.reset();
     EXPECT_TRUE(done.wait());
     EXPECT_EQ(recordsSeen(), 2U);
 }
