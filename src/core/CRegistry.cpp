@@ -142,10 +142,15 @@ void CRegistry::ReleaseFile()
     {
         return;
     }
-    SaveINIFile(0);
-    m_file->detach();
+    // Counted down first: of two threads that let go at once, one sees that it is the last and saves.
+    const int left = m_cached ? m_file->detach() : 0;
+    if (left == 0)
+    {
+        SaveINIFile(0);
+    }
     m_own.reset();
     m_file = nullptr;
+    m_cached = false;
 }
 
 LONG CRegistry::SetRegistryType(_REGISTRY_TYPE type, const WCHAR *path, int cached)
@@ -165,20 +170,22 @@ LONG CRegistry::SetRegistryType(_REGISTRY_TYPE type, const WCHAR *path, int cach
     if (cached == 1)
     {
         m_file = cachedFile(full);
-        m_file->attach();
-        return 0;
     }
+    else
     {
         // A file that others share already is shared here as well, so that nobody works on an older text.
         const std::lock_guard guard(cacheMutex());
         m_file = findCached(full);
     }
-    if (m_file == nullptr)
+    if (m_file != nullptr)
     {
-        m_own = std::make_unique<INIFile>(full);
-        m_file = m_own.get();
+        m_cached = true;
+        m_file->attach();
+        return 0;
     }
-    m_file->attach();
+    m_own = std::make_unique<INIFile>(full);
+    m_file = m_own.get();
+    m_file->read();
     return 0;
 }
 
@@ -214,7 +221,12 @@ LONG CRegistry::OpenKey(HKEY root, const WCHAR *path, DWORD *disposition)
     {
         return Failed;
     }
-    m_section = GetKeySection(root, path);
+    const std::u16string section = GetKeySection(root, path);
+    if (!INIFile::canHold(section))
+    {
+        return Failed;
+    }
+    m_section = section;
     const bool made = m_file->openSection(m_section);
     if (disposition != nullptr)
     {

@@ -63,14 +63,15 @@ class ZBTOOLS_API CRegistry
     {
         return m_file;
     }
-    /// The open key of the registry, null in file mode.
+    /// The open key of the registry; -1 when none is open, and in file mode.
     HKEY KeyRef() const
     {
-        return m_key;
+        return m_key != nullptr ? m_key : reinterpret_cast<HKEY>(static_cast<LONG_PTR>(-1));
     }
 
     /// Opens a key and makes it when missing (*disposition: 1 made, 2 was there). A key made in a file is written only
-    /// once it has values.
+    /// once it has values. A path that no line of a file can hold (a line end in it, more than 2,048 characters with
+    /// its root) is refused.
     LONG OpenKey(HKEY root, const WCHAR *path, DWORD *disposition = nullptr);
     bool Exists(HKEY root, const WCHAR *path) const;
     LONG CloseKey();
@@ -84,6 +85,7 @@ class ZBTOOLS_API CRegistry
     /// `size` in characters. 0 means 200 in the registry and no limit in a file; a longer text of a file is cut.
     LONG QueryValue(const WCHAR *name, WCHAR *buffer, DWORD size) const;
     LONG QueryValueType(const WCHAR *name, DWORD *type) const;
+    /// A file refuses names that could not be read again: those with "=" or a line end, or too long for a line.
     LONG SetValue(const WCHAR *name, DWORD value);
     LONG SetValue(const WCHAR *name, const WCHAR *value);
     LONG DeleteValue(const WCHAR *name);
@@ -124,7 +126,7 @@ class ZBTOOLS_API CRegistry
     void ReleaseFile();
 
     _REGISTRY_TYPE m_type = RegistryTypeFile;
-    bool m_cached = false;
+    bool m_cached = false; ///< m_file is one that objects share
     INIFile *m_file = nullptr;
     std::unique_ptr<INIFile> m_own; ///< holds m_file when it is not shared
     HKEY m_key = nullptr;

@@ -4,6 +4,7 @@
 #include "core/textfile.h"
 #include "platform/device.h"
 #include "platform/files.h"
+#include "platform/kernel.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -87,6 +88,41 @@ std::u16string lineOf(const CRegistry::INIValue &value)
     }
     return line + u"\"";
 }
+
+bool isOneLine(const std::u16string &name)
+{
+    return name.find_first_of(u"\r\n") == std::u16string::npos;
+}
+
+/// A name with "=" would be read as a shorter name, and one that fills its line leaves no room for the value.
+bool canBeRead(const CRegistry::INIValue &value)
+{
+    const std::size_t quotes = value.name == u"@" ? 0 : 2;
+    const std::size_t shortest = value.name.size() + quotes + (value.type == REG_DWORD ? 15 : 3);
+    return shortest <= longestLine && value.name.find(u'=') == std::u16string::npos;
+}
+
+/// One save of a file at a time in this process: a save that was overtaken by another would write an older text last.
+/// The device's own mutex, since that one is given up when a thread is terminated inside a save.
+class SaveTurn
+{
+  public:
+    explicit SaveTurn(const std::u16string &path)
+        : m_mutex(CreateMutexW(nullptr, FALSE, (u"settings file " + path).c_str()))
+    {
+        WaitForSingleObject(m_mutex, INFINITE);
+    }
+    ~SaveTurn()
+    {
+        ReleaseMutex(m_mutex);
+        CloseHandle(m_mutex);
+    }
+    SaveTurn(const SaveTurn &) = delete;
+    SaveTurn &operator=(const SaveTurn &) = delete;
+
+  private:
+    HANDLE m_mutex;
+};
 } // namespace
 
 // --- Sections ----------------------------------------------------------------------------------------------------
@@ -163,7 +199,7 @@ void CRegistry::INIFile::attach()
     }
     if (stale)
     {
-        load();
+        read();
     }
 }
 
@@ -177,6 +213,11 @@ int CRegistry::INIFile::references() const
 {
     const std::lock_guard guard(m_mutex);
     return m_references;
+}
+
+bool CRegistry::INIFile::canHold(const std::u16string &section)
+{
+    return isOneLine(section) && section.size() + 2 <= longestLine;
 }
 
 bool CRegistry::INIFile::openSection(const std::u16string &name)
@@ -261,7 +302,7 @@ bool CRegistry::INIFile::setValue(const std::u16string &section, INIValue value)
 {
     const std::lock_guard guard(m_mutex);
     INISection *holder = find(section);
-    if (holder == nullptr)
+    if (holder == nullptr || !isOneLine(value.name) || !canBeRead(value))
     {
         return false;
     }
@@ -341,13 +382,19 @@ bool CRegistry::INIFile::dirty() const
 
 // --- Reading -----------------------------------------------------------------------------------------------------
 
-void CRegistry::INIFile::load()
+bool CRegistry::INIFile::read()
 {
-    const std::u16string text = zb::readTextFile(m_path).value_or(std::u16string());
+    const auto text = zb::readTextFile(m_path);
+    const bool known = text.has_value() || GetFileAttributesW(m_path.c_str()) == INVALID_FILE_ATTRIBUTES;
     const std::lock_guard guard(m_mutex);
-    clear();
-    parse(text);
-    m_generation = zb::deviceGeneration();
+    // Another thread may have read it meanwhile, and its object have changed it since.
+    if (m_generation != zb::deviceGeneration())
+    {
+        clear();
+        parse(text.value_or(std::u16string()));
+        m_generation = zb::deviceGeneration();
+    }
+    return known;
 }
 
 void CRegistry::INIFile::parse(const std::u16string &text)
@@ -384,6 +431,7 @@ void CRegistry::INIFile::parseLine(std::u16string line, INISection *&current)
     }
     INIValue value;
     value.name = unquoted(trimmed(line.substr(0, equals)));
+    value.name = value.name.empty() ? u"@" : value.name;
     value.text = unquoted(trimmed(line.substr(equals + 1)));
     if (holdsDwordMark(value.text))
     {
@@ -396,14 +444,27 @@ void CRegistry::INIFile::parseLine(std::u16string line, INISection *&current)
 
 // --- Writing -----------------------------------------------------------------------------------------------------
 
-void CRegistry::INIFile::mergeInto(INIFile &copy) const
+/// Deletions come first: a deletion takes all below it along, and must not reach what was made there since.
+void CRegistry::INIFile::deleteIn(INIFile &copy) const
 {
+    for (const std::u16string &name : m_deletedSections)
+    {
+        copy.deleteSection(name);
+    }
     for (const auto &section : m_sections)
     {
         if (section->replacesOld)
         {
             copy.deleteSection(section->name);
         }
+    }
+}
+
+void CRegistry::INIFile::mergeInto(INIFile &copy) const
+{
+    deleteIn(copy);
+    for (const auto &section : m_sections)
+    {
         INISection *target = copy.find(section->name);
         const bool isNew = target == nullptr;
         if (!isNew && !section->changed)
@@ -425,13 +486,6 @@ void CRegistry::INIFile::mergeInto(INIFile &copy) const
             target->erase(name);
         }
     }
-    for (const std::u16string &name : m_deletedSections)
-    {
-        if (find(name) == nullptr)
-        {
-            copy.deleteSection(name);
-        }
-    }
 }
 
 std::u16string CRegistry::INIFile::written() const
@@ -446,7 +500,7 @@ std::u16string CRegistry::INIFile::written() const
         text += u"[" + section->name + u"]\r\n";
         for (const INIValue &value : section->values)
         {
-            text += lineOf(value) + u"\r\n";
+            text += canBeRead(value) ? lineOf(value) + u"\r\n" : std::u16string();
         }
         text += u"\r\n";
     }
@@ -455,10 +509,15 @@ std::u16string CRegistry::INIFile::written() const
 
 bool CRegistry::INIFile::save()
 {
+    const SaveTurn turn(m_path);
     while (true)
     {
         INIFile copy(m_path);
-        copy.load();
+        if (!copy.read())
+        {
+            // What stands there can't be merged, and writing over it would lose it.
+            return false;
+        }
         std::u16string text;
         unsigned changesWritten = 0;
         {

@@ -59,16 +59,23 @@ class CRegistry::INIFile
     }
     /// Counts one more object that uses the file. A file that was read from an earlier device is read again.
     void attach();
+    /// Reads it unless it was read from this device before. False when there is a file that can't be read; what can't
+    /// be read counts as empty.
+    bool read();
     /// Counts one less; returns how many are left.
     int detach();
     int references() const;
 
+    /// False for names that no line can hold.
+    static bool canHold(const std::u16string &section);
     bool openSection(const std::u16string &name); ///< true when it was made
     bool hasSection(const std::u16string &name) const;
     void deleteSection(const std::u16string &name);
 
     bool value(const std::u16string &section, const std::u16string &name, INIValue &out) const;
     bool number(const std::u16string &section, const std::u16string &name, DWORD &out) const;
+    /// False when there is no such section, or for a name that could not be read again: with "=" or a line end, or too
+    /// long for its line.
     bool setValue(const std::u16string &section, INIValue value);
     bool deleteValue(const std::u16string &section, const std::u16string &name);
 
@@ -78,7 +85,7 @@ class CRegistry::INIFile
     std::vector<std::u16string> sectionNames() const;
 
     bool dirty() const;
-    /// See CRegistry::SaveINIFile.
+    /// See CRegistry::SaveINIFile. False when it can't be written, or when what stands on the disk can't be read.
     bool save();
 
   private:
@@ -89,10 +96,9 @@ class CRegistry::INIFile
     void clear();
     void parse(const std::u16string &text);
     void parseLine(std::u16string line, INISection *&current);
+    void deleteIn(INIFile &copy) const;
     void mergeInto(INIFile &copy) const;
     std::u16string written() const;
-    bool writeTo(const std::u16string &text) const;
-    void load();
     void noteChange();
     bool takeOver(INIFile &copy, unsigned changesWritten);
 

@@ -478,6 +478,59 @@ TEST_F(CRegistryTest, helpersGiveThePlatformsCode)
     EXPECT_EQ(DeleteRegistryValue(HKEY_CURRENT_USER, u"K", u"v"), 2);
 }
 
+TEST_F(CRegistryTest, helpersTakeNamesBelow75CharactersAndTextsOf800Bytes)
+{
+    WCHAR name[75] = {};
+    const std::u16string fits(74, u'k');
+    SetToRegistry(HKEY_CURRENT_USER, (u"Short\\" + fits).c_str(), u"v", 3);
+    EXPECT_EQ(EnumRegistryKeysSZ(HKEY_CURRENT_USER, u"Short", name, 0), 0);
+    EXPECT_EQ(std::u16string(name), fits);
+    SetToRegistry(HKEY_CURRENT_USER, (u"Long\\" + fits + u"k").c_str(), u"v", 3);
+    EXPECT_EQ(EnumRegistryKeysSZ(HKEY_CURRENT_USER, u"Long", name, 0), 234);
+    WCHAR buffer[401] = {};
+    SetToRegistrySZ(HKEY_CURRENT_USER, u"K", u"v", std::u16string(399, u'x').c_str());
+    EXPECT_EQ(GetFromRegistrySZ(HKEY_CURRENT_USER, u"K", u"v", buffer), 0);
+    EXPECT_EQ(wcslen(buffer), 399U);
+}
+
+TEST_F(CRegistryTest, sectionsOfEachRootGoToThatRootOfTheRegistry)
+{
+    const std::pair<HKEY, const WCHAR *> roots[] = {{HKEY_CURRENT_USER, u"HKEY_CURRENT_USER"},
+                                                    {HKEY_LOCAL_MACHINE, u"HKEY_LOCAL_MACHINE"},
+                                                    {HKEY_CLASSES_ROOT, u"HKEY_CLASSES_ROOT"},
+                                                    {HKEY_USERS, u"HKEY_USERS"}};
+    std::u16string all;
+    for (const auto &[root, name] : roots)
+    {
+        all += u"[" + std::u16string(name) + u"\\K]\r\n\"v\"=\"" + name + u"\"\r\n";
+        HKEY found = nullptr;
+        const WCHAR *path = nullptr;
+        CRegistry::GetSectionKey((std::u16string(name) + u"\\a\\b").c_str(), found, path);
+        EXPECT_EQ(found, root);
+    }
+    write(all, u"\\In.txt");
+    EXPECT_EQ(CRegistry::ImportINIFile(u"\\In.txt"), static_cast<LONG>(0x80004005U));
+    for (const auto &[root, name] : roots)
+    {
+        WCHAR buffer[401] = {};
+        EXPECT_EQ(GetFromRegistrySZ(root, u"K", u"v", buffer), 0);
+        EXPECT_EQ(std::u16string(buffer), name);
+    }
+}
+
+TEST_F(CRegistryTest, appendingReplacesInSectionPathsWithRegardToCase)
+{
+    write(u"[HKEY_CURRENT_USER\\Top\\top\\Top]\r\n\"n\"=dword:7\r\n\"t\"=\"Top\"\r\n", u"\\In.txt");
+    CRegistry store;
+    store.AppendINIFile(u"\\In.txt", u"Top", u"New");
+    EXPECT_TRUE(store.Exists(HKEY_CURRENT_USER, u"New\\top\\New"));
+    store.OpenKey(HKEY_CURRENT_USER, u"New\\top\\New");
+    EXPECT_EQ(number(store, u"n"), 7U);
+    EXPECT_EQ(text(store, u"t"), u"Top");
+    store.AppendINIFile(u"\\In.txt", u"Top", nullptr);
+    EXPECT_TRUE(store.Exists(HKEY_CURRENT_USER, u"Top\\top\\Top"));
+}
+
 TEST_F(CRegistryTest, subKeysOfAFileAreThoseOneLevelBelow)
 {
     write(u"[HKEY_CURRENT_USER\\A\\B\\C]\r\n\"v\"=\"1\"\r\n[HKEY_CURRENT_USER\\A\\D]\r\n\"v\"=\"1\"\r\n[HKEY_CURRENT_"
