@@ -219,10 +219,28 @@ void CTasksThread::CollectIds()
     }
 }
 
+/// To a record that the first pass met behind the one of the last call: a few steps on are much cheaper than a search.
+bool CTasksThread::SeekOn(CEOID oid)
+{
+    constexpr int steps = 16;
+    CEOID at = m_bAtTask ? m_pDbTasks->SeekNext() : m_pDbTasks->SeekFirst();
+    for (int n = 0; n < steps && at != 0 && at != oid; ++n)
+    {
+        at = m_pDbTasks->SeekNext();
+    }
+    m_bAtTask = at == oid || m_pDbTasks->SeekTo(oid) != 0;
+    return m_bAtTask;
+}
+
 /// Reads the twelve properties of a record into m_record.
 bool CTasksThread::ReadTask(CEOID oid)
 {
-    if (m_pReadBuffer == nullptr || m_pDbTasks == nullptr || m_pDbTasks->SeekTo(oid) == 0)
+    return m_pDbTasks != nullptr && m_pDbTasks->SeekTo(oid) != 0 && ReadTaskHere();
+}
+
+bool CTasksThread::ReadTaskHere()
+{
+    if (m_pReadBuffer == nullptr)
     {
         return false;
     }
@@ -235,13 +253,14 @@ bool CTasksThread::ReadTask(CEOID oid)
 /// Second pass: a row of each record that the filters let pass. False when it was stopped.
 bool CTasksThread::AddRows(CeManualEvent *pRun)
 {
+    m_bAtTask = false;
     for (std::size_t i = 0; i < m_oids.size(); ++i)
     {
         if (i % recordsPerPoll == 0 && pRun != nullptr && pRun->WaitFor(0) != WAIT_OBJECT_0)
         {
             return false;
         }
-        if (ReadTask(m_oids[i]))
+        if (SeekOn(m_oids[i]) && ReadTaskHere())
         {
             AddNewTask(&m_record, nullptr, -1, false, false);
         }

@@ -312,7 +312,9 @@ class ZBTOOLS_API CTasksThread : public CeWorkerThread
     void CollectIds();
     bool AddRows(CeManualEvent *pRun);
     void FinishRows();
+    bool SeekOn(CEOID oid);
     bool ReadTask(CEOID oid);
+    bool ReadTaskHere();
     void ClearData();
     void ClearGroups();
     void InitiateLinksDB();
@@ -453,6 +455,7 @@ class ZBTOOLS_API CTasksThread : public CeWorkerThread
     std::vector<CEOID> m_oids;
     CeDbRecord m_record;
     BYTE *m_pReadBuffer = nullptr;
+    bool m_bAtTask = false;      // the second pass stands on a record
     bool m_bBufferTaken = false; // m_record owns the buffer since it was read into
 
     // The tree.
