@@ -1,14 +1,56 @@
 #include "zb/open_device.h"
 
+#include "platform/clock.h"
 #include "zb/terminal.h"
+
+#include <cstdio>
+#include <cstdlib>
 
 namespace zb::cli
 {
+namespace
+{
+/// "2026-11-21T09:00:00Z", with or without seconds, in UTC; nothing for anything else.
+std::optional<LONGLONG> momentOf(const char *text)
+{
+    int year = 0;
+    int month = 0;
+    int day = 0;
+    int hour = 0;
+    int minute = 0;
+    int second = 0;
+    int length = 0;
+    const bool whole =
+        (std::sscanf(text, "%4d-%2d-%2dT%2d:%2d:%2dZ%n", &year, &month, &day, &hour, &minute, &second, &length) == 6 ||
+         std::sscanf(text, "%4d-%2d-%2dT%2d:%2dZ%n", &year, &month, &day, &hour, &minute, &length) == 5) &&
+        length != 0 && text[length] == '\0';
+    SYSTEMTIME fields{};
+    fields.wYear = static_cast<WORD>(year);
+    fields.wMonth = static_cast<WORD>(month);
+    fields.wDay = static_cast<WORD>(day);
+    fields.wHour = static_cast<WORD>(hour);
+    fields.wMinute = static_cast<WORD>(minute);
+    fields.wSecond = static_cast<WORD>(second);
+    FILETIME moment{};
+    return whole && SystemTimeToFileTime(&fields, &moment) != FALSE ? std::optional(ticksOf(moment)) : std::nullopt;
+}
+} // namespace
+
 std::unique_ptr<Device> openDevice(const std::filesystem::path &root, Missing missing)
 {
     DeviceOptions options;
     options.root = root;
     options.create = missing == Missing::Make;
+    if (const char *const now = std::getenv("ZB_NOW"); now != nullptr && *now != '\0')
+    {
+        const std::optional<LONGLONG> moment = momentOf(now);
+        if (!moment)
+        {
+            complain("ZB_NOW is no moment such as 2026-11-21T09:00:00Z");
+            return nullptr;
+        }
+        options.clock = [ticks = *moment] { return ticks; };
+    }
     try
     {
         return OpenDevice(options);
