@@ -218,6 +218,7 @@ void CCalendarThread::ChooseMode()
     m_nRangeStart = static_cast<int>(range.dtStart);
     m_nRangeEnd = static_cast<int>(range.dtEnd);
     m_reader.SetRange(range.dtStart, range.dtEnd);
+    m_dtWorking = 0.0;
     m_filter = m_settings.CAV_FilterAppointments;
     m_bExpand = m_filter >= CalendarFilter::WithAttendees;
     m_bTestStatus =

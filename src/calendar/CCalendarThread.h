@@ -312,7 +312,8 @@ class ZBTOOLS_API CCalendarThread : public CeWorkerThread
     CEPROPVAL m_keyJournal{};
     bool m_bLinksOpen = false;
     CRecurrenceReader m_reader;
-    /// Where the last weekly or monthly series of the object's life placed its start; what "every weekday" goes by.
+    /// Where the last weekly or monthly series of the run placed its start; what "every weekday" goes by. Early at the
+    /// start of a run: a later range that was shown before must not hide the working days of this one.
     double m_dtWorking = 0.0;
     std::u16string m_strWork;
     bool m_bRestRead = false;  // texts of the current record are in the scratch row

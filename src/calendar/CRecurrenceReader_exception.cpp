@@ -18,6 +18,9 @@ constexpr WORD hasNotes = 0x0100;
 /// A date before this year is none: the record stands elsewhere.
 constexpr WORD earliestYear = 1700;
 constexpr DWORD minutesPerDay = 1440;
+/// As long as an occurrence of a series can be, whose end hour has 16 bits. A damaged date would else make an event of
+/// thousands of years, with a row for each day.
+constexpr int mostExtraDays = 0xFFFF / 24 - 1;
 
 SYSTEMTIME fieldsOf(DWORD minutes)
 {
@@ -56,7 +59,7 @@ void setSeveralDays(RECUREXCEPTION &exception, const SYSTEMTIME &start)
     const int days = static_cast<int>(exception.m_dwNewEnd / minutesPerDay) -
                      static_cast<int>(exception.m_dwNewStart / minutesPerDay);
     exception.m_bSeveralDays = true;
-    exception.m_nExtraDays = std::max(0, days);
+    exception.m_nExtraDays = std::clamp(days, 0, mostExtraDays);
     exception.m_nEndHour += 24 * exception.m_nExtraDays;
     exception.m_stStart = start;
 }

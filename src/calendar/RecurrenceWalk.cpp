@@ -2,6 +2,7 @@
 #include "calendar/RecurrenceWalk.h"
 #include "core/datetools.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace zb
@@ -63,6 +64,16 @@ void RecurrenceWalk::firstDateAlone()
     if (!isOver(m_firstDate))
     {
         m_visitor.occurrence(m_firstDate, m_first);
+    }
+}
+
+/// Tells the next every-weekday walk where this one began. A series that begins inside the range begins, for that, with
+/// the range; else it would hide the working days before its own first date.
+void RecurrenceWalk::placeWorkingDay(const CalendarDay &walk)
+{
+    if (walk.exists() && walk.year <= lastYear)
+    {
+        m_workingDay = std::min(walk.variantDate(), whole(m_range.firstDay));
     }
 }
 
@@ -157,7 +168,7 @@ void RecurrenceWalk::weekly()
     walk.addDays(stepsUpTo(walk.variantDate(), limit, stride) * stride);
     const double start = whole(m_range.firstDay);
     walk.addDays(-stepsUpTo(start, walk.variantDate(), stride) * stride);
-    m_workingDay = walk.variantDate();
+    placeWorkingDay(walk);
     for (date = walk; !isOver(date); fCheckNextWeekDay(date, lowest))
     {
         const double x = date.variantDate();
@@ -171,7 +182,7 @@ void RecurrenceWalk::weekly()
 void RecurrenceWalk::monthlyByDay()
 {
     const LONG period = m_pattern.m_nPeriodMonths;
-    if (period <= 0)
+    if (period <= 0 || !hasDayOfMonth())
     {
         firstDateAlone();
         return;
@@ -192,7 +203,7 @@ void RecurrenceWalk::monthlyByDay()
     {
         advance(walk);
     }
-    m_workingDay = walk.exists() && walk.year <= lastYear ? walk.variantDate() : m_workingDay;
+    placeWorkingDay(walk);
     endAt23();
     for (CalendarDay date = walk; !isOver(date); advance(date))
     {
@@ -233,7 +244,7 @@ void RecurrenceWalk::monthlyByWeekday()
         addMonths(walk, period);
     }
     walk = fGetNthWeekDay(walk);
-    m_workingDay = walk.year <= lastYear ? walk.variantDate() : m_workingDay;
+    placeWorkingDay(walk);
     endAt23();
     const bool hasExceptions = !m_pattern.m_lstExceptions.empty();
     for (CalendarDay date = walk; !isOver(date);)
@@ -251,6 +262,11 @@ void RecurrenceWalk::monthlyByWeekday()
 
 void RecurrenceWalk::yearlyByDay()
 {
+    if (!hasDayOfMonth())
+    {
+        firstDateAlone();
+        return;
+    }
     const int month = fGetMonthInNum(m_pattern.m_dwFirstDate);
     CalendarDay date = firstOfMonth(m_firstDate);
     date.month = month;

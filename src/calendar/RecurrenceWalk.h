@@ -6,14 +6,14 @@
 //
 // Traits that hosts and stored series rely on, and that are kept:
 // - "every weekday" goes Monday to Friday whatever its mask; a range that begins on a Friday has no row for that
-// Friday;
-//   its lower bound is not the first date of its own series but where the last weekly or monthly series began;
+//   Friday; its lower bound is not the first date of its own series but where the last weekly or monthly series began;
 // - weeks begin on Sunday; a yearly series repeats every year whatever its interval;
 // - a monthly series also shows a date in front of its first one that has the day of the month and the year of the
 //   range start;
 // - a monthly series on day 31 takes the last day of a shorter month where it enters the range, and steps over or
 //   through shorter months as fIncrementMonth tells.
-// A period that cannot advance (0, or below one day) shows the first date of the series alone.
+// A period that cannot advance (0, or below one day) shows the first date of the series alone; so does a day that no
+// month has.
 #pragma once
 
 #include "calendar/CalendarDay.h"
@@ -46,8 +46,8 @@ class ZBTOOLS_API RecurrenceWalk
   public:
     /// `pattern` and `visitor` must outlive the walk. `first` is the variant date that the series begins with,
     /// `lastMinute` its last date in minutes since 1601, `durationMinutes` the length of the record's own occurrence.
-    /// `workingDay` is where the last weekly or monthly walk of the load placed its start; it is read by the
-    /// every-weekday walk and set by the others.
+    /// `workingDay` is where the last weekly or monthly walk of the load placed its start, at or in front of the
+    /// range's; it is read by the every-weekday walk; weekly and monthly walks set it.
     RecurrenceWalk(const RECURPATTERN &pattern, const RecurrenceRange &range, RecurrenceVisitor &visitor, double first,
                    double lastMinute, int durationMinutes, double &workingDay);
 
@@ -84,9 +84,12 @@ class ZBTOOLS_API RecurrenceWalk
     /// Emits the first date alone, for a period that cannot advance.
     void firstDateAlone();
     int patternDay() const;
+    /// False for a day that no month has: from it the steps would lead nowhere.
+    bool hasDayOfMonth() const;
     void fCheckNextWeekDay(CalendarDay &date, int lowestWeekday) const;
     void addMonths(CalendarDay &date, int months) const;
     CalendarDay firstOfMonth(const CalendarDay &date) const;
+    void placeWorkingDay(const CalendarDay &walk);
     void endAt23();
 
     const RECURPATTERN &m_pattern;

@@ -143,6 +143,12 @@ int RecurrenceWalk::patternDay() const
     return m_pattern.m_wFrequency == yearly ? static_cast<int>(m_pattern.m_dwYearDay) : m_pattern.m_wDayOfMonth;
 }
 
+bool RecurrenceWalk::hasDayOfMonth() const
+{
+    const int day = patternDay();
+    return day >= 1 && day <= 31;
+}
+
 CalendarDay RecurrenceWalk::firstOfMonth(const CalendarDay &date) const
 {
     CalendarDay first = date;

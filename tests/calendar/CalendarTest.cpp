@@ -269,9 +269,9 @@ const DATACALENDAR *TestLoader::row(int n)
 int TestLoader::rowCount()
 {
     int count = 0;
-    while (row(count) != nullptr)
+    for (int i = GetList().GetBase(); i <= GetList().GetLastIndex(); ++i)
     {
-        ++count;
+        count += GetList().GetAt(i)->m_oid != 0 ? 1 : 0;
     }
     return count;
 }

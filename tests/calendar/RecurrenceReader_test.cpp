@@ -427,6 +427,14 @@ TEST_F(RecurrenceExceptions, AnEndOnAnEarlierDayAddsNoDays)
     EXPECT_EQ(only().m_nEndHour, 8);
 }
 
+TEST_F(RecurrenceExceptions, AnEndThousandsOfYearsLaterIsHeldAtTheLongestOccurrenceOfASeries)
+{
+    ASSERT_EQ(readOne(times(minutes(2026, 1, 12, 22), minutes(9000, 1, 15, 8), original).word(0).bytes), 0);
+    EXPECT_EQ(only().m_nExtraDays, 2729);
+    EXPECT_EQ(only().m_nEndHour, 2729 * 24 + 8);
+    EXPECT_EQ(only().m_dwNewEnd, minutes(9000, 1, 15, 8));
+}
+
 TEST_F(RecurrenceExceptions, AllPartsInTheirOrder)
 {
     const Bytes bytes = times(start, end, original)

@@ -157,6 +157,38 @@ TEST_F(WalkTest, weeklyAndMonthlyWalksLeaveWhereTheyBegan)
     EXPECT_EQ(m_working, day(2026, 2, 5).variantDate());
 }
 
+TEST_F(WalkTest, aSeriesThatBeginsInsideTheRangeLeavesTheStartOfTheRange)
+{
+    m_working = day(2020, 1, 1).variantDate();
+    m_pattern.m_nPeriodMonths = 1;
+    m_pattern.m_wDayOfMonth = 20;
+    m_pattern.m_wNthMask = monday;
+    m_pattern.m_wNth = 3;
+    series(0x200C, day(2026, 3, 20));
+    for (const Walk walk : {&RecurrenceWalk::monthlyByDay, &RecurrenceWalk::monthlyByWeekday})
+    {
+        m_working = day(2026, 12, 1).variantDate();
+        dates(walk, day(2026, 3, 4), day(2026, 3, 31));
+        EXPECT_EQ(m_working, day(2026, 3, 4).variantDate());
+    }
+}
+
+TEST_F(WalkTest, otherWalksLeaveTheWorkingDateAlone)
+{
+    m_working = 5.0;
+    series(0x200A, day(2026, 1, 5));
+    m_pattern.m_nPeriodMinutes = 1440;
+    m_pattern.m_dwYearDay = 5;
+    m_pattern.m_wNthMask = monday;
+    m_pattern.m_wNth = 1;
+    for (const Walk walk : {&RecurrenceWalk::daily, &RecurrenceWalk::everyWeekday, &RecurrenceWalk::yearlyByDay,
+                            &RecurrenceWalk::yearlyByWeekday})
+    {
+        dates(walk, day(2026, 3, 4), day(2026, 3, 31));
+        EXPECT_EQ(m_working, 5.0);
+    }
+}
+
 // --- Weekly ------------------------------------------------------------------------------------------------------
 
 TEST_F(WalkTest, weeklyNamesTheDaysOfTheMaskEachPeriod)
@@ -389,6 +421,23 @@ TEST_F(WalkTest, aYearlyWeekdayCanLoseItsMonthAtTheTurnOfTheYear)
     m_pattern.m_wNth = 1;
     EXPECT_EQ(dates(&RecurrenceWalk::yearlyByWeekday, day(2026, 1, 1), day(2028, 12, 31)),
               (Dates{"2026-01-03", "2027-01-02", "2028-01-01", "2028-12-02"}));
+}
+
+TEST_F(WalkTest, aDayThatNoMonthHasShowsTheFirstDateAlone)
+{
+    m_pattern.m_nPeriodMonths = 1;
+    for (const ULONG number : {0U, 32U, 0xFFFFU})
+    {
+        series(0x200C, day(2026, 3, 2));
+        m_pattern.m_wDayOfMonth = static_cast<WORD>(number);
+        EXPECT_EQ(dates(&RecurrenceWalk::monthlyByDay, day(2026, 3, 1), day(2026, 6, 30)), (Dates{"2026-03-02"}));
+    }
+    for (const ULONG number : {0U, 32U, 0x10001U, 0x80000000U, 0xFFFFFFFFU})
+    {
+        series(0x200D, day(2026, 3, 2));
+        m_pattern.m_dwYearDay = number;
+        EXPECT_EQ(dates(&RecurrenceWalk::yearlyByDay, day(2026, 3, 1), day(2027, 6, 30)), (Dates{"2026-03-02"}));
+    }
 }
 
 TEST_F(WalkTest, hostileNumbersEndAndStayInBounds)
