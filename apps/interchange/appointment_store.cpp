@@ -1,5 +1,6 @@
 #include "interchange/appointment_store.h"
 
+#include "interchange/record_values.h"
 #include "platform/clock.h"
 #include "platform/kernel.h"
 #include "platform/text.h"
@@ -25,84 +26,6 @@ std::string wordsFor(DWORD code)
         return "the store failed with error " + std::to_string(code);
     }
 }
-
-std::size_t padded(std::size_t bytes)
-{
-    return bytes + bytes % 2;
-}
-
-/// Bytes of the block in which a loader reads the record.
-std::size_t blockSize(const RecordProperties &properties)
-{
-    std::size_t size = loaderProperties * sizeof(CEPROPVAL);
-    for (WORD n = 0; n < properties.count(); ++n)
-    {
-        const CEPROPVAL &value = properties.values()[n];
-        const bool removed = (value.wFlags & CEDB_PROPDELETE) != 0;
-        const WORD type = TypeFromPropID(value.propid);
-        if (!removed && type == CEVT_LPWSTR && value.val.lpwstr != nullptr)
-        {
-            size += (wcslen(value.val.lpwstr) + 1) * sizeof(WCHAR);
-        }
-        else if (!removed && type == CEVT_BLOB)
-        {
-            size += padded(value.val.blob.dwCount);
-        }
-    }
-    return size;
-}
-
-/// Takes `count` characters off the end, more where that would halve a surrogate pair.
-void dropFromEnd(std::u16string &text, std::size_t count)
-{
-    text.resize(text.size() - std::min(text.size(), count));
-    if (!text.empty() && text.back() >= 0xD800 && text.back() < 0xDC00)
-    {
-        text.pop_back();
-    }
-}
-
-bool sameText(const CEPROPVAL &a, const CEPROPVAL &b)
-{
-    static const WCHAR empty[] = u"";
-    const WCHAR *const left = a.val.lpwstr != nullptr ? a.val.lpwstr : empty;
-    const WCHAR *const right = b.val.lpwstr != nullptr ? b.val.lpwstr : empty;
-    return wcscmp(left, right) == 0;
-}
-
-bool sameValue(const CEPROPVAL &a, const CEPROPVAL &b)
-{
-    switch (TypeFromPropID(a.propid))
-    {
-    case CEVT_I2:
-    case CEVT_UI2:
-        return a.val.iVal == b.val.iVal;
-    case CEVT_I4:
-    case CEVT_UI4:
-        return a.val.lVal == b.val.lVal;
-    case CEVT_BOOL:
-        return (a.val.boolVal != FALSE) == (b.val.boolVal != FALSE);
-    case CEVT_R8:
-        return a.val.dblVal == b.val.dblVal;
-    case CEVT_FILETIME:
-        return a.val.filetime.dwLowDateTime == b.val.filetime.dwLowDateTime &&
-               a.val.filetime.dwHighDateTime == b.val.filetime.dwHighDateTime;
-    case CEVT_LPWSTR:
-        return sameText(a, b);
-    case CEVT_BLOB:
-        return a.val.blob.dwCount == b.val.blob.dwCount &&
-               (a.val.blob.dwCount == 0 || std::memcmp(a.val.blob.lpb, b.val.blob.lpb, a.val.blob.dwCount) == 0);
-    default:
-        return false;
-    }
-}
-
-const CEPROPVAL *valueOf(const CEPROPVAL *values, WORD count, CEPROPID id)
-{
-    const auto *const found =
-        std::find_if(values, values + count, [&](const CEPROPVAL &value) { return value.propid == id; });
-    return found == values + count ? nullptr : found;
-}
 } // namespace
 
 StoreError::StoreError(DWORD code) : std::runtime_error(wordsFor(code)), m_code(code)
@@ -122,11 +45,11 @@ std::vector<Shortening> shortenToRecord(AppointmentItem &item)
          {std::pair(&item.notes, "notes"), std::pair(&item.location, "location"), std::pair(&item.subject, "subject")})
     {
         const std::size_t before = text->size();
-        std::size_t size = blockSize(encodeAppointment(item));
+        std::size_t size = readSize(encodeAppointment(item), loaderProperties);
         while (size > limit && !text->empty())
         {
             dropFromEnd(*text, (size - limit + 1) / 2);
-            size = blockSize(encodeAppointment(item));
+            size = readSize(encodeAppointment(item), loaderProperties);
         }
         if (text->size() != before)
         {
@@ -244,16 +167,6 @@ bool AppointmentStore::isSame(const RecordProperties &properties)
     const auto *const stored = read(count);
     const auto *const flag = valueOf(stored, count, appointmentRecurringFlag);
     m_wasSeries = flag != nullptr && flag->val.iVal != 0;
-    const auto *const wanted = properties.values();
-    return std::all_of(wanted, wanted + properties.count(),
-                       [&](const CEPROPVAL &value)
-                       {
-                           const auto *const found =
-                               std::find_if(stored, stored + count,
-                                            [&](const CEPROPVAL &other) { return other.propid == value.propid; });
-                           const bool removed = (value.wFlags & CEDB_PROPDELETE) != 0;
-                           return removed ? found == stored + count
-                                          : found != stored + count && sameValue(value, *found);
-                       });
+    return saysAlready(stored, count, properties);
 }
 } // namespace zb::interchange

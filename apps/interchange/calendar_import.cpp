@@ -4,6 +4,7 @@
 #include "interchange/calendar_survey.h"
 #include "interchange/event_item.h"
 #include "interchange/event_series.h"
+#include "interchange/task_import.h"
 #include "interchange/zone_book.h"
 #include "platform/clock.h"
 #include "platform/kernel.h"
@@ -27,7 +28,8 @@ class CalendarImport
 {
   public:
     CalendarImport(ByteSource &bytes, const ImportOptions &options, ImportReport &report)
-        : m_reader(bytes), m_zones(deviceZoneName()), m_survey(m_reader, m_zones), m_options(options), m_report(report)
+        : m_reader(bytes), m_zones(deviceZoneName()), m_survey(m_reader, m_zones), m_options(options), m_report(report),
+          m_tasks(m_survey, m_zones, report, [this](const auto &name, auto line) { tellUnknownZone(name, line); })
     {
     }
 
@@ -44,12 +46,16 @@ class CalendarImport
             }
         }
         takeStraySeries();
+        m_tasks.findParents();
         addNotes();
-        const bool changed = m_report.added != 0 || m_report.updated != 0 || m_report.removed != 0;
+        const TaskCounts &tasks = m_report.tasks;
+        const bool changed = m_report.added != 0 || m_report.updated != 0 || m_report.removed != 0 ||
+                             tasks.added != 0 || tasks.updated != 0;
         if (changed && !m_options.dryRun && !writing.commit())
         {
             throw StoreError(GetLastError());
         }
+        m_tasks.saveLinks(!m_options.dryRun);
     }
 
   private:
@@ -59,6 +65,10 @@ class CalendarImport
         {
             ++m_report.events;
             takeEvent(component);
+        }
+        else if (component.kind == ComponentKind::Task)
+        {
+            m_tasks.take(component);
         }
         else if (component.kind == ComponentKind::Other)
         {
@@ -321,6 +331,7 @@ class CalendarImport
     AppointmentStore m_store;
     const ImportOptions &m_options;
     ImportReport &m_report;
+    TaskImport m_tasks;
     std::set<std::string> m_unknownZones;
     std::unordered_map<Fingerprint, WaitingSeries> m_waiting;
     std::size_t m_seen = 0;

@@ -1,4 +1,4 @@
-// Brings the events of an iCalendar file into the appointments of the open device.
+// Brings the events of an iCalendar file into the appointments of the open device, and its to-dos into the tasks.
 //
 // One file is one transaction: all of it is taken, or nothing. Importing a file again changes nothing; an event that
 // has changed since replaces what the device has of it.

@@ -46,6 +46,12 @@ constexpr std::array<FieldName, static_cast<std::size_t>(EventField::Count)> fie
 // None of these ever stands inside another of them.
 constexpr std::array<std::string_view, 5> flatNames = {"VEVENT", "VTODO", "VJOURNAL", "VFREEBUSY", "VTIMEZONE"};
 
+// Of to-dos alone: what is read, and what is only told to be lost.
+constexpr std::array<std::string_view, 6> taskNames = {"DUE",        "COMPLETED", "PRIORITY", "PERCENT-COMPLETE",
+                                                       "CATEGORIES", "RELATED-TO"};
+constexpr std::array<std::string_view, 8> lostNames = {"GEO", "ATTACH",  "ATTENDEE", "ORGANIZER",
+                                                       "URL", "COMMENT", "CONTACT",  "RESOURCES"};
+
 constexpr std::array<std::string_view, 6> zoneNames = {"TZID",       "DTSTART", "TZOFFSETFROM",
                                                        "TZOFFSETTO", "RRULE",   "RDATE"};
 
@@ -178,6 +184,7 @@ void CalendarComponent::clear()
     oversized = false;
     zoneId.clear();
     repetition.clear();
+    more.clear();
     m_places.fill({});
     m_aside.clear();
 }
@@ -349,6 +356,7 @@ void CalendarReader::begin(CalendarComponent &component)
     component.name = upper(trimmed(m_parts.value)).substr(0, longestName);
     component.line = m_line.line;
     component.kind = component.name == "VEVENT"      ? ComponentKind::Event
+                     : component.name == "VTODO"     ? ComponentKind::Task
                      : component.name == "VTIMEZONE" ? ComponentKind::Zone
                                                      : ComponentKind::Other;
     component.text = "BEGIN:" + component.name + "\r\n";
@@ -387,9 +395,10 @@ void CalendarReader::readComponent(CalendarComponent &component)
         {
             takeZoneLine(component);
         }
-        else if (component.kind == ComponentKind::Event && m_inner.empty())
+        else if (component.kind != ComponentKind::Other && m_inner.empty())
         {
             takeEventLine(component);
+            takeTaskLine(component);
         }
     }
     torn(&component);
@@ -495,6 +504,23 @@ void CalendarReader::takeEventLine(CalendarComponent &component)
     place.offset = store.size() - place.length;
     place.parameters = aside ? 0 : m_parts.parameters.size();
     store += "\r\n";
+}
+
+void CalendarReader::takeTaskLine(CalendarComponent &component)
+{
+    const bool lost = contains(lostNames, m_parts.name);
+    if (component.kind != ComponentKind::Task || (!lost && !contains(taskNames, m_parts.name)))
+    {
+        return;
+    }
+    m_repetitionBytes += m_parts.whole.size() + sizeof(PropertyLine);
+    if (m_repetitionBytes > mostRepetitionBytes)
+    {
+        component.oversized = true;
+        return;
+    }
+    component.more.push_back({m_name, lost ? "" : std::string(m_parts.parameters),
+                              lost ? "" : std::string(m_parts.value), m_line.line, m_line.cut});
 }
 
 void CalendarReader::takeZoneLine(CalendarComponent &component)

@@ -57,9 +57,20 @@ struct RepetitionLine
     bool cut = false; ///< longer than the limit of lines
 };
 
+/// One line of a to-do beyond the properties that events have too. What no record holds has its name alone.
+struct PropertyLine
+{
+    std::string name;       ///< upper case
+    std::string parameters; ///< with their semicolons
+    std::string value;
+    std::size_t line = 0;
+    bool cut = false;
+};
+
 enum class ComponentKind
 {
     Event,
+    Task, ///< a to-do
     Zone,
     Other
 };
@@ -78,6 +89,8 @@ class CalendarComponent
     bool oversized = false; ///< a zone definition with more rules than any real one, an event with more repetition
     /// All lines of an event that tell its repetition.
     std::vector<RepetitionLine> repetition;
+    /// What a to-do says beside the fields that events have too.
+    std::vector<PropertyLine> more;
 
     bool has(EventField field) const
     {
@@ -186,6 +199,7 @@ class CalendarReader
     bool closes(CalendarComponent &component);
     void takeEventLine(CalendarComponent &component);
     void takeRepetitionLine(CalendarComponent &component, EventField kind);
+    void takeTaskLine(CalendarComponent &component);
     void takeZoneLine(CalendarComponent &component);
     void stray();
     [[noreturn]] void torn(const CalendarComponent *component) const;

@@ -1,6 +1,7 @@
 #include "interchange/calendar_survey.h"
 
 #include "interchange/event_item.h"
+#include "interchange/task_item.h"
 
 #include <algorithm>
 #include <tuple>
@@ -25,6 +26,11 @@ std::uint64_t digitsOf(std::string_view text)
     }
     return value;
 }
+
+Fingerprint keyOf(const CalendarComponent &component)
+{
+    return component.kind == ComponentKind::Task ? taskKey(component) : eventKey(component);
+}
 } // namespace
 
 CalendarSurvey::Version CalendarSurvey::versionOf(const CalendarComponent &event)
@@ -42,20 +48,21 @@ CalendarSurvey::CalendarSurvey(CalendarReader &reader, ZoneBook &zones)
         {
             zones.define(component.zoneId, component.text);
         }
-        if (component.kind != ComponentKind::Event || component.unended)
+        const bool isEvent = component.kind == ComponentKind::Event; // to-dos have versions and no series
+        if ((!isEvent && component.kind != ComponentKind::Task) || component.unended)
         {
             continue;
         }
-        if (component.has(EventField::RecurrenceId))
+        if (isEvent && component.has(EventField::RecurrenceId))
         {
             ++m_series[seriesKey(component)].changes;
         }
-        else if (component.repeats())
+        else if (isEvent && component.repeats())
         {
             m_series[seriesKey(component)].repeats = true;
         }
         const Version version = versionOf(component);
-        const auto [found, added] = m_versions.emplace(eventKey(component), version);
+        const auto [found, added] = m_versions.emplace(keyOf(component), version);
         Version &best = found->second;
         if (!added &&
             std::tie(version.sequence, version.stamp, version.line) >= std::tie(best.sequence, best.stamp, best.line))
@@ -68,7 +75,7 @@ CalendarSurvey::CalendarSurvey(CalendarReader &reader, ZoneBook &zones)
 
 std::size_t CalendarSurvey::lineThatCounts(const CalendarComponent &event) const
 {
-    const auto found = m_versions.find(eventKey(event));
+    const auto found = m_versions.find(keyOf(event));
     return found == m_versions.end() ? event.line : found->second.line;
 }
 

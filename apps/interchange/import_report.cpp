@@ -19,13 +19,17 @@ std::string place(const ImportReport &report, std::size_t line)
     return text.append(": ");
 }
 
+/// Of a report or its to-dos.
+template <class Counts>
+std::string outcomes(const Counts &counts)
+{
+    return std::to_string(counts.added) + " new, " + std::to_string(counts.updated) + " changed, " +
+           std::to_string(counts.unchanged) + " unchanged, " + std::to_string(counts.leftOut()) + " left out";
+}
+
 /// Words for components that people know; others by their name.
 std::string componentWords(const std::string &name, std::size_t count)
 {
-    if (name == "VTODO")
-    {
-        return counted(count, "to-do", "to-dos");
-    }
     if (name == "VJOURNAL")
     {
         return counted(count, "journal entry", "journal entries");
@@ -56,10 +60,9 @@ std::string summary(const ImportReport &report)
     {
         return place(report, 0) + "nothing taken";
     }
-    std::string text = place(report, 0) + std::to_string(report.added) + " new, " + std::to_string(report.updated) +
-                       " changed, " + std::to_string(report.unchanged) + " unchanged, " +
-                       std::to_string(report.leftOut()) + " left out";
-    return report.removed == 0 ? text : text + ", " + std::to_string(report.removed) + " removed";
+    std::string text = place(report, 0) + outcomes(report) +
+                       (report.removed == 0 ? "" : ", " + std::to_string(report.removed) + " removed");
+    return report.tasks.seen == 0 ? text : text + "; to-dos: " + outcomes(report.tasks);
 }
 
 std::vector<std::string> remarks(const ImportReport &report)
@@ -89,6 +92,14 @@ std::vector<std::string> remarks(const ImportReport &report)
     add(report.cancelled, counted(report.cancelled, "cancelled event was left out", "cancelled events were left out"));
     add(report.superseded,
         counted(report.superseded, "older version of an event was left out", "older versions of events were left out"));
+    const TaskCounts &tasks = report.tasks;
+    add(tasks.cancelled, counted(tasks.cancelled, "cancelled to-do was left out", "cancelled to-dos were left out"));
+    add(tasks.superseded,
+        counted(tasks.superseded, "older version of a to-do was left out", "older versions of to-dos were left out"));
+    for (const auto &[name, count] : tasks.lost)
+    {
+        add(count, "the " + name + " of " + counted(count, "to-do", "to-dos") + " was left out: tasks have none");
+    }
     for (const auto &[name, count] : report.otherComponents)
     {
         add(count, componentWords(name, count) + (count == 1 ? " was left out" : " were left out"));

@@ -25,6 +25,29 @@ struct FileFailure
     std::string text;
 };
 
+/// To-dos of the file.
+struct TaskCounts
+{
+    std::size_t seen = 0;
+    std::size_t added = 0;
+    std::size_t updated = 0;
+    std::size_t unchanged = 0;
+    std::size_t cancelled = 0;
+    std::size_t superseded = 0; ///< an older version of a to-do that the file holds again
+    std::size_t refused = 0;    ///< each has a finding
+    std::size_t repeating = 0;  ///< taken as one task; each has a finding
+    std::size_t linked = 0;     ///< put under another task, where they did not lie before
+    std::size_t categories = 0; ///< made for them
+    bool linksLost = false;     ///< which task lies under which could not be kept
+    /// What no record of a task holds: name of the property, to-dos that had it.
+    std::map<std::string, std::size_t> lost;
+
+    std::size_t leftOut() const
+    {
+        return cancelled + superseded + refused;
+    }
+};
+
 struct ImportReport
 {
     std::string file; ///< as its user named it
@@ -50,6 +73,7 @@ struct ImportReport
     std::size_t unrolledAppointments = 0;
     std::size_t repeating = 0; ///< taken as their first day only; each has a finding
     std::size_t shortened = 0; ///< texts cut to what a record holds; each has a finding
+    TaskCounts tasks;
     std::map<std::string, std::size_t> otherComponents;
 
     std::vector<Finding> findings; ///< as many as are kept
@@ -69,11 +93,12 @@ struct ImportReport
     /// True when all that the device could keep of the file was taken whole.
     bool isWhole() const
     {
-        return !failure && refused == 0 && shortened == 0;
+        return !failure && refused == 0 && shortened == 0 && tasks.refused == 0 && !tasks.linksLost;
     }
 };
 
-/// One line of counts: "work.ics: 12 new, 1 changed, 30 unchanged, 2 left out".
+/// One line of counts: "work.ics: 12 new, 1 changed, 30 unchanged, 2 left out"; with to-dos in the file it ends
+/// "; to-dos: 4 new, 0 changed, 0 unchanged, 0 left out".
 std::string summary(const ImportReport &report);
 /// The reasons, one a line: findings with file and line first, then what was done to many events alike.
 std::vector<std::string> remarks(const ImportReport &report);

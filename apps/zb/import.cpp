@@ -1,4 +1,4 @@
-// zb import: events of iCalendar files into the device's appointments, one transaction a file.
+// zb import: events and to-dos of iCalendar files into the device's appointments and tasks, one transaction a file.
 #include "interchange/appointment_store.h"
 #include "interchange/calendar_import.h"
 #include "zb/commands.h"
@@ -27,6 +27,25 @@ const char *nameOf(FileFault fault)
     return "";
 }
 
+Json asJson(const interchange::TaskCounts &tasks)
+{
+    Json told = {
+        {"inFile", tasks.seen},
+        {"new", tasks.added},
+        {"changed", tasks.updated},
+        {"unchanged", tasks.unchanged},
+        {"leftOut", {{"cancelled", tasks.cancelled}, {"olderVersions", tasks.superseded}, {"refused", tasks.refused}}},
+        {"repeatingAsOne", tasks.repeating},
+        {"putUnderAnother", tasks.linked},
+        {"newCategories", tasks.categories},
+        {"lostProperties", Json::object()}};
+    for (const auto &[name, count] : tasks.lost)
+    {
+        told["lostProperties"][name] = count;
+    }
+    return told;
+}
+
 Json asJson(const ImportReport &report)
 {
     Json file = {{"file", report.file}};
@@ -52,6 +71,7 @@ Json asJson(const ImportReport &report)
                       {"unrolledAppointments", report.unrolledAppointments}};
     file["repeatingAsFirstDay"] = report.repeating;
     file["shortenedTexts"] = report.shortened;
+    file["tasks"] = asJson(report.tasks);
     file["otherComponents"] = Json::object();
     for (const auto &[name, count] : report.otherComponents)
     {

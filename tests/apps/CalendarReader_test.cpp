@@ -108,12 +108,34 @@ TEST(CalendarReader, WhatStandsInAnAlarmIsNotTheEvents)
     EXPECT_FALSE(reading.components[0].has(EventField::Duration));
 }
 
+TEST(CalendarReader, AToDoHasTheFieldsOfEventsAndSomeOfItsOwn)
+{
+    const Reading reading = readAll(calendarOf("BEGIN:VTODO\nSUMMARY:x\nDUE;TZID=Z:20260302T090000\nATTACH:long\n"
+                                               "CATEGORIES:a\nCATEGORIES:b\nX-ODD:1\nBEGIN:VALARM\nDUE:1\nEND:VALARM\n"
+                                               "END:VTODO\n" +
+                                               eventOf("DUE:20260302\nSUMMARY:event\n")));
+    ASSERT_EQ(reading.components.size(), 2U);
+    const CalendarComponent &task = reading.components[0];
+    EXPECT_EQ(task.kind, ComponentKind::Task);
+    EXPECT_EQ(task.rawValue(EventField::Summary), "x");
+    EXPECT_TRUE(task.hasAlarm);
+    ASSERT_EQ(task.more.size(), 4U);
+    EXPECT_EQ(task.more[0].name, "DUE");
+    EXPECT_EQ(task.more[0].parameters, ";TZID=Z");
+    EXPECT_EQ(task.more[0].value, "20260302T090000");
+    EXPECT_EQ(task.more[0].line, 6U);
+    EXPECT_EQ(task.more[1].name, "ATTACH");
+    EXPECT_EQ(task.more[1].value, "") << "nobody keeps it";
+    EXPECT_EQ(task.more[3].value, "b");
+    EXPECT_TRUE(reading.components[1].more.empty());
+}
+
 TEST(CalendarReader, OtherComponentsAreNamedAndPassedOver)
 {
-    const Reading reading = readAll(calendarOf("BEGIN:VTODO\nSUMMARY:x\nBEGIN:VALARM\nEND:VALARM\nEND:VTODO\n"
+    const Reading reading = readAll(calendarOf("BEGIN:VFREEBUSY\nSUMMARY:x\nBEGIN:VALARM\nEND:VALARM\nEND:VFREEBUSY\n"
                                                "BEGIN:X-ODD\nA:1\nEND:X-ODD\nBEGIN:VJOURNAL\nEND:VJOURNAL\n"));
     ASSERT_EQ(reading.components.size(), 3U);
-    EXPECT_EQ(reading.components[0].name, "VTODO");
+    EXPECT_EQ(reading.components[0].name, "VFREEBUSY");
     EXPECT_EQ(reading.components[1].name, "X-ODD");
     EXPECT_EQ(reading.components[2].name, "VJOURNAL");
     EXPECT_EQ(reading.components[2].kind, ComponentKind::Other);

@@ -101,6 +101,24 @@ TEST_F(SamplesTest, WhatComesRoundAgainStandsOnItsDays)
     EXPECT_EQ(importSample("series.ics", 0)["unchanged"], 46);
 }
 
+TEST_F(SamplesTest, TheTasksComeInWithGroupsAndParents)
+{
+    const Json report = importSample("tasks.ics", 0);
+    EXPECT_EQ(report["events"], 0);
+    EXPECT_EQ(report["tasks"]["inFile"], 33);
+    EXPECT_EQ(report["tasks"]["new"], 32);
+    EXPECT_EQ(report["tasks"]["leftOut"]["cancelled"], 1);
+    EXPECT_EQ(report["tasks"]["repeatingAsOne"], 1);
+    EXPECT_EQ(report["tasks"]["putUnderAnother"], 17);
+    EXPECT_EQ(report["tasks"]["newCategories"], 12);
+    EXPECT_EQ(report["tasks"]["lostProperties"], Json({{"PERCENT-COMPLETE", 1}}));
+    EXPECT_EQ(report["remarks"].size(), 1U) << "the repeating one";
+    const Json again = importSample("tasks.ics", 0)["tasks"];
+    EXPECT_EQ(again["unchanged"], 32);
+    EXPECT_EQ(again["putUnderAnother"], 0);
+    EXPECT_EQ(again["newCategories"], 0);
+}
+
 TEST_F(SamplesTest, TheAwkwardOneTellsWhatItCouldNotKeep)
 {
     const Json report = importSample("awkward.ics", 1);
@@ -112,7 +130,7 @@ TEST_F(SamplesTest, TheAwkwardOneTellsWhatItCouldNotKeep)
     EXPECT_EQ(report["repeatingAsFirstDay"], 0);
     EXPECT_EQ(report["series"]["records"], 3);
     EXPECT_EQ(report["series"]["changedDays"], 1);
-    EXPECT_EQ(report["otherComponents"]["VTODO"], 1);
+    EXPECT_EQ(report["tasks"]["new"], 1);
     EXPECT_EQ(report["otherComponents"]["VJOURNAL"], 1);
     EXPECT_EQ(report["remarks"].size(), 6U) << "five refusals and an unknown zone";
     EXPECT_EQ(importSample("awkward.ics", 1)["unchanged"], 31);

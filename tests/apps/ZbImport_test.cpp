@@ -56,11 +56,11 @@ TEST_F(ZbImportTest, WhatIsLeftOutOnPurposeIsExitZero)
 {
     const ProgramResult result =
         import(eventOf("UID:c\nDTSTART:20260302\nSTATUS:CANCELLED\n") +
-               eventOf("UID:r\nDTSTART:20260302\nRRULE:FREQ=DAILY\n") + "BEGIN:VTODO\nEND:VTODO\n");
+               eventOf("UID:r\nDTSTART:20260302\nRRULE:FREQ=DAILY\n") + "BEGIN:VJOURNAL\nEND:VJOURNAL\n");
     EXPECT_EQ(result.exitCode, 0);
     EXPECT_EQ(result.err.find("repeating"), std::string::npos) << result.err;
     EXPECT_NE(result.err.find("1 cancelled event was left out"), std::string::npos) << result.err;
-    EXPECT_NE(result.err.find("1 to-do was left out"), std::string::npos) << result.err;
+    EXPECT_NE(result.err.find("1 journal entry was left out"), std::string::npos) << result.err;
 }
 
 TEST_F(ZbImportTest, FilesThatAreNoCalendarsAreExitFourAndOthersStand)
@@ -94,7 +94,7 @@ TEST_F(ZbImportTest, AnUnreadableFileWeighsMoreThanAnIncompleteOne)
 
 TEST_F(ZbImportTest, JsonTellsTheSame)
 {
-    const std::string mixed = file("mixed.ics", calendarOf(plainEvent(1) + badEvent + "BEGIN:VTODO\nEND:VTODO\n"));
+    const std::string mixed = file("mixed.ics", calendarOf(plainEvent(1) + badEvent + "BEGIN:VJOURNAL\nEND:VJOURNAL\n"));
     const std::string text = file("text.ics", "Dear diary\n");
     const ProgramResult result = zb({"import", "--json", mixed, text});
     EXPECT_EQ(result.exitCode, 4);
@@ -109,7 +109,7 @@ TEST_F(ZbImportTest, JsonTellsTheSame)
     EXPECT_EQ(first["changed"], 0);
     EXPECT_EQ(first["unchanged"], 0);
     EXPECT_EQ(first["leftOut"]["refused"], 1);
-    EXPECT_EQ(first["otherComponents"]["VTODO"], 1);
+    EXPECT_EQ(first["otherComponents"]["VJOURNAL"], 1);
     EXPECT_EQ(first["remarks"][0]["line"], 16);
     EXPECT_EQ(told["files"][1]["failure"]["kind"], "notCalendar");
     EXPECT_EQ(told["files"][1]["failure"]["line"], 1);
