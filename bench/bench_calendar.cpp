@@ -3,67 +3,22 @@
 //
 // Aim: at most 1.3 times the walk.
 #include "calendar/CCalendarThread.h"
-#include "platform/device.h"
 #include "platform/pim.h"
-#include "platform/user.h"
 #include "support/Appointments.h"
+#include "support/LoaderStage.h"
 #include "support/Rounds.h"
-
-#include <cstdlib>
-#include <ctime>
-#include <filesystem>
-#include <iterator>
-#include <stdexcept>
 
 namespace
 {
-namespace fs = std::filesystem;
-
 constexpr std::size_t recordCount = 100'000;
 
-/// What all threads of the process have worked so far: the load runs on the loader's, and the host's only waits.
-double processSeconds()
+/// A device with the appointments.
+struct Stage : zb::bench::DeviceStage
 {
-    timespec now = {};
-    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
-}
-
-fs::path newFolder()
-{
-    std::string pattern = (fs::temp_directory_path() / "zb-bench-XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr)
+    Stage()
     {
-        throw std::runtime_error("no temporary folder");
-    }
-    return pattern;
-}
-
-/// A device with the appointments; gone with the object.
-class Stage
-{
-  public:
-    Stage() : m_folder(newFolder())
-    {
-        zb::DeviceOptions options;
-        options.root = m_folder / "device";
-        options.locale = "en-US";
-        options.timeZone = "Europe/Berlin";
-        m_device = zb::OpenDevice(options);
         zb::bench::storeAppointments(zb::bench::makeAppointments(recordCount));
     }
-    ~Stage()
-    {
-        m_device.reset();
-        std::error_code ignored;
-        fs::remove_all(m_folder, ignored);
-    }
-    Stage(const Stage &) = delete;
-    Stage &operator=(const Stage &) = delete;
-
-  private:
-    fs::path m_folder;
-    std::unique_ptr<zb::Device> m_device;
 };
 
 Stage &stage()
@@ -71,44 +26,6 @@ Stage &stage()
     static Stage made;
     return made;
 }
-
-/// A window that waits for the list.
-class Host
-{
-  public:
-    Host()
-    {
-        WNDCLASSW windowClass{};
-        windowClass.lpfnWndProc = DefWindowProcW;
-        windowClass.lpszClassName = u"BenchHost";
-        RegisterClassW(&windowClass);
-        m_window = CreateWindowExW(0, u"BenchHost", u"", 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
-    }
-    ~Host()
-    {
-        DestroyWindow(m_window);
-        UnregisterClassW(u"BenchHost", nullptr);
-    }
-    Host(const Host &) = delete;
-    Host &operator=(const Host &) = delete;
-
-    HWND handle() const
-    {
-        return m_window;
-    }
-    /// Rows of the list that was waited for.
-    LPARAM waitForList()
-    {
-        MSG message{};
-        while (GetMessageW(&message, m_window, 0, 0) > 0 && message.message != loaderListComplete)
-        {
-        }
-        return message.lParam;
-    }
-
-  private:
-    HWND m_window;
-};
 
 /// First to last with all properties of a load, and nothing done with them.
 std::size_t walk(CeDb &database, CeDbRecord &record, BYTE *buffer)
@@ -135,7 +52,7 @@ void monthLoad(benchmark::State &state, CalendarFilter filter)
     {
         state.SkipWithError("the appointments did not open");
     }
-    Host host;
+    zb::bench::ListHost host;
     CCalendarThread loader;
     loader.m_hWndHost = host.handle();
     CalendarSettings settings;
@@ -146,7 +63,7 @@ void monthLoad(benchmark::State &state, CalendarFilter filter)
     loader.SetRestrict(&first, &last);
     LPARAM rows = 0;
     zb::bench::compareInRounds(
-        state, processSeconds,
+        state, zb::bench::processSeconds,
         [&]
         {
             if (walk(database, record, buffer) != recordCount)

@@ -4,6 +4,7 @@
 #include "platform/kernel.h"
 #include "platform/pim.h"
 
+#include <algorithm>
 #include <random>
 #include <stdexcept>
 
@@ -120,13 +121,13 @@ std::string_view valueBytes(const CEPROPVAL &property)
 std::vector<CEPROPVAL> Appointment::properties() const
 {
     std::vector<CEPROPVAL> all;
-    all.reserve(12);
+    all.reserve(14);
     all.push_back(emptyProperty(appointmentStart));
     all.back().val.filetime = start;
     addLong(all, appointmentDuration, duration);
     addLong(all, appointmentDurationType, durationType);
     addLong(all, appointmentReminderSet, reminder);
-    addLong(all, appointmentRecurringFlag, 0);
+    addLong(all, appointmentRecurringFlag, recurrence.empty() ? 0 : 1);
     addLong(all, itemSensitivity, sensitivity);
     addLong(all, appointmentBusyStatus, busyStatus);
     addText(all, itemSubject, subject);
@@ -134,6 +135,8 @@ std::vector<CEPROPVAL> Appointment::properties() const
     addBlob(all, itemNotes, notes);
     addBlob(all, itemCategories, categories);
     addBlob(all, appointmentAttendees, attendees);
+    addBlob(all, appointmentRecurrence, recurrence);
+    addBlob(all, appointmentZone, zone);
     return all;
 }
 
@@ -160,7 +163,7 @@ std::vector<Appointment> makeAppointments(std::size_t count)
     return made;
 }
 
-void storeAppointments(const std::vector<Appointment> &appointments)
+std::vector<CEOID> storeAppointments(const std::vector<Appointment> &appointments)
 {
     CEOID oid = 0;
     const HANDLE database = CeOpenDatabase(&oid, appointmentsDatabase, 0, 0, nullptr);
@@ -169,18 +172,19 @@ void storeAppointments(const std::vector<Appointment> &appointments)
         throw std::runtime_error("the appointments did not open");
     }
     BulkWrite bulk;
-    bool written = true;
+    std::vector<CEOID> ids;
+    ids.reserve(appointments.size());
     for (const Appointment &appointment : appointments)
     {
         const std::vector<CEPROPVAL> properties = appointment.properties();
-        written =
-            written && CeWriteRecordProps(database, 0, static_cast<WORD>(properties.size()), properties.data()) != 0;
+        ids.push_back(CeWriteRecordProps(database, 0, static_cast<WORD>(properties.size()), properties.data()));
     }
-    written = bulk.commit() && written;
+    const bool written = bulk.commit() && std::count(ids.begin(), ids.end(), CEOID{0}) == 0;
     CloseHandle(database);
     if (!written)
     {
         throw std::runtime_error("the appointments were not written");
     }
+    return ids;
 }
 } // namespace zb::bench

@@ -16,7 +16,7 @@ inline constexpr CEPROPID loadedProperties[15] = {
     MakePropId(0x2a08, CEVT_LPWSTR),   MakePropId(0x0017, CEVT_BLOB),   MakePropId(0x0016, CEVT_BLOB),
     MakePropId(0x4015, CEVT_BLOB),     MakePropId(0x0030, CEVT_BLOB),   MakePropId(0x0001, CEVT_BLOB)};
 
-/// One appointment that does not recur. Empty texts and blobs are missing properties.
+/// One appointment. Empty texts and blobs are missing properties; one with a recurrence blob is a series.
 struct Appointment
 {
     FILETIME start;
@@ -30,6 +30,8 @@ struct Appointment
     std::vector<BYTE> notes;
     std::vector<BYTE> categories;
     std::vector<BYTE> attendees;
+    std::vector<BYTE> recurrence;
+    std::vector<BYTE> zone;
 
     /// As CeWriteRecordProps takes them; they point into this appointment.
     std::vector<CEPROPVAL> properties() const;
@@ -37,9 +39,10 @@ struct Appointment
     std::string bytes() const;
 };
 
-/// In no particular order. Starts are whole quarters of an hour from 2020 to 2029.
+/// None of them recurs. In no particular order; starts are whole quarters of an hour from 2020 to 2029.
 std::vector<Appointment> makeAppointments(std::size_t count);
 
-/// Writes them into the open device's appointments, as one transaction. Throws std::runtime_error when it fails.
-void storeAppointments(const std::vector<Appointment> &appointments);
+/// Writes them into the open device's appointments, as one transaction, and returns their ids in the same order. Throws
+/// std::runtime_error when it fails.
+std::vector<CEOID> storeAppointments(const std::vector<Appointment> &appointments);
 } // namespace zb::bench

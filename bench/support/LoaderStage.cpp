@@ -1,0 +1,72 @@
+#include "support/LoaderStage.h"
+
+#include "core/LoaderMessages.h"
+
+#include <cstdlib>
+#include <ctime>
+#include <stdexcept>
+
+namespace zb::bench
+{
+namespace
+{
+namespace fs = std::filesystem;
+
+fs::path newFolder()
+{
+    std::string pattern = (fs::temp_directory_path() / "zb-bench-XXXXXX").string();
+    if (mkdtemp(pattern.data()) == nullptr)
+    {
+        throw std::runtime_error("no temporary folder");
+    }
+    return pattern;
+}
+} // namespace
+
+double processSeconds()
+{
+    timespec now = {};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
+}
+
+DeviceStage::DeviceStage() : m_folder(newFolder())
+{
+    zb::DeviceOptions options;
+    options.root = device();
+    options.locale = "en-US";
+    options.timeZone = "Europe/Berlin";
+    m_device = zb::OpenDevice(options);
+}
+
+DeviceStage::~DeviceStage()
+{
+    m_device.reset();
+    std::error_code ignored;
+    fs::remove_all(m_folder, ignored);
+}
+
+ListHost::ListHost()
+{
+    WNDCLASSW windowClass{};
+    windowClass.lpfnWndProc = DefWindowProcW;
+    windowClass.lpszClassName = u"BenchHost";
+    RegisterClassW(&windowClass);
+    m_window = CreateWindowExW(0, u"BenchHost", u"", 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
+}
+
+ListHost::~ListHost()
+{
+    DestroyWindow(m_window);
+    UnregisterClassW(u"BenchHost", nullptr);
+}
+
+LPARAM ListHost::waitForList()
+{
+    MSG message{};
+    while (GetMessageW(&message, m_window, 0, 0) > 0 && message.message != loaderListComplete)
+    {
+    }
+    return message.lParam;
+}
+} // namespace zb::bench

@@ -1,0 +1,59 @@
+// What a benchmark of the calendar loader runs on: a device in a temporary folder, and a window that waits for the
+// list.
+#pragma once
+
+#include "platform/device.h"
+#include "platform/user.h"
+
+#include <filesystem>
+#include <memory>
+
+namespace zb::bench
+{
+/// What all threads of the process have worked so far: the load runs on the loader's, and the host's only waits.
+double processSeconds();
+
+/// A device in Berlin; gone with the object.
+class DeviceStage
+{
+  public:
+    /// Throws std::runtime_error when there is no temporary folder.
+    DeviceStage();
+    ~DeviceStage();
+    DeviceStage(const DeviceStage &) = delete;
+    DeviceStage &operator=(const DeviceStage &) = delete;
+
+    /// The folder that goes with the object, with the device in it.
+    const std::filesystem::path &folder() const
+    {
+        return m_folder;
+    }
+    std::filesystem::path device() const
+    {
+        return m_folder / "device";
+    }
+
+  private:
+    std::filesystem::path m_folder;
+    std::unique_ptr<zb::Device> m_device;
+};
+
+class ListHost
+{
+  public:
+    ListHost();
+    ~ListHost();
+    ListHost(const ListHost &) = delete;
+    ListHost &operator=(const ListHost &) = delete;
+
+    HWND handle() const
+    {
+        return m_window;
+    }
+    /// Rows of the list that was waited for.
+    LPARAM waitForList();
+
+  private:
+    HWND m_window;
+};
+} // namespace zb::bench
