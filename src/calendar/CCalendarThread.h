@@ -27,6 +27,7 @@
 #include "calendar/DATACALENDARDB.h"
 #include "core/CePtrList.h"
 #include "core/CeWorkerThread.h"
+#include "core/DaylightDays.h"
 #include "core/LoaderMessages.h"
 #include "core/LocalTimeConverter.h"
 #include "core/synchronization.h"
@@ -215,12 +216,13 @@ class ZBTOOLS_API CCalendarThread : public CeWorkerThread
 
     // One record (CCalendarThread_record.cpp, CCalendarThread_text.cpp).
     bool fReadRecord();
+    bool MayAppear();
     bool fCrossCheck();
     bool fReadRestOfRecord();
     bool PassesStatusAndCategory() const;
     bool PassesFilter() const;
     void ReadScalars();
-    bool ReadStart();
+    bool ReadStart(const FILETIME &start);
     bool LiesInRange() const;
     bool OverlapsRange() const;
     void FillStart();
@@ -248,7 +250,8 @@ class ZBTOOLS_API CCalendarThread : public CeWorkerThread
     void SetOccurrence(const SYSTEMTIME &date);
     void fGetRecurTimingStr(const TIME_ZONE_INFORMATION *zone, int startHour, int startMinute, int endHour,
                             int endMinute, DATACALENDAR *row);
-    double TimeOfOccurrence(const TIME_ZONE_INFORMATION &zone, SYSTEMTIME date, bool allDay) const;
+    double TimeOfOccurrence(const TIME_ZONE_INFORMATION &zone, const SYSTEMTIME &date, bool allDay);
+    bool TimeOnOccurrenceDay(const TIME_ZONE_INFORMATION &zone, const SYSTEMTIME &date, bool convert, double &moment);
 
     // Series (CCalendarThread_recurrence.cpp).
     class OccurrenceMaker;
@@ -322,4 +325,6 @@ class ZBTOOLS_API CCalendarThread : public CeWorkerThread
     int m_nEndDay = 0;
     SYSTEMTIME m_stOccurrence{}; // the occurrence that a row is made for
     double m_dtOccurrence = noDate;
+    bool m_bOccurrenceExists = false; // m_dtOccurrence is that of m_stOccurrence
+    zb::DaylightDays m_daylightDays;
 };

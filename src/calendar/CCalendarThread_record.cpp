@@ -2,6 +2,7 @@
 #include "calendar/CCalendarThread.h"
 
 #include "platform/clock.h"
+#include "platform/pim.h"
 
 #include <algorithm>
 #include <cstring>
@@ -60,19 +61,50 @@ bool CCalendarThread::FlagAt(int index) const
     return value != 0;
 }
 
+/// A look at the few properties that turn most records of a large database away: single appointments elsewhere in time
+/// are not taken apart any further.
+bool CCalendarThread::MayAppear()
+{
+    enum Glance : int
+    {
+        START,
+        DURATION,
+        DURATION_TYPE,
+        RECURRENCE,
+        GLANCE_COUNT
+    };
+    static constexpr std::array<CEPROPID, GLANCE_COUNT> ids{zb::appointmentStart, zb::appointmentDuration,
+                                                            zb::appointmentDurationType, zb::appointmentRecurrence};
+    if (!m_dbAppointments.ReadRec(m_record, m_pReadBuffer, READ_BUFFER_SIZE, GLANCE_COUNT, ids.data()))
+    {
+        return false;
+    }
+    LONG durationType = 0;
+    FILETIME start{};
+    m_record.GetIndexVal(DURATION, m_pRow->m_nDuration);
+    m_record.GetIndexVal(DURATION_TYPE, durationType);
+    m_record.GetIndexVal(START, start);
+    m_pRow->m_bAllDay = durationType == 1 ? 1 : 0;
+    m_pRow->m_bRecurring = BlobAt(RECURRENCE).dwCount != 0 ? 1 : 0;
+    return ReadStart(start) && LiesInRange();
+}
+
 /// False for a record that the list does not show, as far as scalars tell. All tests are free of side effects, so the
 /// one that turns most records away, their place in time, comes first.
 bool CCalendarThread::fReadRecord()
 {
     m_bRestRead = false;
     m_bBufferTaken = true;
-    if (!m_dbAppointments.ReadRec(m_record, m_pReadBuffer, READ_BUFFER_SIZE, APPT_PROPERTY_COUNT,
-                                  APPOINTMENT_PROPERTIES.data()))
+    // Lists that do not expand show nearly every record.
+    if ((m_bExpand && !MayAppear()) || !m_dbAppointments.ReadRec(m_record, m_pReadBuffer, READ_BUFFER_SIZE,
+                                                                 APPT_PROPERTY_COUNT, APPOINTMENT_PROPERTIES.data()))
     {
         return false;
     }
     ReadScalars();
-    if (!ReadStart() || !LiesInRange() || !PassesFilter() || (m_bTestStatus && !PassesStatusAndCategory()))
+    FILETIME start{};
+    m_record.GetIndexVal(APPT_START, start);
+    if (!ReadStart(start) || !LiesInRange() || !PassesFilter() || (m_bTestStatus && !PassesStatusAndCategory()))
     {
         return false;
     }
@@ -98,10 +130,8 @@ void CCalendarThread::ReadScalars()
 
 /// Start and whole days in the device's zone; false for a start beyond the calendar. Whole numbers throughout: an end
 /// at midnight lies exactly there, whatever minutes it was reached by.
-bool CCalendarThread::ReadStart()
+bool CCalendarThread::ReadStart(const FILETIME &start)
 {
-    FILETIME start{};
-    m_record.GetIndexVal(APPT_START, start);
     m_startTicks = zb::ticksOf(start);
     if (m_startTicks < 0 || m_startTicks >= behindLastYear)
     {

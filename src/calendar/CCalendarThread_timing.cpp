@@ -12,21 +12,58 @@ constexpr double secondInDays = 1.1574074074074073e-5;
 void CCalendarThread::SetOccurrence(const SYSTEMTIME &date)
 {
     m_stOccurrence = date;
-    SystemTimeToVariantTime(&date, &m_dtOccurrence);
+    m_bOccurrenceExists = SystemTimeToVariantTime(&date, &m_dtOccurrence) != 0;
+}
+
+/// The moment of a time on the day of the occurrence, by whole numbers alone. False where that may not say the same as
+/// the plain way: for times that are none, and at the ends of the calendar.
+bool CCalendarThread::TimeOnOccurrenceDay(const TIME_ZONE_INFORMATION &zone, const SYSTEMTIME &date, bool convert,
+                                          double &moment)
+{
+    if (!m_bOccurrenceExists || m_dtOccurrence < 1.0 || m_dtOccurrence >= lastDay || date.wHour > 23 ||
+        date.wMinute > 59 || date.wDay != m_stOccurrence.wDay || date.wMonth != m_stOccurrence.wMonth ||
+        date.wYear != m_stOccurrence.wYear)
+    {
+        return false;
+    }
+    LONGLONG ticks = (static_cast<int>(m_dtOccurrence) + zb::daysFrom1601ToVariantZero) * zb::ticksPerDay +
+                     (date.wHour * 60 + date.wMinute) * zb::ticksPerMinute;
+    if (convert)
+    {
+        const LONG seasonal = m_daylightDays.holds(zone, date) ? zone.DaylightBias : zone.StandardBias;
+        bool isDst = false;
+        if (!m_toLocal.toLocal(ticks + (LONGLONG{zone.Bias} + seasonal) * zb::ticksPerMinute, ticks, isDst))
+        {
+            return false;
+        }
+    }
+    const LONGLONG day = ticks / zb::ticksPerDay - zb::daysFrom1601ToVariantZero;
+    if (ticks < 0 || day < 0 || day > lastDay)
+    {
+        return false;
+    }
+    moment = static_cast<double>(day) + static_cast<double>(ticks % zb::ticksPerDay / zb::ticksPerSecond) / 86400.0;
+    return true;
 }
 
 /// The moment of a time in the record's zone; a date that does not exist gives the midnight of the occurrence.
-double CCalendarThread::TimeOfOccurrence(const TIME_ZONE_INFORMATION &zone, SYSTEMTIME date, bool allDay) const
+double CCalendarThread::TimeOfOccurrence(const TIME_ZONE_INFORMATION &zone, const SYSTEMTIME &date, bool allDay)
 {
-    if (!allDay && m_pRow->HasOwnZone())
+    const bool convert = !allDay && m_pRow->HasOwnZone();
+    double moment = static_cast<int>(m_dtOccurrence);
+    if (TimeOnOccurrenceDay(zone, date, convert, moment))
+    {
+        return moment;
+    }
+    SYSTEMTIME local = date;
+    if (convert)
     {
         const int isDst = IsInDST(date.wYear, date.wMonth, date.wDay, &zone);
         SYSTEMTIME utc = date;
         CeTzSpecificLocalTimeToSystemTime(&zone, &date, isDst, &utc);
-        CeSystemTimeToTzSpecificLocalTime(&m_tzDevice, &utc, &date, nullptr);
+        CeSystemTimeToTzSpecificLocalTime(&m_tzDevice, &utc, &local, nullptr);
     }
-    double moment = static_cast<int>(m_dtOccurrence);
-    SystemTimeToVariantTime(&date, &moment);
+    SystemTimeToVariantTime(&local, &moment);
     return moment;
 }
 
