@@ -332,7 +332,8 @@ void CTasksThread::ReadLinkFlags(DATATASKS &row)
 
 void CTasksThread::PreTaskUpdateCountChange(const DATATASKS *row)
 {
-    if (row == nullptr)
+    // In a grouped list a row without a header was taken out before: what the priority manager keeps behind the list.
+    if (row == nullptr || (IsGrouped() && row->m_pParent == nullptr))
     {
         return;
     }

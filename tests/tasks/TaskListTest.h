@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/types.h"
+#include "support/QuickDevice.h"
 #include "support/TestDevice.h"
 #include "tasks/CTasksThread.h"
 
@@ -96,7 +97,8 @@ class TaskListTest : public ::testing::Test
         setSetting(groupStateKey, name, DWORD{1});
     }
 
-    TestDevice device;
+    FaultyFileLayer layer; // none of these tests is about durability
+    TestDevice device{quickOptions(layer)};
     bool passed = false;
 
   private:
