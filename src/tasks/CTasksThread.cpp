@@ -18,12 +18,6 @@ constexpr std::size_t recordsPerPoll = 25;
 /// The count of a database is held at its largest value, which then means that many or more.
 constexpr DWORD countHeld = 0xFFFF;
 
-std::unique_ptr<CeDb> openOrNull(const WCHAR *name, CEPROPID sortProperty)
-{
-    auto database = std::make_unique<CeDb>();
-    return database->Open(name, sortProperty, 0, nullptr) ? std::move(database) : nullptr;
-}
-
 /// The load's lock, and the count that tells that a load is going.
 class LoadHold
 {
@@ -113,7 +107,7 @@ void CTasksThread::OnStop()
 void CTasksThread::PostKill()
 {
     CloseLinksDB();
-    m_pDbTasks.reset();
+    m_dbTasks.Close();
     m_bLoading = false;
     // The lock may be the dead load's, free, or this thread's own. When it can be had it was one of the latter two and
     // is given back as it was; when not, leaving it works for a dead owner alone.
@@ -137,7 +131,7 @@ DWORD CTasksThread::TasksThreadProc(CeManualEvent *pRun)
         m_bLoading = true;
         complete = LoadRows(pRun);
         CloseLinksDB();
-        m_pDbTasks.reset();
+        m_dbTasks.Close();
         m_bLoading = false;
     }
     if (complete && m_hWndHost != nullptr)
@@ -156,13 +150,10 @@ bool CTasksThread::LoadRows(CeManualEvent *pRun)
     {
         SettingChange();
     }
-    m_pDbTasks = openOrNull(zb::tasksDatabase, zb::itemSubject);
-    if (m_pDbTasks == nullptr)
-    {
-        m_pDbTasks = openOrNull(zb::tasksDatabase, 0);
-    }
+    const bool opened = m_dbTasks.Open(zb::tasksDatabase, zb::itemSubject, 0, nullptr) ||
+                        m_dbTasks.Open(zb::tasksDatabase, 0, 0, nullptr);
     BeginLoad();
-    if (m_pDbTasks == nullptr)
+    if (!opened)
     {
         return true;
     }
@@ -191,8 +182,8 @@ void CTasksThread::BeginLoad()
 /// First pass: the ids of all records that the choice of categories lets pass.
 void CTasksThread::CollectIds()
 {
-    CEOID oid = m_pDbTasks->SeekFirst();
-    const DWORD count = m_pDbTasks->GetNumRecords();
+    CEOID oid = m_dbTasks.SeekFirst();
+    const DWORD count = m_dbTasks.GetNumRecords();
     m_oids.reserve(count);
     const bool takeAll =
         m_categoryRestrict.bHideCategories == categoriesShow && m_categoryRestrict.m_blobFilter.dwCount == 0;
@@ -204,7 +195,7 @@ void CTasksThread::CollectIds()
         {
             m_bBufferTaken = true;
             if (m_pReadBuffer == nullptr ||
-                !m_pDbTasks->ReadRec(m_record, m_pReadBuffer, READ_BUFFER_SIZE, 1, &categories))
+                !m_dbTasks.ReadRec(m_record, m_pReadBuffer, READ_BUFFER_SIZE, 1, &categories))
             {
                 return;
             }
@@ -215,7 +206,7 @@ void CTasksThread::CollectIds()
         {
             m_oids.push_back(oid);
         }
-        oid = i < count || count == countHeld ? m_pDbTasks->SeekNext() : 0;
+        oid = i < count || count == countHeld ? m_dbTasks.SeekNext() : 0;
     }
 }
 
@@ -223,19 +214,19 @@ void CTasksThread::CollectIds()
 bool CTasksThread::SeekOn(CEOID oid)
 {
     constexpr int steps = 16;
-    CEOID at = m_bAtTask ? m_pDbTasks->SeekNext() : m_pDbTasks->SeekFirst();
+    CEOID at = m_bAtTask ? m_dbTasks.SeekNext() : m_dbTasks.SeekFirst();
     for (int n = 0; n < steps && at != 0 && at != oid; ++n)
     {
-        at = m_pDbTasks->SeekNext();
+        at = m_dbTasks.SeekNext();
     }
-    m_bAtTask = at == oid || m_pDbTasks->SeekTo(oid) != 0;
+    m_bAtTask = at == oid || m_dbTasks.SeekTo(oid) != 0;
     return m_bAtTask;
 }
 
 /// Reads the twelve properties of a record into m_record.
 bool CTasksThread::ReadTask(CEOID oid)
 {
-    return m_pDbTasks != nullptr && m_pDbTasks->SeekTo(oid) != 0 && ReadTaskHere();
+    return m_dbTasks.IsOpen() && m_dbTasks.SeekTo(oid) != 0 && ReadTaskHere();
 }
 
 bool CTasksThread::ReadTaskHere()
@@ -247,7 +238,7 @@ bool CTasksThread::ReadTaskHere()
     std::array<CEPROPID, TASK_PROPERTY_COUNT> ids{};
     SetPropIds(ids.data());
     m_bBufferTaken = true;
-    return m_pDbTasks->ReadRec(m_record, m_pReadBuffer, READ_BUFFER_SIZE, TASK_PROPERTY_COUNT, ids.data());
+    return m_dbTasks.ReadRec(m_record, m_pReadBuffer, READ_BUFFER_SIZE, TASK_PROPERTY_COUNT, ids.data());
 }
 
 /// Second pass: a row of each record that the filters let pass. False when it was stopped.
@@ -333,8 +324,8 @@ void CTasksThread::InitiateLinksDB()
         LoadHTData();
     }
     m_nUnmatched = GetTreeCount();
-    m_pDbLinks = openOrNull(linksDatabase, linksItem);
-    m_pDbJournal = openOrNull(journalDatabase, journalItem);
+    m_dbLinks.Open(linksDatabase, linksItem, 0, nullptr);
+    m_dbJournal.Open(journalDatabase, journalItem, 0, nullptr);
     m_keyLinks.propid = linksItem;
     m_keyJournal.propid = journalItem;
     m_bLinksOpen = true;
@@ -342,7 +333,7 @@ void CTasksThread::InitiateLinksDB()
 
 void CTasksThread::CloseLinksDB()
 {
-    m_pDbLinks.reset();
-    m_pDbJournal.reset();
+    m_dbLinks.Close();
+    m_dbJournal.Close();
     m_bLinksOpen = false;
 }

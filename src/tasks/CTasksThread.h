@@ -8,9 +8,9 @@
 // A load reads the tasks in order of subject, makes a row of each that the filters let pass, puts the rows under the
 // headers of groups or under their parents, and sorts. Messages to m_hWndHost: 32802 (posted) when it begins, 1274
 // (sent; wParam 1, lParam the display count) when the list is complete, 32803 (posted) when it is done. A load that is
-// stopped leaves out 1274, keeps the rows read so far, and shows none of them. A sent message overtakes posted ones, so a
-// window that comes late to its messages can see 1274 before 32802. After a load a host keeps the list
-// current one record at a time with AddNewTask and DeleteTaskFromThread, and calls SortDataList when it is done.
+// stopped leaves out 1274, keeps the rows read so far, and shows none of them. A sent message overtakes posted ones, so
+// a window that comes late to its messages can see 1274 before 32802. After a load a host keeps the list current one
+// record at a time with AddNewTask and DeleteTaskFromThread, and calls SortDataList when it is done.
 //
 // The row list: indices from 1. The rows that show come first, in order; the hidden ones (under closed groups and
 // parents) wait behind them, so that opening a group is a sort and no reading. Grouped by category, a task with three
@@ -446,9 +446,10 @@ class ZBTOOLS_API CTasksThread : public CeWorkerThread
 
     // What follows belongs to a load or live call.
     bool m_bLoading = false;
-    std::unique_ptr<CeDb> m_pDbTasks;
-    std::unique_ptr<CeDb> m_pDbLinks;
-    std::unique_ptr<CeDb> m_pDbJournal;
+    // Members, not objects that come and go: a load that is killed may take one more step before it stands still.
+    CeDb m_dbTasks;
+    CeDb m_dbLinks;
+    CeDb m_dbJournal;
     bool m_bLinksOpen = false;
     CEPROPVAL m_keyLinks{};
     CEPROPVAL m_keyJournal{};

@@ -326,8 +326,8 @@ void CTasksThread::ReadTexts(DATATASKS &row, const CeDbRecord &record)
 void CTasksThread::ReadLinkFlags(DATATASKS &row)
 {
     m_keyLinks.val.lVal = m_keyJournal.val.lVal = static_cast<LONG>(row.m_oid);
-    row.m_bHasLinks = m_pDbLinks != nullptr && m_pDbLinks->SeekRec(&m_keyLinks) != 0 ? 1 : 0;
-    row.m_bHasJournal = m_pDbJournal != nullptr && m_pDbJournal->SeekRec(&m_keyJournal) != 0 ? 1 : 0;
+    row.m_bHasLinks = m_dbLinks.IsOpen() && m_dbLinks.SeekRec(&m_keyLinks) != 0 ? 1 : 0;
+    row.m_bHasJournal = m_dbJournal.IsOpen() && m_dbJournal.SeekRec(&m_keyJournal) != 0 ? 1 : 0;
 }
 
 void CTasksThread::PreTaskUpdateCountChange(const DATATASKS *row)
