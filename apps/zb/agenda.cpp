@@ -80,15 +80,17 @@ DayRange fullestWeek(const CalendarChoice &choice)
 /// Appointments and birthdays, one of several days once.
 std::size_t countOf(const std::vector<AgendaRow> &rows)
 {
-    std::set<std::tuple<AgendaKind, CEOID, int>> distinct;
+    std::vector<std::tuple<AgendaKind, CEOID, int>> all;
+    all.reserve(rows.size());
     for (const AgendaRow &row : rows)
     {
         if (row.kind != AgendaKind::Task)
         {
-            distinct.emplace(row.kind, row.id, row.firstDay);
+            all.emplace_back(row.kind, row.id, row.firstDay);
         }
     }
-    return distinct.size();
+    std::sort(all.begin(), all.end());
+    return static_cast<std::size_t>(std::unique(all.begin(), all.end()) - all.begin());
 }
 
 /// Tasks, one that shows on several days once.

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <map>
 
 namespace zb::cli
 {
@@ -129,8 +130,15 @@ std::string shortDate(int day)
 
 std::string timeText(const SYSTEMTIME &time)
 {
-    WCHAR buffer[textSize] = {};
-    GetTimeFormatW(LOCALE_USER_DEFAULT, TIME_NOSECONDS, &time, nullptr, buffer, textSize);
-    return toUtf8(buffer);
+    // The locale stays for as long as the program runs, and long lists say the same few times again and again.
+    static std::map<int, std::string> known;
+    const auto [place, isNew] = known.try_emplace(time.wHour * 60 + time.wMinute);
+    if (isNew)
+    {
+        WCHAR buffer[textSize] = {};
+        GetTimeFormatW(LOCALE_USER_DEFAULT, TIME_NOSECONDS, &time, nullptr, buffer, textSize);
+        place->second = toUtf8(buffer);
+    }
+    return place->second;
 }
 } // namespace zb::cli
