@@ -6,7 +6,9 @@
 #include <CLI/CLI.hpp>
 
 #include <clocale>
+#include <cstdint>
 #include <exception>
+#include <optional>
 
 namespace
 {
@@ -127,6 +129,14 @@ class CommandLine
             });
     }
 
+    /// A flag and its opposite that leave the choice open when neither is given.
+    static void addChoice(CLI::App &command, const std::string &names, std::optional<bool> &choice,
+                          const std::string &help)
+    {
+        command.add_flag_function(
+            names, [&choice](std::int64_t count) { choice = count > 0; }, help);
+    }
+
     static void addCategoryChoice(CLI::App &command, CategoryChoice &choice)
     {
         CLI::Option *const names =
@@ -141,30 +151,30 @@ class CommandLine
     void addAgendaChoice(CLI::App &command)
     {
         static const Words statuses = {{"free", statusFilterFree},
-                                                              {"tentative", statusFilterTentative},
-                                                              {"busy", statusFilterBusy},
-                                                              {"out", statusFilterOutOfOffice},
-                                                              {"all", statusFilterAll}};
+                                       {"tentative", statusFilterTentative},
+                                       {"busy", statusFilterBusy},
+                                       {"out", statusFilterOutOfOffice},
+                                       {"all", statusFilterAll}};
         CalendarChoice &choice = m_agenda.choice;
         addCategoryChoice(command, choice.categories);
         command.add_option("--status", choice.status, "free, tentative, busy, out (of office), all")
             ->type_name("STATUS")
             ->transform(words(statuses));
-        command.add_flag("--tasks,!--no-tasks", choice.tasks, "With or without tasks, whatever the settings say");
-        command.add_flag("--birthdays,!--no-birthdays", choice.birthdays,
-                         "With or without birthdays and anniversaries of contacts");
+        addChoice(command, "--tasks,!--no-tasks", choice.tasks, "With or without tasks, whatever the settings say");
+        addChoice(command, "--birthdays,!--no-birthdays", choice.birthdays,
+                  "With or without birthdays and anniversaries of contacts");
     }
 
     void addTasks()
     {
         static const Words groupings = {
-            {"none", taskGroupNone},         {"category", taskGroupCategory},     {"importance", taskGroupImportance},
-            {"priority", taskGroupLetter},   {"progress", taskGroupProgress},     {"completion", taskGroupCompletion},
-            {"due", taskGroupDueDate},       {"manager", taskGroupPriorityManager}};
-        static const Words rules = {
-            {"all", taskRuleAll},           {"today", taskRuleDueByToday}, {"overdue", taskRuleOverdue},
-            {"undated", taskRuleNoDates},   {"active", taskRuleActive},    {"tomorrow", taskRuleByTomorrow},
-            {"complete", taskRuleComplete}, {"ahead", taskRuleDaysAhead}};
+            {"none", taskGroupNone},       {"category", taskGroupCategory},      {"importance", taskGroupImportance},
+            {"priority", taskGroupLetter}, {"progress", taskGroupProgress},      {"completion", taskGroupCompletion},
+            {"due", taskGroupDueDate},     {"manager", taskGroupPriorityManager}};
+        static const Words rules = {{"all", taskRuleAll},           {"today", taskRuleDueByToday},
+                                    {"overdue", taskRuleOverdue},   {"undated", taskRuleNoDates},
+                                    {"active", taskRuleActive},     {"tomorrow", taskRuleByTomorrow},
+                                    {"complete", taskRuleComplete}, {"ahead", taskRuleDaysAhead}};
         static const Words importances = {{"low", 0}, {"normal", 1}, {"high", 2}};
         CLI::App *const command = m_app.add_subcommand("tasks", "Print the tasks");
         TaskListChoice &choice = m_tasks.choice;
@@ -172,7 +182,9 @@ class CommandLine
             command->add_option("--group", choice.grouping,
                                 "none, category, importance, priority (letter), progress, completion, due, manager");
         group->type_name("GROUPING")->transform(words(groupings));
-        command->add_flag_callback("--tree", [this] { m_tasks.choice.grouping = taskGroupTree; }, "Nested as they belong")
+        command
+            ->add_flag_callback(
+                "--tree", [this] { m_tasks.choice.grouping = taskGroupTree; }, "Nested as they belong")
             ->excludes(group);
         command
             ->add_option("--sort", choice.sort,
@@ -191,8 +203,8 @@ class CommandLine
         command->add_option("--importance", choice.importance, "Only low, normal or high")
             ->type_name("IMPORTANCE")
             ->transform(words(importances));
-        command->add_flag("--completed,!--no-completed", choice.completed, "With or without completed tasks");
-        command->add_flag("--undated,!--no-undated", choice.undated, "With or without tasks that have no due date");
+        addChoice(*command, "--completed,!--no-completed", choice.completed, "With or without completed tasks");
+        addChoice(*command, "--undated,!--no-undated", choice.undated, "With or without tasks that have no due date");
         addCategoryChoice(*command, choice.categories);
         command->add_flag("--json", m_tasks.json, "Print JSON");
         command->callback(
