@@ -79,6 +79,10 @@ AppointmentStore::Outcome AppointmentStore::store(const AppointmentItem &item)
 {
     const CEOID id = find(item.interchangeId);
     m_properties = encodeAppointment(item);
+    if (id != 0 && !item.categories.empty())
+    {
+        m_properties.set(itemCategories, withStoredCategories(item.categories));
+    }
     m_wasSeries = false;
     if (id != 0 && isSame(m_properties))
     {
@@ -89,6 +93,24 @@ AppointmentStore::Outcome AppointmentStore::store(const AppointmentItem &item)
         throw StoreError(GetLastError());
     }
     return id == 0 ? Outcome::Added : Outcome::Updated;
+}
+
+/// The bits together with those of the record at the position: what its owner added stays.
+std::vector<BYTE> AppointmentStore::withStoredCategories(std::vector<BYTE> bits)
+{
+    WORD count = 0;
+    const CEPROPVAL *const values = read(count);
+    const CEPROPVAL *const stored = valueOf(values, count, itemCategories);
+    if (stored != nullptr)
+    {
+        const CEBLOB &blob = stored->val.blob;
+        bits.resize(std::max<std::size_t>(bits.size(), blob.dwCount));
+        for (DWORD n = 0; n < blob.dwCount; ++n)
+        {
+            bits[n] = static_cast<BYTE>(bits[n] | blob.lpb[n]);
+        }
+    }
+    return bits;
 }
 
 CEOID AppointmentStore::find(const std::u16string &identity)

@@ -81,6 +81,7 @@ class AppointmentStore
 
   private:
     CEOID find(const std::u16string &identity);
+    std::vector<BYTE> withStoredCategories(std::vector<BYTE> bits);
     const CEPROPVAL *read(WORD &count);
     bool isLeftover(const CEPROPVAL *values, WORD count, const Leftovers &leftovers) const;
     bool isSame(const RecordProperties &properties);

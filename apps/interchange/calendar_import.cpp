@@ -4,6 +4,7 @@
 #include "interchange/calendar_survey.h"
 #include "interchange/event_item.h"
 #include "interchange/event_series.h"
+#include "interchange/item_categories.h"
 #include "interchange/task_import.h"
 #include "interchange/zone_book.h"
 #include "platform/clock.h"
@@ -29,7 +30,7 @@ class CalendarImport
   public:
     CalendarImport(ByteSource &bytes, const ImportOptions &options, ImportReport &report)
         : m_reader(bytes), m_zones(deviceZoneName()), m_survey(m_reader, m_zones), m_options(options), m_report(report),
-          m_tasks(m_survey, m_zones, report, [this](const auto &name, auto line) { tellUnknownZone(name, line); })
+          m_categories(report), m_tasks(m_survey, m_zones, m_categories, report, [this](const auto &name, auto line) { tellUnknownZone(name, line); })
     {
     }
 
@@ -56,6 +57,10 @@ class CalendarImport
             throw StoreError(GetLastError());
         }
         m_tasks.saveLinks(!m_options.dryRun);
+        if (!m_options.dryRun)
+        {
+            m_categories.saveColors();
+        }
     }
 
   private:
@@ -127,6 +132,7 @@ class CalendarImport
             return;
         }
         shorten(event, *reading.item);
+        reading.item->categories = m_categories.bitsOf(event);
         const auto outcome = m_store.store(*reading.item);
         count(outcome);
         if (outcome == AppointmentStore::Outcome::Updated && m_store.wasSeries() &&
@@ -195,6 +201,7 @@ class CalendarImport
         const auto take = [this](AppointmentItem &item, const CalendarComponent &event)
         {
             shorten(event, item);
+            item.categories = m_categories.bitsOf(event);
             count(m_store.store(item));
         };
         SeriesReading reading = readSeries(series, changes, m_zones, ticksOf(now), take);
@@ -331,6 +338,7 @@ class CalendarImport
     AppointmentStore m_store;
     const ImportOptions &m_options;
     ImportReport &m_report;
+    ItemCategories m_categories;
     TaskImport m_tasks;
     std::set<std::string> m_unknownZones;
     std::unordered_map<Fingerprint, WaitingSeries> m_waiting;

@@ -49,6 +49,7 @@ constexpr std::array<std::string_view, 5> flatNames = {"VEVENT", "VTODO", "VJOUR
 // Of to-dos alone: what is read, and what is only told to be lost.
 constexpr std::array<std::string_view, 6> taskNames = {"DUE",        "COMPLETED", "PRIORITY", "PERCENT-COMPLETE",
                                                        "CATEGORIES", "RELATED-TO"};
+constexpr std::array<std::string_view, 2> eventNames = {"CATEGORIES", "COLOR"};
 constexpr std::array<std::string_view, 8> lostNames = {"GEO", "ATTACH",  "ATTENDEE", "ORGANIZER",
                                                        "URL", "COMMENT", "CONTACT",  "RESOURCES"};
 
@@ -398,7 +399,7 @@ void CalendarReader::readComponent(CalendarComponent &component)
         else if (component.kind != ComponentKind::Other && m_inner.empty())
         {
             takeEventLine(component);
-            takeTaskLine(component);
+            takeFurtherLine(component);
         }
     }
     torn(&component);
@@ -506,10 +507,11 @@ void CalendarReader::takeEventLine(CalendarComponent &component)
     store += "\r\n";
 }
 
-void CalendarReader::takeTaskLine(CalendarComponent &component)
+void CalendarReader::takeFurtherLine(CalendarComponent &component)
 {
-    const bool lost = contains(lostNames, m_parts.name);
-    if (component.kind != ComponentKind::Task || (!lost && !contains(taskNames, m_parts.name)))
+    const bool isTask = component.kind == ComponentKind::Task;
+    const bool lost = isTask && contains(lostNames, m_parts.name);
+    if (!lost && !(isTask ? contains(taskNames, m_parts.name) : contains(eventNames, m_parts.name)))
     {
         return;
     }

@@ -57,7 +57,8 @@ struct RepetitionLine
     bool cut = false; ///< longer than the limit of lines
 };
 
-/// One line of a to-do beyond the properties that events have too. What no record holds has its name alone.
+/// One line beyond the fields above: of a to-do, or the categories and colour of an event. What no record holds has its
+/// name alone.
 struct PropertyLine
 {
     std::string name;       ///< upper case
@@ -89,7 +90,7 @@ class CalendarComponent
     bool oversized = false; ///< a zone definition with more rules than any real one, an event with more repetition
     /// All lines of an event that tell its repetition.
     std::vector<RepetitionLine> repetition;
-    /// What a to-do says beside the fields that events have too.
+    /// What a to-do says beside the fields that events have too, and the categories and colour of an event.
     std::vector<PropertyLine> more;
 
     bool has(EventField field) const
@@ -199,7 +200,7 @@ class CalendarReader
     bool closes(CalendarComponent &component);
     void takeEventLine(CalendarComponent &component);
     void takeRepetitionLine(CalendarComponent &component, EventField kind);
-    void takeTaskLine(CalendarComponent &component);
+    void takeFurtherLine(CalendarComponent &component);
     void takeZoneLine(CalendarComponent &component);
     void stray();
     [[noreturn]] void torn(const CalendarComponent *component) const;

@@ -90,4 +90,26 @@ std::u16string identityOf(std::string_view rawUid)
     std::u16string id = trimmed(unescaped(rawUid));
     return id.size() > longest ? toUtf16("long-" + fingerprint(toUtf8(std::u16string_view(id))).hex()) : id;
 }
+std::vector<std::string_view> listParts(std::string_view raw)
+{
+    std::vector<std::string_view> parts;
+    std::size_t from = 0;
+    for (std::size_t at = 0; at <= raw.size(); ++at)
+    {
+        if (at == raw.size() || raw[at] == ',')
+        {
+            parts.push_back(raw.substr(from, at - from));
+            from = at + 1;
+        }
+        else if (raw[at] == '\\')
+        {
+            ++at;
+        }
+    }
+    if (from < raw.size())
+    {
+        parts.push_back(raw.substr(from)); // a lone backslash at the end
+    }
+    return parts;
+}
 } // namespace zb::interchange

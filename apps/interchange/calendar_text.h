@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace zb::interchange
 {
@@ -15,6 +16,8 @@ std::u16string trimmed(std::u16string text);
 std::u16string oneLine(const std::u16string &text);
 /// Text of several lines, each ended as the device's edit controls end them.
 std::u16string manyLines(const std::u16string &text);
+/// The parts of a list at its commas, escapes left as they are. They point into the text.
+std::vector<std::string_view> listParts(std::string_view raw);
 /// The identity that a UID gives, at most 255 characters; empty for an empty one.
 std::u16string identityOf(std::string_view rawUid);
 } // namespace zb::interchange

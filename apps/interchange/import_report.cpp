@@ -92,6 +92,8 @@ std::vector<std::string> remarks(const ImportReport &report)
     add(report.cancelled, counted(report.cancelled, "cancelled event was left out", "cancelled events were left out"));
     add(report.superseded,
         counted(report.superseded, "older version of an event was left out", "older versions of events were left out"));
+    add(report.lostColors, "the colour of " + counted(report.lostColors, "event", "events") +
+                               " was left out: categories have colours, and there is none");
     const TaskCounts &tasks = report.tasks;
     add(tasks.cancelled, counted(tasks.cancelled, "cancelled to-do was left out", "cancelled to-dos were left out"));
     add(tasks.superseded,

@@ -37,7 +37,6 @@ struct TaskCounts
     std::size_t refused = 0;    ///< each has a finding
     std::size_t repeating = 0;  ///< taken as one task; each has a finding
     std::size_t linked = 0;     ///< put under another task, where they did not lie before
-    std::size_t categories = 0; ///< made for them
     bool linksLost = false;     ///< which task lies under which could not be kept
     /// What no record of a task holds: name of the property, to-dos that had it.
     std::map<std::string, std::size_t> lost;
@@ -73,6 +72,8 @@ struct ImportReport
     std::size_t unrolledAppointments = 0;
     std::size_t repeating = 0; ///< taken as their first day only; each has a finding
     std::size_t shortened = 0; ///< texts cut to what a record holds; each has a finding
+    std::size_t categories = 0; ///< made for events and to-dos
+    std::size_t lostColors = 0; ///< events with a colour and no category that could have it
     TaskCounts tasks;
     std::map<std::string, std::size_t> otherComponents;
 

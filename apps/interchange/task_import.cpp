@@ -9,8 +9,10 @@ namespace
 constexpr std::size_t mostLostNames = 100;
 } // namespace
 
-TaskImport::TaskImport(const CalendarSurvey &survey, ZoneBook &zones, ImportReport &report, UnknownZone unknownZone)
-    : m_survey(survey), m_zones(zones), m_report(report), m_unknownZone(std::move(unknownZone))
+TaskImport::TaskImport(const CalendarSurvey &survey, ZoneBook &zones, ItemCategories &categories, ImportReport &report,
+                       UnknownZone unknownZone)
+    : m_survey(survey), m_zones(zones), m_categories(categories), m_report(report),
+      m_unknownZone(std::move(unknownZone))
 {
 }
 
@@ -65,7 +67,7 @@ void TaskImport::store(const CalendarComponent &task, TaskReading &reading)
         m_store.emplace();
     }
     shorten(task, item);
-    count(m_store->store(item, categoriesOf(reading), reading.repeats));
+    count(m_store->store(item, m_categories.bitsOf(reading.categories), reading.repeats));
     if (reading.repeats)
     {
         ++m_report.tasks.repeating;
@@ -95,33 +97,6 @@ void TaskImport::shorten(const CalendarComponent &task, TaskItem &item)
         m_report.find(task.lineOf(field), "the " + cut.what + " of a to-do was cut to " +
                                               std::to_string(cut.characters) + " characters, all a record holds");
     }
-}
-
-std::optional<std::vector<BYTE>> TaskImport::categoriesOf(const TaskReading &reading)
-{
-    if (reading.categories.empty())
-    {
-        return std::nullopt;
-    }
-    if (!m_categories)
-    {
-        m_categories.emplace();
-    }
-    std::vector<SHORT> ids;
-    for (const NamedLine &category : reading.categories)
-    {
-        if (const std::optional<SHORT> id = m_categories->find(category.name))
-        {
-            ids.push_back(*id);
-        }
-        else
-        {
-            m_report.find(category.line, "the category \"" + toUtf8(std::u16string_view(category.name)).substr(0, 80) +
-                                             "\" can't be kept: it has no possible name, or there are too many");
-        }
-    }
-    m_report.tasks.categories = m_categories->added();
-    return ids.empty() ? std::nullopt : std::optional(categoryBits(ids));
 }
 
 void TaskImport::findParents()

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "interchange/calendar_survey.h"
-#include "interchange/category_book.h"
 #include "interchange/import_report.h"
+#include "interchange/item_categories.h"
 #include "interchange/task_item.h"
 #include "interchange/task_store.h"
 #include "interchange/zone_book.h"
@@ -22,7 +22,8 @@ class TaskImport
     /// Told of each zone that nobody knows, with its line.
     using UnknownZone = std::function<void(const std::string &, std::size_t)>;
 
-    TaskImport(const CalendarSurvey &survey, ZoneBook &zones, ImportReport &report, UnknownZone unknownZone);
+    TaskImport(const CalendarSurvey &survey, ZoneBook &zones, ItemCategories &categories, ImportReport &report,
+               UnknownZone unknownZone);
 
     void take(const CalendarComponent &task);
     /// Behind the last to-do, before the transaction ends.
@@ -41,17 +42,16 @@ class TaskImport
 
     void store(const CalendarComponent &task, TaskReading &reading);
     void shorten(const CalendarComponent &task, TaskItem &item);
-    std::optional<std::vector<BYTE>> categoriesOf(const TaskReading &reading);
     void tell(const TaskReading &reading);
     void refuse(std::size_t line, const std::string &reason);
     void count(TaskStore::Outcome outcome);
 
     const CalendarSurvey &m_survey;
     ZoneBook &m_zones;
+    ItemCategories &m_categories;
     ImportReport &m_report;
     UnknownZone m_unknownZone;
     std::optional<TaskStore> m_store; // opened by the first to-do
-    std::optional<CategoryBook> m_categories;
     std::vector<WaitingLink> m_waiting;
     std::vector<TaskLink> m_links;
 };

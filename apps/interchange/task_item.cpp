@@ -51,30 +51,6 @@ bool saysWord(std::string_view value, std::string_view word)
                       { return (a >= 'a' && a <= 'z' ? static_cast<char>(a - 'a' + 'A') : a) == b; });
 }
 
-/// The parts of a list at its commas, escapes left as they are.
-std::vector<std::string_view> listParts(std::string_view raw)
-{
-    std::vector<std::string_view> parts;
-    std::size_t from = 0;
-    for (std::size_t at = 0; at <= raw.size(); ++at)
-    {
-        if (at == raw.size() || raw[at] == ',')
-        {
-            parts.push_back(raw.substr(from, at - from));
-            from = at + 1;
-        }
-        else if (raw[at] == '\\')
-        {
-            ++at;
-        }
-    }
-    if (from < raw.size())
-    {
-        parts.push_back(raw.substr(from)); // a lone backslash at the end
-    }
-    return parts;
-}
-
 /// All that a to-do says, for one without UID.
 Fingerprint contentOf(const CalendarComponent &task)
 {
@@ -138,7 +114,7 @@ class TaskReader
         {
             if (line.name == "CATEGORIES")
             {
-                readCategories(line);
+                readCategories(line, m_reading.categories);
             }
             else if (line.name == "RELATED-TO")
             {
@@ -175,20 +151,6 @@ class TaskReader
         return priority >= 1 && priority <= 4   ? TaskImportance::High
                : priority >= 6 && priority <= 9 ? TaskImportance::Low
                                                 : TaskImportance::Normal;
-    }
-
-    void readCategories(const PropertyLine &line)
-    {
-        for (const std::string_view part : listParts(line.value))
-        {
-            std::u16string name = oneLine(unescaped(part));
-            const bool known = std::any_of(m_reading.categories.begin(), m_reading.categories.end(),
-                                           [&](const NamedLine &each) { return each.name == name; });
-            if (!name.empty() && !known)
-            {
-                m_reading.categories.push_back({std::move(name), line.line});
-            }
-        }
     }
 
     /// A task lies under one other: the first that is told.

@@ -4,6 +4,7 @@
 #include "interchange/calendar_reader.h"
 #include "interchange/fingerprint.h"
 #include "interchange/import_report.h"
+#include "interchange/item_categories.h"
 #include "interchange/zone_book.h"
 #include "platform/pim.h"
 
@@ -14,13 +15,6 @@
 
 namespace zb::interchange
 {
-/// A name with the line that it stands in.
-struct NamedLine
-{
-    std::u16string name;
-    std::size_t line = 0;
-};
-
 struct TaskReading
 {
     std::optional<TaskItem> item;      ///< none: the to-do can't be kept

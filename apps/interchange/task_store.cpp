@@ -77,14 +77,14 @@ CEOID TaskStore::find(const std::u16string &identity)
     return CeSeekDatabase(m_database, CEDB_SEEK_VALUEFIRSTEQUAL, reinterpret_cast<DWORD_PTR>(&key), nullptr);
 }
 
-TaskStore::Outcome TaskStore::store(const TaskItem &item, const std::optional<std::vector<BYTE>> &categories,
+TaskStore::Outcome TaskStore::store(const TaskItem &item, const std::vector<BYTE> &categories,
                                     bool repeats)
 {
     const CEOID id = find(item.interchangeId);
     RecordProperties properties = encodeTask(item);
-    if (categories)
+    if (!categories.empty())
     {
-        properties.set(itemCategories, *categories);
+        properties.set(itemCategories, categories);
     }
     if (repeats)
     {

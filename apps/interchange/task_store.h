@@ -29,7 +29,7 @@ class TaskStore
 
     /// Writes the item under its interchangeId. Without categories the record keeps its own; what an import does not
     /// know stays as it is. Throws StoreError.
-    Outcome store(const TaskItem &item, const std::optional<std::vector<BYTE>> &categories, bool repeats);
+    Outcome store(const TaskItem &item, const std::vector<BYTE> &categories, bool repeats);
     /// Id of the record with an identity; 0 when there is none.
     CEOID find(const std::u16string &identity);
 

@@ -273,7 +273,8 @@ std::string detailsOf(const AgendaRow &row)
         names.push_back(visibleText(name));
     }
     std::string text = visibleText(row.location);
-    text += marks.empty() ? "" : (text.empty() ? "(" : " (") + joined(marks, ", ") + ")";
+    const std::string told = joined(marks, ", ");
+    text += told.empty() ? "" : text.empty() && row.kind == AgendaKind::Task ? told : (text.empty() ? "(" : " (") + told + ")";
     const std::string categories = joined(names, ", ");
     return text.empty() || categories.empty() ? text + categories : text + " · " + categories;
 }

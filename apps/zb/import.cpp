@@ -37,7 +37,6 @@ Json asJson(const interchange::TaskCounts &tasks)
         {"leftOut", {{"cancelled", tasks.cancelled}, {"olderVersions", tasks.superseded}, {"refused", tasks.refused}}},
         {"repeatingAsOne", tasks.repeating},
         {"putUnderAnother", tasks.linked},
-        {"newCategories", tasks.categories},
         {"lostProperties", Json::object()}};
     for (const auto &[name, count] : tasks.lost)
     {
@@ -71,6 +70,8 @@ Json asJson(const ImportReport &report)
                       {"unrolledAppointments", report.unrolledAppointments}};
     file["repeatingAsFirstDay"] = report.repeating;
     file["shortenedTexts"] = report.shortened;
+    file["newCategories"] = report.categories;
+    file["lostColors"] = report.lostColors;
     file["tasks"] = asJson(report.tasks);
     file["otherComponents"] = Json::object();
     for (const auto &[name, count] : report.otherComponents)

@@ -89,6 +89,8 @@ struct AppointmentItem
     BusyStatus busy = BusyStatus::Busy;
     bool isPrivate = false;
     bool reminder = false;
+    /// Bit set of category ids; empty: those of a changed record stay.
+    std::vector<BYTE> categories;
     /// Series: the pattern (encodeRecurrence in pim_recurrence.h), empty for a single appointment. The start of an
     /// all-day series is stored as given, and is the moment of its first midnight in the device's zone, since loaders
     /// bring every series into that zone.
@@ -158,8 +160,8 @@ inline constexpr SHORT sensitivityPrivate = 2;
 inline constexpr std::size_t appointmentReadBytes = 0x20000;
 
 /// The properties of a single appointment's record; what the item lacks is written as to be removed, so that the same
-/// call serves a new record and a changed one. Whatever an item of this form can't say (categories, attendees, the
-/// extra text) is not among them and stays as it is in a changed record; pattern and zone are removed, and what stores
+/// call serves a new record and a changed one. Whatever an item of this form can't say (attendees, the extra text),
+/// and categories when it has none, is not among them and stays as it is in a changed record; pattern and zone are removed, and what stores
 /// a series sets them, the recurring flag and the start afterwards.
 ///
 /// An all-day item of n days is stored with n x 1,440 - 1 minutes from midnight of its first day (a time of day in

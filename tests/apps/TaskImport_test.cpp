@@ -195,7 +195,7 @@ TEST_F(TaskImportTest, aSecondImportChangesNothingAndAChangedFileTakesItsPlace)
     EXPECT_EQ(again.tasks.updated, 0U);
     EXPECT_EQ(again.tasks.unchanged, 3U);
     EXPECT_EQ(again.tasks.linked, 0U);
-    EXPECT_EQ(again.tasks.categories, 0U);
+    EXPECT_EQ(again.categories, 0U);
     EXPECT_EQ(zb::test::hostBytes(device.path() / "files/My Documents/Kelvo/TaskHierarchy.bin"), before);
     const ImportReport changed = import(todo("UID:a\nSUMMARY:A\n"));
     EXPECT_EQ(changed.tasks.updated, 1U);
@@ -220,7 +220,7 @@ TEST_F(TaskImportTest, categoriesAreMadeOnceAndFoundAgain)
     ASSERT_EQ(zb::addCategory(u"Home", &home), zb::CategoryChange::Done);
     const ImportReport report = import(todo("UID:a\nSUMMARY:A\nCATEGORIES:Garden\\, front,Home\nCATEGORIES:Work\n") +
                                        todo("UID:b\nSUMMARY:B\nCATEGORIES:Work, Home ,Work,\n"));
-    EXPECT_EQ(report.tasks.categories, 1U) << "Work; Home was there";
+    EXPECT_EQ(report.categories, 1U) << "Work; Home was there";
     ASSERT_EQ(tasks().size(), 2U);
     EXPECT_EQ(categoriesOf(tasks()[0]), "Home, Work");
     EXPECT_EQ(categoriesOf(tasks()[1]), "Home, Work");

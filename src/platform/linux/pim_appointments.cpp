@@ -45,6 +45,10 @@ RecordProperties encodeAppointment(const AppointmentItem &item)
     setText(record, appointmentLocation, item.location);
     setText(record, itemInterchangeId, item.interchangeId);
     setBlob(record, itemNotes, encodeNotes(item.notes));
+    if (!item.categories.empty())
+    {
+        record.set(itemCategories, item.categories);
+    }
     setBlob(record, appointmentRecurrence, item.recurrence);
     setBlob(record, appointmentZone, item.recurrence.empty() ? std::vector<BYTE>() : item.zone);
     return record;
