@@ -15,6 +15,8 @@ namespace
 /// Characters of a contact's row, terminator included.
 constexpr std::size_t subjectSize = 2'047;
 constexpr int wholeDayMinutes = 1440;
+/// Bytes of the block of a row's categories, however short the text: hosts may count on the room behind it.
+constexpr std::size_t markBytes = 100;
 constexpr WORD allDay = 0xFFFF;
 
 enum ContactProperty : int
@@ -34,6 +36,12 @@ const WCHAR *textAt(const CeDbRecord &record, int index)
 {
     const WCHAR *text = record.IsPresent(index) ? record.GetProps()[index].val.lpwstr : nullptr;
     return text != nullptr ? text : u"";
+}
+
+WCHAR *newMark(const WCHAR *mark)
+{
+    auto *text = static_cast<WCHAR *>(std::calloc(1, markBytes));
+    return text != nullptr ? wcscpy(text, mark) : nullptr;
 }
 
 /// The day in a year; who was born on 29 February has 28 February in the others.
@@ -66,7 +74,7 @@ DATACALENDAR *CCalendarThread::NewContactRow(const CeDbRecord &record, const SYS
                textAt(record, CONTACT_FIRST_NAME), textAt(record, CONTACT_LAST_NAME));
     row->m_bstrSubject = AllocBSTR(subject.data());
     row->m_bstrLocation = AllocBSTR(nullptr);
-    row->m_pszCategories = zb::copyCategories(mark);
+    row->m_pszCategories = newMark(mark);
     row->m_bComplete = true;
     return row.release();
 }

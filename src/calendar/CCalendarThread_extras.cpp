@@ -44,7 +44,7 @@ DATACALENDAR *newDateHeader(int day)
     return header;
 }
 
-bool isSameAppointment(const DATACALENDAR &a, const DATACALENDAR &b)
+bool isSameRow(const DATACALENDAR &a, const DATACALENDAR &b)
 {
     return a.m_oid == b.m_oid && a.m_nDay == b.m_nDay && a.m_dtStart == b.m_dtStart && a.m_nDuration == b.m_nDuration;
 }
@@ -156,15 +156,12 @@ int CCalendarThread::AddCalendarDatesForData()
     {
         const DATACALENDAR *before = m_list.GetAt(i - 1);
         const DATACALENDAR *row = m_list.GetAt(i);
-        if (row->m_oid == 0 || row->m_bTrailer)
-        {
-            continue;
-        }
-        if (before != nullptr && row->m_pTask == nullptr && isSameAppointment(*before, *row))
+        const bool mayBegin = row->m_oid != 0 && !row->m_bTrailer;
+        if (before != nullptr && row->m_pTask == nullptr && isSameRow(*before, *row))
         {
             m_list.RemoveAt(i);
         }
-        else if (before == nullptr || before->m_nDay != row->m_nDay)
+        else if (mayBegin && (before == nullptr || before->m_nDay != row->m_nDay))
         {
             m_list.InsertAt(i, newDateHeader(row->m_nDay));
             ++headers;

@@ -143,7 +143,7 @@ int CCalendarThread::SetTaskProps(CEPROPID *ids)
 bool CCalendarThread::ShowsTasks() const
 {
     const CalendarSettings &settings = m_settings;
-    return settings.CAV_FilterAppointments == CalendarFilter::Range &&
+    return m_nRangeStart != noDay && settings.CAV_FilterAppointments == CalendarFilter::Range &&
            (settings.WV_ShowTasks | settings.AV_ShowTasks | settings.DV_ShowTasks | settings.MV_ShowTasks |
             settings.MVD_ShowTasks) != 0;
 }

@@ -3,6 +3,8 @@
 
 #include "platform/pim.h"
 
+#include <malloc.h>
+
 namespace zb::test
 {
 namespace
@@ -80,7 +82,11 @@ TEST_F(CalendarContacts, ARowIsAWholeDay)
     EXPECT_EQ(row->m_dtStart, dayNumber(2026, 3, 10));
     EXPECT_EQ(row->m_dtEnd, dayNumber(2026, 3, 10));
     EXPECT_EQ(row->m_nBusyStatus, 0);
+    ASSERT_NE(row->m_bstrLocation, nullptr);
     EXPECT_EQ(utf8(row->m_bstrLocation), "");
+    EXPECT_GE(malloc_usable_size(row->m_pszCategories), 100U);
+    EXPECT_FALSE(row->m_bTrailer);
+    EXPECT_EQ(row->m_bRecurring, 0);
     EXPECT_TRUE(row->m_bComplete);
     EXPECT_EQ(row->m_pTask, nullptr);
 }
@@ -173,6 +179,30 @@ TEST_F(CalendarContacts, AStopThatIsSetReadsNone)
     EXPECT_EQ(loader().GetList().GetCount(), before);
     stop.Reset();
     EXPECT_EQ(loader().AddContactInfo(&stop), 1);
+    stop.Close();
+    EXPECT_EQ(loader().AddContactInfo(&stop), 0) << "without a handle it counts as set";
+}
+
+TEST_F(CalendarContacts, ARangeOfYearsHasARowForEach)
+{
+    addContact({u"Ada", u"Stern", makeFileTime(1990, 7, 2), makeFileTime(2027, 7, 3)});
+    loader().setRange(2026, 12, 31, 367);
+    EXPECT_EQ(shown(), (Texts{"2026-07-02 (36 years) Ada Stern | ~Birthday",
+                              "2027-07-02 (37 years) Ada Stern | ~Birthday",
+                              "2028-07-02 (38 years) Ada Stern | ~Birthday",
+                              "2026-07-03 (0 years) Ada Stern | ~Anniversary",
+                              "2027-07-03 (0 years) Ada Stern | ~Anniversary",
+                              "2028-07-03 (1 years) Ada Stern | ~Anniversary"}));
+}
+
+TEST_F(CalendarContacts, TheyStandAmongTheWholeDaysOfTheirDay)
+{
+    addContact({u"Ada", u"Stern", makeFileTime(1990, 3, 10), std::nullopt});
+    add(timed(u"meeting", makeFileTime(2026, 3, 10, 9), 30));
+    add(allDay(u"zoo", makeFileTime(2026, 3, 10)));
+    loader().SetNoHeaderDates(false);
+    load();
+    EXPECT_EQ(loader().subjects(), "(36 years) Ada Stern, zoo, meeting");
 }
 
 TEST_F(CalendarContacts, TheyArePublishedAlsoWithoutHeaders)

@@ -87,6 +87,51 @@ TEST_F(CalendarExtras, RowsThatAreThereTwiceGo)
     EXPECT_EQ(loader().GetList().GetAt(4)->m_oid, 0U);
 }
 
+TEST_F(CalendarExtras, HeadersThatAreThereTwiceGo)
+{
+    load();
+    addRow(loader(), 0, 46091, noDate, 0);
+    addRow(loader(), 0, 46091, noDate, 0);
+    addRow(loader(), 5, 46091, 46091.25, 30);
+    EXPECT_EQ(loader().AddCalendarDatesForData(), 0);
+    EXPECT_EQ(loader().GetList().GetCount(), 2);
+    EXPECT_EQ(loader().GetList().m_nPublished, 2);
+}
+
+TEST_F(CalendarExtras, TheNumberOfHeadersIsTold)
+{
+    add(timed(u"b", makeFileTime(2026, 3, 12, 9), 30));
+    load();
+    loader().GetList().RemoveAll();
+    addRow(loader(), 5, dayNumber(2026, 3, 15), dayNumber(2026, 3, 15), 30);
+    addRow(loader(), 6, dayNumber(2026, 3, 11), dayNumber(2026, 3, 11), 30);
+    EXPECT_EQ(loader().AddCalendarDate(), 2);
+    EXPECT_EQ(loader().GetList().GetAt(2)->m_oid, 6U) << "sorted before the headers come";
+    loader().SetNoHeaderDates(true);
+    EXPECT_EQ(loader().AddCalendarDate(), 0);
+    EXPECT_EQ(loader().GetList().GetCount(), 4);
+    loader().SetNoHeaderDates(false);
+    loader().setRange(2026, 3, 10, 3);
+    loader().setFilter(CalendarFilter::Range);
+    load();
+    loader().GetList().RemoveAll();
+    EXPECT_EQ(loader().AddCalendarDate(), 3);
+}
+
+TEST_F(CalendarExtras, TheLinkDatabasesStayAsTheyWereOpened)
+{
+    const CEOID oid = add(timed(u"a", makeFileTime(2026, 3, 11, 9), 30));
+    loader().InitiateLinksDB();
+    makeIdDatabase(u"ZembrikLinks", MakePropId(0x0001, CEVT_I4), {static_cast<LONG>(oid)});
+    makeIdDatabase(u"ZembrikJournal", MakePropId(0x002e, CEVT_I4), {static_cast<LONG>(oid)});
+    load();
+    EXPECT_EQ(loader().row(0)->m_bHasLink, 0) << "they did not open then, and were not tried again";
+    EXPECT_EQ(loader().row(0)->m_bHasJournal, 0);
+    load();
+    EXPECT_EQ(loader().row(0)->m_bHasLink, 1) << "the run before had closed them";
+    EXPECT_EQ(loader().row(0)->m_bHasJournal, 1);
+}
+
 TEST_F(CalendarExtras, TasksAreNeverThereTwice)
 {
     load();

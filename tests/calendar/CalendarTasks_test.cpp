@@ -55,6 +55,7 @@ TEST(CalendarTaskShows, TemplatesNever)
     EXPECT_TRUE(taskShows(open(401733.9), all));
     EXPECT_FALSE(taskShows(open(401734.0), all));
     EXPECT_FALSE(taskShows(open(401768.0), all));
+    EXPECT_TRUE(taskShows(open(401769.0, 401750), all));
     EXPECT_FALSE(taskShows(complete(401750, 401750), all));
     EXPECT_TRUE(taskShows(complete(401750, 401700), all));
 }
@@ -129,6 +130,9 @@ TEST(CalendarTaskDaysTest, OverdueOnesTodayAndOnTheirOwnDay)
     EXPECT_EQ(days(open(90), view()), (Days{103}));
     EXPECT_EQ(days(open(101.7), view()), (Days{103, 101}));
     EXPECT_EQ(days(open(104), view(107)), (Days{100, 104}));
+    EXPECT_EQ(days(open(100), view(107)), (Days{100, 100})) << "kept: also where the two are one day";
+    EXPECT_EQ(days(open(99), view(107)), (Days{100}));
+    EXPECT_EQ(days(open(106), view(107)), (Days{100, 106}));
 }
 
 TEST(CalendarTaskDaysTest, OnesThatReachOverTheRangeOnTheDayOfLastResort)
@@ -268,6 +272,43 @@ TEST(CalendarTaskOrder, ByPriority)
     expectBefore(b, a, 42356, "numbers by value");
     b.m_szPriorityNumber[1] = u'0';
     expectBefore(b, a, 42356, "equal numbers by subject");
+}
+
+TEST(CalendarTaskOrder, TextsGoByTheLocalesWordsAndTheirCaseCounts)
+{
+    DATATASKS a = task(u"apple");
+    DATATASKS b = task(u"Apple");
+    expectBefore(a, b, 42228, "small letters first");
+    a.m_szPriorityLetter[0] = u'a';
+    b.m_szPriorityLetter[0] = u'B';
+    expectBefore(a, b, 42356, "letters by the locale, not by their codes");
+    std::free(a.m_pszCategories);
+    a.m_pszCategories = _wcsdup(u"work");
+    std::free(b.m_pszCategories);
+    b.m_pszCategories = _wcsdup(u"Zoo");
+    expectBefore(a, b, 42360, "categories");
+}
+
+TEST(CalendarTaskOrder, DatesGoByTheMinuteAndAMissingOneIsBehindAnyOther)
+{
+    DATATASKS a = task(u"");
+    DATATASKS b = task(u"");
+    a.m_dtDue = a.m_dtStart = 100.25;
+    b.m_dtDue = b.m_dtStart = 100.5;
+    for (const DWORD key : {42227U, 42229U, 42230U})
+    {
+        if (key == 42230U)
+        {
+            a.m_dtDue = b.m_dtDue = noDate;
+        }
+        expectBefore(a, b, key, "by the minute");
+    }
+    b.m_dtStart = noDate;
+    a.m_dtStart = noDate + 1;
+    expectBefore(a, b, 42230, "none behind all others");
+    b.m_dtDue = noDate;
+    a.m_dtDue = noDate + 1;
+    expectBefore(a, b, 42229, "none behind all others");
 }
 
 // --- In the list -------------------------------------------------------------------------------------------------
@@ -524,6 +565,71 @@ TEST_F(CalendarTaskRows, AStopThatIsSetReadsNothing)
     stop.Set();
     EXPECT_EQ(loader().AddTasks(&stop), 0);
     EXPECT_EQ(tasks(), Texts{}) << "those of before are gone all the same";
+    EXPECT_EQ(loader().GetList().m_nPublished, 7) << "the headers";
+    stop.Reset();
+    EXPECT_EQ(loader().AddTasks(&stop), 1);
+    EXPECT_EQ(loader().GetList().m_nPublished, 8);
+    stop.Close();
+    EXPECT_EQ(loader().AddTasks(&stop), 0) << "without a handle it counts as set";
+}
+
+TEST_F(CalendarTaskRows, ARecordTooLargeForTheBufferIsLeftOut)
+{
+    addTask({.subject = u"before", .due = makeFileTime(2026, 3, 4)});
+    addTask({.subject = u"huge", .due = makeFileTime(2026, 3, 4), .notes = Bytes(0x20000)});
+    addTask({.subject = u"large", .due = makeFileTime(2026, 3, 4), .notes = Bytes(0x20000 - 1000)});
+    addTask({.subject = u"z", .due = makeFileTime(2026, 3, 4)});
+    EXPECT_EQ(loadedTasks(), (Texts{"2026-03-04 before", "2026-03-04 large", "2026-03-04 z"}));
+}
+
+TEST_F(CalendarTaskRows, WithoutRangeThereAreNone)
+{
+    addTask({.subject = u"undated"});
+    TestLoader fresh;
+    fresh.set(u"CAV_ShowUndatedTasks", 1U);
+    EXPECT_EQ(fresh.AddTasksToThread(nullptr), 0);
+    EXPECT_EQ(fresh.GetList().GetCount(), 0);
+}
+
+TEST_F(CalendarTaskRows, AChosenCategoryAndThoseWithoutAnyAreTasksOfTheList)
+{
+    addTask({.subject = u"both", .due = makeFileTime(2026, 3, 4), .categories = categoryBlob({workBit, holidayBit})});
+    addTask({.subject = u"none", .due = makeFileTime(2026, 3, 4)});
+    addTask({.subject = u"other", .due = makeFileTime(2026, 3, 4), .categories = categoryBlob({holidayBit})});
+    CCategoryFilterInfo *restriction = nullptr;
+    loader().GetCategoryRestrict(restriction);
+    auto *work = new CFullCategory;
+    work->m_nId = workBit;
+    restriction->m_pSelected->AddTail(work);
+    loader().SetCategoryRestrict(false);
+    EXPECT_EQ(loadedTasks(), (Texts{"2026-03-04 both"}));
+    loader().set(u"m_bIncludeNoCat", 1U);
+    EXPECT_EQ(loadedTasks(), (Texts{"2026-03-04 both", "2026-03-04 none"}));
+    loader().set(u"bHideCategories", 1U);
+    EXPECT_EQ(loadedTasks(), (Texts{"2026-03-04 none", "2026-03-04 other"}));
+}
+
+TEST_F(CalendarTaskRows, SettingsDecideWhichShow)
+{
+    addTask({.subject = u"done", .due = makeFileTime(2026, 3, 2), .completed = makeFileTime(2026, 3, 3), .isComplete = true});
+    addTask({.subject = u"undated"});
+    addTask({.subject = u"weeks", .due = makeFileTime(2026, 4, 1), .start = makeFileTime(2026, 2, 1)});
+    EXPECT_EQ(loadedTasks(), (Texts{"2026-03-04 weeks"}));
+    loader().set(u"CA_ShowCompletedTasks", 1U);
+    loader().set(u"CAV_ShowUndatedTasks", 1U);
+    EXPECT_EQ(loadedTasks(), (Texts{"2026-03-03 done", "2026-03-04 weeks", "2026-03-04 undated"}));
+    loader().set(u"bShowInProgressTasksToday", 0U);
+    EXPECT_EQ(loadedTasks(), (Texts{"2026-03-03 done", "2026-03-04 undated", "2026-04-01 weeks"}));
+}
+
+TEST_F(CalendarTaskRows, ADateOfCompletionCountsOnlyInACompleteTask)
+{
+    addTask({.subject = u"open", .due = makeFileTime(2026, 3, 4), .completed = makeFileTime(2026, 3, 3)});
+    EXPECT_EQ(loadedTasks(), (Texts{"2026-03-04 open"}));
+    EXPECT_EQ(loader().row(0)->m_pTask->m_dtCompleted, noDate);
+    EXPECT_EQ(loader().row(0)->m_pTask->m_bComplete, 0);
+    EXPECT_TRUE(loader().row(0)->m_pTask->m_bDueToday);
+    EXPECT_FALSE(loader().row(0)->m_pTask->m_bOverdue);
 }
 
 TEST_F(CalendarTaskRows, OneRecordCanBeAddedByItself)

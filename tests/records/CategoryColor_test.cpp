@@ -161,6 +161,26 @@ TEST_F(CategoryColor, WithoutDatabaseTheNextCallTriesAgain)
     EXPECT_EQ(loaded(), Names{"Work"});
 }
 
+TEST_F(CategoryColor, ATextOfAnotherLengthIsNoColour)
+{
+    addColored(u"Work", 1, 0x010101);
+    loaded();
+    auto *torn = new CATINFO(*CCategoryColor::lCatColors.GetAt(1));
+    torn->m_szHtmlColor[6] = 0;
+    torn->m_crColor = 0x020202;
+    CCategoryColor::lCatColors.InsertAt(1, torn);
+    EXPECT_EQ(CCategoryColor::GetCategoryColorCR(u"Work"), 0x010101U);
+    EXPECT_EQ(colorOf(u"Work"), "#010101");
+}
+
+TEST_F(CategoryColor, GoByNameHoweverTheRecordsLie)
+{
+    layCategoriesById();
+    addColored(u"Zoo", 1, 0x010101);
+    addColored(u"Home", 2, 0x020202);
+    EXPECT_EQ(loaded(), (Names{"Home", "Zoo"}));
+}
+
 TEST_F(CategoryColor, FollowsTheOpenDevice)
 {
     addColored(u"Work", 1, 0x010101);

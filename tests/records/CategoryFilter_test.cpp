@@ -79,6 +79,21 @@ TEST(CategoryBlob, OfNoCategoriesIsEmpty)
     EXPECT_EQ(chosen.info.m_blobFilter.lpb, nullptr);
 }
 
+TEST(CategoryBlob, HasZerosBehindItsSizeUpTo1024Bytes)
+{
+    const Chosen chosen({3});
+    ASSERT_EQ(chosen.info.m_blobFilter.dwCount, 4U);
+    for (int at = 4; at < 1024; ++at)
+    {
+        EXPECT_EQ(chosen.info.m_blobFilter.lpb[at], 0) << at; // the sanitizers watch the length of the block
+    }
+}
+
+TEST(CategoryBlob, IsFourBytesWhenNoIdFits)
+{
+    EXPECT_EQ(Chosen({-5}).bytes(), (std::vector<BYTE>{0, 0, 0, 0}));
+}
+
 TEST(CategoryBlob, LeavesOutIdsThatItCannotHold)
 {
     EXPECT_EQ(Chosen({-1, 8192, 1}).bytes(), (std::vector<BYTE>{2, 0, 0, 0}));
@@ -194,6 +209,10 @@ TEST(CategoryFilter, AndWantsAllOfTheFilter)
     EXPECT_TRUE(CategoryAndFilter(Blob{0xFF, 0, 0, 0, 1, 0, 0, 0}.get(), filter.get()));
     EXPECT_FALSE(CategoryAndFilter(Blob{0x20, 0, 0, 0}.get(), filter.get()));
     EXPECT_FALSE(CategoryAndFilter(Blob{0x21, 0, 0}.get(), filter.get()));
+    EXPECT_FALSE(CategoryAndFilter(Blob{0x21, 0, 0, 0, 0, 0}.get(), filter.get()));
+    EXPECT_FALSE(CategoryAndFilter(Blob{0x21, 0, 0, 0, 1, 0, 0, 0}.get(), Blob{0x21, 0, 0, 0, 2, 0, 0, 0}.get()));
+    EXPECT_TRUE(CategoryAndFilter(Blob{0x21, 0, 0, 0, 3, 0, 0, 0}.get(), Blob{0x21, 0, 0, 0, 2, 0, 0, 0}.get()));
+    EXPECT_FALSE(CategoryAndFilter(Blob{0x21, 0, 0, 0, 0, 0, 0, 0}.get(), Blob{0x21, 0, 0, 0, 0, 0}.get()));
     EXPECT_FALSE(CategoryAndFilter(Blob{0x21, 0, 0, 0}.get(), Blob{0x21, 0, 0, 0, 0, 0, 0, 0}.get()));
     EXPECT_FALSE(CategoryAndFilter(Blob{0x21, 0, 0, 0}.get(), Blob{}.get()));
     EXPECT_FALSE(CategoryAndFilter(Blob{0x21, 0, 0, 0}.get(), Blob{0x21}.get()));
@@ -241,6 +260,10 @@ TEST(CategoryFilter, DecidesByModeFilterAndRecord)
                               {1, true, false, none.get(), true},
                               {1, true, false, match.get(), false},
                               {1, true, false, other.get(), true},
+                              {1, true, true, nullptr, true},
+                              {1, false, false, nullptr, true},
+                              {0, true, false, nullptr, false},
+                              {2, false, false, match.get(), true},
                               {2, true, false, other.get(), true},
                               {-2, true, false, match.get(), true}})
     {

@@ -119,6 +119,11 @@ TEST_F(CategoryNames, UnknownNamesAreLostAndOthersAreComparedToTheLetter)
     EXPECT_EQ(namesIn(u"Homes, Wor"), Names{});
 }
 
+TEST_F(CategoryNames, StandInTheOrderOfTheFullListAndOnce)
+{
+    EXPECT_EQ(namesIn(u"Zoo, Work, Zoo, Home"), (Names{"Home", "Work", "Zoo"}));
+}
+
 TEST_F(CategoryNames, AnEmptyTextLeavesTheList)
 {
     List list;

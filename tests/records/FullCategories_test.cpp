@@ -134,6 +134,10 @@ TEST_F(FullCategories, StandInTheOrderOfTheirRecords)
     addCategoryRecord(u"Gamma", 2);
     addCategoryRecord(u"Alpha", 3);
     EXPECT_EQ(FullList().names(), (Names{"Alpha", "beta", "Gamma"}));
+    layCategoriesById();
+    addCategoryRecord(u"Zoo", 1);
+    addCategoryRecord(u"Home", 2);
+    EXPECT_EQ(FullList(true).names(), (Names{"Zoo", "Home"}));
 }
 
 TEST_F(FullCategories, InactiveOnesAreAmongThem)

@@ -59,6 +59,16 @@ inline OpenedDatabase openCategories(CEPROPID sort = 0)
     return OpenedDatabase(oid, sort);
 }
 
+/// Makes the database anew, with its records in the order of their ids; they can still be read by name.
+inline void layCategoriesById()
+{
+    CEOID oid = 0;
+    CloseHandle(CeOpenDatabase(&oid, u"\\Categories Database", 0, 0, nullptr));
+    CeDeleteDatabase(oid);
+    const SORTORDERSPEC sorts[] = {{0x40020002, 0}, {0x4001001f, 0}};
+    CeCreateDatabase(u"\\Categories Database", 0, 2, sorts);
+}
+
 /// Adds it; 0 on failure.
 inline CEOID addCategoryRecord(const CategoryRecord &category)
 {
