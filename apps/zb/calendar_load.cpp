@@ -135,7 +135,9 @@ CalendarSettings settingsFor(const CalendarChoice &choice)
     settings.CAV_StatusFilter = choice.status.value_or(settings.CAV_StatusFilter);
     settings.AV_ShowTasks = choice.tasks.value_or(settings.AV_ShowTasks != 0) ? 1 : 0;
     settings.WV_ShowTasks = settings.DV_ShowTasks = settings.MV_ShowTasks = settings.MVD_ShowTasks = 0;
-    settings.ReadBirthdays = choice.birthdays.value_or(settings.ReadBirthdays != 0) ? 1 : 0;
+    // Contacts' rows have no categories, and the loader does not ask: who wants a category wants none of them.
+    const bool wantsCategory = choice.categories.isMade() && choice.categories.mode() == categoriesShow;
+    settings.ReadBirthdays = choice.birthdays.value_or(settings.ReadBirthdays != 0 && !wantsCategory) ? 1 : 0;
     if (choice.categories.isMade())
     {
         settings.bHideCategories = static_cast<DWORD>(choice.categories.mode());
@@ -143,6 +145,13 @@ CalendarSettings settingsFor(const CalendarChoice &choice)
         settings.m_bIncludeNoCat = 0;
     }
     return settings;
+}
+
+/// A task that is overdue and due on the first day of a past range has two rows on it, one behind the other.
+bool isThereAlready(const std::vector<AgendaRow> &rows, const AgendaRow &row)
+{
+    return row.kind == AgendaKind::Task && !rows.empty() && rows.back().kind == AgendaKind::Task &&
+           rows.back().id == row.id && rows.back().day == row.day;
 }
 
 /// Local day of the start of the first record that has one, walking by `seekOn` from `id`.
@@ -207,7 +216,7 @@ std::vector<AgendaRow> loadAgenda(int firstDay, int lastDay, const CalendarChoic
                       }
                       AgendaRow copy = row.m_pTask != nullptr ? taskOf(row) : rowOf(row, zone);
                       // The hour that a row's end is off can take it over midnight.
-                      if (copy.day <= std::max(copy.firstDay, copy.lastDay))
+                      if (copy.day <= std::max(copy.firstDay, copy.lastDay) && !isThereAlready(rows, copy))
                       {
                           rows.push_back(std::move(copy));
                       }

@@ -129,12 +129,12 @@ class CommandLine
             });
     }
 
-    /// A flag and its opposite that leave the choice open when neither is given.
+    /// A flag and its opposite that leave the choice open when neither is given; of several the last counts.
     static void addChoice(CLI::App &command, const std::string &names, std::optional<bool> &choice,
                           const std::string &help)
     {
-        command.add_flag_function(
-            names, [&choice](std::int64_t count) { choice = count > 0; }, help);
+        command.add_flag_function(names, [&choice](std::int64_t count) { choice = count > 0; }, help)
+            ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
     }
 
     static void addCategoryChoice(CLI::App &command, CategoryChoice &choice)

@@ -41,7 +41,7 @@ class Terminal
     {
         return m_width;
     }
-    /// The text in a style; as it is where colours are off (no terminal, NO_COLOR set to anything, TERM=dumb).
+    /// The text in a style; as it is where colours are off (no terminal, NO_COLOR set and not empty, TERM=dumb).
     std::string styled(std::string_view text, Style style) const;
     /// In a colour of its own, low byte red; as it is where colours are off.
     std::string coloured(std::string_view text, std::uint32_t color) const;

@@ -366,6 +366,8 @@ TEST_F(CategoryEdit, AColourOfZeroTakesTheValueAway)
     EXPECT_FALSE(setCategoryColor(u"a=b", 5));
     EXPECT_FALSE(setCategoryColor(nullptr, 5));
     EXPECT_EQ(categoryColor(nullptr), 0U);
+    settings.SetValue(u"Foreign", 0x1000000U);
+    EXPECT_EQ(categoryColor(u"Foreign"), 0U) << "no colour has more than three bytes";
 }
 
 TEST_F(CategoryEdit, ColoursSurviveAndAreLoadedAnewAfterAChange)

@@ -216,6 +216,9 @@ TEST(CategoryFilter, AndWantsAllOfTheFilter)
     EXPECT_FALSE(CategoryAndFilter(Blob{0x21, 0, 0, 0}.get(), Blob{0x21, 0, 0, 0, 0, 0, 0, 0}.get()));
     EXPECT_FALSE(CategoryAndFilter(Blob{0x21, 0, 0, 0}.get(), Blob{}.get()));
     EXPECT_FALSE(CategoryAndFilter(Blob{0x21, 0, 0, 0}.get(), Blob{0x21}.get()));
+    BYTE bytes[4] = {};
+    const CEBLOB emptyFilter{0, bytes};
+    EXPECT_FALSE(CategoryAndFilter(Blob{0x21, 0, 0, 0}.get(), &emptyFilter));
 }
 
 TEST(CategoryFilter, OrWantsOneInCommon)
@@ -264,6 +267,8 @@ TEST(CategoryFilter, DecidesByModeFilterAndRecord)
                               {1, false, false, nullptr, true},
                               {0, true, false, nullptr, false},
                               {2, false, false, match.get(), true},
+                              {2, true, false, none.get(), true},
+                              {-2, true, false, nullptr, true},
                               {2, true, false, other.get(), true},
                               {-2, true, false, match.get(), true}})
     {
