@@ -144,6 +144,8 @@ TEST_F(CalendarContacts, OtherListsHaveThisYear)
     loader().setFilter(CalendarFilter::Birthdays);
     device.setClock(makeFileTime(2028, 6, 1));
     EXPECT_EQ(shown(), (Texts{"2028-01-02 (38 years) Ada Stern | ~Birthday"}));
+    device.setClock(makeFileTime(2026, 6, 1));
+    EXPECT_EQ(shown(), (Texts{"2026-01-02 (36 years) Ada Stern | ~Birthday"})) << "however far the range reaches";
 }
 
 TEST_F(CalendarContacts, ThoseOf29FebruaryHaveTheDayBeforeInOtherYears)

@@ -78,9 +78,10 @@ TEST_F(CalendarExtras, RowsThatAreThereTwiceGo)
     addRow(loader(), 5, 46091, 46091.25, 45);
     addRow(loader(), 5, 46092, 46091.25, 45);
     addRow(loader(), 6, 46092, 46091.25, 45);
+    addRow(loader(), 6, 46092, 46091.5, 45);
     EXPECT_EQ(loader().AddCalendarDatesForData(), 2);
-    EXPECT_EQ(loader().GetList().GetCount(), 6);
-    EXPECT_EQ(loader().GetList().m_nPublished, 6);
+    EXPECT_EQ(loader().GetList().GetCount(), 7);
+    EXPECT_EQ(loader().GetList().m_nPublished, 7);
     EXPECT_EQ(loader().GetList().GetAt(1)->m_oid, 0U);
     EXPECT_EQ(loader().GetList().GetAt(2)->m_nDuration, 30);
     EXPECT_EQ(loader().GetList().GetAt(3)->m_nDuration, 45);

@@ -110,6 +110,17 @@ TEST_F(CalendarSettingsTest, EveryTextIsReadUnderItsName)
     }
 }
 
+TEST_F(CalendarSettingsTest, TextsAreReadToTheLengthThatTheirStoresKeep)
+{
+    const std::u16string name(2'000, u'n');
+    put(calendarKey, u"HolidayCatName", name.c_str());
+    const std::u16string category(399, u'c'); // 800 bytes with its zero
+    SetToRegistrySZ(HKEY_CURRENT_USER, u"Software\\Morvane\\ZBToday", u"FloatCat", category.c_str());
+    const CalendarSettings settings = CalendarSettings::read(calendarKey);
+    EXPECT_EQ(settings.HolidayCatName, name);
+    EXPECT_EQ(settings.FloatCat, category);
+}
+
 TEST_F(CalendarSettingsTest, TheFloatingCategoryComesFromTheRegistryAlone)
 {
     put(calendarKey, u"FloatCat", u"store");

@@ -270,6 +270,9 @@ TEST(CalendarTaskOrder, ByPriority)
     a.m_szPriorityNumber[0] = u'1';
     a.m_szPriorityNumber[1] = u'0';
     expectBefore(b, a, 42356, "numbers by value");
+    b.m_szPriorityNumber[0] = u'2';
+    expectBefore(b, a, 42356, "numbers by value, not by their text");
+    b.m_szPriorityNumber[0] = u'1';
     b.m_szPriorityNumber[1] = u'0';
     expectBefore(b, a, 42356, "equal numbers by subject");
 }
@@ -541,6 +544,19 @@ TEST_F(CalendarTaskRows, TheyComeAndGoWithoutALoad)
     EXPECT_EQ(loader().GetList().GetCount(), 11);
 }
 
+TEST_F(CalendarTaskRows, TakingThemOutSortsTheList)
+{
+    loader().SetNoHeaderDates(true);
+    add(timed(u"long", makeFileTime(2026, 3, 2, 9), 3 * 1440));
+    add(allDay(u"day", makeFileTime(2026, 3, 3)));
+    addTask({.subject = u"due", .due = makeFileTime(2026, 3, 4)});
+    load();
+    EXPECT_EQ(utf8(loader().GetList().GetAt(5)->m_bstrSubject), "day") << "as it was read";
+    loader().RemoveTasksFromThread();
+    EXPECT_EQ(loader().subjects(), "long, day, long, long, long");
+    EXPECT_EQ(loader().GetList().m_nPublished, 5);
+}
+
 TEST_F(CalendarTaskRows, WhileALoadHoldsTheListNothingHappens)
 {
     addTask({.subject = u"due", .due = makeFileTime(2026, 3, 4)});
@@ -649,6 +665,10 @@ TEST_F(CalendarTaskRows, OneRecordCanBeAddedByItself)
     EXPECT_TRUE(shown);
     EXPECT_EQ(tasks(), (Texts{"2026-03-04 new", "2026-03-03 new"}));
     EXPECT_EQ(loader().row(0)->m_pTask->m_bHasLinks, 1);
+    EXPECT_EQ(loader().row(0)->m_pTask->m_bHasJournal, 0);
+    makeIdDatabase(u"ZembrikJournal", MakePropId(0x002e, CEVT_I4), {static_cast<LONG>(oid)});
+    EXPECT_EQ(loader().AddNewTask(record, &shown, true), 2);
+    EXPECT_EQ(loader().row(2)->m_pTask->m_bHasJournal, 1) << "the databases were closed in between";
     loader().setRange(2027, 3, 1, 7);
     load();
     EXPECT_EQ(loader().AddNewTask(record, &shown, true), 0);
