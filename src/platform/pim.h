@@ -31,7 +31,6 @@ inline constexpr const WCHAR *categoriesDatabase = u"\\Categories Database";
 ZBPLATFORM_API bool createPimDatabases();
 
 // Properties that only sort orders need here.
-inline constexpr CEPROPID contactFileAs = MakePropId(0x4013, CEVT_LPWSTR);
 inline constexpr CEPROPID categoryName = MakePropId(0x4001, CEVT_LPWSTR);
 inline constexpr CEPROPID categoryId = MakePropId(0x4002, CEVT_I2);
 
@@ -60,6 +59,44 @@ inline constexpr CEPROPID taskDueDate = MakePropId(0x4105, CEVT_FILETIME);
 inline constexpr CEPROPID taskImportance = MakePropId(0x0026, CEVT_I4);
 inline constexpr CEPROPID taskRecurringFlag = MakePropId(0x4126, CEVT_I2);
 inline constexpr CEPROPID taskReminderSet = MakePropId(0x4503, CEVT_I2);
+
+// Properties of a contact record beside the ones of all items; docs/formats/items.md tells each.
+inline constexpr CEPROPID contactFileAs = MakePropId(0x4013, CEVT_LPWSTR);
+inline constexpr CEPROPID contactTitle = MakePropId(0x3a45, CEVT_LPWSTR);
+inline constexpr CEPROPID contactFirstName = MakePropId(0x3a06, CEVT_LPWSTR);
+inline constexpr CEPROPID contactMiddleName = MakePropId(0x3a44, CEVT_LPWSTR);
+inline constexpr CEPROPID contactLastName = MakePropId(0x3a11, CEVT_LPWSTR);
+inline constexpr CEPROPID contactSuffix = MakePropId(0x3a05, CEVT_LPWSTR);
+inline constexpr CEPROPID contactCompany = MakePropId(0x3a16, CEVT_LPWSTR);
+inline constexpr CEPROPID contactJobTitle = MakePropId(0x3a17, CEVT_LPWSTR);
+inline constexpr CEPROPID contactDepartment = MakePropId(0x3a18, CEVT_LPWSTR);
+inline constexpr CEPROPID contactOffice = MakePropId(0x400a, CEVT_LPWSTR);
+inline constexpr CEPROPID contactAssistant = MakePropId(0x4002, CEVT_LPWSTR);
+inline constexpr CEPROPID contactSpouse = MakePropId(0x3a48, CEVT_LPWSTR);
+inline constexpr CEPROPID contactChildren = MakePropId(0x3a58, CEVT_LPWSTR);
+inline constexpr CEPROPID contactWebPage = MakePropId(0x4006, CEVT_LPWSTR);
+inline constexpr CEPROPID contactBusinessPhone = MakePropId(0x3a08, CEVT_LPWSTR);
+inline constexpr CEPROPID contactBusiness2Phone = MakePropId(0x4007, CEVT_LPWSTR);
+inline constexpr CEPROPID contactBusinessFax = MakePropId(0x3a24, CEVT_LPWSTR);
+inline constexpr CEPROPID contactHomePhone = MakePropId(0x3a09, CEVT_LPWSTR);
+inline constexpr CEPROPID contactHome2Phone = MakePropId(0x3a2f, CEVT_LPWSTR);
+inline constexpr CEPROPID contactHomeFax = MakePropId(0x3a25, CEVT_LPWSTR);
+inline constexpr CEPROPID contactMobilePhone = MakePropId(0x3a1c, CEVT_LPWSTR);
+inline constexpr CEPROPID contactCarPhone = MakePropId(0x4009, CEVT_LPWSTR);
+inline constexpr CEPROPID contactRadioPhone = MakePropId(0x3a1d, CEVT_LPWSTR);
+inline constexpr CEPROPID contactPager = MakePropId(0x3a1e, CEVT_LPWSTR);
+inline constexpr CEPROPID contactAssistantPhone = MakePropId(0x4004, CEVT_LPWSTR);
+inline constexpr CEPROPID contactEmail1 = MakePropId(0x4083, CEVT_LPWSTR);
+inline constexpr CEPROPID contactEmail2 = MakePropId(0x4093, CEVT_LPWSTR);
+inline constexpr CEPROPID contactEmail3 = MakePropId(0x40a3, CEVT_LPWSTR);
+inline constexpr CEPROPID contactBirthday = MakePropId(0x4001, CEVT_FILETIME);
+inline constexpr CEPROPID contactAnniversary = MakePropId(0x4003, CEVT_FILETIME);
+/// The id of the property whose text lists show for this contact: one of the numbers or mail addresses.
+inline constexpr CEPROPID contactPreferredNumber = MakePropId(0x0050, CEVT_I4);
+// The first of five properties with numbers in a row: street, city, state, postal code, country.
+inline constexpr CEPROPID contactHomeAddress = MakePropId(0x4040, CEVT_LPWSTR);
+inline constexpr CEPROPID contactBusinessAddress = MakePropId(0x4045, CEVT_LPWSTR);
+inline constexpr CEPROPID contactOtherAddress = MakePropId(0x404a, CEVT_LPWSTR);
 
 /// Ours: the identity of an item in interchange files (UID, and the recurrence id behind a line feed when the record
 /// is one changed day of a series). A sort order of its own finds it.
@@ -123,6 +160,60 @@ struct TaskItem
     bool reminder = false;
 };
 
+struct PostalAddress
+{
+    std::u16string street; ///< lines apart by CR LF
+    std::u16string city;
+    std::u16string state;
+    std::u16string postalCode;
+    std::u16string country;
+};
+
+/// One contact as its owner sees it, before it becomes a record. A text that is empty is one that the contact lacks.
+struct ContactItem
+{
+    /// What the contact is filed and sorted under; empty: made from the other fields, see fileAsOf.
+    std::u16string fileAs;
+    std::u16string title; ///< in front of the name, "Dr."
+    std::u16string firstName;
+    std::u16string middleName;
+    std::u16string lastName;
+    std::u16string suffix; ///< behind the name, "Jr."
+    std::u16string company;
+    std::u16string jobTitle;
+    std::u16string department;
+    std::u16string office; ///< where it is
+    std::u16string assistant;
+    std::u16string spouse;
+    std::u16string children;
+    std::u16string webPage;
+    std::u16string businessPhone;
+    std::u16string business2Phone;
+    std::u16string businessFax;
+    std::u16string homePhone;
+    std::u16string home2Phone;
+    std::u16string homeFax;
+    std::u16string mobilePhone;
+    std::u16string carPhone;
+    std::u16string radioPhone;
+    std::u16string pager;
+    std::u16string assistantPhone;
+    std::u16string email1;
+    std::u16string email2;
+    std::u16string email3;
+    PostalAddress home;
+    PostalAddress business;
+    PostalAddress other;
+    /// Days in no zone: their time of day is dropped.
+    std::optional<FILETIME> birthday;
+    std::optional<FILETIME> anniversary;
+    std::u16string notes;
+    std::u16string interchangeId;
+    /// The property that lists show for the contact (contactMobilePhone, contactEmail1, ...). Without it the choice
+    /// that a record already holds stays as it is, since it is its owner's.
+    std::optional<CEPROPID> preferredNumber;
+};
+
 /// Properties of a record in one owner, each id once: setting or removing one again takes the place of what was told
 /// before. `values` point into the owner and hold until it changes or dies. A text ends at its first zero.
 class ZBPLATFORM_API RecordProperties
@@ -175,6 +266,19 @@ ZBPLATFORM_API RecordProperties encodeAppointment(const AppointmentItem &item);
 /// Dates are stored as midnight of their day. A task due from 2999-11-27 to 2999-12-31 is a template to all task lists
 /// and does not show.
 ZBPLATFORM_API RecordProperties encodeTask(const TaskItem &item);
+
+/// The properties of a contact's record, in the same manner: what the item lacks is written as to be removed, and what
+/// an item of this form can't say (categories, icon, and a preferred number that is not told) stays as it is in a
+/// changed record. Dates are stored as midnight of their day. A contact with anything to file it under always has a
+/// file-as name.
+///
+/// A contact's picture is no property but a file, named after what the contact is filed under; see
+/// docs/formats/items.md.
+ZBPLATFORM_API RecordProperties encodeContact(const ContactItem &item);
+
+/// What a contact is filed under: its file-as name; where that is empty "Last, First", the one name of the two that
+/// there is, the company, the first mail address or number that there is, in this order. Empty when there is nothing.
+ZBPLATFORM_API std::u16string fileAsOf(const ContactItem &item);
 
 /// Notes as they stand in property 0x0017, and back: the bytes 5A 42 54 31, then the text as UTF-16, little-endian,
 /// without a terminator. Text without characters gives an empty blob. Bytes that begin otherwise (notes in ink) give an
