@@ -7,6 +7,7 @@
 #include "zb/terminal.h"
 
 #include <algorithm>
+#include <set>
 
 namespace zb::cli
 {
@@ -106,26 +107,53 @@ Json asJson(const TaskList &list)
 
 // --- Text --------------------------------------------------------------------------------------------------------
 
-std::string countText(const TaskList &list)
+/// Tasks that are told, each once however many groups it stands in.
+class ToldTasks
 {
-    std::size_t tasks = 0;
-    for (const TaskGroup &group : list.groups)
+  public:
+    explicit ToldTasks(const TaskList &list)
     {
-        tasks += group.tasks.size();
+        for (const TaskGroup &group : list.groups)
+        {
+            add(group.tasks);
+        }
     }
-    if (tasks == 0)
+
+    std::string text() const
     {
-        return "No tasks";
+        if (m_seen.empty())
+        {
+            return "No tasks";
+        }
+        std::string text = std::to_string(m_seen.size()) + (m_seen.size() == 1 ? " task" : " tasks");
+        const auto append = [&text](int count, const char *what)
+        { text += count == 0 ? std::string() : ", " + std::to_string(count) + " " + what; };
+        append(m_overdue, "overdue");
+        append(m_dueToday, "due today");
+        append(m_complete, "completed");
+        return text;
     }
-    // The total has those that a filter leaves out, and each task once however many groups it stands in.
-    std::string text = std::to_string(list.counts.shown) + (list.counts.shown == 1 ? " task" : " tasks");
-    const auto add = [&](LONG count, const char *what)
-    { text += count == 0 ? std::string() : ", " + std::to_string(count) + " " + what; };
-    add(list.counts.overdue, "overdue");
-    add(list.counts.dueToday, "due today");
-    add(list.counts.completed, "completed");
-    return text;
-}
+
+  private:
+    void add(const std::vector<TaskNode> &tasks)
+    {
+        for (const TaskNode &task : tasks)
+        {
+            add(task.children);
+            if (!task.isParentOnly && m_seen.insert(task.id).second)
+            {
+                m_overdue += task.isOverdue ? 1 : 0;
+                m_dueToday += task.isDueToday ? 1 : 0;
+                m_complete += task.isComplete ? 1 : 0;
+            }
+        }
+    }
+
+    std::set<CEOID> m_seen;
+    int m_overdue = 0;
+    int m_dueToday = 0;
+    int m_complete = 0;
+};
 
 std::string dueText(const TaskNode &task)
 {
@@ -183,7 +211,7 @@ class TaskPrinter
 
     void print(const TaskList &list)
     {
-        m_output.line(countText(list));
+        m_output.line(ToldTasks(list).text());
         const bool grouped = list.grouping >= taskGroupCategory && list.grouping <= taskGroupPriorityManager;
         for (const TaskGroup &group : list.groups)
         {
