@@ -3,125 +3,12 @@
 #include "calendar/CCalendarThread_lock.h"
 
 #include "calendar/CalendarTasks.h"
-#include "platform/clock.h"
 #include "platform/pim.h"
-#include "platform/text.h"
-#include "records/FullCategories.h"
 #include "tasks/CTasksThread.h"
-#include "tasks/TaskSubject.h"
-
-#include <cstdlib>
+#include "tasks/TaskRecord.h"
 
 namespace
 {
-constexpr LONG storedHigh = 1;
-constexpr LONG storedLow = 3;
-/// Bytes of notes from which on there are some.
-constexpr DWORD leastNotes = 5;
-
-double dateAt(const CeDbRecord &record, int index)
-{
-    FILETIME time{};
-    SYSTEMTIME fields{};
-    double date = noDate;
-    if (record.GetIndexVal(index, time) && FileTimeToSystemTime(&time, &fields) != FALSE)
-    {
-        SystemTimeToVariantTime(&fields, &date);
-    }
-    return date;
-}
-
-SHORT shortAt(const CeDbRecord &record, int index)
-{
-    SHORT value = 0;
-    record.GetIndexVal(index, value);
-    return value;
-}
-
-CEBLOB blobAt(const CeDbRecord &record, int index)
-{
-    return record.IsPresent(index) ? record.GetProps()[index].val.blob : CEBLOB{};
-}
-
-const WCHAR *textAt(const CeDbRecord &record, int index)
-{
-    return record.IsPresent(index) ? record.GetProps()[index].val.lpwstr : nullptr;
-}
-
-WCHAR *copyText(const WCHAR *text)
-{
-    return _wcsdup(text);
-}
-
-zb::CalendarTaskDates datesOf(const CeDbRecord &record)
-{
-    zb::CalendarTaskDates dates;
-    dates.start = dateAt(record, CTasksThread::TASK_START);
-    dates.due = dateAt(record, CTasksThread::TASK_DUE);
-    dates.completed = dateAt(record, CTasksThread::TASK_COMPLETED);
-    dates.isComplete = shortAt(record, CTasksThread::TASK_COMPLETE) != 0;
-    return dates;
-}
-
-LONG importanceOf(const CeDbRecord &record)
-{
-    LONG stored = 0;
-    record.GetIndexVal(CTasksThread::TASK_IMPORTANCE, stored);
-    return stored == storedHigh ? taskImportanceHigh : stored == storedLow ? taskImportanceLow : taskImportanceNormal;
-}
-
-WORD withoutSign(SHORT value)
-{
-    return static_cast<WORD>(std::abs(int{value}));
-}
-
-void fillTexts(DATATASKS &task, const CeDbRecord &record)
-{
-    if (record.IsPresent(CTasksThread::TASK_CATEGORIES))
-    {
-        CeList<unsigned int> ids;
-        BLOB2Categories(blobAt(record, CTasksThread::TASK_CATEGORIES), ids);
-        task.m_pszCategories = CategoryAssembler(ids);
-    }
-    else
-    {
-        task.m_pszCategories = zb::copyCategories(nullptr);
-    }
-    if (const WCHAR *extra = textAt(record, CTasksThread::TASK_ICON); extra != nullptr)
-    {
-        task.m_pszIcon = copyText(extra);
-    }
-    if (const WCHAR *subject = textAt(record, CTasksThread::TASK_SUBJECT); subject != nullptr && *subject != 0)
-    {
-        int days = 0;
-        task.m_pszSubject =
-            CTask::ParseExtraFromSubjectInt(subject, task.m_szPriorityLetter, task.m_szPriorityNumber, days);
-        task.m_nRepeatDays = days;
-    }
-    else
-    {
-        task.m_pszSubject = copyText(u"");
-    }
-}
-
-void fillTask(DATATASKS &task, const CeDbRecord &record, const zb::CalendarTaskDates &dates, int today)
-{
-    task.m_oid = record.GetOid();
-    task.m_dtStart = dates.start;
-    task.m_dtDue = dates.due;
-    task.m_dtCompleted = dates.isComplete ? dates.completed : noDate;
-    task.m_bComplete = dates.isComplete ? 1 : 0;
-    task.m_bOverdue = !dates.isComplete && static_cast<int>(dates.due) < today;
-    task.m_bDueToday = !dates.isComplete && static_cast<int>(dates.due) == today;
-    task.m_nImportance = importanceOf(record);
-    task.m_nSensitivity = shortAt(record, CTasksThread::TASK_SENSITIVITY);
-    task.m_bRecurring = withoutSign(shortAt(record, CTasksThread::TASK_RECURRING));
-    task.m_bReminder = withoutSign(shortAt(record, CTasksThread::TASK_REMINDER));
-    task.m_bHasNotes = blobAt(record, CTasksThread::TASK_NOTES).dwCount >= leastNotes ? 1 : 0;
-    fillTexts(task, record);
-    task.m_bLoaded = true;
-}
-
 DATACALENDAR *newTaskRow(DATATASKS *task, int day)
 {
     auto *row = new DATACALENDAR;
@@ -188,8 +75,8 @@ int CCalendarThread::AddTasks(CeManualEvent *stop)
 
 int CCalendarThread::AddNewTask(const CeDbRecord &record, bool *shown, bool single)
 {
-    const CEBLOB categories = blobAt(record, CTasksThread::TASK_CATEGORIES);
-    const zb::CalendarTaskDates dates = datesOf(record);
+    const CEBLOB categories = zb::readTaskCategories(record);
+    const zb::TaskDates dates = zb::readTaskDates(record);
     const CalendarSettings &settings = m_settings;
     const zb::CalendarTaskView view{m_nRangeStart,
                                     m_nRangeEnd,
@@ -207,7 +94,7 @@ int CCalendarThread::AddNewTask(const CeDbRecord &record, bool *shown, bool sing
         InitiateLinksDB();
     }
     auto task = std::make_unique<DATATASKS>();
-    fillTask(*task, record, dates, view.today);
+    zb::fillTask(*task, record, dates, view.today);
     task->m_bHasLinks = HasLink(record.GetOid()) ? 1 : 0;
     task->m_bHasJournal = HasJournal(record.GetOid()) ? 1 : 0;
     if (single)

@@ -9,10 +9,6 @@ namespace zb
 {
 namespace
 {
-/// Tasks due in these days of 2999 are templates that the system keeps for itself.
-constexpr double firstTemplateDay = 401734.0;
-constexpr double lastTemplateDay = 401768.0;
-
 template <typename Value>
 int order(Value a, Value b)
 {
@@ -88,7 +84,7 @@ bool reachesOverRange(int due, int start, const CalendarTaskView &view)
     return due > view.lastDay && start < (view.hasToday() ? view.today : view.firstDay);
 }
 
-CalendarTaskDays daysOfRunningTask(const CalendarTaskDates &task, const CalendarTaskView &view)
+CalendarTaskDays daysOfRunningTask(const TaskDates &task, const CalendarTaskView &view)
 {
     const int due = wholeDay(task.due);
     const int start = wholeDay(task.start);
@@ -108,9 +104,9 @@ CalendarTaskDays daysOfRunningTask(const CalendarTaskDates &task, const Calendar
 }
 } // namespace
 
-bool taskShows(const CalendarTaskDates &task, const CalendarTaskView &view)
+bool taskShows(const TaskDates &task, const CalendarTaskView &view)
 {
-    if (task.due >= firstTemplateDay && task.due <= lastTemplateDay)
+    if (task.isTemplate())
     {
         return false;
     }
@@ -128,7 +124,7 @@ bool taskShows(const CalendarTaskDates &task, const CalendarTaskView &view)
            reachesOverRange(due, start, view);
 }
 
-CalendarTaskDays taskDays(const CalendarTaskDates &task, const CalendarTaskView &view)
+CalendarTaskDays taskDays(const TaskDates &task, const CalendarTaskView &view)
 {
     const int due = wholeDay(task.due);
     CalendarTaskDays days;

@@ -3,9 +3,9 @@
 // Plain calculation on dates and rows. Threads: reentrant.
 #pragma once
 
-#include "core/DateConstants.h"
 #include "core/api.h"
 #include "platform/types.h"
+#include "tasks/TaskRecord.h"
 
 #include <array>
 
@@ -13,15 +13,6 @@ struct DATATASKS;
 
 namespace zb
 {
-/// Variant dates of a task; noDate where there is none.
-struct CalendarTaskDates
-{
-    double start = noDate;
-    double due = noDate;
-    double completed = noDate;
-    bool isComplete = false;
-};
-
 /// What the calendar shows: whole days, both ends included, and the settings that concern tasks.
 struct CalendarTaskView
 {
@@ -70,7 +61,7 @@ class CalendarTaskDays
 };
 
 /// Whether a task belongs to the view at all. Stored templates (due in the last weeks of 2999) never do.
-ZBTOOLS_API bool taskShows(const CalendarTaskDates &task, const CalendarTaskView &view);
+ZBTOOLS_API bool taskShows(const TaskDates &task, const CalendarTaskView &view);
 
 /// The days of a task that shows, one at least. With T today, W and V the whole days of due and start, P the day of last
 /// resort:
@@ -86,7 +77,7 @@ ZBTOOLS_API bool taskShows(const CalendarTaskDates &task, const CalendarTaskView
 ///
 /// The fourth row and "T as well" hang on the setting for tasks under way, but for the range without T. A task that is
 /// due on T has it already.
-ZBTOOLS_API CalendarTaskDays taskDays(const CalendarTaskDates &task, const CalendarTaskView &view);
+ZBTOOLS_API CalendarTaskDays taskDays(const TaskDates &task, const CalendarTaskView &view);
 
 /// Order of two tasks by a key of TaskSort: below, equal to or above 0. A missing date comes behind a real one.
 ///

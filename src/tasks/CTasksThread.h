@@ -331,9 +331,7 @@ class ZBTOOLS_API CTasksThread : public CeWorkerThread
     bool PassesAndCounts(const Candidate &task, bool bLive, bool stays);
     bool PassesDateRule(const Candidate &task) const;
     DATATASKS *RowFor(int nIndex, bool bLive, int &nPosition);
-    void CountRow(DATATASKS &row);
-    void FillRow(DATATASKS &row, const CeDbRecord &record, const Candidate &task);
-    void ReadTexts(DATATASKS &row, const CeDbRecord &record);
+    void CountRow(const DATATASKS &row);
     void ReadLinkFlags(DATATASKS &row);
 
     // Rows of the list (CTasksThread_groups.cpp).

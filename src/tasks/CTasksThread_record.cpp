@@ -1,71 +1,12 @@
 // One record: whether it shows, and its row.
 #include "tasks/CTasksThread.h"
 
-#include "platform/clock.h"
-#include "platform/text.h"
-#include "records/FullCategories.h"
-#include "tasks/TaskSubject.h"
-
-#include <cstdlib>
-
-namespace
-{
-/// Tasks due from 2999-11-27 to 2999-12-31 are stored templates.
-constexpr int firstTemplateDay = 401734;
-constexpr int lastTemplateDay = 401768;
-/// Blobs up to this size count as empty notes.
-constexpr DWORD emptyBlobSize = 4;
-
-CEBLOB blobAt(const CeDbRecord &record, int index)
-{
-    return record.IsPresent(index) ? record.GetProps()[index].val.blob : CEBLOB{};
-}
-
-const WCHAR *textAt(const CeDbRecord &record, int index)
-{
-    return record.IsPresent(index) ? record.GetProps()[index].val.lpwstr : nullptr;
-}
-
-SHORT shortAt(const CeDbRecord &record, int index)
-{
-    SHORT value = 0;
-    record.GetIndexVal(index, value);
-    return value;
-}
-
-WORD withoutSign(SHORT value)
-{
-    return static_cast<WORD>(std::abs(static_cast<int>(value)));
-}
-
-/// noDate for a property that is missing or no moment of the calendar.
-double dateAt(const CeDbRecord &record, int index)
-{
-    FILETIME time{};
-    SYSTEMTIME fields{};
-    double date = noDate;
-    if (record.GetIndexVal(index, time) && FileTimeToSystemTime(&time, &fields))
-    {
-        SystemTimeToVariantTime(&fields, &date);
-    }
-    return date;
-}
-
-LONG importanceOf(const CeDbRecord &record)
-{
-    LONG stored = 0;
-    record.GetIndexVal(CTasksThread::TASK_IMPORTANCE, stored);
-    return stored == 1 ? taskImportanceHigh : stored == 3 ? taskImportanceLow : taskImportanceNormal;
-}
-} // namespace
+#include "tasks/TaskRecord.h"
 
 /// What the filters look at in one record.
 struct CTasksThread::Candidate
 {
-    double dtDue = noDate;
-    double dtStart = noDate;
-    double dtCompleted = noDate;
-    bool complete = false;
+    zb::TaskDates dates;
     LONG importance = taskImportanceNormal;
 
     bool rightCategory = true; ///< as far as it was tested
@@ -73,19 +14,15 @@ struct CTasksThread::Candidate
 
     int dueDay() const
     {
-        return static_cast<int>(dtDue);
+        return static_cast<int>(dates.due);
     }
     int startDay() const
     {
-        return static_cast<int>(dtStart);
+        return static_cast<int>(dates.start);
     }
     int completedDay() const
     {
-        return static_cast<int>(dtCompleted);
-    }
-    bool isTemplate() const
-    {
-        return dueDay() >= firstTemplateDay && dueDay() <= lastTemplateDay;
+        return static_cast<int>(dates.completed);
     }
 };
 
@@ -127,7 +64,8 @@ LONG CTasksThread::PlaceTask(CeDbRecord &record, bool &shown, int nIndex, bool b
     }
     int position = -1;
     DATATASKS *row = RowFor(nIndex, bLive, position);
-    FillRow(*row, record, task);
+    zb::fillTask(*row, record, task.dates, m_nToday);
+    CountRow(*row);
     if (!bLive || bForce)
     {
         JoinRow(row);
@@ -167,23 +105,20 @@ CTasksThread::Candidate CTasksThread::Judge(const CeDbRecord &record, bool bLive
     Candidate task;
     if (bLive)
     {
-        const CEBLOB categories = blobAt(record, TASK_CATEGORIES);
+        const CEBLOB categories = zb::readTaskCategories(record);
         task.rightCategory = CategoryFilterHighLevel(&categories, &m_categoryRestrict);
         task.refused = !task.rightCategory;
     }
-    task.dtDue = dateAt(record, TASK_DUE);
+    task.dates = zb::readTaskDates(record);
     if (task.refused && !stays)
     {
         return task;
     }
-    task.dtStart = dateAt(record, TASK_START);
     // Kept: what a rule switches on stays so until the settings are read again.
     m_bShowUndated = m_bShowUndated || m_nFilterRule == taskRuleNoDates || m_nFilterRule == taskRuleComplete;
     m_bShowCompleted = m_bShowCompleted || m_nFilterRule == taskRuleComplete;
-    task.complete = shortAt(record, TASK_COMPLETE) != 0;
-    task.dtCompleted = task.complete ? dateAt(record, TASK_COMPLETED) : noDate;
-    task.importance = importanceOf(record);
-    task.refused = task.refused || (task.dtDue == noDate && !m_bShowUndated) ||
+    task.importance = zb::readTaskImportance(record);
+    task.refused = task.refused || (task.dates.due == noDate && !m_bShowUndated) ||
                    (m_nFilterPriority <= static_cast<ULONG>(taskImportanceHigh) &&
                     static_cast<ULONG>(task.importance) != m_nFilterPriority);
     return task;
@@ -197,19 +132,19 @@ bool CTasksThread::PassesAndCounts(const Candidate &task, bool bLive, bool stays
     if (counts)
     {
         // A load has counted all records of the right categories before it knows which are templates.
-        const bool isTask = task.rightCategory && !task.isTemplate();
-        m_counts.total += (bLive && isTask ? 1 : 0) - (!bLive && task.isTemplate() ? 1 : 0);
+        const bool isTask = task.rightCategory && !task.dates.isTemplate();
+        m_counts.total += (bLive && isTask ? 1 : 0) - (!bLive && task.dates.isTemplate() ? 1 : 0);
     }
-    if (task.refused || task.isTemplate() || !PassesDateRule(task))
+    if (task.refused || task.dates.isTemplate() || !PassesDateRule(task))
     {
         return false;
     }
-    const bool shows = !task.complete || m_bShowCompleted;
+    const bool shows = !task.dates.isComplete || m_bShowCompleted;
     // Kept: complete tasks that pass the rule count as shown also where they don't show.
     if (counts && (shows || !stays))
     {
         ++m_counts.shown;
-        m_counts.completed += task.complete ? 1 : 0;
+        m_counts.completed += task.dates.isComplete ? 1 : 0;
     }
     return shows;
 }
@@ -219,6 +154,7 @@ bool CTasksThread::PassesDateRule(const Candidate &task) const
     const int due = task.dueDay();
     const int start = task.startDay();
     const int today = m_nToday;
+    const bool complete = task.dates.isComplete;
     const auto isToday = [&](int day) { return day == today; };
     const auto isSoon = [&](int day) { return day == today || day == today + 1; };
     const bool undated = due == noDay && start == noDay;
@@ -230,20 +166,18 @@ bool CTasksThread::PassesDateRule(const Candidate &task) const
     switch (m_nFilterRule)
     {
     case taskRuleDueByToday:
-        return (task.complete ? isToday(due) || isToday(task.completedDay()) : due <= today) || isToday(start) ||
-               undated;
+        return (complete ? isToday(due) || isToday(task.completedDay()) : due <= today) || isToday(start) || undated;
     case taskRuleOverdue:
-        return !task.complete && due < today;
+        return !complete && due < today;
     case taskRuleNoDates:
         return undated;
     case taskRuleActive:
-        return (task.complete ? isToday(due) || isToday(task.completedDay()) : due <= today || start <= today) ||
+        return (complete ? isToday(due) || isToday(task.completedDay()) : due <= today || start <= today) ||
                isToday(start) || undated;
     case taskRuleByTomorrow:
-        return (task.complete ? isSoon(due) || isSoon(task.completedDay()) : due <= today + 1) || isSoon(start) ||
-               undated;
+        return (complete ? isSoon(due) || isSoon(task.completedDay()) : due <= today + 1) || isSoon(start) || undated;
     case taskRuleComplete:
-        return task.complete;
+        return complete;
     case taskRuleDaysAhead:
     {
         const LONGLONG last = static_cast<LONGLONG>(today) + m_nDaysFuture;
@@ -281,46 +215,14 @@ DATATASKS *CTasksThread::RowFor(int nIndex, bool bLive, int &nPosition)
     return row;
 }
 
-void CTasksThread::CountRow(DATATASKS &row)
+void CTasksThread::CountRow(const DATATASKS &row)
 {
     LONG &importance = row.m_nImportance == taskImportanceHigh  ? m_counts.high
                        : row.m_nImportance == taskImportanceLow ? m_counts.low
                                                                 : m_counts.normal;
     ++importance;
-    const int due = static_cast<int>(row.m_dtDue);
-    row.m_bOverdue = row.m_bComplete == 0 && due < m_nToday;
-    row.m_bDueToday = row.m_bComplete == 0 && due == m_nToday;
     m_counts.overdue += row.m_bOverdue ? 1 : 0;
     m_counts.dueToday += row.m_bDueToday ? 1 : 0;
-}
-
-void CTasksThread::FillRow(DATATASKS &row, const CeDbRecord &record, const Candidate &task)
-{
-    row.m_oid = record.GetOid();
-    row.m_dtDue = task.dtDue;
-    row.m_dtStart = task.dtStart;
-    row.m_dtCompleted = task.dtCompleted;
-    row.m_bComplete = task.complete ? 1 : 0;
-    row.m_nImportance = task.importance;
-    row.m_nSensitivity = shortAt(record, TASK_SENSITIVITY);
-    row.m_bRecurring = withoutSign(shortAt(record, TASK_RECURRING));
-    row.m_bReminder = withoutSign(shortAt(record, TASK_REMINDER));
-    row.m_bHasNotes = blobAt(record, TASK_NOTES).dwCount > emptyBlobSize ? 1 : 0;
-    CountRow(row);
-    ReadTexts(row, record);
-    row.m_bLoaded = true;
-}
-
-void CTasksThread::ReadTexts(DATATASKS &row, const CeDbRecord &record)
-{
-    CeList<unsigned int> ids;
-    BLOB2Categories(blobAt(record, TASK_CATEGORIES), ids);
-    row.m_pszCategories = ids.IsEmpty() ? _wcsdup(u"") : CategoryAssembler(ids);
-    row.m_pszIcon = _wcsdup(textAt(record, TASK_ICON));
-    int days = 0;
-    row.m_pszSubject = CTask::ParseExtraFromSubjectInt(textAt(record, TASK_SUBJECT), row.m_szPriorityLetter,
-                                                       row.m_szPriorityNumber, days);
-    row.m_nRepeatDays = days;
 }
 
 void CTasksThread::ReadLinkFlags(DATATASKS &row)

@@ -24,17 +24,17 @@ CalendarTaskView view(int today = 103)
     return view;
 }
 
-CalendarTaskDates open(double due, double start = noDate)
+TaskDates open(double due, double start = noDate)
 {
     return {start, due, noDate, false};
 }
 
-CalendarTaskDates complete(double completed, double due = noDate)
+TaskDates complete(double completed, double due = noDate)
 {
     return {noDate, due, completed, true};
 }
 
-std::vector<int> days(const CalendarTaskDates &task, const CalendarTaskView &view)
+std::vector<int> days(const TaskDates &task, const CalendarTaskView &view)
 {
     const CalendarTaskDays made = taskDays(task, view);
     std::vector<int> days;
