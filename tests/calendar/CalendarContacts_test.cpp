@@ -197,6 +197,26 @@ TEST_F(CalendarContacts, ARangeOfYearsHasARowForEach)
                               "2028-07-03 (1 years) Ada Stern | ~Anniversary"}));
 }
 
+TEST_F(CalendarContacts, TheyAreReadBehindAppointmentsAndTasks)
+{
+    addContact({u"Ada", u"Stern", makeFileTime(1990, 3, 1), std::nullopt});
+    add(timed(u"meeting", makeFileTime(2026, 3, 10, 9), 30));
+    RecordProperties task;
+    task.set(MakePropId(0x0037, CEVT_LPWSTR), std::u16string(u"task"));
+    task.set(MakePropId(0x4105, CEVT_FILETIME), makeFileTime(2026, 3, 5));
+    CEOID database = 0;
+    const HANDLE handle = CeOpenDatabase(&database, u"Tasks Database", 0, 0, nullptr);
+    ASSERT_NE(CeWriteRecordProps(handle, 0, task.count(), task.values()), 0U);
+    CloseHandle(handle);
+    loader().set(u"AV_ShowTasks", 1U);
+    loader().set(u"bShowInProgressTasksToday", 0U);
+    load();
+    ASSERT_EQ(loader().rowCount(), 3);
+    EXPECT_EQ(utf8(loader().row(0)->m_bstrSubject), "meeting");
+    EXPECT_NE(loader().row(1)->m_pTask, nullptr);
+    EXPECT_TRUE(loader().row(2)->m_bContact);
+}
+
 TEST_F(CalendarContacts, TheyStandAmongTheWholeDaysOfTheirDay)
 {
     addContact({u"Ada", u"Stern", makeFileTime(1990, 3, 10), std::nullopt});
