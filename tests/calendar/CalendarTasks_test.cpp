@@ -634,6 +634,11 @@ TEST_F(CalendarTaskRows, SettingsDecideWhichShow)
     loader().set(u"CA_ShowCompletedTasks", 1U);
     loader().set(u"CAV_ShowUndatedTasks", 1U);
     EXPECT_EQ(loadedTasks(), (Texts{"2026-03-03 done", "2026-03-04 weeks", "2026-03-04 undated"}));
+    const DATATASKS &done = *loader().row(0)->m_pTask;
+    EXPECT_EQ(done.m_bComplete, 1);
+    EXPECT_EQ(done.m_dtCompleted, dayNumber(2026, 3, 3));
+    EXPECT_FALSE(done.m_bOverdue) << "what is complete is not overdue";
+    EXPECT_TRUE(done.m_bLoaded);
     loader().set(u"bShowInProgressTasksToday", 0U);
     EXPECT_EQ(loadedTasks(), (Texts{"2026-03-03 done", "2026-03-04 undated", "2026-04-01 weeks"}));
 }
