@@ -9,19 +9,16 @@
 #include "platform/kernel.h"
 #include "platform/pim.h"
 #include "records/CategoryEdit.h"
+#include "support/LoaderStage.h"
 #include "support/Rounds.h"
 #include "tasks/CTasksThread.h"
 #include "tasks/TaskHierarchy.h"
 
-#include <cstdlib>
-#include <filesystem>
 #include <random>
 #include <stdexcept>
 
 namespace
 {
-namespace fs = std::filesystem;
-
 constexpr std::size_t taskCount = 20'000;
 constexpr std::size_t linkCount = 10'000;
 constexpr unsigned categoryCount = 12;
@@ -126,46 +123,25 @@ void storeLinks(const std::vector<CEOID> &ids)
     links.Save((SettingsBaseFolder() + u"\\Kelvo\\TaskHierarchy.bin").c_str());
 }
 
-/// A device with the tasks; gone with the object.
-class Stage
+zb::DeviceOptions optionsOfStage()
 {
-  public:
-    Stage()
+    zb::DeviceOptions options;
+    options.clock = [] { return (firstDay + 100) * zb::ticksPerDay; };
+    return options;
+}
+
+/// A device with the tasks; gone with the program.
+void stage()
+{
+    static const zb::bench::DeviceStage made(optionsOfStage());
+    static const bool filled = []
     {
-        std::string pattern = (fs::temp_directory_path() / "zb-bench-XXXXXX").string();
-        if (mkdtemp(pattern.data()) == nullptr)
-        {
-            throw std::runtime_error("no temporary folder");
-        }
-        m_folder = pattern;
-        zb::DeviceOptions options;
-        options.root = m_folder / "device";
-        options.locale = "en-US";
-        options.timeZone = "Europe/Berlin";
-        options.clock = [] { return (firstDay + 100) * zb::ticksPerDay; };
-        m_device = zb::OpenDevice(options);
         const std::vector<CEOID> ids = storeTasks();
         CreateDirectoryW((SettingsBaseFolder() + u"\\Kelvo").c_str(), nullptr);
         storeLinks(ids);
-    }
-    ~Stage()
-    {
-        m_device.reset();
-        std::error_code ignored;
-        fs::remove_all(m_folder, ignored);
-    }
-    Stage(const Stage &) = delete;
-    Stage &operator=(const Stage &) = delete;
-
-  private:
-    fs::path m_folder;
-    std::unique_ptr<zb::Device> m_device;
-};
-
-Stage &stage()
-{
-    static Stage made;
-    return made;
+        return true;
+    }();
+    static_cast<void>(filled);
 }
 
 /// First to last with the properties of a task list, and nothing done with them.

@@ -1,5 +1,7 @@
 #include "interchange/calendar_reader.h"
 
+#include "interchange/calendar_text.h"
+
 #include <algorithm>
 
 namespace zb::interchange
@@ -60,13 +62,6 @@ template <typename Names>
 bool contains(const Names &names, std::string_view name)
 {
     return std::find(names.begin(), names.end(), name) != names.end();
-}
-
-std::string_view trimmed(std::string_view text)
-{
-    const std::size_t from = text.find_first_not_of(" \t");
-    return from == std::string_view::npos ? std::string_view()
-                                          : text.substr(from, text.find_last_not_of(" \t") - from + 1);
 }
 
 void makeUpper(std::string &text)

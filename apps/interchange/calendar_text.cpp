@@ -112,4 +112,20 @@ std::vector<std::string_view> listParts(std::string_view raw)
     }
     return parts;
 }
+
+std::string_view trimmed(std::string_view text)
+{
+    const std::size_t from = text.find_first_not_of(" \t");
+    return from == std::string_view::npos ? std::string_view()
+                                          : text.substr(from, text.find_last_not_of(" \t") - from + 1);
+}
+
+std::string shown(std::string_view raw, std::size_t longest)
+{
+    std::string text(raw.substr(0, longest));
+    std::replace_if(
+        text.begin(), text.end(), [](char ch) { return static_cast<unsigned char>(ch) < 0x20 || ch == 0x7F; }, ' ');
+    // A cut inside a character would leave half of it.
+    return toUtf8(std::u16string_view(toUtf16(text))) + (raw.size() > longest ? "..." : "");
+}
 } // namespace zb::interchange

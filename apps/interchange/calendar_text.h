@@ -10,6 +10,10 @@ namespace zb::interchange
 /// A TEXT value without its escapes. A backslash in front of anything else stands for itself, as careless writers of
 /// paths mean it.
 std::u16string unescaped(std::string_view raw);
+/// Without the blanks and tabs around it.
+std::string_view trimmed(std::string_view text);
+/// A value in a message: so many bytes at most, without control characters.
+std::string shown(std::string_view raw, std::size_t longest = 40);
 /// Without blanks and line ends around it.
 std::u16string trimmed(std::u16string text);
 /// Rows and dialogs show subject and place on one line.

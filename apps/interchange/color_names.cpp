@@ -1,5 +1,7 @@
 #include "interchange/color_names.h"
 
+#include "interchange/calendar_text.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -75,15 +77,7 @@ std::optional<unsigned> rgbOf(std::string_view text)
 
 std::optional<COLORREF> colorOf(std::string_view text)
 {
-    while (!text.empty() && (text.front() == ' ' || text.front() == '\t'))
-    {
-        text.remove_prefix(1);
-    }
-    while (!text.empty() && (text.back() == ' ' || text.back() == '\t'))
-    {
-        text.remove_suffix(1);
-    }
-    const std::optional<unsigned> rgb = rgbOf(text);
+    const std::optional<unsigned> rgb = rgbOf(trimmed(text));
     if (!rgb)
     {
         return std::nullopt;

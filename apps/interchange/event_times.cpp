@@ -1,5 +1,7 @@
 #include "interchange/event_times.h"
 
+#include "interchange/calendar_text.h"
+#include "interchange/date_fields.h"
 #include "platform/clock.h"
 #include "platform/text.h"
 
@@ -27,33 +29,6 @@ struct Moment
     CalendarZone *zone = nullptr;
     LONGLONG ticks = 0; ///< UTC; of a date its midnight, in no zone
 };
-
-SYSTEMTIME fieldsOf(LONGLONG ticks)
-{
-    const FILETIME time = fileTimeOf(ticks);
-    SYSTEMTIME fields{};
-    FileTimeToSystemTime(&time, &fields);
-    return fields;
-}
-
-std::string_view trimmed(std::string_view text)
-{
-    const std::size_t from = text.find_first_not_of(" \t");
-    return from == std::string_view::npos ? std::string_view()
-                                          : text.substr(from, text.find_last_not_of(" \t") - from + 1);
-}
-
-std::string shown(std::string_view raw)
-{
-    constexpr std::size_t longest = 40;
-    std::string text;
-    for (const char ch : raw.substr(0, longest))
-    {
-        text.push_back(static_cast<unsigned char>(ch) < 0x20 || ch == 0x7F ? ' ' : ch);
-    }
-    // A cut inside a character would leave half of it.
-    return toUtf8(std::u16string_view(toUtf16(text))) + (raw.size() > longest ? "..." : "");
-}
 
 /// The number that `count` digits make; nothing for anything else.
 std::optional<int> number(std::string_view text, std::size_t from, std::size_t count)

@@ -1,5 +1,7 @@
 #include "interchange/foreign_zone_names.h"
 
+#include "interchange/calendar_text.h"
+
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -120,13 +122,6 @@ constexpr std::array<Place, 107> places = {{
     {"West Central Africa", "Africa/Lagos"},
     {"Zagreb", "Europe/Zagreb"},
 }};
-
-std::string_view trimmed(std::string_view text)
-{
-    const std::size_t from = text.find_first_not_of(" \t\"\\");
-    return from == std::string_view::npos ? std::string_view()
-                                          : text.substr(from, text.find_last_not_of(" \t\"\\") - from + 1);
-}
 
 /// Without "(UTC+01:00)" or "(GMT-05:00)" in front.
 std::string_view withoutOffset(std::string_view shown)

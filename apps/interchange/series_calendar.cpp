@@ -1,5 +1,7 @@
 #include "interchange/series_calendar.h"
 
+#include "interchange/calendar_text.h"
+#include "interchange/date_fields.h"
 #include "interchange/rule_days.h"
 #include "platform/clock.h"
 #include "platform/text.h"
@@ -11,24 +13,11 @@ namespace zb::interchange
 {
 namespace
 {
+constexpr std::size_t longestShownRule = 80;
+
 LONGLONG dayOf(LONGLONG ticks)
 {
     return ticks - ticks % ticksPerDay;
-}
-
-SYSTEMTIME fieldsOf(LONGLONG ticks)
-{
-    const FILETIME time = fileTimeOf(ticks);
-    SYSTEMTIME fields{};
-    FileTimeToSystemTime(&time, &fields);
-    return fields;
-}
-
-std::string_view trimmed(std::string_view text)
-{
-    const std::size_t from = text.find_first_not_of(" \t");
-    return from == std::string_view::npos ? std::string_view()
-                                          : text.substr(from, text.find_last_not_of(" \t") - from + 1);
 }
 
 template <typename Take>
@@ -54,15 +43,6 @@ bool isWord(std::string_view text, std::string_view word)
                       { return ch == wanted || (ch >= 'a' && ch <= 'z' && ch - 'a' + 'A' == wanted); });
 }
 
-std::string shown(std::string_view raw)
-{
-    constexpr std::size_t longest = 80;
-    std::string text(raw.substr(0, longest));
-    std::replace_if(
-        text.begin(), text.end(), [](char ch) { return static_cast<unsigned char>(ch) < 0x20 || ch == 0x7F; }, ' ');
-    // A cut inside a character would leave half of it.
-    return toUtf8(std::u16string_view(toUtf16(text))) + (raw.size() > longest ? "..." : "");
-}
 } // namespace
 
 SeriesCalendar::SeriesCalendar(const CalendarComponent &series, ZoneBook &zones, SeriesReading &reading)
@@ -144,7 +124,7 @@ void SeriesCalendar::readRule(const RepetitionLine &line, std::vector<icalrecurr
     const bool repeats = line.kind == EventField::Rule;
     ruleUnreadable = ruleUnreadable || repeats;
     m_reading.findings.push_back(
-        {line.line, "the rule \"" + shown(line.value) + "\" can't be followed; " +
+        {line.line, "the rule \"" + shown(line.value, longestShownRule) + "\" can't be followed; " +
                         (repeats ? "the event came in as its first day only" : "its days were not taken out")});
 }
 

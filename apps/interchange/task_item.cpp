@@ -17,26 +17,9 @@ namespace
 constexpr LONGLONG firstTemplateDay = 510'939; // 2999-11-27, in days from 1601-01-01
 constexpr LONGLONG lastTemplateDay = 510'973;  // 2999-12-31
 
-std::string_view trimmedView(std::string_view text)
-{
-    const std::size_t from = text.find_first_not_of(" \t");
-    return from == std::string_view::npos ? std::string_view()
-                                          : text.substr(from, text.find_last_not_of(" \t") - from + 1);
-}
-
-/// For messages: short, without control characters.
-std::string shown(std::string_view raw)
-{
-    constexpr std::size_t longest = 40;
-    std::string text(raw.substr(0, longest));
-    std::replace_if(
-        text.begin(), text.end(), [](char ch) { return static_cast<unsigned char>(ch) < 0x20 || ch == 0x7F; }, ' ');
-    return toUtf8(std::u16string_view(toUtf16(text))) + (raw.size() > longest ? "..." : "");
-}
-
 std::optional<int> numberOf(std::string_view text)
 {
-    text = trimmedView(text);
+    text = trimmed(text);
     int value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     return error == std::errc() && end == text.data() + text.size() && !text.empty() ? std::optional(value)
@@ -45,7 +28,7 @@ std::optional<int> numberOf(std::string_view text)
 
 bool saysWord(std::string_view value, std::string_view word)
 {
-    value = trimmedView(value);
+    value = trimmed(value);
     return std::equal(value.begin(), value.end(), word.begin(), word.end(),
                       [](char a, char b)
                       { return (a >= 'a' && a <= 'z' ? static_cast<char>(a - 'a' + 'A') : a) == b; });
@@ -104,7 +87,7 @@ class TaskReader
         {
             return toUtf16("content-" + contentOf(m_task).hex());
         }
-        const std::string_view changedDay = trimmedView(m_task.rawValue(EventField::RecurrenceId));
+        const std::string_view changedDay = trimmed(m_task.rawValue(EventField::RecurrenceId));
         return changedDay.empty() ? id : dayIdentity(id, changedDay);
     }
 
@@ -208,7 +191,7 @@ class TaskReader
         const std::optional<ListedMoment> moment = readMoment(raw, zone, m_zones);
         if (!moment)
         {
-            m_reading.findings.push_back({line, "the " + std::string(what) + " \"" + shown(trimmedView(raw)) +
+            m_reading.findings.push_back({line, "the " + std::string(what) + " \"" + shown(trimmed(raw)) +
                                                     "\" of a to-do is no date and was left out"});
             return std::nullopt;
         }

@@ -1,5 +1,6 @@
 #include "interchange/zone_definition.h"
 
+#include "interchange/date_fields.h"
 #include "platform/clock.h"
 
 #include <vector>
@@ -53,14 +54,6 @@ int daysInMonth(const SYSTEMTIME &date)
 {
     constexpr int days[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
     return date.wMonth == 2 ? daysInFebruary(date.wYear) : days[date.wMonth - 1];
-}
-
-SYSTEMTIME fieldsOf(LONGLONG ticks)
-{
-    const FILETIME time = fileTimeOf(ticks);
-    SYSTEMTIME fields{};
-    FileTimeToSystemTime(&time, &fields);
-    return fields;
 }
 
 icaltimetype icalTimeOf(const SYSTEMTIME &fields)

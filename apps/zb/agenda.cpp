@@ -395,15 +395,7 @@ int runAgenda(const AgendaArguments &arguments)
     {
         return exitDevice;
     }
-    try
-    {
-        const std::optional<DayRange> range = arguments.fullest ? fullestWeek(arguments.choice) : rangeOf(arguments);
-        return range ? printAgenda(arguments, *range) : exitUsage;
-    }
-    catch (const UnknownCategory &unknown)
-    {
-        complain(unknown.what());
-        return exitUsage;
-    }
+    const std::optional<DayRange> range = arguments.fullest ? fullestWeek(arguments.choice) : rangeOf(arguments);
+    return range ? printAgenda(arguments, *range) : exitUsage;
 }
 } // namespace zb::cli

@@ -63,7 +63,7 @@ struct AgendaRow
 
 /// Runs the loader over the days from first to last and hands its rows to `take`, in the order in which they show. The
 /// loader works on its own thread; this one waits and dispatches its messages. Throws std::runtime_error when the load
-/// does not come to its end, UnknownCategory for a name that is none.
+/// does not come to its end, BadUsage for a category that is none.
 void visitCalendar(int firstDay, int lastDay, const CalendarChoice &choice,
                    const std::function<void(const DATACALENDAR &)> &take);
 

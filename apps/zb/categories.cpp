@@ -2,6 +2,7 @@
 #include "platform/text.h"
 #include "records/CategoryEdit.h"
 #include "records/FullCategories.h"
+#include "zb/bad_usage.h"
 #include "zb/commands.h"
 #include "zb/json.h"
 #include "zb/open_device.h"
@@ -10,19 +11,11 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
-#include <stdexcept>
 
 namespace zb::cli
 {
 namespace
 {
-/// What was asked for can't be done; nothing has changed.
-class BadCategory : public std::runtime_error
-{
-  public:
-    using std::runtime_error::runtime_error;
-};
-
 struct Category
 {
     std::u16string name;
@@ -70,11 +63,11 @@ COLORREF parsedColor(const std::string &text)
     const auto [end, error] = std::from_chars(first, last, number, 16);
     if (error != std::errc() || end != last || last - first != 6)
     {
-        throw BadCategory("a colour is written #RRGGBB, like #2E8B57");
+        throw BadUsage("a colour is written #RRGGBB, like #2E8B57");
     }
     if (number == 0)
     {
-        throw BadCategory("black stands for no colour; #010101 looks the same");
+        throw BadUsage("black stands for no colour; #010101 looks the same");
     }
     return (number & 0xFFU) << 16U | (number & 0xFF00U) | number >> 16U;
 }
@@ -133,13 +126,13 @@ int codeOf(CategoryChange change, const std::string &name)
     case CategoryChange::Done:
         return exitOk;
     case CategoryChange::BadName:
-        throw BadCategory("the name of a category is 1 to 900 characters without commas, semicolons and line ends");
+        throw BadUsage("the name of a category is 1 to 900 characters without commas, semicolons and line ends");
     case CategoryChange::Exists:
-        throw BadCategory("there is a category \"" + name + "\" already");
+        throw BadUsage("there is a category \"" + name + "\" already");
     case CategoryChange::NotFound:
-        throw BadCategory("there is no category \"" + name + "\"; \"zb categories\" shows what there is");
+        throw BadUsage("there is no category \"" + name + "\"; \"zb categories\" shows what there is");
     case CategoryChange::Full:
-        throw BadCategory("all 8192 categories are taken");
+        throw BadUsage("all 8192 categories are taken");
     case CategoryChange::Failed:
         break;
     }
@@ -151,7 +144,7 @@ int saveColor(const std::u16string &name, COLORREF color)
 {
     if (name.find(u'=') != std::u16string::npos)
     {
-        throw BadCategory("a category with \"=\" in its name can't have a colour");
+        throw BadUsage("a category with \"=\" in its name can't have a colour");
     }
     if (setCategoryColor(name.c_str(), color))
     {
@@ -209,7 +202,7 @@ int remove(const CategoriesArguments &arguments)
     const Category category = require(arguments.name);
     if (category.uses != 0 && !arguments.yes && !arguments.retire)
     {
-        throw BadCategory("\"" + arguments.name + "\" is used by " + std::to_string(category.uses) +
+        throw BadUsage("\"" + arguments.name + "\" is used by " + std::to_string(category.uses) +
                           (category.uses == 1 ? " item" : " items") +
                           ": --retire deletes it and keeps its number, --yes frees the number for a new category, "
                           "which these items would then show");
@@ -246,16 +239,7 @@ int runCategories(const CategoriesArguments &arguments)
         return exitDevice;
     }
     Output output;
-    int code = exitOk;
-    try
-    {
-        code = changeOrList(arguments, output);
-    }
-    catch (const BadCategory &bad)
-    {
-        complain(bad.what());
-        return exitUsage;
-    }
+    const int code = changeOrList(arguments, output);
     return output.finish() ? code : exitOutput;
 }
 } // namespace zb::cli

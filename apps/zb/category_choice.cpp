@@ -2,6 +2,7 @@
 
 #include "platform/text.h"
 #include "records/FullCategories.h"
+#include "zb/bad_usage.h"
 
 namespace zb::cli
 {
@@ -24,7 +25,7 @@ void selectCategories(const CategoryChoice &choice, CCategoryFilterInfo &restric
         }
         if (!found)
         {
-            throw UnknownCategory("there is no category \"" + name + "\"; \"zb categories\" lists them");
+            throw BadUsage("there is no category \"" + name + "\"; \"zb categories\" lists them");
         }
     }
 }

@@ -3,7 +3,6 @@
 
 #include "records/CCategoryFilterInfo.h"
 
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -28,13 +27,7 @@ struct CategoryChoice
     }
 };
 
-/// A category that the device doesn't have.
-class UnknownCategory : public std::runtime_error
-{
-  public:
-    using std::runtime_error::runtime_error;
-};
-
-/// Adds the chosen categories, whatever the case of their letters, to a loader's restriction. Throws UnknownCategory.
+/// Adds the chosen categories, whatever the case of their letters, to a loader's restriction. Throws BadUsage for a name
+/// that is none.
 void selectCategories(const CategoryChoice &choice, CCategoryFilterInfo &restriction);
 } // namespace zb::cli

@@ -1,5 +1,6 @@
 // zb: the command line host. Arguments only; the commands stand in files of their own.
 #include "calendar/CalendarSettings.h"
+#include "zb/bad_usage.h"
 #include "zb/commands.h"
 #include "zb/terminal.h"
 
@@ -348,6 +349,11 @@ int main(int count, char **arguments)
     try
     {
         return CommandLine().run(count, arguments);
+    }
+    catch (const BadUsage &bad)
+    {
+        complain(bad.what());
+        return exitUsage;
     }
     catch (const std::exception &error)
     {

@@ -1,6 +1,7 @@
 // zb settings: the text store of settings, read and written.
 #include "core/CRegistry.h"
 #include "platform/text.h"
+#include "zb/bad_usage.h"
 #include "zb/commands.h"
 #include "zb/json.h"
 #include "zb/known_settings.h"
@@ -10,7 +11,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <stdexcept>
 
 namespace zb::cli
 {
@@ -20,13 +20,6 @@ const std::u16string rootKey = u"Software\\Kelvo\\Zembrik";
 /// Characters of a line in the store; what is longer would be cut.
 constexpr std::size_t longestLine = 2'050;
 constexpr std::size_t lineSigns = 5; // two pairs of quotes and "="
-
-/// A value that can't be what was asked for.
-class BadSetting : public std::runtime_error
-{
-  public:
-    using std::runtime_error::runtime_error;
-};
 
 struct Setting
 {
@@ -198,7 +191,7 @@ int get(const SettingsArguments &arguments, Output &output)
     const bool stored = value && (known == nullptr || known->standard.index() == value->index());
     if (!stored && known == nullptr)
     {
-        throw BadSetting("there is no setting \"" + arguments.name + "\" under " + toUtf8(key) +
+        throw BadUsage("there is no setting \"" + arguments.name + "\" under " + toUtf8(key) +
                          "; \"zb settings list\" shows what there is");
     }
     const Setting setting{key, name, stored ? *value : known->standard, stored, known != nullptr ? known->meaning : ""};
@@ -224,17 +217,17 @@ void checkText(const std::u16string &name, const std::u16string &value)
 {
     if (value.find_first_of(std::u16string_view(u"\r\n\0", 3)) != std::u16string::npos)
     {
-        throw BadSetting("a setting is one line of text");
+        throw BadUsage("a setting is one line of text");
     }
     std::u16string lower = value;
     _wcslwr(lower.data());
     if (lower.find(u"dword:") != std::u16string::npos)
     {
-        throw BadSetting("a text with \"dword:\" in it would be read back as a number");
+        throw BadUsage("a text with \"dword:\" in it would be read back as a number");
     }
     if (name.size() + value.size() + lineSigns > longestLine)
     {
-        throw BadSetting("the text is too long: name and text have room for 2045 characters");
+        throw BadUsage("the text is too long: name and text have room for 2045 characters");
     }
 }
 
@@ -242,7 +235,7 @@ void checkName(const std::u16string &name)
 {
     if (name.empty() || name.find_first_of(std::u16string_view(u"=\"\r\n[\0", 6)) != std::u16string::npos)
     {
-        throw BadSetting("the name of a setting is not empty and has no =, \", [ or line end");
+        throw BadUsage("the name of a setting is not empty and has no =, \", [ or line end");
     }
 }
 
@@ -257,7 +250,7 @@ SettingValue parsedValue(const SettingsArguments &arguments, const KnownSetting 
     }
     if (known != nullptr && std::holds_alternative<DWORD>(known->standard))
     {
-        throw BadSetting("\"" + arguments.name + "\" is a number from 0 to 4294967295: " + known->meaning);
+        throw BadUsage("\"" + arguments.name + "\" is a number from 0 to 4294967295: " + known->meaning);
     }
     return toUtf16(arguments.value);
 }
@@ -312,28 +305,20 @@ int runSettings(const SettingsArguments &arguments)
     }
     Output output;
     int code = exitOk;
-    try
+    switch (arguments.action)
     {
-        switch (arguments.action)
-        {
-        case SettingsAction::List:
-            code = list(arguments, output);
-            break;
-        case SettingsAction::Get:
-            code = get(arguments, output);
-            break;
-        case SettingsAction::Set:
-            code = set(arguments);
-            break;
-        case SettingsAction::Unset:
-            code = unset(arguments);
-            break;
-        }
-    }
-    catch (const BadSetting &bad)
-    {
-        complain(bad.what());
-        return exitUsage;
+    case SettingsAction::List:
+        code = list(arguments, output);
+        break;
+    case SettingsAction::Get:
+        code = get(arguments, output);
+        break;
+    case SettingsAction::Set:
+        code = set(arguments);
+        break;
+    case SettingsAction::Unset:
+        code = unset(arguments);
+        break;
     }
     return output.finish() ? code : exitOutput;
 }

@@ -3,6 +3,7 @@
 #include "platform/clock.h"
 #include "records/CCategoryColor.h"
 #include "tasks/DATATASKS.h"
+#include "zb/bad_usage.h"
 #include "zb/loader_window.h"
 
 #include <algorithm>
@@ -37,7 +38,7 @@ const SortKey &sortKeyOf(const std::string &name)
         std::find_if(sortKeys.begin(), sortKeys.end(), [&](const SortKey &key) { return name == key.name; });
     if (found == sortKeys.end())
     {
-        throw UnknownSortKey("\"" + name +
+        throw BadUsage("\"" + name +
                              "\" is no sort key: use subject, due, start, importance, completion, priority or category");
     }
     return *found;

@@ -25,13 +25,6 @@ struct TaskListChoice
     std::optional<int> day; ///< only what is due or starts on it
 };
 
-/// A sort key that there is not.
-class UnknownSortKey : public std::runtime_error
-{
-  public:
-    using std::runtime_error::runtime_error;
-};
-
 /// One task with those below it.
 struct TaskNode
 {
@@ -71,7 +64,8 @@ struct TaskList
 };
 
 /// Runs the loader on its own thread and waits for it. Everything is told, also what lies in groups that are closed on
-/// the screen. Throws UnknownCategory, UnknownSortKey, and std::runtime_error when the load does not come to its end.
+/// the screen. Throws BadUsage for a category or sort key that is none, std::runtime_error
+/// when the load does not come to its end.
 TaskList loadTasks(const TaskListChoice &choice);
 
 /// Names in a joined text, without the marks that loaders add ("~Birthday").

@@ -1,5 +1,6 @@
 // zb tasks: the tasks, grouped, nested and sorted.
 #include "platform/text.h"
+#include "zb/bad_usage.h"
 #include "zb/commands.h"
 #include "zb/days.h"
 #include "zb/json.h"
@@ -271,17 +272,23 @@ class TaskPrinter
     Output &m_output;
     Terminal m_terminal;
 };
+} // namespace
 
-int printTasks(const TasksArguments &arguments)
+int runTasks(const TasksArguments &arguments)
 {
+    const std::unique_ptr<Device> device = openDevice(arguments.device, Missing::Refuse);
+    if (!device)
+    {
+        return exitDevice;
+    }
     TaskListChoice choice = arguments.choice;
     if (!arguments.day.empty())
     {
         choice.day = dayFromText(arguments.day, today());
         if (!choice.day)
         {
-            complain("--on \"" + arguments.day + "\" is no day: use 2026-11-21, today, tomorrow, yesterday or +3");
-            return exitUsage;
+            throw BadUsage("--on \"" + arguments.day +
+                           "\" is no day: use 2026-11-21, today, tomorrow, yesterday or +3");
         }
     }
     const TaskList list = loadTasks(choice);
@@ -295,28 +302,5 @@ int printTasks(const TasksArguments &arguments)
         TaskPrinter(output).print(list);
     }
     return output.finish() ? exitOk : exitOutput;
-}
-} // namespace
-
-int runTasks(const TasksArguments &arguments)
-{
-    const std::unique_ptr<Device> device = openDevice(arguments.device, Missing::Refuse);
-    if (!device)
-    {
-        return exitDevice;
-    }
-    try
-    {
-        return printTasks(arguments);
-    }
-    catch (const UnknownCategory &unknown)
-    {
-        complain(unknown.what());
-    }
-    catch (const UnknownSortKey &unknown)
-    {
-        complain(unknown.what());
-    }
-    return exitUsage;
 }
 } // namespace zb::cli

@@ -30,12 +30,11 @@ double processSeconds()
     return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
 }
 
-DeviceStage::DeviceStage() : m_folder(newFolder())
+DeviceStage::DeviceStage(DeviceOptions options) : m_folder(newFolder())
 {
-    zb::DeviceOptions options;
     options.root = device();
-    options.locale = "en-US";
-    options.timeZone = "Europe/Berlin";
+    options.locale = options.locale.empty() ? "en-US" : options.locale;
+    options.timeZone = options.timeZone.empty() ? "Europe/Berlin" : options.timeZone;
     m_device = zb::OpenDevice(options);
 }
 

@@ -13,12 +13,12 @@ namespace zb::bench
 /// What all threads of the process have worked so far: the load runs on the loader's, and the host's only waits.
 double processSeconds();
 
-/// A device in Berlin; gone with the object.
+/// A device in Berlin, with its words in English unless the options say otherwise; gone with the object.
 class DeviceStage
 {
   public:
     /// Throws std::runtime_error when there is no temporary folder.
-    DeviceStage();
+    explicit DeviceStage(DeviceOptions options = {});
     ~DeviceStage();
     DeviceStage(const DeviceStage &) = delete;
     DeviceStage &operator=(const DeviceStage &) = delete;

@@ -269,36 +269,4 @@ TEST(CalendarConstants, HaveTheirValues)
     EXPECT_EQ(loaderListComplete, 1274U);
     EXPECT_EQ(loaderDone, 32803U);
 }
-
-TEST(CalendarSettings, HaveTheirDefaults)
-{
-    const CalendarSettings settings;
-    EXPECT_EQ(settings.WV_ShowTasks, 0U);
-    EXPECT_EQ(settings.AV_ShowTasks, 0U);
-    EXPECT_EQ(settings.DV_ShowTasks, 0U);
-    EXPECT_EQ(settings.MV_ShowTasks, 0U);
-    EXPECT_EQ(settings.MVD_ShowTasks, 0U);
-    EXPECT_EQ(settings.ReadBirthdays, 0U);
-    EXPECT_EQ(settings.CA_ShowCompletedTasks, 0U);
-    EXPECT_EQ(settings.CAV_ShowUndatedTasks, 0U);
-    EXPECT_EQ(static_cast<DWORD>(settings.CAV_FilterAppointments), 5U);
-    EXPECT_EQ(settings.CAV_StatusFilter, 42169U);
-    EXPECT_EQ(settings.AnnCatName, u"Anniversaries");
-    EXPECT_EQ(settings.BDayCatName, u"Birthdays");
-    EXPECT_EQ(settings.HolidayCatName, u"Holiday");
-    EXPECT_EQ(settings.HolidaySubName, u" day");
-    EXPECT_EQ(settings.bShowInProgressTasksToday, 1U);
-    EXPECT_EQ(settings.TaskSort, 42227U);
-    EXPECT_EQ(settings.TaskSortDescending, 0U);
-    EXPECT_EQ(settings.AppointmentSingleIfEndsEarly, 0U);
-    EXPECT_EQ(settings.FloatCat, u"");
-    EXPECT_EQ(statusFilterBusy, 42165U);
-    EXPECT_EQ(statusFilterFree, 42166U);
-    EXPECT_EQ(statusFilterOutOfOffice, 42167U);
-    EXPECT_EQ(statusFilterTentative, 42168U);
-    const CCategoryFilterInfo restriction;
-    EXPECT_EQ(restriction.m_bIncludeNoCat, 0U);
-    EXPECT_EQ(restriction.bHideCategories, 0);
-    EXPECT_EQ(restriction.CategoryANDOR, 0U);
-}
 } // namespace

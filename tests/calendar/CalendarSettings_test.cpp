@@ -59,6 +59,10 @@ TEST_F(CalendarSettingsTest, AnEmptyStoreGivesTheDefaults)
     EXPECT_EQ(settings.TaskSortDescending, 0U);
     EXPECT_EQ(settings.AppointmentSingleIfEndsEarly, 0U);
     EXPECT_EQ(settings.FloatCat, u"");
+    EXPECT_EQ(statusFilterBusy, 42165U);
+    EXPECT_EQ(statusFilterFree, 42166U);
+    EXPECT_EQ(statusFilterOutOfOffice, 42167U);
+    EXPECT_EQ(statusFilterTentative, 42168U);
 }
 
 TEST_F(CalendarSettingsTest, EveryNumberIsReadUnderItsName)
