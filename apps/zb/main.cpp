@@ -134,7 +134,9 @@ class CommandLine
     static void addChoice(CLI::App &command, const std::string &names, std::optional<bool> &choice,
                           const std::string &help)
     {
-        command.add_flag_function(names, [&choice](std::int64_t count) { choice = count > 0; }, help)
+        command
+            .add_flag_function(
+                names, [&choice](std::int64_t count) { choice = count > 0; }, help)
             ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
     }
 
@@ -197,7 +199,9 @@ class CommandLine
         CLI::Option *const filter = command->add_option(
             "--filter", choice.rule, "all, today, overdue, undated, active, tomorrow, complete, ahead (see --days)");
         filter->type_name("FILTER")->transform(words(rules));
-        command->add_option("--days", choice.daysAhead, "Days ahead of --filter ahead")
+        command
+            ->add_option("--days", choice.daysAhead,
+                         "Days ahead of --filter ahead, which it means when it stands alone")
             ->type_name("N")
             ->check(CLI::Range(0, static_cast<int>(taskDaysUnlimited)));
         command->add_option("--on", m_tasks.day, "Only what is due or starts on this day")->type_name("DAY");
@@ -211,6 +215,11 @@ class CommandLine
         command->callback(
             [this]
             {
+                const std::optional<ULONG> &rule = m_tasks.choice.rule;
+                if (m_tasks.choice.daysAhead && rule && *rule != ULONG{taskRuleDaysAhead})
+                {
+                    throw CLI::ValidationError("--days", "goes with --filter ahead alone");
+                }
                 m_tasks.device = m_device;
                 m_run = [this] { return runTasks(m_tasks); };
             });

@@ -66,7 +66,8 @@ TaskListSettings settingsFor(const TaskListChoice &choice)
 {
     TaskListSettings settings = TaskListSettings::read(CTasksThread::DEFAULT_SETTINGS_KEY);
     settings.GroupBy = choice.grouping.value_or(settings.GroupBy);
-    settings.TV_FilterData = choice.rule.value_or(settings.TV_FilterData);
+    const ULONG usualRule = choice.daysAhead ? taskRuleDaysAhead : settings.TV_FilterData;
+    settings.TV_FilterData = choice.rule.value_or(usualRule);
     settings.TV_DaysFuture = choice.daysAhead.value_or(settings.TV_DaysFuture);
     settings.TV_FilterPriority = choice.importance.value_or(settings.TV_FilterPriority);
     settings.bShowCompleted = choice.completed.value_or(settings.bShowCompleted != 0) ? 1 : 0;

@@ -18,7 +18,7 @@ struct TaskListChoice
     std::optional<ULONG> grouping; ///< TaskGrouping
     std::vector<std::string> sort; ///< one or two keys, with "-" in front for descending
     std::optional<ULONG> rule;     ///< value of TV_FilterData
-    std::optional<ULONG> daysAhead;
+    std::optional<ULONG> daysAhead; ///< without a rule it means the one of days ahead
     std::optional<ULONG> importance;
     std::optional<bool> completed;
     std::optional<bool> undated;
