@@ -173,6 +173,7 @@ void CTasksThread::BeginLoad()
     ClearData();
     ClearGroups();
     m_oids.clear();
+    m_outsideTotal.clear();
     if (m_pReadBuffer == nullptr)
     {
         m_pReadBuffer = static_cast<BYTE *>(LocalAlloc(LMEM_FIXED, READ_BUFFER_SIZE));

@@ -35,7 +35,7 @@
 // - Then SetupChildren runs for each row at the top that has children, headers included, and SortDataList.
 // - SortDataList walks m_lstChildren from the rows of depth 0 when HasHierarchy() and not grouped. A row that such a
 //   walk does not reach is kept as a hidden one behind the others; nothing is lost or shown twice.
-// - In the tree a row that is filled anew is hidden when its parent is closed or hidden.
+// - In the tree a row that is filled anew is hidden when its parent is closed, as after a load.
 // - ReleaseRow(index) takes a row out of the row list and deletes it; RemoveRowsOf does so with all rows of an id.
 //   AddToGroup(row, true, -1) takes it out of its groups before.
 // - Every SetGroupHeaderOpen that finds no other CRegistry object alive writes the settings file. Whoever calls it for
@@ -59,6 +59,7 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -407,6 +408,7 @@ class ZBTOOLS_API CTasksThread : public CeWorkerThread
     CePtrList<DATATASKS *> m_lstGroups{0, CEOWN_DELETE};
     CeCriticalSection m_csLoad;
     Counts m_counts;
+    std::unordered_set<CEOID> m_outsideTotal; // rows that are there for others and that the total does not have
     LONG m_nDisplayed = 0; // see GetDisplayedTreeCount
     std::atomic<int> m_nBusy = 0;
     /// Set while a load is to go on: what the body polls. Stop clears it.

@@ -12,6 +12,12 @@ struct CTasksThread::Candidate
     bool rightCategory = true; ///< as far as it was tested
     bool refused = false;      ///< by a filter that comes before the rules about dates
 
+    /// Whether the total has it; a parent may show that it hasn't.
+    bool isInTotal() const
+    {
+        return rightCategory && !dates.isTemplate();
+    }
+
     int dueDay() const
     {
         return static_cast<int>(dates.due);
@@ -66,6 +72,14 @@ LONG CTasksThread::PlaceTask(CeDbRecord &record, bool &shown, int nIndex, bool b
     DATATASKS *row = RowFor(nIndex, bLive, position);
     zb::fillTask(*row, record, task.dates, m_nToday);
     CountRow(*row);
+    if (task.isInTotal())
+    {
+        m_outsideTotal.erase(row->m_oid);
+    }
+    else
+    {
+        m_outsideTotal.insert(row->m_oid);
+    }
     if (!bLive || bForce)
     {
         JoinRow(row);
@@ -79,7 +93,7 @@ LONG CTasksThread::PlaceTask(CeDbRecord &record, bool &shown, int nIndex, bool b
     }
     else if (row->m_pParent != nullptr)
     {
-        row->m_bHidden = !row->m_pParent->m_bExpanded || row->m_pParent->m_bHidden;
+        row->m_bHidden = !row->m_pParent->m_bExpanded;
     }
     if (bLive)
     {
@@ -132,8 +146,7 @@ bool CTasksThread::PassesAndCounts(const Candidate &task, bool bLive, bool stays
     if (counts)
     {
         // A load has counted all records of the right categories before it knows which are templates.
-        const bool isTask = task.rightCategory && !task.dates.isTemplate();
-        m_counts.total += (bLive && isTask ? 1 : 0) - (!bLive && task.dates.isTemplate() ? 1 : 0);
+        m_counts.total += (bLive && task.isInTotal() ? 1 : 0) - (!bLive && task.dates.isTemplate() ? 1 : 0);
     }
     if (task.refused || task.dates.isTemplate() || !PassesDateRule(task))
     {
@@ -239,7 +252,7 @@ void CTasksThread::PreTaskUpdateCountChange(const DATATASKS *row)
     {
         return;
     }
-    --m_counts.total;
+    m_counts.total -= m_outsideTotal.contains(row->m_oid) ? 0 : 1;
     // A row that is there for its children alone was never counted as shown.
     m_counts.shown -= row->m_bParentOnly ? 0 : 1;
     m_counts.completed -= row->m_bComplete != 0 && !row->m_bParentOnly ? 1 : 0;

@@ -171,8 +171,10 @@ struct CTasksThread::TreeBuilder
     /// What was pulled in for a child that then went to the top.
     void DropLonelyParents()
     {
-        for (DATATASKS *row : m_released)
+        // From the last on: each is then looked for at the end of the list, where what was pulled in lies.
+        for (auto at = m_released.rbegin(); at != m_released.rend(); ++at)
         {
+            DATATASKS *row = *at;
             if (row->m_bParentOnly && !row->IsParentNode())
             {
                 m_list.PruneParentOnly(row);

@@ -214,8 +214,9 @@ void CTasksThread::PruneParentOnly(DATATASKS *row)
     while (row != nullptr && row->m_bParentOnly && !row->IsParentNode())
     {
         DATATASKS *parent = row->m_pParent;
+        const LONG total = m_counts.total;
         PreTaskUpdateCountChange(row);
-        ++m_counts.total; // the task itself is still there
+        m_counts.total = total; // the task itself is still there
         if (parent != nullptr)
         {
             removeChild(*parent, row->m_oid);

@@ -271,4 +271,13 @@ TEST_F(TaskCategories, aLiveCallTestsThem)
     EXPECT_EQ(live(work, -1), 1);
     EXPECT_TRUE(passed);
 }
+
+TEST_F(TaskFilters, activeHasNoCompleteTaskBecauseItHadBegun)
+{
+    addTask({.subject = u"done", .due = 5, .start = -1, .complete = SHORT{1}, .completed = -3});
+    addTask({.subject = u"open", .due = 5, .start = -1});
+    set(u"bShowCompleted", 1);
+    set(u"TV_FilterData", 42255);
+    EXPECT_EQ(load(), "open");
+}
 } // namespace

@@ -514,4 +514,12 @@ TEST_F(TaskGroups, headingsAreOffUntilTheSettingsAreReadWithOne)
     loader().AddGroupHeader(group);
     EXPECT_EQ(utf8(group->m_pszSubject), "A   <Q>new</Q>");
 }
+
+TEST_F(TaskGroups, thePriorityManagerTakesNoDirectionFromTheFirstKey)
+{
+    addTask({.subject = u"A: x"});
+    set(u"TV_SortDescending0", 1);
+    groupBy(taskGroupPriorityManager);
+    EXPECT_EQ(load().substr(0, 23), "[None-], [A-], [B-], [C");
+}
 } // namespace

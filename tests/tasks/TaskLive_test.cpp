@@ -408,4 +408,19 @@ TEST_F(TaskLive, aRowThatThePriorityManagerKeptIsNotCountedOutTwice)
     EXPECT_EQ(counts().high, 1);
     EXPECT_EQ(counts().overdue, 1);
 }
+
+TEST_F(TaskLive, inSeveralGroupsTheLastPlaceCountsForAll)
+{
+    addTask({.subject = u"a", .categories = categoryBlob({workBit})});
+    const CEOID b = addTask({.subject = u"b", .categories = categoryBlob({workBit, homeBit})});
+    addTask({.subject = u"c", .categories = categoryBlob({homeBit})});
+    groupBy(taskGroupCategory);
+    load();
+    ASSERT_EQ(utf8(group(0)->m_pszSubject), "Work");
+    ASSERT_EQ(group(0)->m_lstChildren.GetAt(1)->m_oid, b);
+    ASSERT_EQ(group(1)->m_lstChildren.GetAt(0)->m_oid, b);
+    live(b, indexOf(b));
+    EXPECT_EQ(group(0)->m_lstChildren.GetAt(0)->m_oid, b);
+    EXPECT_EQ(group(1)->m_lstChildren.GetAt(0)->m_oid, b);
+}
 } // namespace
