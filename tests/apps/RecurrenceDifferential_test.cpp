@@ -8,6 +8,9 @@
 // - days 29 to 31 and 29 February fall on the last day of shorter months: such rules are refused and unrolled;
 // - weeks begin on Sunday: rules that would differ are refused;
 // - a yearly pattern repeats every year, and an nth weekday can lose its month: the mapping uses months instead;
+// - a day that no month has, a period of nothing, an empty mask: no rule says them;
+// - a daily, weekly or monthly walk may begin in front of its range, for occurrences that reach into it: such days are
+//   left out of the comparison;
 // - a monthly series can show a date in front of its first one when that is not the pattern's day: a mapped rule's
 //   first date always is.
 #include "calendar/RecurrenceWalk.h"
@@ -176,13 +179,25 @@ class RuleMaker
         case 0:
             return text + ";COUNT=" + std::to_string(number(1, 200));
         case 1:
-            return text + ";UNTIL=" + std::to_string(start.year + number(1, 20)) + "0615T235959";
+            return text + ";UNTIL=" + until(start);
         default:
             return text;
         }
     }
 
   private:
+    /// The end of any day, or of one that the rule is likely to name.
+    std::string until(const icaltimetype &start)
+    {
+        icaltimetype last = start;
+        last.year += number(0, 8);
+        last.month = number(0, 1) == 0 ? number(1, 12) : start.month;
+        last.day = number(0, 1) == 0 ? number(1, 28) : std::min(start.day, 28);
+        last.hour = 23;
+        last.minute = last.second = 59;
+        return icaltime_as_ical_string(icaltime_compare(last, start) < 0 ? start : last);
+    }
+
     std::mt19937 m_random;
 };
 
@@ -193,7 +208,7 @@ TEST(RecurrenceDifferential, randomRulesNameTheDaysThatAnIndependentExpansionNam
     RuleMaker maker(seed);
     int compared = 0;
     int refused = 0;
-    for (int round = 0; compared < 20'000; ++round)
+    for (int round = 0; compared < 8'000; ++round)
     {
         ASSERT_LT(round, 200'000);
         const icaltimetype start = maker.start();
@@ -211,8 +226,16 @@ TEST(RecurrenceDifferential, randomRulesNameTheDaysThatAnIndependentExpansionNam
         const std::set<int> named = daysOfIterator(rule, start, startDay + 2200);
         for (int range = 0; range < 3; ++range)
         {
-            const int from = startDay + maker.number(-40, 2000);
-            const int to = from + maker.number(0, 120);
+            int from = startDay + maker.number(-40, 2000);
+            int to = from + maker.number(0, 120);
+            const auto begin = named.lower_bound(from);
+            if (range == 2 && begin != named.end())
+            {
+                // From one named day, or the one behind it, to another, or the one before it.
+                const auto end = named.lower_bound(*begin + maker.number(0, 120));
+                from = *begin + maker.number(0, 1);
+                to = std::max(from, (end != named.end() ? *end : *begin) - maker.number(0, 1));
+            }
             ASSERT_EQ(daysOfWalk(*result.pattern, from, to),
                       std::set<int>(named.lower_bound(from), named.upper_bound(to)))
                 << text << " from " << icaltime_as_ical_string(start) << ", range " << from << " to " << to << ", seed "
