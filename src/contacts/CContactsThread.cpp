@@ -190,6 +190,8 @@ void CContactsThread::InitDBStuff(bool bOpen)
 {
     m_pRecord = nullptr;
     m_oidRead = 0;
+    m_nSteps = MOST_STEPS;
+    m_deepHits.reset();
     if (!bOpen)
     {
         m_dbContacts.Close();

@@ -55,6 +55,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 /// wParam of message 1274 (loaderListComplete).
@@ -262,10 +263,13 @@ class ZBTOOLS_API CContactsThread : public CeWorkerThread
     int PreferredIndex() const;
     const WCHAR *TextAt(int index) const;
     void ReadLinkFlags(DATACONTACTS &row);
+    bool SeekOn(CEOID oid);
     bool ReadItem(const CCatCache &item);
 
     // Searches (CContactsThread_search.cpp).
-    bool CheckContactsSearchCriteria(const CCatCache &item) const;
+    bool CheckContactsSearchCriteria(const CCatCache &item);
+    void FindDeepHits();
+    bool HoldsSearch(const CeDbRecord &record) const;
     bool SearchCompanyNode(const CCatCache &item);
     bool SearchCategoryNode(const CCatCache &item);
     bool BeginsWithSearch(BSTR name, DWORD flags) const;
@@ -334,5 +338,9 @@ class ZBTOOLS_API CContactsThread : public CeWorkerThread
     zb::ContactReader m_cacheReader;
     const CeDbRecord *m_pRecord = nullptr; // the one read last, of the contact m_oidRead
     CEOID m_oidRead = 0;
-    int m_nReadIndex = 0; // of that contact in the cache
+    /// Steps to the next record before it is searched for; see SeekOn.
+    static constexpr int MOST_STEPS = 4;
+    int m_nSteps = MOST_STEPS;
+    /// Contacts of whose records a deep search found the text, once they are known.
+    std::optional<std::unordered_set<CEOID>> m_deepHits;
 };
