@@ -100,7 +100,7 @@ TEST_F(TaskTreeCounts, aParentLastButOneStaysAndTheLastRowIsNotLookedAt)
     rows.SetAt(3, child);
     change("P", true);
     place("P", 2);
-    EXPECT_EQ(at("P"), 2) << "last but one";
+    ASSERT_EQ(at("P"), 2) << "last but one";
     rows.SetAt(2, child);
     rows.SetAt(3, parent);
     place("P", 3);
