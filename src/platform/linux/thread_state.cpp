@@ -3,6 +3,7 @@
 #include "platform/linux/windows_table.h"
 
 #include <algorithm>
+#include <pthread.h>
 #include <sys/resource.h>
 #include <unordered_map>
 #include <unordered_set>
@@ -97,6 +98,7 @@ void ThreadState::attach()
         const std::lock_guard guard(m_wishLock);
         m_wishWord = &thisThread.wishes;
         m_systemId = gettid();
+        pthread_getcpuclockid(pthread_self(), &m_ownClock);
         thisThread.wishes.store(m_wishes, std::memory_order_seq_cst);
         if (m_priority != THREAD_PRIORITY_NORMAL)
         {
@@ -166,12 +168,28 @@ void ThreadState::parkForGood()
     }
 }
 
-void ThreadState::awaitParked(Deadline deadline)
+void ThreadState::awaitParked(Deadline ownTime)
 {
-    while (!m_parked.load(std::memory_order_acquire) && monotonicNow() < deadline)
+    constexpr Deadline longest = 2'000'000'000;
+    constexpr Deadline step = 5'000'000;
+    const Deadline end = monotonicNow() + longest;
+    const Deadline used = usedTime();
+    while (!m_parked.load(std::memory_order_acquire) && usedTime() - used < ownTime && monotonicNow() < end)
     {
-        m_standstill.park(deadline);
+        m_standstill.park(monotonicNow() + step);
     }
+}
+
+/// What the thread has had of processors; nothing before it began.
+Deadline ThreadState::usedTime() const
+{
+    const std::lock_guard guard(m_wishLock);
+    timespec used{};
+    if (m_systemId != 0)
+    {
+        clock_gettime(m_ownClock, &used);
+    }
+    return static_cast<Deadline>(used.tv_sec) * 1'000'000'000 + used.tv_nsec;
 }
 
 bool ThreadState::end(DWORD exitCode, bool terminated)

@@ -12,6 +12,7 @@
 #include "platform/linux/waits.h"
 
 #include <atomic>
+#include <ctime>
 #include <memory>
 #include <mutex>
 #include <sys/types.h>
@@ -82,8 +83,9 @@ class ThreadState final : public Waitable, public std::enable_shared_from_this<T
     /// abandoned and its handle is signalled. False when that was done before. The thread's own end comes here as well
     /// as TerminateThread.
     bool end(DWORD exitCode, bool terminated);
-    /// Waits until the terminated thread stands still, or the time is over.
-    void awaitParked(Deadline deadline);
+    /// Waits until the terminated thread stands still, or it has had so much time of a processor for that (nanoseconds),
+    /// or two seconds have passed. Its own time counts, since on a busy machine it may get none for long.
+    void awaitParked(Deadline ownTime);
     DWORD exitCode() const
     {
         return m_exitCode.load(std::memory_order_acquire);
@@ -111,6 +113,7 @@ class ThreadState final : public Waitable, public std::enable_shared_from_this<T
   private:
     void changeWishes(unsigned set, unsigned clear);
     void applyPriority();
+    Deadline usedTime() const;
 
     const DWORD m_id;
     const bool m_ours;
@@ -127,6 +130,7 @@ class ThreadState final : public Waitable, public std::enable_shared_from_this<T
     int m_suspendCount = 0;
     int m_priority = THREAD_PRIORITY_NORMAL;
     pid_t m_systemId = 0;
+    clockid_t m_ownClock{}; ///< the processor's time that the thread has used; known when m_systemId is
     std::atomic<unsigned> *m_wishWord = nullptr;
 
     MessageQueue m_queue;

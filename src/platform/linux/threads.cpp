@@ -208,7 +208,7 @@ BOOL TerminateThread(HANDLE thread, DWORD exitCode)
         state.reset();
         currentThread().parkForGood();
     }
-    state->awaitParked(monotonicNow() + grace);
+    state->awaitParked(grace);
     return TRUE;
 }
 
