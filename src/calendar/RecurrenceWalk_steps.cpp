@@ -209,8 +209,9 @@ CalendarDay RecurrenceWalk::fGetNthWeekDay(const CalendarDay &date) const
     {
         return nthSingleWeekday(first, single, std::min(instance, 6));
     }
-    // An instance beyond a month's days can only come from a foreign record; a month's worth of steps bounds it.
-    const int bounded = std::min(instance, 31);
+    // None, or one beyond a month's days, can only come from a foreign record. A day in front of the month would lead
+    // the walk back to where it came from, for ever; a month's worth of steps bounds the other end.
+    const int bounded = std::clamp(instance, 1, 31);
     switch (mask)
     {
     case mondayToFriday:

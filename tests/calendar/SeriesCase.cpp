@@ -199,9 +199,12 @@ bool readRecordLine(SeriesRecord &record, const std::string &word, std::istrings
     {
         record.zone = value;
     }
-    else if (word == "word" || word == "period" || word == "day")
+    else if (word == "word" || word == "period" || word == "day" || word == "nth")
     {
-        (word == "word" ? record.word : word == "period" ? record.period : record.day) = number();
+        (word == "word"     ? record.word
+         : word == "period" ? record.period
+         : word == "day"    ? record.day
+                            : record.nth) = number();
     }
     else
     {
@@ -299,7 +302,7 @@ void misplace(Bytes &bytes, const RecurrencePattern &pattern, DWORD original, in
 Bytes SeriesRecord::blob() const
 {
     Bytes bytes = encodeRecurrence(pattern).value();
-    const std::pair<std::size_t, std::optional<DWORD>> words[] = {{10, word}, {14, period}, {22, day}};
+    const std::pair<std::size_t, std::optional<DWORD>> words[] = {{10, word}, {14, period}, {22, day}, {26, nth}};
     for (const auto &[offset, value] : words)
     {
         if (value)

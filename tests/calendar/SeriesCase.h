@@ -17,6 +17,7 @@
 //     word NUMBER                     the first-date word in the blob, in place of that of the series' month
 //     period NUMBER                   the period in the blob, in place of that of the interval
 //     day NUMBER                      the day of the month in the blob
+//     nth NUMBER                      which of its days a series by weekday has, in the blob
 //     deleted DATE
 //     change DATE [to DATE HH:MM MINUTES] [subject WORD] [place WORD] [busy N] [all-day yes|no] [notes yes]
 //            [stored late|early]      late: 4 bytes too many stand in front of it; early: 4 too few
@@ -42,6 +43,7 @@ struct SeriesRecord
     std::optional<DWORD> word;
     std::optional<DWORD> period;
     std::optional<DWORD> day;
+    std::optional<DWORD> nth;
     /// The changes before which 4 bytes too many (+4) or too few (-4) stand, by their original date.
     std::vector<std::pair<DWORD, int>> misplaced;
 
