@@ -3,6 +3,7 @@
 #pragma once
 
 #include "zb/calendar_load.h"
+#include "zb/category_choice.h"
 #include "zb/exit_code.h"
 #include "zb/task_list_load.h"
 
@@ -48,6 +49,17 @@ struct TasksArguments
     bool json = false;
 };
 int runTasks(const TasksArguments &arguments);
+
+struct ContactsArguments
+{
+    std::filesystem::path device;
+    std::string text;             ///< what names begin with; empty: all contacts
+    std::optional<DWORD> display; ///< a ContactsDisplay; without one the settings decide
+    bool deep = false;            ///< anywhere in a contact
+    CategoryChoice categories;
+    bool json = false;
+};
+int runContacts(const ContactsArguments &arguments);
 
 struct InfoArguments
 {

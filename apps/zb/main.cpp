@@ -1,5 +1,6 @@
 // zb: the command line host. Arguments only; the commands stand in files of their own.
 #include "calendar/CalendarSettings.h"
+#include "contacts/ContactListSettings.h"
 #include "zb/bad_usage.h"
 #include "zb/commands.h"
 #include "zb/terminal.h"
@@ -56,6 +57,7 @@ class CommandLine
         addImport();
         addAgenda();
         addTasks();
+        addContacts();
         addInfo();
         addDump();
         addSettings();
@@ -225,6 +227,32 @@ class CommandLine
             });
     }
 
+    void addContacts()
+    {
+        static const Words displays = {{"name", contactsFileAs},
+                                       {"first", contactsFirstName},
+                                       {"last", contactsLastName},
+                                       {"company", contactsCompanies},
+                                       {"category", contactsCategories}};
+        CLI::App *const command = m_app.add_subcommand("contacts", "Print the contacts, or find some of them");
+        CLI::Option *const search =
+            command->add_option("text", m_contacts.text, "What their names begin with")->type_name("TEXT");
+        command
+            ->add_option("--by", m_contacts.display,
+                         "name (the one that they are filed under), first, last, company, category")
+            ->type_name("ORDER")
+            ->transform(words(displays));
+        command->add_flag("--deep", m_contacts.deep, "Find the text anywhere: numbers, addresses, jobs")->needs(search);
+        addCategoryChoice(*command, m_contacts.categories);
+        command->add_flag("--json", m_contacts.json, "Print JSON");
+        command->callback(
+            [this]
+            {
+                m_contacts.device = m_device;
+                m_run = [this] { return runContacts(m_contacts); };
+            });
+    }
+
     void addInfo()
     {
         CLI::App *const command = m_app.add_subcommand("info", "List the databases of the device");
@@ -343,6 +371,7 @@ class CommandLine
     AgendaArguments m_agenda;
     bool m_week = false;
     TasksArguments m_tasks;
+    ContactsArguments m_contacts;
     InfoArguments m_info;
     DumpArguments m_dump;
     SettingsArguments m_settings;
