@@ -1,6 +1,6 @@
 #include "interchange/content_lines.h"
 
-#include "platform/text.h"
+#include "interchange/text_charsets.h"
 
 #include <algorithm>
 #include <cstring>
@@ -9,59 +9,6 @@ namespace zb::interchange
 {
 namespace
 {
-constexpr UINT windows1252 = 1252;
-
-std::size_t sequenceLength(unsigned char lead)
-{
-    if (lead < 0x80)
-    {
-        return 1;
-    }
-    if (lead >= 0xC2 && lead < 0xE0)
-    {
-        return 2;
-    }
-    if (lead >= 0xE0 && lead < 0xF0)
-    {
-        return 3;
-    }
-    return lead >= 0xF0 && lead < 0xF5 ? 4 : 0;
-}
-
-/// The second byte of a sequence has narrower bounds after some leads (no overlong forms, no surrogates, no more than
-/// U+10FFFF).
-bool isSecondByte(unsigned char lead, unsigned char byte)
-{
-    const unsigned low = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
-    const unsigned high = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
-    return byte >= low && byte <= high;
-}
-
-bool isAscii(std::string_view text)
-{
-    std::size_t at = 0;
-    for (; at + 8 <= text.size(); at += 8)
-    {
-        std::uint64_t word = 0;
-        std::memcpy(&word, text.data() + at, 8);
-        if ((word & 0x8080808080808080U) != 0)
-        {
-            return false;
-        }
-    }
-    return std::all_of(text.begin() + static_cast<std::ptrdiff_t>(at), text.end(),
-                       [](char byte) { return static_cast<signed char>(byte) >= 0; });
-}
-
-std::string fromWindows1252(std::string_view bytes)
-{
-    std::u16string wide(bytes.size(), u'\0');
-    const int count = MultiByteToWideChar(windows1252, 0, bytes.data(), static_cast<int>(bytes.size()), wide.data(),
-                                          static_cast<int>(wide.size()));
-    wide.resize(static_cast<std::size_t>(std::max(count, 0)));
-    return toUtf8(std::u16string_view(wide));
-}
-
 bool isBlank(std::string_view text)
 {
     return text.find_first_not_of(" \t\r") == std::string_view::npos;
@@ -76,35 +23,12 @@ std::size_t wholeLength(std::string_view text)
         const auto byte = static_cast<unsigned char>(text[--at]);
         if ((byte & 0xC0U) != 0x80U)
         {
-            return sequenceLength(byte) > text.size() - at ? at : text.size();
+            return utf8Length(byte) > text.size() - at ? at : text.size();
         }
     }
     return text.size();
 }
 } // namespace
-
-bool isUtf8(std::string_view text)
-{
-    for (std::size_t at = 0; at < text.size();)
-    {
-        const auto lead = static_cast<unsigned char>(text[at]);
-        const std::size_t length = sequenceLength(lead);
-        if (length == 0 || length > text.size() - at)
-        {
-            return false;
-        }
-        for (std::size_t n = 1; n < length; ++n)
-        {
-            const auto byte = static_cast<unsigned char>(text[at + n]);
-            if (n == 1 ? !isSecondByte(lead, byte) : (byte & 0xC0U) != 0x80U)
-            {
-                return false;
-            }
-        }
-        at += length;
-    }
-    return true;
-}
 
 ContentLines::ContentLines(TextSource &source, std::size_t limit) : m_source(source), m_limit(limit)
 {
@@ -143,8 +67,16 @@ bool ContentLines::next(ContentLine &line)
         {
         }
     } while (isBlank(line.text));
-    repair(line);
+    repairText(line, m_notes);
     return true;
+}
+
+bool ContentLines::nextPhysical(ContentLine &line)
+{
+    line.text.clear();
+    line.cut = false;
+    line.line = m_line + 1;
+    return readPhysical(line);
 }
 
 /// Adds one physical line to `line`; false when there is none.
@@ -226,13 +158,13 @@ bool ContentLines::continues()
     return true;
 }
 
-void ContentLines::repair(ContentLine &line)
+void repairText(ContentLine &line, EncodingNotes &notes)
 {
     std::string &text = line.text;
     if (std::memchr(text.data(), '\0', text.size()) != nullptr)
     {
         text.erase(std::remove(text.begin(), text.end(), '\0'), text.end());
-        m_notes.zeroFirst = m_notes.zeroLines++ == 0 ? line.line : m_notes.zeroFirst;
+        notes.zeroFirst = notes.zeroLines++ == 0 ? line.line : notes.zeroFirst;
     }
     if (std::memchr(text.data(), '\r', text.size()) != nullptr)
     {
@@ -248,8 +180,8 @@ void ContentLines::repair(ContentLine &line)
     }
     if (!isUtf8(text))
     {
-        text = fromWindows1252(text);
-        m_notes.windows1252First = m_notes.windows1252Lines++ == 0 ? line.line : m_notes.windows1252First;
+        text = fromCodePage(text, windows1252).text;
+        notes.windows1252First = notes.windows1252Lines++ == 0 ? line.line : notes.windows1252First;
     }
 }
 } // namespace zb::interchange

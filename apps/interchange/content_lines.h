@@ -28,6 +28,9 @@ struct EncodingNotes
     std::size_t zeroFirst = 0;
 };
 
+/// Drops zeros, turns CRs into blanks and what is no UTF-8 from Windows-1252 into it, and notes what it did.
+void repairText(ContentLine &line, EncodingNotes &notes);
+
 class ContentLines
 {
   public:
@@ -38,6 +41,9 @@ class ContentLines
 
     /// False at the end of the file; blank lines are passed over. The strings of `line` are reused.
     bool next(ContentLine &line);
+    /// The next physical line as the file has it: not unfolded, blank ones too, bytes of any character set, the line
+    /// end and CRs in front of it taken off. False at the end of the file.
+    bool nextPhysical(ContentLine &line);
     void rewind();
 
     /// Physical lines read so far.
@@ -57,7 +63,6 @@ class ContentLines
     void append(ContentLine &line, std::string_view text) const;
     void endPhysical(ContentLine &line, char found);
     bool continues();
-    void repair(ContentLine &line);
 
     enum class LineEnd
     {
@@ -74,6 +79,4 @@ class ContentLines
     EncodingNotes m_notes;
 };
 
-/// True for well-formed UTF-8.
-bool isUtf8(std::string_view text);
 } // namespace zb::interchange

@@ -60,6 +60,10 @@ std::string summary(const ImportReport &report)
     {
         return place(report, 0) + "nothing taken";
     }
+    if (report.contacts.seen != 0)
+    {
+        return place(report, 0) + outcomes(report.contacts);
+    }
     std::string text = place(report, 0) + outcomes(report) +
                        (report.removed == 0 ? "" : ", " + std::to_string(report.removed) + " removed");
     return report.tasks.seen == 0 ? text : text + "; to-dos: " + outcomes(report.tasks);
@@ -101,6 +105,18 @@ std::vector<std::string> remarks(const ImportReport &report)
     for (const auto &[name, count] : tasks.lost)
     {
         add(count, "the " + name + " of " + counted(count, "to-do", "to-dos") + " was left out: tasks have none");
+    }
+    const ContactCounts &contacts = report.contacts;
+    add(contacts.superseded,
+        counted(contacts.superseded, "older version of a card was left out", "older versions of cards were left out"));
+    add(contacts.repeated, counted(contacts.repeated, "card was left out: it stands in the file before",
+                                   "cards were left out: they stand in the file before"));
+    add(contacts.groups,
+        counted(contacts.groups, "group of contacts was left out", "groups of contacts were left out"));
+    for (const auto &[name, count] : contacts.lost)
+    {
+        add(count,
+            "the " + name + " of " + counted(count, "contact", "contacts") + " was left out: there is no place for it");
     }
     for (const auto &[name, count] : report.otherComponents)
     {

@@ -1,4 +1,4 @@
-// What the import of one calendar file did, for the eyes of its user.
+// What the import of one file of calendars or cards did, for the eyes of its user.
 #pragma once
 
 #include "interchange/calendar_file_error.h"
@@ -47,6 +47,29 @@ struct TaskCounts
     }
 };
 
+/// Cards of the file.
+struct ContactCounts
+{
+    std::size_t seen = 0;
+    std::size_t added = 0;
+    std::size_t updated = 0;
+    std::size_t unchanged = 0;
+    std::size_t superseded = 0; ///< an older version of a card that the file holds again
+    std::size_t repeated = 0;   ///< the same as a card before it
+    std::size_t groups = 0;     ///< lists of others
+    std::size_t refused = 0;    ///< each has a finding
+    std::size_t categories = 0; ///< made for them
+    std::size_t pictures = 0;   ///< written, or to be written
+    bool picturesLost = false;  ///< one could not be written
+    /// What no record of a contact holds: name of the property, contacts that had it.
+    std::map<std::string, std::size_t> lost;
+
+    std::size_t leftOut() const
+    {
+        return superseded + repeated + groups + refused;
+    }
+};
+
 struct ImportReport
 {
     std::string file; ///< as its user named it
@@ -70,11 +93,12 @@ struct ImportReport
     std::size_t cancelledDays = 0; ///< days taken out of a series
     std::size_t unrolled = 0;      ///< repeating events taken as single appointments; each has a finding
     std::size_t unrolledAppointments = 0;
-    std::size_t repeating = 0; ///< taken as their first day only; each has a finding
-    std::size_t shortened = 0; ///< texts cut to what a record holds; each has a finding
+    std::size_t repeating = 0;  ///< taken as their first day only; each has a finding
+    std::size_t shortened = 0;  ///< texts cut to what a record holds; each has a finding
     std::size_t categories = 0; ///< made for events and to-dos
     std::size_t lostColors = 0; ///< events with a colour and no category that could have it
     TaskCounts tasks;
+    ContactCounts contacts;
     std::map<std::string, std::size_t> otherComponents;
 
     std::vector<Finding> findings; ///< as many as are kept
@@ -94,12 +118,13 @@ struct ImportReport
     /// True when all that the device could keep of the file was taken whole.
     bool isWhole() const
     {
-        return !failure && refused == 0 && shortened == 0 && tasks.refused == 0 && !tasks.linksLost;
+        return !failure && refused == 0 && shortened == 0 && tasks.refused == 0 && !tasks.linksLost &&
+               contacts.refused == 0 && !contacts.picturesLost;
     }
 };
 
 /// One line of counts: "work.ics: 12 new, 1 changed, 30 unchanged, 2 left out"; with to-dos in the file it ends
-/// "; to-dos: 4 new, 0 changed, 0 unchanged, 0 left out".
+/// "; to-dos: 4 new, 0 changed, 0 unchanged, 0 left out". Of a file of cards the counts are those of its cards.
 std::string summary(const ImportReport &report);
 /// The reasons, one a line: findings with file and line first, then what was done to many events alike.
 std::vector<std::string> remarks(const ImportReport &report);

@@ -222,7 +222,8 @@ std::size_t TextSource::detectForm(std::size_t length)
 {
     const std::string_view head(m_buffer.data(), length);
     m_form = Form::Bytes;
-    if (head.substr(0, 3) == "\xEF\xBB\xBF")
+    m_marked = head.substr(0, 3) == "\xEF\xBB\xBF";
+    if (m_marked)
     {
         return 3;
     }

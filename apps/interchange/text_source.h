@@ -39,6 +39,11 @@ class TextSource
     /// The next piece, never empty before the end; it lives until the next call.
     std::string_view next();
     void rewind();
+    /// True when the file itself tells its encoding, by a mark or by being UTF-16; known once the first piece is there.
+    bool tellsEncoding() const
+    {
+        return m_marked || m_form == Form::Utf16Little || m_form == Form::Utf16Big;
+    }
     /// Bytes of the file taken so far, and all of them: for progress.
     std::uint64_t position() const
     {
@@ -69,6 +74,7 @@ class TextSource
     std::string m_decoded;
     std::uint64_t m_position = 0;
     Form m_form = Form::Unknown;
+    bool m_marked = false;   ///< begins with the mark of UTF-8
     int m_oddByte = -1;      ///< first half of a unit that the next piece ends
     char16_t m_highHalf = 0; ///< high surrogate that waits for its low one
 };

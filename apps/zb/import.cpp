@@ -1,6 +1,7 @@
-// zb import: events and to-dos of iCalendar files into the device's appointments and tasks, one transaction a file.
+// zb import: events and to-dos of iCalendar files into the device's appointments and tasks, cards of vCard files into
+// its contacts, one transaction a file.
 #include "interchange/appointment_store.h"
-#include "interchange/calendar_import.h"
+#include "interchange/import_file.h"
 #include "zb/commands.h"
 #include "zb/json.h"
 #include "zb/open_device.h"
@@ -45,6 +46,27 @@ Json asJson(const interchange::TaskCounts &tasks)
     return told;
 }
 
+Json asJson(const interchange::ContactCounts &contacts)
+{
+    Json told = {{"inFile", contacts.seen},
+                 {"new", contacts.added},
+                 {"changed", contacts.updated},
+                 {"unchanged", contacts.unchanged},
+                 {"leftOut",
+                  {{"olderVersions", contacts.superseded},
+                   {"repeated", contacts.repeated},
+                   {"groups", contacts.groups},
+                   {"refused", contacts.refused}}},
+                 {"pictures", contacts.pictures},
+                 {"newCategories", contacts.categories},
+                 {"lostProperties", Json::object()}};
+    for (const auto &[name, count] : contacts.lost)
+    {
+        told["lostProperties"][name] = count;
+    }
+    return told;
+}
+
 Json asJson(const ImportReport &report)
 {
     Json file = {{"file", report.file}};
@@ -73,6 +95,7 @@ Json asJson(const ImportReport &report)
     file["newCategories"] = report.categories;
     file["lostColors"] = report.lostColors;
     file["tasks"] = asJson(report.tasks);
+    file["contacts"] = asJson(report.contacts);
     file["otherComponents"] = Json::object();
     for (const auto &[name, count] : report.otherComponents)
     {
@@ -105,7 +128,7 @@ ImportReport importOne(const std::filesystem::path &file, const ImportArguments 
     interchange::ImportOptions options;
     options.dryRun = arguments.dryRun;
     options.progress = [&bar](double fraction) { bar.show(fraction); };
-    return interchange::importCalendar(file, options);
+    return interchange::importFile(file, options);
 }
 
 /// The gravest result of all files decides.

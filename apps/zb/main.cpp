@@ -92,9 +92,9 @@ class CommandLine
 
     void addImport()
     {
-        CLI::App *const command = m_app.add_subcommand("import", "Take the events of iCalendar files into the device");
-        command->add_option("file", m_import.files, "iCalendar files, - for standard input")
-            ->type_name("FILE.ics")
+        CLI::App *const command = m_app.add_subcommand("import", "Take calendars and address books into the device");
+        command->add_option("file", m_import.files, "iCalendar and vCard files, - for standard input")
+            ->type_name("FILE")
             ->required();
         command->add_flag("--dry-run", m_import.dryRun, "Say what would happen, write nothing");
         command->add_flag("--json", m_import.json, "Print the result as JSON");

@@ -1,5 +1,6 @@
 // Physical lines to content lines: line ends, folds, encodings, limits.
 #include "interchange/content_lines.h"
+#include "interchange/text_charsets.h"
 
 #include <gtest/gtest.h>
 

@@ -119,6 +119,45 @@ TEST_F(SamplesTest, TheTasksComeInWithGroupsAndParents)
     EXPECT_EQ(again["newCategories"], 0);
 }
 
+TEST_F(SamplesTest, TheContactsComeInWithTheirBirthdays)
+{
+    const Json contacts = importSample("contacts.vcf", 0)["contacts"];
+    EXPECT_EQ(contacts["inFile"], 9);
+    EXPECT_EQ(contacts["new"], 9);
+    EXPECT_EQ(contacts["pictures"], 1);
+    EXPECT_EQ(contacts["newCategories"], 5);
+    EXPECT_EQ(contacts["lostProperties"], Json({{"LANG", 1}, {"NICKNAME", 1}}));
+    EXPECT_TRUE(std::filesystem::exists(device() / "files/My Documents/Kelvo/ContactPics/Keller, Tom.png"));
+    std::set<std::string> names;
+    const Json dump = json({"dump", "Contacts Database", "--json"});
+    for (const Json &record : dump["records"])
+    {
+        for (const Json &property : record["properties"])
+        {
+            if (property["id"] == "0x4013001f")
+            {
+                names.insert(property["value"]);
+            }
+        }
+    }
+    EXPECT_EQ(names, (std::set<std::string>{"Albers, Renate", "Böhm, Grandma Lotte", "Díaz Brandt, Inés", "Keller, Tom",
+                                            "Raman, Priya", "Stadtwerke Erlengrund", "Sørensen, Henrike", "山田, 花子",
+                                            "Łukasiewicz, Anika"}));
+    std::set<std::string> days;
+    const Json agenda = json({"agenda", "--json", "--birthdays", "--from", "2026-11-16", "--to", "2026-11-22"});
+    for (const Json &day : agenda["days"])
+    {
+        for (const Json &row : day["appointments"])
+        {
+            days.insert(day["date"].get<std::string>() + " " + row["subject"].get<std::string>());
+        }
+    }
+    EXPECT_EQ(days,
+              (std::set<std::string>{"2026-11-18 (0 years) Henrike Sørensen", "2026-11-19 (41 years) Anika Łukasiewicz",
+                                     "2026-11-20 (0 years) Priya Raman", "2026-11-21 (38 years) Tom Keller"}));
+    EXPECT_EQ(importSample("contacts.vcf", 0)["contacts"]["unchanged"], 9);
+}
+
 TEST_F(SamplesTest, TheAwkwardOneTellsWhatItCouldNotKeep)
 {
     const Json report = importSample("awkward.ics", 1);

@@ -75,8 +75,8 @@ TEST_F(ZbImportTest, FilesThatAreNoCalendarsAreExitFourAndOthersStand)
     EXPECT_EQ(result.exitCode, 4);
     EXPECT_EQ(result.out, good + ": 2 new, 0 changed, 0 unchanged, 0 left out\n");
     for (const std::string &message :
-         {text + ":1: is no iCalendar file: it does not begin with BEGIN:VCALENDAR",
-          empty + ": is no iCalendar file: it is empty", torn + ":",
+         {text + ":1: is no iCalendar or vCard file: it begins with neither BEGIN:VCALENDAR nor BEGIN:VCARD",
+          empty + ": is no iCalendar or vCard file: it is empty", torn + ":",
           missing + ": can't be opened: No such file or directory", folder().string() + ": is a folder"})
     {
         EXPECT_NE(result.err.find("zb: " + message), std::string::npos) << message << "\n" << result.err;
@@ -94,7 +94,8 @@ TEST_F(ZbImportTest, AnUnreadableFileWeighsMoreThanAnIncompleteOne)
 
 TEST_F(ZbImportTest, JsonTellsTheSame)
 {
-    const std::string mixed = file("mixed.ics", calendarOf(plainEvent(1) + badEvent + "BEGIN:VJOURNAL\nEND:VJOURNAL\n"));
+    const std::string mixed =
+        file("mixed.ics", calendarOf(plainEvent(1) + badEvent + "BEGIN:VJOURNAL\nEND:VJOURNAL\n"));
     const std::string text = file("text.ics", "Dear diary\n");
     const ProgramResult result = zb({"import", "--json", mixed, text});
     EXPECT_EQ(result.exitCode, 4);

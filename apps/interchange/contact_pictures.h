@@ -1,0 +1,22 @@
+// The picture folder of the open device. A contact's picture is a file there that has the name which the contact is
+// filed under.
+#pragma once
+
+#include "interchange/card_values.h"
+
+#include <string>
+
+namespace zb::interchange
+{
+/// Finds out where the folder is, and remembers it. That is kept in the registry, which another thread's transaction or
+/// one's own locks; so it wants to be done before one begins.
+void findPictureFolder();
+/// False for names that no file can have.
+bool canNamePicture(const std::u16string &fileAs);
+bool hasPicture(const std::u16string &fileAs);
+/// Takes the place of the picture that the contact had. False when the device could not keep it; the old one is then
+/// there still.
+bool putPicture(const std::u16string &fileAs, const CardPicture &picture);
+/// Gives the picture of a contact to its new name, unless that has one already.
+void renamePicture(const std::u16string &from, const std::u16string &to);
+} // namespace zb::interchange
