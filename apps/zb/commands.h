@@ -77,6 +77,14 @@ struct DumpArguments
 };
 int runDump(const DumpArguments &arguments);
 
+struct ShowArguments
+{
+    std::filesystem::path device;
+    CEOID id = 0; ///< of a record of any database
+    bool json = false;
+};
+int runShow(const ShowArguments &arguments);
+
 enum class SettingsAction
 {
     List,

@@ -1,4 +1,4 @@
-// zb dump: the records of one database, property by property.
+// zb dump and zb show: the records of one database, or one record, property by property.
 #include "platform/kernel.h"
 #include "platform/text.h"
 #include "records/CeDb.h"
@@ -136,6 +136,37 @@ int runDump(const DumpArguments &arguments)
     }
     Output output;
     arguments.json ? printJson(database, arguments, output) : printText(database, arguments, output);
+    return output.finish() ? exitOk : exitOutput;
+}
+
+int runShow(const ShowArguments &arguments)
+{
+    const std::unique_ptr<Device> device = openDevice(arguments.device, Missing::Refuse);
+    if (!device)
+    {
+        return exitDevice;
+    }
+    CeDb database;
+    CeDbRecord record;
+    const BSTR name = CeDb::GetDatabaseNameFromOID(arguments.id);
+    const bool found = name != nullptr && database.Open(name, 0, 0, nullptr) && database.SeekTo(arguments.id) != 0 &&
+                       database.ReadRec(record, 0, nullptr);
+    SysFreeString(name);
+    if (!found)
+    {
+        complain("the device has no record " + std::to_string(arguments.id));
+        return exitUsage;
+    }
+    Output output;
+    if (arguments.json)
+    {
+        output.line(text(Json{{"version", jsonVersion}, {"database", nameOf(database)}, {"record", asJson(record)}}));
+    }
+    else
+    {
+        output.line(nameOf(database));
+        print(record, Terminal(stdout), output);
+    }
     return output.finish() ? exitOk : exitOutput;
 }
 } // namespace zb::cli

@@ -60,6 +60,7 @@ class CommandLine
         addContacts();
         addInfo();
         addDump();
+        addShow();
         addSettings();
         addCategories();
     }
@@ -283,6 +284,21 @@ class CommandLine
             });
     }
 
+    void addShow()
+    {
+        CLI::App *const command = m_app.add_subcommand("show", "Print one record with all its properties");
+        command->add_option("id", m_show.id, "Id of the record, as the lists tell it as JSON")
+            ->type_name("ID")
+            ->required();
+        command->add_flag("--json", m_show.json, "Print JSON");
+        command->callback(
+            [this]
+            {
+                m_show.device = m_device;
+                m_run = [this] { return runShow(m_show); };
+            });
+    }
+
     /// One of the words behind "settings".
     CLI::App *addSettingsWord(CLI::App *settings, const char *word, const char *help, SettingsAction action)
     {
@@ -374,6 +390,7 @@ class CommandLine
     ContactsArguments m_contacts;
     InfoArguments m_info;
     DumpArguments m_dump;
+    ShowArguments m_show;
     SettingsArguments m_settings;
     CategoriesArguments m_categories;
     std::function<int()> m_run;

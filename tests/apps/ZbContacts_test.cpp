@@ -145,6 +145,30 @@ TEST_F(ZbContacts, TellsEachContactAsJson)
     EXPECT_TRUE(told["groups"][0]["contacts"][2]["detailProperty"].is_null());
 }
 
+TEST_F(ZbContacts, OneIsShownWithItsProperties)
+{
+    const std::string id = std::to_string(ids[0]);
+    const ProgramResult shown = zb({"show", id});
+    EXPECT_EQ(shown.exitCode, 0) << shown.err;
+    EXPECT_EQ(shown.out.rfind("Contacts Database\nrecord " + id + "\n", 0), 0U) << shown.out;
+    const nlohmann::json told = json({"show", id, "--json"});
+    EXPECT_EQ(told["version"], 1);
+    EXPECT_EQ(told["database"], "Contacts Database");
+    EXPECT_EQ(told["record"]["id"], ids[0]);
+    std::map<std::string, nlohmann::json> values;
+    for (const auto &property : told["record"]["properties"])
+    {
+        values[property["name"]] = property["value"];
+    }
+    EXPECT_EQ(values["fileAs"], "Berg, Anna");
+    EXPECT_EQ(values["mobilePhone"], "555-01");
+    EXPECT_EQ(values["homeCity"], "Oslo");
+    for (const char *bad : {"0", "999999", "nobody"})
+    {
+        EXPECT_EQ(zb({"show", bad}).exitCode, 2) << bad;
+    }
+}
+
 TEST_F(ZbContacts, WithoutAnOrderTheSettingsDecide)
 {
     ASSERT_EQ(zb({"settings", "set", "CV_DisplayFormat", "0", "--key", "CV"}).exitCode, 0);
