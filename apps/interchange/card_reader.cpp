@@ -376,8 +376,9 @@ void CardReader::decodeText(std::string bytes, bool raw)
 {
     CardProperty &property = m_head.property;
     const std::string_view charset = property.parameter("CHARSET");
-    const std::optional<UINT> codePage = charset.empty() ? std::nullopt : codePageOf(charset);
-    if (!charset.empty() && !codePage)
+    constexpr UINT unknown = 0; // of no charset, or of one that nobody knows
+    const UINT codePage = charset.empty() ? unknown : codePageOf(charset).value_or(unknown);
+    if (!charset.empty() && codePage == unknown)
     {
         if (m_notes.unknownCharsets++ == 0)
         {
@@ -386,14 +387,14 @@ void CardReader::decodeText(std::string bytes, bool raw)
         }
     }
     const bool decoded = raw && m_text.tellsEncoding();
-    if (codePage && *codePage != CP_UTF8 && !decoded && (!isAscii(bytes) || isShifting(*codePage)))
+    if (codePage != unknown && codePage != CP_UTF8 && !decoded && (!isAscii(bytes) || isShifting(codePage)))
     {
-        DecodedText text = fromCodePage(bytes, *codePage);
+        DecodedText text = fromCodePage(bytes, codePage);
         property.value = std::move(text.text);
         m_notes.badTextFirst = !text.whole && m_notes.badTexts++ == 0 ? property.line : m_notes.badTextFirst;
         return;
     }
-    if (codePage && *codePage == CP_UTF8 && !isUtf8(bytes) && !raw)
+    if (codePage == CP_UTF8 && !isUtf8(bytes) && !raw)
     {
         property.value = fromCodePage(bytes, CP_UTF8).text;
         m_notes.badTextFirst = m_notes.badTexts++ == 0 ? property.line : m_notes.badTextFirst;
