@@ -17,6 +17,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace zb
 {
@@ -47,6 +48,25 @@ class ZBPLATFORM_API DeviceError : public std::runtime_error
     DeviceFault m_fault;
 };
 
+/// The device's screen, as drawing and windows see it.
+struct ScreenOptions
+{
+    /// Pixels.
+    int width = 480;
+    int height = 640;
+    /// Pixels per inch, both ways: 96 to 288 are what the pictures are made for. It never changes the size of a font
+    /// or a line by itself: those are asked for in pixels.
+    int dotsPerInch = 96;
+};
+
+/// Where faces come from.
+struct FontOptions
+{
+    /// Files to choose faces from, in this order for characters that the face asked for lacks; when there are any,
+    /// nothing else is looked at, so that pictures don't depend on the machine. Empty takes the host's faces.
+    std::vector<std::filesystem::path> files;
+};
+
 struct DeviceOptions
 {
     /// Folder of the device; empty takes defaultRoot().
@@ -62,6 +82,8 @@ struct DeviceOptions
     /// Shows a message of MessageBoxW (text, caption, flags) and returns the button that ends it; called on the thread
     /// that asks, any. Empty writes caption and text to standard error and presses the first button.
     std::function<int(std::u16string_view, std::u16string_view, UINT)> messageBox;
+    ScreenOptions screen;
+    FontOptions fonts;
     /// Name of a SQLite file layer to open the store with (faults are injected there); empty takes the default.
     std::string storeFileLayer;
 };

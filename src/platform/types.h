@@ -55,6 +55,19 @@ using HWND = HWND__ *;
 using HINSTANCE = HINSTANCE__ *;
 using HMODULE = HINSTANCE;
 
+/// Objects of the drawing service (gdi.h) and image lists (image_list.h). Checked at each use, like HANDLE.
+struct HDC__;
+struct HIMAGELIST__;
+using HDC = HDC__ *;
+using HIMAGELIST = HIMAGELIST__ *;
+/// Any object that can be selected into a device context or deleted with DeleteObject.
+using HGDIOBJ = void *;
+using HFONT = HGDIOBJ;
+using HBITMAP = HGDIOBJ;
+using HPEN = HGDIOBJ;
+using HBRUSH = HGDIOBJ;
+using HICON = HGDIOBJ;
+
 inline constexpr BOOL FALSE = 0;
 inline constexpr BOOL TRUE = 1;
 inline constexpr DWORD INFINITE = 0xFFFFFFFFU;
@@ -100,6 +113,12 @@ struct POINT
 {
     LONG x;
     LONG y;
+};
+
+struct SIZE
+{
+    LONG cx;
+    LONG cy;
 };
 
 struct RECT

@@ -89,6 +89,8 @@ std::shared_ptr<DeviceState> stateFor(const DeviceOptions &options)
     state->timeZone = options.timeZone.empty() ? internal::hostZone() : options.timeZone;
     state->clock = options.clock ? options.clock : hostTicks;
     state->messageBox = options.messageBox;
+    state->screen = options.screen;
+    state->fonts = options.fonts;
     if (!internal::isZoneName(state->timeZone))
     {
         throw DeviceError(DeviceFault::Other, "The time zone \"" + state->timeZone + "\" is not known.");
@@ -232,6 +234,18 @@ std::string currentLocale()
 {
     const auto device = currentDevice();
     return device != nullptr ? device->locale : hostLocale();
+}
+
+ScreenOptions currentScreen()
+{
+    const auto device = currentDevice();
+    return device == nullptr ? ScreenOptions{} : device->screen;
+}
+
+FontOptions currentFonts()
+{
+    const auto device = currentDevice();
+    return device == nullptr ? FontOptions{} : device->fonts;
 }
 
 std::string currentZone()

@@ -20,6 +20,8 @@ struct DeviceState
     std::string timeZone;        ///< tzdata name
     std::function<LONGLONG()> clock;
     std::function<int(std::u16string_view, std::u16string_view, UINT)> messageBox; ///< empty: standard error
+    ScreenOptions screen;
+    FontOptions fonts;
     std::shared_ptr<Store> store;
 };
 
@@ -30,4 +32,7 @@ std::shared_ptr<const DeviceState> currentDevice();
 std::string currentLocale();
 std::string currentZone();
 LONGLONG currentTicks();
+/// Of the open device, or the defaults while none is open.
+ScreenOptions currentScreen();
+FontOptions currentFonts();
 } // namespace zb::internal

@@ -1,0 +1,33 @@
+// Image lists: a strip of pictures of one size in one object.
+//
+// The caller owns a list until ImageList_Destroy. Bitmaps that are added are copied. Threads: one at a time. False, -1
+// or null with last error 6 for a list that is none, 87 for an index or size out of range.
+#pragma once
+
+#include "platform/gdi.h"
+
+inline constexpr UINT ILC_COLOR = 0x0000;
+inline constexpr UINT ILC_MASK = 0x0001;
+inline constexpr UINT ILC_COLORDDB = 0x00FE;
+inline constexpr UINT ILC_COLOR32 = 0x0020;
+inline constexpr UINT ILD_NORMAL = 0;
+inline constexpr UINT ILD_TRANSPARENT = 1;
+inline constexpr UINT IMAGE_BITMAP = 0;
+inline constexpr UINT IMAGE_ICON = 1;
+
+ZBPLATFORM_API HIMAGELIST ImageList_Create(int width, int height, UINT flags, int initial, int grow);
+ZBPLATFORM_API BOOL ImageList_Destroy(HIMAGELIST list);
+/// Cuts the bitmap into pictures of the list's width. The index of the first, -1 on failure. The mask (white lets
+/// through) may be null.
+ZBPLATFORM_API int ImageList_Add(HIMAGELIST list, HBITMAP bitmap, HBITMAP mask);
+/// The same; pixels of the key colour let through.
+ZBPLATFORM_API int ImageList_AddMasked(HIMAGELIST list, HBITMAP bitmap, COLORREF key);
+ZBPLATFORM_API int ImageList_ReplaceIcon(HIMAGELIST list, int index, HICON icon);
+ZBPLATFORM_API BOOL ImageList_Remove(HIMAGELIST list, int index);
+ZBPLATFORM_API int ImageList_GetImageCount(HIMAGELIST list);
+ZBPLATFORM_API BOOL ImageList_GetIconSize(HIMAGELIST list, int *width, int *height);
+ZBPLATFORM_API BOOL ImageList_Draw(HIMAGELIST list, int index, HDC context, int x, int y, UINT style);
+/// A bitmap resource (type IMAGE_BITMAP) as a list of pictures `width` wide (0: as wide as high), with the key colour
+/// (CLR_NONE: none; CLR_DEFAULT: the colour of the top left pixel). Null without the resource or for another type.
+ZBPLATFORM_API HIMAGELIST ImageList_LoadImage(HINSTANCE module, const WCHAR *name, int width, int grow, COLORREF key,
+                                              UINT type, UINT flags);
