@@ -51,6 +51,7 @@ bool CContactsThread::ListCompanies(CeManualEvent *pRun, Tree &tree)
     {
         if (i % contactsPerPoll == 0 && !GoesOn(pRun))
         {
+            tree.keepRest();
             return false;
         }
         const CCatCache &item = *m_lstCache.GetPtrAt(i);

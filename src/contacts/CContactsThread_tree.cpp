@@ -54,6 +54,23 @@ DATACONTACTS *CContactsThread::Tree::add(const WCHAR *name)
     return append(former != m_former.end() ? std::move(former->second) : nullptr, name);
 }
 
+void CContactsThread::Tree::keepRest()
+{
+    if (m_none != nullptr)
+    {
+        m_rows.AddTail(m_none.get());
+        m_none.release();
+    }
+    for (auto &[name, header] : m_former)
+    {
+        if (header != nullptr)
+        {
+            m_rows.AddTail(header.get());
+            header.release();
+        }
+    }
+}
+
 DATACONTACTS *CContactsThread::Tree::append(std::unique_ptr<DATACONTACTS> header, const WCHAR *name)
 {
     const bool open = header != nullptr && header->m_bOpen;

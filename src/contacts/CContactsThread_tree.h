@@ -6,7 +6,7 @@
 #include <unordered_map>
 
 /// Takes the headers of the last run over, so that nodes stay open and hosts' pointers to headers stay good. Headers
-/// that no name asks for go with the object.
+/// that no name asks for go with the object, unless keepRest leaves them to the next run.
 class CContactsThread::Tree
 {
   public:
@@ -17,6 +17,9 @@ class CContactsThread::Tree
     DATACONTACTS *addNone();
     /// Appends the header of a name: the former one, which keeps its state, or a new, closed one.
     DATACONTACTS *add(const WCHAR *name);
+    /// For a run that is stopped: the headers that it did not come to go to the end of the list. Without them the next
+    /// run would show their nodes closed, and keystrokes stop one run after the other.
+    void keepRest();
 
   private:
     DATACONTACTS *append(std::unique_ptr<DATACONTACTS> header, const WCHAR *name);

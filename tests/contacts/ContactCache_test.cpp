@@ -36,6 +36,16 @@ TEST_F(ContactCache, loadsAtTheFirstNeedAndStays)
     EXPECT_EQ(load(1), "A; B");
 }
 
+TEST_F(ContactCache, isReadInTheOrderOfFileAsNames)
+{
+    for (const WCHAR *name : {u"Carl", u"anna", u"Émile", u"Bob"})
+    {
+        addContact(u"", name);
+    }
+    loader().LoadCatCache();
+    EXPECT_EQ(cached(), "anna; Bob; Carl; Émile");
+}
+
 TEST_F(ContactCache, isSortedForTheDisplayAfterItWasCleared)
 {
     addContact(u"Zoe", u"Alpha");
@@ -151,6 +161,8 @@ TEST_F(ContactCache, theFilteredListFollowsAdditionsAndDeletionsAndUpdatesThatNo
     const CEOID d = addContact(u"", u"D", u"", {workBit});
     loader().AddCatCacheItem(d);
     EXPECT_EQ(load(1), "A; C; D");
+    loader().AddCatCacheItem(addContact(u"", u"E", u"", {homeBit}));
+    EXPECT_EQ(load(1), "A; C; D") << "a new one that does not pass";
     loader().DeleteCatCacheItem(c);
     EXPECT_EQ(load(1), "A; D");
     zb::ContactItem item;
@@ -210,6 +222,10 @@ TEST_F(ContactCache, comparesByTheKeysOfTheDisplay)
     EXPECT_EQ(order(-1), -1);
     EXPECT_EQ(CompareCatCacheItem(b.get(), a.get(), 1), -1);
     EXPECT_EQ(CompareCatCacheItem(a.get(), a.get(), 0), 0);
+    const CacheItem sister(3, u"Anna", u"Berg", u"Middle", u"Z");
+    EXPECT_EQ(CompareCatCacheItem(a.get(), sister.get(), 0), 1) << "Zorn behind Berg, whatever they are filed under";
+    const CacheItem cousin(4, u"Carl", u"Adams", u"Middle", u"A");
+    EXPECT_EQ(CompareCatCacheItem(b.get(), cousin.get(), 1), -1) << "Bob before Carl";
     const CacheItem sameId(1, u"X", u"X", u"X", u"X");
     EXPECT_EQ(CompareCatCacheItem(a.get(), sameId.get(), 0), 0) << "one contact";
     EXPECT_EQ(CompareCatCacheItem(a.get(), &CContactsThread::ccNullItem, 0), 1);
@@ -284,6 +300,19 @@ TEST_F(ContactFinding, goesOnToTheOtherKeysBeforeGivingUp)
     EXPECT_EQ(find(u"ha", contactsLastName), 2) << "first name, around the end of the circle";
     EXPECT_EQ(find(u"zz", contactsLastName), 3) << "one past the last";
     EXPECT_EQ(find(u"an", contactsLastName, 1), 3) << "only from the index on";
+}
+
+TEST_F(ContactFinding, leavesCaseAccentsSymbolsKanaAndWidthOutOfAccount)
+{
+    addContact(u"", u"Ölgård");
+    addContact(u"", u"O'Pry");
+    addContact(u"", u"オノ");
+    addContact(u"", u"Ｑｕｉｎｎ");
+    load(1); // Berg, Fox, Ivy, O'Pry, Ölgård, Quinn, オノ
+    EXPECT_EQ(find(u"o-p", contactsLastName), 3);
+    EXPECT_EQ(find(u"OLGA", contactsLastName), 4);
+    EXPECT_EQ(find(u"qui", contactsLastName), 5);
+    EXPECT_EQ(find(u"おの", contactsLastName), 6);
 }
 
 TEST_F(ContactFinding, theCircleEndsAtTheDisplayOfTheSettings)

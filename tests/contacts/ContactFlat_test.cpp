@@ -351,6 +351,16 @@ TEST_F(ContactPages, aChangedDisplayBeginsWithTheFirstPage)
     EXPECT_EQ(filled(), 20);
 }
 
+TEST_F(ContactPages, theFirstRunCountsAsAChangeOfDisplay)
+{
+    addMany(45);
+    loader().SetLastRowRead(20);
+    loader().SetStartListIndex(20);
+    load(3);
+    EXPECT_EQ(messages, (std::vector<Message>{{3, 45}}));
+    EXPECT_EQ(filled(), 20);
+}
+
 TEST_F(ContactPages, aRefilledSlotWhoseRecordIsGoneLeavesTheList)
 {
     addMany(45);

@@ -271,6 +271,17 @@ TEST_F(CompanyTree, theNoneNodeDisappearsWhenItIsEmpty)
     EXPECT_EQ(load(), "[Acme (2) -]; [Zenith (2) -]; [東京 (1) -]");
 }
 
+TEST_F(CompanyTree, nodesStayOpenWhenARunIsStopped)
+{
+    load();
+    open("None");
+    open("Zenith");
+    CeManualEvent stopped(false);
+    loader().LoadContacts(&stopped);
+    EXPECT_EQ(loader().GetList().GetDisplayCount(), 0);
+    EXPECT_EQ(load(), "[None (1) +]; Dorn, Carl; [Acme (2) -]; [Zenith (2) +]; Clay, Bob; Zenith; [東京 (1) -]");
+}
+
 TEST_F(CompanyTree, aSearchGoesByTheCompany)
 {
     EXPECT_EQ(search(u"ac"), "[Acme (2) +]; Adams, Émile; Berg, Anna");
