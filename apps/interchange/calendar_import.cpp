@@ -5,6 +5,7 @@
 #include "interchange/calendar_survey.h"
 #include "interchange/event_item.h"
 #include "interchange/event_series.h"
+#include "interchange/import_frame.h"
 #include "interchange/item_categories.h"
 #include "interchange/task_import.h"
 #include "interchange/zone_book.h"
@@ -317,22 +318,10 @@ class CalendarImport
     void addNotes()
     {
         const ReaderNotes &notes = m_reader.notes();
-        const auto note = [this](std::size_t count, std::size_t line, const char *one, const char *many)
-        {
-            if (count != 0)
-            {
-                m_report.find(line, count == 1 ? one : std::to_string(count) + many);
-            }
-        };
-        note(notes.encoding.windows1252Lines, notes.encoding.windows1252First,
-             "the line is no UTF-8 and was taken as Windows-1252",
-             " lines from here on are no UTF-8 and were taken as Windows-1252");
-        note(notes.encoding.zeroLines, notes.encoding.zeroFirst, "the line holds zero bytes, which were dropped",
-             " lines from here on hold zero bytes, which were dropped");
-        note(notes.strayLines, notes.strayFirst, "the line belongs to nothing and was passed over",
-             " lines from here on belong to nothing and were passed over");
-        note(notes.unendedCalendars, notes.unendedCalendarFirst, "the calendar that begins here has no end",
-             " calendars from here on have no end");
+        tellEncoding(m_report, notes.encoding);
+        tellStrayLines(m_report, notes.strayLines, notes.strayFirst);
+        tellAlike(m_report, notes.unendedCalendars, notes.unendedCalendarFirst,
+                  "the calendar that begins here has no end", " calendars from here on have no end");
     }
 
     CalendarReader m_reader;
@@ -351,36 +340,12 @@ class CalendarImport
 
 ImportReport importCalendar(ByteSource &bytes, const std::string &name, const ImportOptions &options)
 {
-    ImportReport report;
-    report.file = name;
-    try
-    {
-        CalendarImport(bytes, options, report).run();
-    }
-    catch (const CalendarFileError &error)
-    {
-        report = {};
-        report.file = name;
-        report.failure = FileFailure{error.fault(), error.line(), error.what()};
-    }
-    return report;
+    return reportOf(name, [&](ImportReport &report) { CalendarImport(bytes, options, report).run(); });
 }
 
 ImportReport importCalendar(const std::filesystem::path &file, const ImportOptions &options)
 {
     const std::string name = file == "-" ? "standard input" : file.string();
-    std::unique_ptr<ByteSource> bytes;
-    try
-    {
-        bytes = openFile(file);
-    }
-    catch (const CalendarFileError &error)
-    {
-        ImportReport report;
-        report.file = name;
-        report.failure = FileFailure{error.fault(), error.line(), error.what()};
-        return report;
-    }
-    return importCalendar(*bytes, name, options);
+    return reportOf(name, [&](ImportReport &report) { report = importCalendar(*openFile(file), name, options); });
 }
 } // namespace zb::interchange

@@ -4,6 +4,7 @@
 #include "interchange/card.h"
 #include "interchange/contact_size.h"
 #include "interchange/import_report.h"
+#include "interchange/named_line.h"
 #include "platform/pim.h"
 
 #include <cstddef>
@@ -12,21 +13,15 @@
 
 namespace zb::interchange
 {
-struct CardCategory
-{
-    std::u16string name;
-    std::size_t line = 0;
-};
-
 struct ContactReading
 {
-    ContactItem item;                     ///< without interchangeId
-    bool isGroup = false;                 ///< the card stands for a list of others, not for somebody
-    std::vector<CardCategory> categories; ///< each once
-    const CardProperty *photo = nullptr;  ///< in the card
-    std::vector<Finding> findings;        ///< what was read otherwise than it was meant, or had no place left
-    std::vector<std::string> lost;        ///< properties that no record holds, each once
-    std::vector<Shortening> shortened;    ///< texts that were cut
+    ContactItem item;                    ///< without interchangeId
+    bool isGroup = false;                ///< the card stands for a list of others, not for somebody
+    std::vector<NamedLine> categories;   ///< each once
+    const CardProperty *photo = nullptr; ///< in the card
+    std::vector<Finding> findings;       ///< what was read otherwise than it was meant, or had no place left
+    std::vector<std::string> lost;       ///< properties that no record holds, each once
+    std::vector<Shortening> shortened;   ///< texts that were cut
 
     /// Nothing that a list could show.
     bool isEmpty() const

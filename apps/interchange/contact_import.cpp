@@ -3,10 +3,11 @@
 #include "interchange/calendar_text.h"
 #include "interchange/card_reader.h"
 #include "interchange/card_values.h"
-#include "interchange/category_book.h"
 #include "interchange/contact_card.h"
 #include "interchange/contact_pictures.h"
 #include "interchange/contact_store.h"
+#include "interchange/import_frame.h"
+#include "interchange/item_categories.h"
 #include "platform/kernel.h"
 #include "platform/text.h"
 
@@ -76,7 +77,7 @@ class ContactImport
 {
   public:
     ContactImport(ByteSource &bytes, const ImportOptions &options, ImportReport &report)
-        : m_reader(bytes), m_options(options), m_report(report), m_counts(report.contacts)
+        : m_reader(bytes), m_options(options), m_report(report), m_counts(report.contacts), m_categories(report)
     {
     }
 
@@ -95,7 +96,7 @@ class ContactImport
                 m_options.progress(static_cast<double>(m_reader.position()) / static_cast<double>(m_reader.size()));
             }
         }
-        m_counts.categories = m_categories ? m_categories->added() : 0;
+        m_counts.categories = std::exchange(m_report.categories, 0);
         addNotes();
         const bool changed = m_counts.added != 0 || m_counts.updated != 0;
         if (changed && !m_options.dryRun && !writing.commit())
@@ -203,7 +204,7 @@ class ContactImport
         }
         ContactCard contact;
         contact.item = reading.item;
-        contact.categories = categoriesOf(reading);
+        contact.categories = m_categories.bitsOf(reading.categories);
         const bool picture = reading.photo != nullptr && isPicture(*reading.photo);
         if (picture && !canNamePicture(fileAsOf(reading.item)))
         {
@@ -246,26 +247,6 @@ class ContactImport
             return false;
         }
         return true;
-    }
-
-    std::vector<BYTE> categoriesOf(const ContactReading &reading)
-    {
-        std::vector<SHORT> ids;
-        for (const CardCategory &category : reading.categories)
-        {
-            if (!m_categories)
-            {
-                m_categories.emplace();
-            }
-            if (const std::optional<SHORT> id = m_categories->find(category.name))
-            {
-                ids.push_back(*id);
-                continue;
-            }
-            m_report.find(category.line, "the category \"" + toUtf8(std::u16string_view(category.name).substr(0, 80)) +
-                                             "\" can't be kept: it has no possible name, or there are too many");
-        }
-        return categoryBits(ids);
     }
 
     void count(AppointmentStore::Outcome outcome)
@@ -323,28 +304,17 @@ class ContactImport
     void addNotes()
     {
         const CardNotes &notes = m_reader.notes();
-        const auto note = [this](std::size_t count, std::size_t line, const std::string &one, const std::string &many)
-        {
-            if (count != 0)
-            {
-                m_report.find(line, count == 1 ? one : std::to_string(count) + many);
-            }
-        };
-        note(notes.encoding.windows1252Lines, notes.encoding.windows1252First,
-             "the line is no UTF-8 and was taken as Windows-1252",
-             " lines from here on are no UTF-8 and were taken as Windows-1252");
-        note(notes.encoding.zeroLines, notes.encoding.zeroFirst, "the line holds zero bytes, which were dropped",
-             " lines from here on hold zero bytes, which were dropped");
-        note(notes.badTexts, notes.badTextFirst, "the text is not in the character set that it names; some is lost",
-             " texts from here on are not in the character set that they name; some is lost");
+        tellEncoding(m_report, notes.encoding);
+        tellAlike(m_report, notes.badTexts, notes.badTextFirst,
+                  "the text is not in the character set that it names; some is lost",
+                  " texts from here on are not in the character set that they name; some is lost");
         if (notes.unknownCharsets != 0)
         {
             m_report.find(notes.unknownCharsetFirst,
                           "the character set \"" + shown(notes.unknownCharset) +
                               "\" is unknown; its texts were taken as UTF-8 or Windows-1252");
         }
-        note(notes.strayLines, notes.strayFirst, "the line belongs to nothing and was passed over",
-             " lines from here on belong to nothing and were passed over");
+        tellStrayLines(m_report, notes.strayLines, notes.strayFirst);
     }
 
     CardReader m_reader;
@@ -352,7 +322,7 @@ class ContactImport
     ImportReport &m_report;
     ContactCounts &m_counts;
     std::optional<ContactStore> m_store; // opened by the first card that is taken
-    std::optional<CategoryBook> m_categories;
+    ItemCategories m_categories;
     std::unordered_map<Fingerprint, Version> m_versions;
     std::unordered_set<Fingerprint> m_seen;
     std::vector<std::pair<std::u16string, std::u16string>> m_renamed;
@@ -362,18 +332,6 @@ class ContactImport
 
 ImportReport importContacts(ByteSource &bytes, const std::string &name, const ImportOptions &options)
 {
-    ImportReport report;
-    report.file = name;
-    try
-    {
-        ContactImport(bytes, options, report).run();
-    }
-    catch (const CalendarFileError &error)
-    {
-        report = {};
-        report.file = name;
-        report.failure = FileFailure{error.fault(), error.line(), error.what()};
-    }
-    return report;
+    return reportOf(name, [&](ImportReport &report) { ContactImport(bytes, options, report).run(); });
 }
 } // namespace zb::interchange

@@ -4,6 +4,7 @@
 #include "interchange/card.h"
 #include "interchange/contact_import.h"
 #include "interchange/content_lines.h"
+#include "interchange/import_frame.h"
 
 namespace zb::interchange
 {
@@ -39,18 +40,13 @@ void nameBothKinds(ImportReport &report)
 ImportReport importFile(const std::filesystem::path &file, const ImportOptions &options)
 {
     const std::string name = file == "-" ? "standard input" : file.string();
-    ImportReport report;
-    try
-    {
-        const std::unique_ptr<ByteSource> bytes = openFile(file);
-        report = beginsWithCard(*bytes) ? importContacts(*bytes, name, options) : importCalendar(*bytes, name, options);
-        nameBothKinds(report);
-    }
-    catch (const CalendarFileError &error)
-    {
-        report.file = name;
-        report.failure = FileFailure{error.fault(), error.line(), error.what()};
-    }
-    return report;
+    return reportOf(name,
+                    [&](ImportReport &report)
+                    {
+                        const std::unique_ptr<ByteSource> bytes = openFile(file);
+                        report = beginsWithCard(*bytes) ? importContacts(*bytes, name, options)
+                                                        : importCalendar(*bytes, name, options);
+                        nameBothKinds(report);
+                    });
 }
 } // namespace zb::interchange

@@ -53,7 +53,7 @@ std::vector<BYTE> ItemCategories::bitsOf(const std::vector<NamedLine> &names)
         else
         {
             m_report.find(category.line, "the category \"" +
-                                             toUtf8(std::u16string_view(category.name)).substr(0, longestShownName) +
+                                             toUtf8(std::u16string_view(category.name).substr(0, longestShownName)) +
                                              "\" can't be kept: it has no possible name, or there are too many");
         }
     }
@@ -93,7 +93,7 @@ void ItemCategories::noteColor(const CalendarComponent &event, const std::vector
     const std::optional<COLORREF> color = colorOf(found->value);
     if (!color)
     {
-        m_report.find(found->line, "the colour \"" + found->value.substr(0, longestShownName) + "\" is none that is known");
+        m_report.find(found->line, "the colour \"" + shown(found->value, longestShownName) + "\" is none that is known");
     }
     else if (names.empty())
     {

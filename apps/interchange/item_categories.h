@@ -4,6 +4,7 @@
 #include "interchange/calendar_reader.h"
 #include "interchange/category_book.h"
 #include "interchange/import_report.h"
+#include "interchange/named_line.h"
 
 #include <map>
 #include <optional>
@@ -12,13 +13,6 @@
 
 namespace zb::interchange
 {
-/// A name with the line that it stands in.
-struct NamedLine
-{
-    std::u16string name;
-    std::size_t line = 0;
-};
-
 /// Adds the names of a CATEGORIES line that are not among them yet.
 void readCategories(const PropertyLine &line, std::vector<NamedLine> &names);
 
