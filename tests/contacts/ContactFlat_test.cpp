@@ -393,7 +393,7 @@ TEST_F(ContactPages, aSearchComesAtOnceAndAllContactsInPagesAgainAfterIt)
 {
     addMany(45);
     load(1);
-    messages.clear();
+    nextPage(20);
     EXPECT_NE(search(u"name"), "");
     EXPECT_EQ(messages, (std::vector<Message>{{1, 45}}));
     EXPECT_EQ(filled(), 45);

@@ -126,6 +126,19 @@ TEST_F(ContactRun, treesPostTheirList)
     EXPECT_EQ(run(), (std::vector<Message>{{32802, 0, 0}, {1274, 1, 1}, {32803, 0, 0}}));
 }
 
+TEST_F(ContactRun, aNodeWithoutMembersIsNotTold)
+{
+    const CEOID gone = addContact(u"A", u"B", u"Beta");
+    display(2);
+    load();
+    removeContact(gone);
+    drainMessages();
+    messages.clear();
+    EXPECT_EQ(loader().ListTreeContacts(2, 1, false), 0);
+    drainMessages();
+    EXPECT_TRUE(messages.empty());
+}
+
 TEST_F(ContactRun, aHostMayUpdateTheCacheWhileItHandlesTheMessage)
 {
     addMany(3);

@@ -130,7 +130,10 @@ TEST_F(ContactSearch, deepLooksIntoEveryTextThatItReads)
     item.home = {u"f34", u"f35", u"f36", u"no1", u"f37"};
     item.notes = u"no2";
     item.spouse = u"no3";
-    addContact(item);
+    const CEOID oid = addContact(item);
+    zb::RecordProperties icon;
+    icon.set(0x2a08001f, std::u16string(u"no4"));
+    writeContact(oid, icon);
     addContact(u"Somebody", u"Else");
     display(3);
     for (int i = 1; i <= 37; ++i)
@@ -138,9 +141,9 @@ TEST_F(ContactSearch, deepLooksIntoEveryTextThatItReads)
         const std::string text = (i < 10 ? "F0" : "F") + std::to_string(i);
         EXPECT_EQ(search(utf16(text), true), "f04") << text;
     }
-    for (const char *text : {"no1", "no2", "no3"})
+    for (const char *text : {"no1", "no2", "no3", "no4"})
     {
-        EXPECT_EQ(search(utf16(text), true), "") << "kept: not among what is read, " << text;
+        EXPECT_EQ(search(utf16(text), true), "") << "kept: not among what is looked at, " << text;
     }
 }
 

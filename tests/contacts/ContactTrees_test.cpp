@@ -1,6 +1,8 @@
 // The trees of categories and companies: counts, open state, members, searches.
 #include "contacts/ContactListTest.h"
 #include "platform/kernel.h"
+#include "records/CategoryEdit.h"
+#include "records/FullCategories.h"
 #include "support/CategoryRecords.h"
 #include "support/MessageWindow.h"
 
@@ -155,6 +157,12 @@ TEST_F(CategoryTree, aSearchOpensWhatHasHitsAndDropsTheRest)
     EXPECT_EQ(load(), "[None (2) -]; [Garden (1) -]; [Home (1) -]; [Work (2) -]");
 }
 
+TEST_F(CategoryTree, aSearchLeavesAccentsAndSymbolsOutOfAccount)
+{
+    addContact(u"", u"O'Ção", u"", {gardenBit});
+    EXPECT_EQ(search(u"o-ca"), "[Garden (1) +]; O'Ção");
+}
+
 TEST_F(CategoryTree, aSearchCountsInClosedNodesWhereItMustNotOpen)
 {
     set(u"OpenOnCompare", 0);
@@ -172,6 +180,16 @@ TEST_F(CategoryTree, aDeepSearchReadsTheRecords)
     EXPECT_EQ(search(u"slo", true), "[Home (1) +]; Deep");
 }
 
+TEST_F(CategoryTree, aStoppedRunLeavesNoTotal)
+{
+    load();
+    CeManualEvent stopped(false);
+    loader().LoadContacts(&stopped);
+    EXPECT_EQ(loader().GetTotalNumRecords(), 0);
+    load();
+    EXPECT_EQ(loader().GetTotalNumRecords(), 4);
+}
+
 TEST_F(CategoryTree, theChoiceOfCategoriesDoesNotCount)
 {
     choose({gardenBit});
@@ -183,6 +201,15 @@ TEST_F(CategoryTree, aCategoryThatIsGoneLeavesNoHeader)
 {
     addContact(u"", u"Lost", u"", {workBit, 7});
     EXPECT_EQ(load(), "[None (2) -]; [Garden (1) -]; [Home (1) -]; [Work (3) -]");
+}
+
+TEST_F(CategoryTree, aHeaderWhoseCategoryIsGoneOpensToNobody)
+{
+    load();
+    ASSERT_EQ(zb::renameCategory(u"Work", u"Office"), zb::CategoryChange::Done);
+    ResetFullCategoryList();
+    EXPECT_EQ(open("Work"), 0);
+    EXPECT_EQ(shown(), "[None (2) -]; [Garden (1) -]; [Home (1) -]; [Work (2) -]");
 }
 
 TEST_F(CategoryTree, namesThatDifferInCaseAloneShareAHeader)
@@ -236,6 +263,8 @@ TEST_F(CompanyTree, membersAreNamedByTheirOwnSetting)
     open("None");
     EXPECT_EQ(shown(), "[None (1) +]; Dorn, Carl; [Acme (2) +]; Adams, Émile; Berg, Anna; [Zenith (2) +]; Clay, Bob; "
                        "Zenith; [東京 (1) -]");
+    set(u"CV_DisplayFormatCompany", 2);
+    EXPECT_EQ(load().substr(0, 26), "[None (1) +]; Dorn, Carl; ") << "any other number too";
     set(u"CV_DisplayFormatCompany", 0);
     EXPECT_EQ(load(), "[None (1) +]; Carl Dorn; [Acme (2) +]; Anna Berg; Émile Adams; [Zenith (2) +]; Bob Clay; "
                       "Zenith; [東京 (1) -]");
@@ -290,6 +319,33 @@ TEST_F(CompanyTree, aSearchGoesByTheCompany)
     EXPECT_EQ(search(u"東"), "[東京 (1) +]; 山田, 一郎");
     loader().ClearCompareString();
     EXPECT_EQ(load(), "[None (1) -]; [Acme (2) -]; [Zenith (2) -]; [東京 (1) +]; 山田, 一郎") << "what it opened stays";
+}
+
+TEST_F(CompanyTree, anEmptyCompanyIsNone)
+{
+    zb::RecordProperties properties;
+    properties.set(0x3a11001f, std::u16string(u"Ender"));
+    properties.set(0x3a16001f, std::u16string());
+    writeContact(0, properties);
+    load();
+    EXPECT_EQ(open("None"), 2);
+    EXPECT_EQ(shown(), "[None (2) +]; Dorn, Carl; Ender; [Acme (2) -]; [Zenith (2) -]; [東京 (1) -]");
+}
+
+TEST_F(CompanyTree, aSearchForACompanyMindsAccentsButNotCase)
+{
+    addContact(u"A", u"B", u"Évian");
+    EXPECT_EQ(search(u"ev"), "");
+    EXPECT_EQ(search(u"év"), "[Évian (1) +]; B, A");
+}
+
+TEST_F(CompanyTree, aNodeWhoseRecordsAreGoneDoesNotOpen)
+{
+    const CEOID gone = addContact(u"A", u"B", u"Beta");
+    load();
+    removeContact(gone);
+    EXPECT_EQ(open("Beta"), 0);
+    EXPECT_FALSE(header("Beta")->m_bOpen);
 }
 
 TEST_F(CompanyTree, aSearchGoesByNamesTooWhereItIsToldTo)
