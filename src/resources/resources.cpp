@@ -1,4 +1,5 @@
-// libZBResources: the system's own texts by number.
+// libZBResources: the system's own texts and pictures by number.
+#include "pictures.h"
 #include "texts.h"
 
 #include "platform/resources.h"
@@ -9,6 +10,7 @@
 namespace
 {
 using zb::resources::Language;
+using zb::resources::Picture;
 using zb::resources::Text;
 
 const Language *languageNamed(std::string_view name)
@@ -45,6 +47,25 @@ const Text *textFor(UINT id, std::string_view language)
     }
     return textIn(languageNamed("en"), id);
 }
+/// The least density that is not below the one asked for; without any, the greatest.
+const Picture *pictureFor(UINT id, int dotsPerInch)
+{
+    const Picture *end = zb::resources::pictures + zb::resources::pictureCount;
+    const Picture *picture = std::lower_bound(zb::resources::pictures, end, id,
+                                              [](const Picture &one, UINT number) { return one.number < number; });
+    const Picture *best = nullptr;
+    for (; picture != end && picture->number == id; ++picture)
+    {
+        best = picture;
+        if (picture->dotsPerInch >= dotsPerInch)
+        {
+            break;
+        }
+    }
+    return best;
+}
+
+constexpr UINT bitmapType = 2;
 } // namespace
 
 extern "C" __attribute__((visibility("default"))) const WCHAR *zbResourceString(UINT id, const char *language,
@@ -58,4 +79,17 @@ const WCHAR *zbResourceString(UINT id, const char *language, std::size_t *length
         *length = text == nullptr ? 0 : text->length;
     }
     return text == nullptr ? nullptr : text->words;
+}
+
+extern "C" __attribute__((visibility("default"))) const void *zbResourceBytes(UINT type, UINT id, int dotsPerInch,
+                                                                              std::size_t *size);
+
+const void *zbResourceBytes(UINT type, UINT id, int dotsPerInch, std::size_t *size)
+{
+    const Picture *picture = type == bitmapType ? pictureFor(id, dotsPerInch) : nullptr;
+    if (size != nullptr)
+    {
+        *size = picture == nullptr ? 0 : picture->size;
+    }
+    return picture == nullptr ? nullptr : picture->words;
 }
