@@ -41,16 +41,21 @@ inline constexpr COLORREF CLR_DEFAULT = 0xFF000000U;
 
 // --- Device contexts ---------------------------------------------------------------------------------------------
 
-/// Context of a window's client area (a null window: of the whole screen), to be given back with ReleaseDC. The
-/// contexts of windows are told in user.h.
+/// Context of a window's client area (a null window: of the whole screen), to be given back with ReleaseDC. All
+/// contexts of an open device's screen draw on one surface; when the device closes, those that are left keep the former
+/// screen. Windows have no place on the screen yet: a context of theirs measures, and what it draws falls outside its
+/// clip. Null with last error 1400 for a window that is gone.
 ZBPLATFORM_API HDC GetDC(HWND window);
+/// 1, or 0 with last error 6; a context of CreateCompatibleDC is none of these. Which window is named makes no
+/// difference.
 ZBPLATFORM_API int ReleaseDC(HWND window, HDC context);
 /// A context in memory that draws on a bitmap of 1 by 1 pixel, black and white, until another is selected. The
-/// argument says what it is like and may be null for the screen.
+/// argument says what it is like and may be null for the screen. Other contexts may select its bitmap once it ended.
 ZBPLATFORM_API HDC CreateCompatibleDC(HDC like);
 ZBPLATFORM_API BOOL DeleteDC(HDC context);
-/// Selection and colours, the clip included, as one step; RestoreDC takes the number that SaveDC gave, or -1 for the
-/// last.
+/// Selection, colours, modes, current position and clip as one step. SaveDC gives the number of states kept (1 for the
+/// first); RestoreDC takes such a number, or -1 for the last, and drops the states saved since. A bitmap that another
+/// context has selected meanwhile stays there; the present one is kept then.
 ZBPLATFORM_API int SaveDC(HDC context);
 ZBPLATFORM_API BOOL RestoreDC(HDC context, int saved);
 
@@ -89,7 +94,7 @@ inline constexpr int BORDERY_PEN = 33;
 ZBPLATFORM_API HGDIOBJ GetStockObject(int which);
 
 /// Fills the record of the object (LOGFONTW, BITMAP, LOGPEN or LOGBRUSH) when `size` is at least that record's, and
-/// returns the record's size; with a null record only that; 0 on failure.
+/// returns the record's size; with a null record only that; 0 on failure. Colours come plain, a pen's width of 0 as 1.
 ZBPLATFORM_API int GetObjectW(HGDIOBJ object, int size, void *record);
 
 inline constexpr int TRANSPARENT = 1;
@@ -97,7 +102,8 @@ inline constexpr int OPAQUE = 2;
 /// The mode before; 0 and nothing changed for any other value.
 ZBPLATFORM_API int SetBkMode(HDC context, int mode);
 ZBPLATFORM_API int GetBkMode(HDC context);
-/// The colour before. Colours with SYS_COLOR_INDEX_FLAG stand for GetSysColor of their low byte.
+/// The colour before, CLR_INVALID on failure. Colours with SYS_COLOR_INDEX_FLAG stand for GetSysColor of their low byte
+/// and are kept as that; of others the top byte is dropped.
 ZBPLATFORM_API COLORREF SetBkColor(HDC context, COLORREF color);
 ZBPLATFORM_API COLORREF GetBkColor(HDC context);
 ZBPLATFORM_API COLORREF SetTextColor(HDC context, COLORREF color);
@@ -109,7 +115,9 @@ inline constexpr UINT TA_CENTER = 6;
 inline constexpr UINT TA_TOP = 0;
 inline constexpr UINT TA_BOTTOM = 8;
 inline constexpr UINT TA_BASELINE = 24;
+inline constexpr UINT GDI_ERROR = 0xFFFFFFFFU;
 /// Where the point of ExtTextOutW lies in the text; TA_LEFT | TA_TOP at first.
+/// The alignment before; GDI_ERROR on failure.
 ZBPLATFORM_API UINT SetTextAlign(HDC context, UINT align);
 
 // --- System colours and measures ---------------------------------------------------------------------------------

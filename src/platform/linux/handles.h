@@ -23,7 +23,15 @@ enum class HandleKind : std::uint8_t
     Database,
     FindDatabase,
     Window,
-    RegistryKey
+    RegistryKey,
+    // Of the drawing service, each ended by a call of its own; CloseHandle refuses them.
+    DeviceContext,
+    Font,
+    Bitmap,
+    Pen,
+    Brush,
+    Icon,
+    ImageList
 };
 
 /// Base of all that a handle can stand for.

@@ -414,7 +414,7 @@ BOOL CloseHandle(HANDLE handle)
     {
         return FALSE;
     }
-    if (kind == HandleKind::Window || kind == HandleKind::FindFile)
+    if (kind == HandleKind::Window || kind == HandleKind::FindFile || kind >= HandleKind::DeviceContext)
     {
         SetLastError(ERROR_INVALID_HANDLE);
         return FALSE;

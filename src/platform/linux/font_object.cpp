@@ -1,0 +1,35 @@
+#include "platform/linux/font_object.h"
+
+#include "platform/kernel.h"
+
+namespace zb::internal
+{
+const std::shared_ptr<FontObject> &stockFont()
+{
+    // Never destroyed, like the rest of the stock.
+    static const auto *font = []
+    {
+        LOGFONTW description{};
+        description.lfHeight = -12;
+        description.lfWeight = FW_NORMAL;
+        auto made = std::make_shared<FontObject>(description);
+        insertObject(made, true);
+        return new std::shared_ptr<FontObject>(std::move(made));
+    }();
+    return *font;
+}
+} // namespace zb::internal
+
+using namespace zb::internal;
+
+HFONT CreateFontIndirectW(const LOGFONTW *description)
+{
+    if (description == nullptr)
+    {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return nullptr;
+    }
+    LOGFONTW own = *description;
+    own.lfFaceName[LF_FACESIZE - 1] = 0;
+    return insertObject(std::make_shared<FontObject>(own));
+}
