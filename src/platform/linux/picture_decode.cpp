@@ -1,0 +1,152 @@
+// Decoding by SDL_image, and only what picture_header.h found whole and within the limits.
+#include "platform/kernel.h"
+#include "platform/linux/picture_header.h"
+#include "platform/linux/pictures.h"
+#include "platform/linux/scaling.h"
+
+#include <SDL2/SDL_image.h>
+#include <algorithm>
+#include <cstring>
+#include <mutex>
+
+namespace zb::internal
+{
+namespace
+{
+struct FreeSurface
+{
+    void operator()(SDL_Surface *surface) const
+    {
+        SDL_FreeSurface(surface);
+    }
+};
+using Decoded = std::unique_ptr<SDL_Surface, FreeSurface>;
+
+/// The library counts its own start without a lock.
+std::mutex &decoderLock()
+{
+    static auto *lock = new std::mutex;
+    return *lock;
+}
+
+const char *nameOf(PictureKind kind)
+{
+    switch (kind)
+    {
+    case PictureKind::Bmp:
+        return "BMP";
+    case PictureKind::Gif:
+        return "GIF";
+    case PictureKind::Jpeg:
+        return "JPG";
+    case PictureKind::Png:
+        return "PNG";
+    }
+    return "";
+}
+
+/// Four bytes a pixel, opacity in the top one; a key colour of the file's own has become opacity 0.
+Decoded decode(const unsigned char *data, std::size_t size, PictureKind kind)
+{
+    const std::lock_guard guard(decoderLock());
+    SDL_RWops *source = SDL_RWFromConstMem(data, static_cast<int>(size));
+    const Decoded read(source == nullptr ? nullptr : IMG_LoadTyped_RW(source, 1, nameOf(kind)));
+    return Decoded(read == nullptr ? nullptr : SDL_ConvertSurfaceFormat(read.get(), SDL_PIXELFORMAT_ARGB8888, 0));
+}
+
+const std::uint32_t *rowOf(const SDL_Surface &decoded, int y)
+{
+    return reinterpret_cast<const std::uint32_t *>(static_cast<const unsigned char *>(decoded.pixels) +
+                                                   static_cast<std::ptrdiff_t>(y) * decoded.pitch);
+}
+
+bool isOpaque(const SDL_Surface &decoded)
+{
+    for (int y = 0; y < decoded.h; ++y)
+    {
+        const std::uint32_t *row = rowOf(decoded, y);
+        if (!std::all_of(row, row + decoded.w, [](std::uint32_t pixel) { return pixel >> 24U == 0xFF; }))
+        {
+            return false;
+        }
+    }
+    return true;
+}
+
+std::shared_ptr<Surface> surfaceOf(const SDL_Surface &decoded)
+{
+    const bool opaque = isOpaque(decoded);
+    auto surface = Surface::create(decoded.w, decoded.h, opaque ? Surface::Kind::Color : Surface::Kind::Soft);
+    for (int y = 0; surface != nullptr && y < decoded.h; ++y)
+    {
+        const std::uint32_t *row = rowOf(decoded, y);
+        opaque ? std::copy(row, row + decoded.w, surface->row(y))
+               : std::transform(row, row + decoded.w, surface->row(y), softPixel);
+    }
+    return surface;
+}
+
+std::shared_ptr<Surface> refuse()
+{
+    SetLastError(ERROR_BAD_FORMAT);
+    return nullptr;
+}
+} // namespace
+
+std::shared_ptr<Surface> decodeSurface(const unsigned char *data, std::size_t size, const PictureLimits &limits)
+{
+    constexpr std::size_t most = 0x7FFFFFFF;
+    const auto header = size > limits.bytes || size > most ? std::nullopt : readPictureHeader(data, size);
+    if (!header.has_value() || header->width > limits.width || header->height > limits.height)
+    {
+        return refuse();
+    }
+    const Decoded decoded = decode(data, size, header->kind);
+    if (decoded == nullptr || decoded->w < 1 || decoded->h < 1)
+    {
+        return refuse();
+    }
+    return surfaceOf(*decoded);
+}
+
+namespace
+{
+/// `length` of a side in the measure that makes `whole` into `limit`; at least 1.
+int proportion(int length, int limit, int whole)
+{
+    return std::max(1, static_cast<int>((static_cast<std::int64_t>(length) * limit + whole / 2) / whole));
+}
+} // namespace
+
+std::shared_ptr<Surface> fitSurface(std::shared_ptr<Surface> surface, int width, int height)
+{
+    const int ownWidth = surface->width();
+    const int ownHeight = surface->height();
+    const bool tooWide = width > 0 && ownWidth > width;
+    const bool tooHigh = height > 0 && ownHeight > height;
+    if (!tooWide && !tooHigh)
+    {
+        return surface;
+    }
+    const bool byWidth = tooWide && (!tooHigh || static_cast<std::int64_t>(ownWidth) * height >=
+                                                     static_cast<std::int64_t>(ownHeight) * width);
+    const int newWidth = byWidth ? width : proportion(ownWidth, height, ownHeight);
+    const int newHeight = byWidth ? proportion(ownHeight, width, ownWidth) : height;
+    auto made = Surface::create(newWidth, newHeight, surface->isSoft() ? Surface::Kind::Soft : Surface::Kind::Color);
+    if (made == nullptr)
+    {
+        return nullptr;
+    }
+    PixelReading reading;
+    reading.soft = surface->isSoft();
+    ScaledPicture scaled(*surface, {0, ownWidth, newWidth, false}, {0, ownHeight, newHeight, false}, reading,
+                         made->bounds());
+    for (int y = 0; y < newHeight; ++y)
+    {
+        const std::uint32_t *row = scaled.row(y);
+        made->isSoft() ? std::transform(row, row + newWidth, made->row(y), softPixel)
+                       : std::copy(row, row + newWidth, made->row(y));
+    }
+    return made;
+}
+} // namespace zb::internal
