@@ -190,21 +190,31 @@ void CContactsThread::InitDBStuff(bool bOpen)
 {
     m_pRecord = nullptr;
     m_oidRead = 0;
-    m_nSteps = MOST_STEPS;
+    m_nMisses = 0;
+    m_nWalk = 0;
     m_deepHits.reset();
+    for (Walk &walk : m_walks)
+    {
+        walk.database.Close();
+        walk.at = 0;
+    }
     if (!bOpen)
     {
-        m_dbContacts.Close();
         CloseLinksDB();
         return;
     }
     SetPropIds(true);
-    // A database that came from elsewhere may lack the order.
-    if (m_dbContacts.Open(zb::contactsDatabase, zb::contactFileAs, 0, nullptr) ||
-        m_dbContacts.Open(zb::contactsDatabase, 0, 0, nullptr))
+    if (OpenContacts(m_walks[0].database))
     {
         InitiateLinksDB();
     }
+}
+
+bool CContactsThread::OpenContacts(CeDb &database)
+{
+    // A database that came from elsewhere may lack the order.
+    return database.Open(zb::contactsDatabase, zb::contactFileAs, 0, nullptr) ||
+           database.Open(zb::contactsDatabase, 0, 0, nullptr);
 }
 
 void CContactsThread::InitiateLinksDB()

@@ -232,6 +232,12 @@ class ZBTOOLS_API CContactsThread : public CeWorkerThread
     class LockHold;
     struct Page;
     class Tree;
+    /// A position in the records of contacts.
+    struct Walk
+    {
+        CeDb database;
+        CEOID at = 0; ///< the record that it stands on, 0 when that is not known
+    };
 
     // Frame of a run (CContactsThread.cpp).
     static bool GoesOn(CeManualEvent *pRun)
@@ -263,7 +269,13 @@ class ZBTOOLS_API CContactsThread : public CeWorkerThread
     int PreferredIndex() const;
     const WCHAR *TextAt(int index) const;
     void ReadLinkFlags(DATACONTACTS &row);
-    bool SeekOn(CEOID oid);
+    static bool OpenContacts(CeDb &database);
+    bool IsDatabaseOpen() const
+    {
+        return m_walks[0].database.IsOpen();
+    }
+    bool StepTo(Walk &walk, CEOID oid);
+    CeDb *SeekOn(CEOID oid);
     bool ReadItem(const CCatCache &item);
 
     // Searches (CContactsThread_search.cpp).
@@ -328,7 +340,10 @@ class ZBTOOLS_API CContactsThread : public CeWorkerThread
     int m_nPreferredIndex = -1; // of the property that names the contact's own number; -1 when it is not read
 
     // What follows belongs to a run or call.
-    CeDb m_dbContacts;
+    std::array<Walk, 2> m_walks; // the first is open while the databases are, the second once it is needed
+    std::size_t m_nWalk = 0;     // the one that came to a record last
+    int m_nMisses = 0;           // searches since steps led to a record
+    static constexpr int MOST_STEPS = 4;
     CeDb m_dbLinks;
     CeDb m_dbJournal;
     bool m_bLinksOpen = false;
@@ -338,9 +353,6 @@ class ZBTOOLS_API CContactsThread : public CeWorkerThread
     zb::ContactReader m_cacheReader;
     const CeDbRecord *m_pRecord = nullptr; // the one read last, of the contact m_oidRead
     CEOID m_oidRead = 0;
-    /// Steps to the next record before it is searched for; see SeekOn.
-    static constexpr int MOST_STEPS = 4;
-    int m_nSteps = MOST_STEPS;
     /// Contacts of whose records a deep search found the text, once they are known.
     std::optional<std::unordered_set<CEOID>> m_deepHits;
 };

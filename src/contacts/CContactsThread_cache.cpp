@@ -101,8 +101,7 @@ void CContactsThread::LoadCatCache()
     const LockHold hold(m_csLoad);
     ClearCatCache();
     CeDb database;
-    if (!database.Open(zb::contactsDatabase, zb::contactFileAs, 0, nullptr) &&
-        !database.Open(zb::contactsDatabase, 0, 0, nullptr))
+    if (!OpenContacts(database))
     {
         return;
     }

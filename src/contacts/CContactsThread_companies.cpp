@@ -30,7 +30,7 @@ DWORD CContactsThread::CompanyThreadProc(CeManualEvent *pRun)
     InitDBStuff(true);
     {
         const std::unique_ptr<Tree> tree = BeginTree();
-        const bool nothing = !m_dbContacts.IsOpen() || (HasFilter() && m_lstFiltered.IsEmpty());
+        const bool nothing = !IsDatabaseOpen() || (HasFilter() && m_lstFiltered.IsEmpty());
         if (!nothing && !ListCompanies(pRun, *tree))
         {
             InitDBStuff(false);

@@ -90,22 +90,57 @@ int CContactsThread::SetPropIds(bool)
     return m_nPropIds;
 }
 
-/// To a contact's record: where the display's order is much like that of the records, the next contact lies a few steps
-/// on, and these are cheaper than a search. Where they lead nowhere they are soon left out.
-bool CContactsThread::SeekOn(CEOID oid)
+/// The walk stands on a contact's record, or came to it in a few steps, which are cheaper than a search.
+bool CContactsThread::StepTo(Walk &walk, CEOID oid)
 {
+    if (!walk.database.IsOpen() || walk.at == oid)
+    {
+        return walk.database.IsOpen();
+    }
+    int steps = 0;
     CEOID at = 0;
-    for (int n = 0; n < m_nSteps && at != oid; ++n)
+    do
     {
-        at = m_dbContacts.SeekNext();
-    }
-    if (m_nSteps == 0 || at != oid)
+        at = walk.database.SeekNext();
+        ++steps;
+    } while (at != 0 && at != oid && steps < MOST_STEPS);
+    if (at != oid)
     {
-        m_nSteps = m_pRecord != nullptr ? std::max(m_nSteps - 1, 0) : m_nSteps;
-        return m_dbContacts.SeekTo(oid) != 0;
+        // Back, but for one step: whoever comes next may be among those that were passed.
+        at = steps > 1 ? walk.database.SeekCurrent(1 - steps) : at;
     }
-    m_nSteps = MOST_STEPS;
-    return true;
+    walk.at = at;
+    return at == oid;
+}
+
+/// To a contact's record; null when it is gone. Where the display's order is much like that of the records, the next
+/// contact lies a few steps on from the one before, or, since records lie by the codes of their letters, from the last
+/// one with an accent: so two walks take turns. Where steps lead nowhere they are left out but now and then.
+CeDb *CContactsThread::SeekOn(CEOID oid)
+{
+    constexpr int mostMisses = 4;
+    constexpr int missesBetweenTries = 16;
+    if (m_nMisses < mostMisses || m_nMisses % missesBetweenTries == 0)
+    {
+        for (const std::size_t turn : {m_nWalk, 1 - m_nWalk})
+        {
+            if (StepTo(m_walks[turn], oid))
+            {
+                m_nWalk = turn;
+                m_nMisses = 0;
+                return &m_walks[turn].database;
+            }
+        }
+    }
+    ++m_nMisses;
+    m_nWalk = 1 - m_nWalk;
+    Walk &walk = m_walks[m_nWalk];
+    if (!walk.database.IsOpen() && !OpenContacts(walk.database))
+    {
+        return nullptr;
+    }
+    walk.at = walk.database.SeekTo(oid);
+    return walk.at != 0 ? &walk.database : nullptr;
 }
 
 /// Reads the contact's record, unless it was read just before.
@@ -115,12 +150,9 @@ bool CContactsThread::ReadItem(const CCatCache &item)
     {
         return true;
     }
-    if (!m_dbContacts.IsOpen() || !SeekOn(item.m_oid))
-    {
-        m_pRecord = nullptr;
-        return false;
-    }
-    m_pRecord = m_reader.read(m_dbContacts, static_cast<WORD>(m_nPropIds), m_propIds.data());
+    CeDb *database = IsDatabaseOpen() ? SeekOn(item.m_oid) : nullptr;
+    m_pRecord =
+        database != nullptr ? m_reader.read(*database, static_cast<WORD>(m_nPropIds), m_propIds.data()) : nullptr;
     m_oidRead = item.m_oid;
     return m_pRecord != nullptr;
 }

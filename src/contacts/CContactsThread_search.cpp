@@ -124,13 +124,15 @@ void CContactsThread::FindDeepHits()
 {
     m_deepHits.emplace();
     m_pRecord = nullptr;
-    if (!m_dbContacts.IsOpen())
+    if (!IsDatabaseOpen())
     {
         return;
     }
-    for (CEOID oid = m_dbContacts.SeekFirst(); oid != 0; oid = m_dbContacts.SeekNext())
+    CeDb &database = m_walks[0].database;
+    m_walks[0].at = 0;
+    for (CEOID oid = database.SeekFirst(); oid != 0; oid = database.SeekNext())
     {
-        const CeDbRecord *record = m_reader.read(m_dbContacts, static_cast<WORD>(m_nPropIds), m_propIds.data());
+        const CeDbRecord *record = m_reader.read(database, static_cast<WORD>(m_nPropIds), m_propIds.data());
         if (record != nullptr && HoldsSearch(*record))
         {
             m_deepHits->insert(oid);

@@ -4,6 +4,9 @@
 #include "platform/text.h"
 #include "support/PropertyRecords.h"
 
+#include <map>
+#include <random>
+
 namespace
 {
 using namespace zb::test;
@@ -199,6 +202,73 @@ TEST_F(ContactRow, tellsOfLinksAndJournal)
     EXPECT_EQ(row(none)->m_bHasLinks, 0);
     EXPECT_EQ(row(none)->m_bHasJournal, 0);
 }
+
+/// Rows whose order is like that of the records, unlike it, or both by turns, since records lie by letters' codes.
+class ContactRecords : public ContactRow, public ::testing::WithParamInterface<unsigned>
+{
+  protected:
+    ContactRecords()
+    {
+        std::mt19937 random(GetParam());
+        const auto word = [&]
+        {
+            static const std::vector<std::u16string> syllables{u"an", u"be", u"é", u"Ü", u"ño", u"ca", u"Ж", u"山"};
+            std::u16string made;
+            for (unsigned n = 1 + static_cast<unsigned>(random() % 4); n > 0; --n)
+            {
+                made += syllables[random() % syllables.size()];
+            }
+            return made;
+        };
+        zb::BulkWrite bulk;
+        for (int i = 0; i < 600; ++i)
+        {
+            zb::ContactItem item;
+            item.firstName = random() % 8 != 0 ? word() : u"";
+            item.lastName = random() % 8 != 0 ? word() : u"";
+            item.company = word();
+            item.mobilePhone = utf16(std::to_string(i));
+            numbers[addContact(item)] = std::to_string(i);
+        }
+        bulk.commit();
+    }
+    /// Each contact that is listed, with the number that its row shows.
+    std::map<CEOID, std::string> listed()
+    {
+        std::map<CEOID, std::string> rows;
+        for (int i = 1; i <= loader().GetList().GetDisplayCount(); ++i)
+        {
+            const DATACONTACTS *each = loader().GetList().GetAt(i);
+            rows[each->m_oid] = utf8(each->m_pszDetail);
+        }
+        return rows;
+    }
+    std::map<CEOID, std::string> numbers;
+};
+
+TEST_P(ContactRecords, giveEachRowItsOwnNumber)
+{
+    for (const LONG display : {0, 1, 3})
+    {
+        load(display);
+        EXPECT_EQ(loader().GetList().GetDisplayCount(), 600);
+        EXPECT_EQ(listed(), numbers) << display;
+    }
+    int n = 0;
+    for (auto each = numbers.begin(); each != numbers.end();)
+    {
+        const bool goes = ++n % 7 == 0;
+        ASSERT_TRUE(!goes || removeContact(each->first));
+        each = goes ? numbers.erase(each) : std::next(each);
+    }
+    for (const LONG display : {1, 0, 3})
+    {
+        load(display);
+        EXPECT_EQ(listed(), numbers) << "some are gone, " << display;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, ContactRecords, ::testing::Range(1U, 5U));
 
 // --- AddContactItem -----------------------------------------------------------------------------------------------
 
