@@ -18,6 +18,7 @@ inline constexpr UINT WM_GETTEXT = 0x000D;
 inline constexpr UINT WM_GETTEXTLENGTH = 0x000E;
 inline constexpr UINT WM_CLOSE = 0x0010;
 inline constexpr UINT WM_QUIT = 0x0012;
+inline constexpr UINT WM_NOTIFY = 0x004E;
 inline constexpr UINT WM_NCCREATE = 0x0081;
 inline constexpr UINT WM_NCDESTROY = 0x0082;
 inline constexpr UINT WM_TIMER = 0x0113;
@@ -49,6 +50,14 @@ struct MSG
     LPARAM lParam;
     DWORD time;
     POINT pt;
+};
+
+/// What the record of a WM_NOTIFY (its lParam) begins with.
+struct NMHDR
+{
+    HWND hwndFrom;
+    UINT_PTR idFrom;
+    UINT code;
 };
 
 struct WNDCLASSW
