@@ -63,7 +63,8 @@ struct ScreenOptions
 struct FontOptions
 {
     /// Files to choose faces from, in this order for characters that the face asked for lacks; when there are any,
-    /// nothing else is looked at, so that pictures don't depend on the machine. Empty takes the host's faces.
+    /// nothing else is looked at, so that pictures don't depend on the machine. A family that none of them has is that
+    /// of the first file; a file that can't be read is passed over. Empty takes the host's faces.
     std::vector<std::filesystem::path> files;
 };
 

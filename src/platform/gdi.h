@@ -193,11 +193,11 @@ inline constexpr BYTE CLEARTYPE_COMPAT_QUALITY = 6;
 
 struct LOGFONTW
 {
-    LONG lfHeight; ///< above 0: height of the cell (ascent + descent); below: of the characters; 0: 11 pixels
+    LONG lfHeight; ///< above 0: height of the cell (ascent + descent); below: of the em; 0: cell of 11; at most 2,048
     LONG lfWidth;  ///< not looked at
     LONG lfEscapement;
     LONG lfOrientation;
-    LONG lfWeight; ///< 0 counts as 400
+    LONG lfWeight; ///< from 550 on the bold face (a heavier one where there is one), else the regular one
     BYTE lfItalic;
     BYTE lfUnderline;
     BYTE lfStrikeOut;
@@ -234,21 +234,29 @@ struct TEXTMETRICW
 };
 
 /// A face is found at first use, not here, so this is cheap. Never null for a readable record: an unknown face takes
-/// the nearest one that there is.
+/// the nearest one that there is; bold and italic are made where the family has none (bold wider by a pixel for each 24
+/// of the em). A character that the face lacks comes from another one at the same height, and is a box where none has
+/// it; ascent, descent and height stay the face's. Underline and strike-out are at least a pixel thick.
 ZBPLATFORM_API HFONT CreateFontIndirectW(const LOGFONTW *description);
 ZBPLATFORM_API BOOL GetTextMetricsW(HDC context, TEXTMETRICW *metrics);
-/// The text's measure in the selected font: the sum of the advances, and tmHeight. With `fit`, the greatest number of
-/// leading characters whose width is at most `maximum`, never half a surrogate pair or half of what the script joins
-/// into one cluster. With `extents`, for each character (up to the number that fits, if that is asked for) the width
-/// from the start behind it. Left-to-right and right-to-left text alike are measured as they are painted.
+/// The text's measure in the selected font: the sum of the advances (whole pixels, without kerning), and tmHeight. With
+/// `fit`, the greatest number of leading characters whose width is at most `maximum`, never half a surrogate pair or half
+/// of what the script joins into one cluster. With `extents`, for each character (up to the number that fits, if that is
+/// asked for) the width from the start behind it; all characters of a cluster have that behind the cluster. They never
+/// fall, in right-to-left text as well, which counts in the order of reading. The size is that of the whole text,
+/// whatever fits. Example: in a font whose 'a' is 5 wide and whose 'W' is 10, "aWa" with maximum 16 gives fit 2, extents
+/// 5 and 15, width 20.
+/// What is measured is what is painted. Tabs, line feeds and the like are as wide as a blank, other controls and format
+/// characters nothing; half a pair is the replacement character.
 ZBPLATFORM_API BOOL GetTextExtentExPointW(HDC context, const WCHAR *text, int length, int maximum, int *fit,
                                           int *extents, SIZE *size);
 ZBPLATFORM_API BOOL GetTextExtentPoint32W(HDC context, const WCHAR *text, int length, SIZE *size);
 inline constexpr UINT ETO_OPAQUE = 2;
 inline constexpr UINT ETO_CLIPPED = 4;
-/// Draws at most 8,192 characters. ETO_OPAQUE fills the rectangle with the background colour first, ETO_CLIPPED draws
-/// nothing outside it; in mode OPAQUE the text's own box is filled as well. `advances`, if given, are used in place of
-/// the font's, one for each character.
+/// One line, from left to right as a whole, whatever its scripts; of more than 8,192 characters the first ones are drawn.
+/// ETO_OPAQUE fills the rectangle with the background colour first, also without text; ETO_CLIPPED draws nothing outside
+/// it; both say nothing without a rectangle. In mode OPAQUE the text's own box (its width by tmHeight) is filled as well.
+/// `advances`, if given, are used in place of the font's, one for each character; a cluster has the sum of its own.
 ZBPLATFORM_API BOOL ExtTextOutW(HDC context, int x, int y, UINT options, const RECT *rectangle, const WCHAR *text,
                                 UINT length, const int *advances);
 
@@ -264,13 +272,17 @@ inline constexpr UINT DT_EXPANDTABS = 0x0040;
 inline constexpr UINT DT_NOCLIP = 0x0100;
 inline constexpr UINT DT_CALCRECT = 0x0400;
 inline constexpr UINT DT_NOPREFIX = 0x0800;
-inline constexpr UINT DT_INTERNAL = 0x1000;
+inline constexpr UINT DT_INTERNAL = 0x1000; ///< changes nothing
 inline constexpr UINT DT_END_ELLIPSIS = 0x8000;
-/// Text in a rectangle by the format; length -1 is up to the zero. Lines end at line feeds (and where words don't fit,
-/// with DT_WORDBREAK); DT_VCENTER and DT_BOTTOM need DT_SINGLELINE. Without DT_NOPREFIX an & underlines what follows
-/// and && is one. DT_CALCRECT draws nothing and sets the rectangle's right and bottom to what the text takes. Returns
-/// the height that the text takes (for DT_VCENTER and DT_BOTTOM the distance from the rectangle's top to its end); 0
-/// on failure. The text is never changed.
+/// Text in a rectangle by the format; length -1 is up to the zero. Lines end at line feeds, carriage returns or both
+/// together, and with DT_WORDBREAK where words don't fit: behind blanks, which then belong to no line, and between
+/// ideographs. A word wider than the rectangle has a line of its own and is not cut. A line end at the very end begins no
+/// line; no text is one empty line. With DT_SINGLELINE nothing ends a line; DT_VCENTER and DT_BOTTOM need it. Without
+/// DT_NOPREFIX an & underlines what follows and && is one. DT_EXPANDTABS has a tab stop every 8 average characters,
+/// otherwise a tab is a blank. DT_END_ELLIPSIS ends lines that are too wide, and the last one that shows of more, with an
+/// ellipsis. DT_CALCRECT draws nothing and sets the rectangle's right and bottom to what the text takes. Returns the
+/// height that the text takes (for DT_VCENTER and DT_BOTTOM the distance from the rectangle's top to its end); 0 on
+/// failure. The text is never changed, and the context's text alignment says nothing here.
 ZBPLATFORM_API int DrawTextW(HDC context, const WCHAR *text, int length, RECT *rectangle, UINT format);
 
 // --- Pens, brushes, shapes ---------------------------------------------------------------------------------------

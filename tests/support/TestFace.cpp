@@ -11,7 +11,6 @@ namespace
 {
 constexpr int unitsPerEm = 1000;
 constexpr int ascent = 800;
-constexpr int descent = 200;
 constexpr int sideBearing = 100;
 constexpr int boldExtra = 100;
 
@@ -113,15 +112,15 @@ Bytes headTable(const TestFaceDescription &description)
     Bytes table;
     table.u32(0x00010000).u32(0x00010000).u32(0).u32(0x5F0F3CF5).u16(0x0003).u16(unitsPerEm);
     table.zeros(16); // made and changed at no time, so that the same face is the same bytes
-    table.i16(0).i16(-descent).i16(unitsPerEm).i16(ascent);
+    table.i16(0).i16(-description.descent).i16(unitsPerEm).i16(ascent);
     table.u16((description.bold ? 1U : 0U) | (description.italic ? 2U : 0U)).u16(6).i16(2);
     return table.i16(1).i16(0); // long offsets in loca
 }
 
-Bytes hheaTable(const std::vector<Glyph> &glyphs)
+Bytes hheaTable(const TestFaceDescription &description, const std::vector<Glyph> &glyphs)
 {
     Bytes table;
-    table.u32(0x00010000).i16(ascent).i16(-descent).i16(0).u16(1000).i16(0).i16(0).i16(900);
+    table.u32(0x00010000).i16(ascent).i16(-description.descent).i16(0).u16(1000).i16(0).i16(0).i16(900);
     table.i16(1).i16(0).i16(0).zeros(8).i16(0);
     return table.u16(static_cast<unsigned>(glyphs.size()));
 }
@@ -143,7 +142,8 @@ Bytes os2Table(const TestFaceDescription &description)
     table.i16(100).i16(300).i16(0); // strike-out: thickness, top
     table.zeros(10).zeros(16).u32(0x54455354);
     table.u16(style == 0 ? 0x40U : style).u16(0x20).u16(0xFFFF);
-    table.i16(ascent).i16(-descent).i16(0).u16(ascent).u16(descent);
+    table.i16(ascent).i16(-description.descent).i16(0).u16(ascent);
+    table.u16(static_cast<unsigned>(description.descent));
     return table.zeros(8).i16(500).i16(700).u16(0).u16(0x20).u16(1);
 }
 
@@ -362,7 +362,7 @@ std::vector<std::uint8_t> makeTestFace(const TestFaceDescription &description)
     // Pushes a number and drops it: says that this face has instructions of its own.
     tables["fpgm"].u8(0xB0).u8(0).u8(0x21);
     tables["head"] = headTable(description);
-    tables["hhea"] = hheaTable(glyphs);
+    tables["hhea"] = hheaTable(description, glyphs);
     tables["hmtx"] = hmtxTable(glyphs);
     tables["maxp"] = maxpTable(glyphs);
     tables["name"] = nameTable(description);

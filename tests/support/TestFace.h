@@ -44,6 +44,8 @@ struct TestFaceDescription
     bool italic = false;
     /// Ascending and without overlaps.
     std::vector<TestGlyphs> glyphs;
+    /// The cell's depth below the baseline.
+    int descent = 200;
 };
 
 std::vector<TestGlyphs> testSansGlyphs();

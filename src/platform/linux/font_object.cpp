@@ -1,9 +1,23 @@
 #include "platform/linux/font_object.h"
 
+#include "platform/device.h"
 #include "platform/kernel.h"
+#include "platform/linux/font_table.h"
 
 namespace zb::internal
 {
+std::shared_ptr<FontFace> FontObject::face() const
+{
+    const std::uint64_t generation = deviceGeneration();
+    const std::lock_guard guard(m_mutex);
+    if (m_face == nullptr || m_generation != generation)
+    {
+        m_face = sharedFace(FontCatalog::current(), keyOf(m_description));
+        m_generation = generation;
+    }
+    return m_face;
+}
+
 const std::shared_ptr<FontObject> &stockFont()
 {
     // Never destroyed, like the rest of the stock.

@@ -1,0 +1,105 @@
+#include "platform/linux/text_layout.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace zb::internal
+{
+namespace
+{
+constexpr LONGLONG widest = std::numeric_limits<int>::max();
+
+/// What fits by the widths in the whole text may be wider by itself, since a letter that now ends the text takes another
+/// form; then one cluster less is tried. More than a few steps mean a script that this can't help.
+constexpr int mostSteps = 16;
+
+int limited(LONGLONG width)
+{
+    return static_cast<int>(std::min(width, widest));
+}
+
+TextMeasure measureSimple(FontFace &face, std::u16string_view text, LONGLONG maximum, int *extents)
+{
+    LONGLONG width = 0;
+    std::size_t fit = 0;
+    bool fits = true;
+    for (const WCHAR unit : text)
+    {
+        width += face.character(unit).advance;
+        fits = fits && (maximum < 0 || width <= maximum);
+        if (fits)
+        {
+            if (extents != nullptr)
+            {
+                extents[fit] = limited(width);
+            }
+            ++fit;
+        }
+    }
+    return {limited(width), static_cast<int>(fit)};
+}
+
+/// The number of characters that fit by the extents: as these only change behind a cluster, never a part of one.
+std::size_t fitByExtents(const TextLayout &layout, LONGLONG maximum)
+{
+    const auto behind = std::upper_bound(layout.extents.begin(), layout.extents.end(), maximum,
+                                         [](LONGLONG limit, int extent) { return limit < extent; });
+    return static_cast<std::size_t>(behind - layout.extents.begin());
+}
+
+std::size_t fitShaped(FontFace &face, std::u16string_view text, const TextLayout &layout, LONGLONG maximum)
+{
+    std::size_t fit = fitByExtents(layout, maximum);
+    for (int step = 0; fit > 0 && fit < text.size() && step < mostSteps; ++step)
+    {
+        if (widthOf(face, text.substr(0, fit)) <= maximum)
+        {
+            break;
+        }
+        fit = fitByExtents(layout, LONGLONG{layout.extents[fit - 1]} - 1);
+    }
+    return fit;
+}
+} // namespace
+
+std::size_t simplePrefix(FontFace &face, std::u16string_view text)
+{
+    std::size_t length = 0;
+    while (length < text.size() && face.character(text[length]).simple)
+    {
+        ++length;
+    }
+    return length;
+}
+
+std::shared_ptr<const TextLayout> layoutOf(FontFace &face, std::u16string_view text)
+{
+    if (auto kept = face.layouts().find(text))
+    {
+        return kept;
+    }
+    auto made = std::make_shared<const TextLayout>(shapeText(face, text));
+    face.layouts().add(text, made);
+    return made;
+}
+
+int widthOf(FontFace &face, std::u16string_view text)
+{
+    return measureText(face, text, -1, nullptr).width;
+}
+
+TextMeasure measureText(FontFace &face, std::u16string_view text, LONGLONG maximum, int *extents)
+{
+    if (simplePrefix(face, text) == text.size())
+    {
+        return measureSimple(face, text, maximum, extents);
+    }
+    const auto layout = layoutOf(face, text);
+    const std::size_t fit = maximum < 0 ? text.size() : fitShaped(face, text, *layout, maximum);
+    if (extents != nullptr)
+    {
+        std::copy_n(layout->extents.begin(), fit, extents);
+    }
+    return {layout->width, static_cast<int>(fit)};
+}
+} // namespace zb::internal

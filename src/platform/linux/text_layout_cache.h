@@ -1,0 +1,73 @@
+// Texts that needed shaping, with what came of it: a text is measured, often more than once, before it is painted.
+#pragma once
+
+#include <cstdint>
+#include <list>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+namespace zb::internal
+{
+/// A glyph of a cluster; its place counts from the cluster's pen, downward.
+struct LayoutGlyph
+{
+    std::uint16_t glyph = 0;
+    std::uint8_t source = 0;
+    int x = 0;
+    int y = 0;
+};
+
+/// Characters that the script joins into one, or one alone.
+struct LayoutCluster
+{
+    int first = 0; ///< character in the text
+    int count = 0; ///< characters, at least 1
+    int advance = 0;
+    std::uint32_t glyphs = 0; ///< index of the first glyph
+    std::uint32_t glyphCount = 0;
+};
+
+struct TextLayout
+{
+    std::vector<LayoutGlyph> glyphs;
+    std::vector<LayoutCluster> clusters; ///< as they stand from left to right
+    /// For each character the width of the text up to and with its cluster, in the order of the text.
+    std::vector<int> extents;
+    int width = 0;
+};
+
+/// The layouts used last. Threads: one at a time.
+class TextLayoutCache
+{
+  public:
+    /// Null when it isn't there.
+    std::shared_ptr<const TextLayout> find(std::u16string_view text);
+    void add(std::u16string_view text, std::shared_ptr<const TextLayout> layout);
+    std::size_t size() const
+    {
+        return m_entries.size();
+    }
+
+    /// Longer texts are shaped each time.
+    static constexpr std::size_t longestText = 8192;
+    /// Characters of all texts together.
+    static constexpr std::size_t mostCharacters = 65536;
+
+  private:
+    struct Entry
+    {
+        std::u16string text;
+        std::shared_ptr<const TextLayout> layout;
+    };
+    using Entries = std::list<Entry>;
+
+    void dropLast();
+
+    Entries m_entries; ///< used last first
+    std::unordered_map<std::u16string_view, Entries::iterator> m_index; ///< the keys are the entries' own texts
+    std::size_t m_characters = 0;
+};
+} // namespace zb::internal

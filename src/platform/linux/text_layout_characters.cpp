@@ -1,0 +1,106 @@
+#include "platform/linux/text_layout_characters.h"
+
+#include <unicode/uchar.h>
+#include <unicode/uscript.h>
+
+namespace zb::internal
+{
+namespace
+{
+constexpr char32_t blank = U' ';
+constexpr char32_t replacement = 0xFFFD;
+
+bool isSimpleScript(UScriptCode script)
+{
+    switch (script)
+    {
+    case USCRIPT_COMMON:
+    case USCRIPT_LATIN:
+    case USCRIPT_GREEK:
+    case USCRIPT_CYRILLIC:
+    case USCRIPT_ARMENIAN:
+    case USCRIPT_GEORGIAN:
+    case USCRIPT_HAN:
+    case USCRIPT_HIRAGANA:
+    case USCRIPT_KATAKANA:
+    case USCRIPT_BOPOMOFO:
+    case USCRIPT_YI:
+    case USCRIPT_CHEROKEE:
+    case USCRIPT_CANADIAN_ABORIGINAL:
+    case USCRIPT_OGHAM:
+    case USCRIPT_RUNIC:
+    case USCRIPT_BRAILLE:
+    case USCRIPT_UNKNOWN:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool goesLeftToRight(UChar32 character)
+{
+    switch (u_charDirection(character))
+    {
+    case U_LEFT_TO_RIGHT:
+    case U_EUROPEAN_NUMBER:
+    case U_EUROPEAN_NUMBER_SEPARATOR:
+    case U_EUROPEAN_NUMBER_TERMINATOR:
+    case U_COMMON_NUMBER_SEPARATOR:
+    case U_BLOCK_SEPARATOR:
+    case U_SEGMENT_SEPARATOR:
+    case U_WHITE_SPACE_NEUTRAL:
+    case U_OTHER_NEUTRAL:
+    case U_BOUNDARY_NEUTRAL:
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// Soft hyphen, the blank without width, the word joiner, the byte order mark: of no effect on their neighbours.
+bool isHarmlessFormat(char32_t character)
+{
+    return character == 0xAD || character == 0x200B || character == 0x2060 || character == 0xFEFF;
+}
+
+bool isPrecomposedHangul(char32_t character)
+{
+    return character >= 0xAC00 && character <= 0xD7A3;
+}
+} // namespace
+
+char32_t drawnCharacter(char32_t character)
+{
+    const bool separates = (character >= 9 && character <= 12) || character == 0x85 || character == 0x2028 ||
+                           character == 0x2029;
+    if (separates)
+    {
+        return blank;
+    }
+    return (character >= 0xD800 && character <= 0xDFFF) || character > 0x10FFFF ? replacement : character;
+}
+
+bool isInvisible(char32_t character)
+{
+    const bool control = character < 0x20 || (character >= 0x7F && character < 0xA0);
+    return (control && drawnCharacter(character) == character) ||
+           u_hasBinaryProperty(static_cast<UChar32>(character), UCHAR_DEFAULT_IGNORABLE_CODE_POINT) != 0;
+}
+
+bool isSimpleCharacter(char32_t character)
+{
+    if (character < 0x300 || isHarmlessFormat(character) || isPrecomposedHangul(character))
+    {
+        return true;
+    }
+    const auto code = static_cast<UChar32>(character);
+    const auto kind = u_charType(code);
+    if (kind == U_NON_SPACING_MARK || kind == U_COMBINING_SPACING_MARK || kind == U_ENCLOSING_MARK ||
+        kind == U_FORMAT_CHAR || kind == U_SURROGATE)
+    {
+        return false;
+    }
+    UErrorCode error = U_ZERO_ERROR;
+    return isSimpleScript(uscript_getScript(code, &error)) && goesLeftToRight(code);
+}
+} // namespace zb::internal

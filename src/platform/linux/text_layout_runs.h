@@ -1,0 +1,29 @@
+// Text that needs shaping, cut into runs of one direction, one script and one face.
+#pragma once
+
+#include "platform/linux/font_face.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unicode/uscript.h>
+#include <vector>
+
+namespace zb::internal
+{
+struct TextRun
+{
+    int first = 0;
+    int count = 0;
+    std::uint8_t level = 0; ///< odd: from right to left
+    UScriptCode script = USCRIPT_COMMON;
+    unsigned source = 0;
+    bool simple = false; ///< of simple characters alone
+};
+
+/// The text as it is drawn, character for character: see drawnCharacter.
+std::u16string drawnText(std::u16string_view text);
+
+/// The runs of a drawn text in its own order. Never empty for text that isn't.
+std::vector<TextRun> runsOf(FontFace &face, std::u16string_view drawn);
+} // namespace zb::internal
