@@ -1,5 +1,6 @@
 // Cards of vCard files as they are read: folds, encodings, parameters, groups, cards inside cards, damage.
 #include "apps/CalendarText.h"
+#include "apps/FileReading.h"
 #include "interchange/card_reader.h"
 #include "interchange/text_charsets.h"
 
@@ -287,15 +288,9 @@ TEST(CardReader, WhatIsNoCardIsRefused)
 {
     for (const char *const text : {"", "\r\n \r\n", "Dear diary\n", "BEGIN:VCALENDAR\nEND:VCALENDAR\n"})
     {
-        try
-        {
-            cardsOf(text);
-            ADD_FAILURE() << text;
-        }
-        catch (const CalendarFileError &error)
-        {
-            EXPECT_EQ(error.fault(), FileFault::NotCalendar) << text;
-        }
+        const auto error = zb::test::errorOf([text] { cardsOf(text); });
+        ASSERT_TRUE(error) << text;
+        EXPECT_EQ(error->fault(), FileFault::NotCalendar) << text;
     }
 }
 
@@ -310,20 +305,32 @@ TEST(CardReader, AFileTornAnywhereIsRefusedOrWhole)
     for (std::size_t size = 0; size <= whole.size(); ++size)
     {
         std::size_t cards = 0;
-        std::optional<FileFault> fault;
-        try
-        {
-            cards = cardsOf(std::string_view(whole).substr(0, size)).cards.size();
-        }
-        catch (const CalendarFileError &error)
-        {
-            fault = error.fault();
-            EXPECT_NE(std::string(error.what()).size(), 0U);
-        }
+        const auto error =
+            zb::test::errorOf([&] { cards = cardsOf(std::string_view(whole).substr(0, size)).cards.size(); });
+        EXPECT_TRUE(!error || *error->what() != 0);
         const bool first = size >= firstEnd && size < firstEnd + 2 + 11;
         const bool both = size >= whole.size() - 2;
         EXPECT_EQ(cards, both ? 2U : first ? 1U : 0U) << size;
-        EXPECT_EQ(!fault, both || first) << size;
+        EXPECT_EQ(!error, both || first) << size;
+    }
+}
+
+TEST(CardReader, RandomDamageEndsInCardsOrInAnError)
+{
+    const std::string whole =
+        card("N;CHARSET=UTF-8;ENCODING=QUOTED-PRINTABLE:M=C3=BCller=\n;Anna\nPHOTO;BASE64:QUJD\n REVG\n\nAGENT:\n"
+             "BEGIN:VCARD\nFN:Inner\nEND:VCARD\n",
+             "2.1") +
+        card("item1.TEL;TYPE=\"work,voice\":1\nAGENT:BEGIN:VCARD\\nFN:X\\nEND:VCARD\nNOTE:one\n two\n") +
+        card("BDAY:--0412\nTEL;VALUE=uri:tel:+1-555;ext=2\n", "4.0");
+    constexpr unsigned seed = 20261121;
+    std::mt19937 random(seed);
+    for (int round = 0; round < 3000; ++round)
+    {
+        const std::string text = zb::test::damaged(whole, random);
+        const auto error = zb::test::errorOf(
+            [&] { ASSERT_LT(cardsOf(text).cards.size(), 60U) << "seed " << seed << " round " << round; });
+        ASSERT_TRUE(!error || *error->what() != 0) << "seed " << seed << " round " << round;
     }
 }
 

@@ -1,7 +1,7 @@
 // The flat displays: their orders and names, pages, and the choice of categories.
 #include "contacts/ContactListTest.h"
 #include "platform/kernel.h"
-#include "support/MessageWindow.h"
+#include "support/LoaderHost.h"
 
 namespace
 {
@@ -208,29 +208,12 @@ TEST_F(ContactChoice, followsTheOrderOfTheDisplay)
 
 // --- Pages --------------------------------------------------------------------------------------------------------
 
-struct Message
-{
-    WPARAM wParam;
-    LPARAM lParam;
-    bool operator==(const Message &) const = default;
-};
-
-std::ostream &operator<<(std::ostream &stream, const Message &message)
-{
-    return stream << "(" << message.wParam << ", " << message.lParam << ")";
-}
-
 class ContactPages : public ContactListTest
 {
   protected:
     ContactPages()
     {
-        window = windowClass.make(&procedure);
-        loader().m_hWndHost = window;
-    }
-    ~ContactPages() override
-    {
-        DestroyWindow(window);
+        loader().m_hWndHost = host.window();
     }
     void addMany(int count)
     {
@@ -258,26 +241,16 @@ class ContactPages : public ContactListTest
         return count;
     }
 
-    MessageWindowClass windowClass{u"ContactPagesHost"};
+    LoaderHost host{u"ContactPagesHost"};
+    LoaderMessages &messages = host.messages;
     std::vector<CEOID> oids;
-    std::vector<Message> messages;
-    Procedure procedure = [this](HWND handle, UINT number, WPARAM wParam, LPARAM lParam) -> LRESULT
-    {
-        if (number == 1274)
-        {
-            messages.push_back({wParam, lParam});
-            return 0;
-        }
-        return DefWindowProcW(handle, number, wParam, lParam);
-    };
-    HWND window = nullptr;
 };
 
 TEST_F(ContactPages, areOf20RowsInAListOfItsWholeLength)
 {
     addMany(45);
     load(1);
-    EXPECT_EQ(messages, (std::vector<Message>{{3, 45}})) << "the list has its whole length";
+    EXPECT_EQ(messages, (LoaderMessages{{1274, 3, 45}})) << "the list has its whole length";
     EXPECT_EQ(loader().GetList().GetCount(), 45);
     EXPECT_EQ(loader().GetList().GetDisplayCount(), 20);
     EXPECT_EQ(filled(), 20);
@@ -308,7 +281,7 @@ TEST_F(ContactPages, aListThatFitsOnePageIsComplete)
 {
     addMany(19);
     load(1);
-    EXPECT_EQ(messages, (std::vector<Message>{{1, 19}}));
+    EXPECT_EQ(messages, (LoaderMessages{{1274, 1, 19}}));
     EXPECT_EQ(loader().GetTotalNumRecords(), 19);
     EXPECT_EQ(filled(), 19);
 }
@@ -317,12 +290,12 @@ TEST_F(ContactPages, aListOfExactlyOnePageIsCompleteAndOneMoreIsNot)
 {
     addMany(20);
     load(1);
-    EXPECT_EQ(messages, (std::vector<Message>{{1, 20}}));
+    EXPECT_EQ(messages, (LoaderMessages{{1274, 1, 20}}));
     messages.clear();
     addMany(1);
     loader().ClearCatCache();
     load(1);
-    EXPECT_EQ(messages, (std::vector<Message>{{3, 21}}));
+    EXPECT_EQ(messages, (LoaderMessages{{1274, 3, 21}}));
 }
 
 TEST_F(ContactPages, aPlaceOutsideTheCacheIsTheFirstPage)
@@ -330,13 +303,13 @@ TEST_F(ContactPages, aPlaceOutsideTheCacheIsTheFirstPage)
     addMany(25);
     load(1);
     nextPage(25);
-    EXPECT_EQ(messages, (std::vector<Message>{{1, 25}})) << "counted from the 25 rows that the host has";
+    EXPECT_EQ(messages, (LoaderMessages{{1274, 1, 25}})) << "counted from the 25 rows that the host has";
     EXPECT_EQ(filled(), 25);
     loader().SetStartListIndex(0);
     loader().SetLastRowRead(-3);
     messages.clear();
     load();
-    EXPECT_EQ(messages, (std::vector<Message>{{3, 25}}));
+    EXPECT_EQ(messages, (LoaderMessages{{1274, 3, 25}}));
 }
 
 TEST_F(ContactPages, aChangedDisplayBeginsWithTheFirstPage)
@@ -347,7 +320,7 @@ TEST_F(ContactPages, aChangedDisplayBeginsWithTheFirstPage)
     loader().SetStartListIndex(20);
     messages.clear();
     load(3);
-    EXPECT_EQ(messages, (std::vector<Message>{{3, 45}}));
+    EXPECT_EQ(messages, (LoaderMessages{{1274, 3, 45}}));
     EXPECT_EQ(filled(), 20);
 }
 
@@ -357,7 +330,7 @@ TEST_F(ContactPages, theFirstRunCountsAsAChangeOfDisplay)
     loader().SetLastRowRead(20);
     loader().SetStartListIndex(20);
     load(3);
-    EXPECT_EQ(messages, (std::vector<Message>{{3, 45}}));
+    EXPECT_EQ(messages, (LoaderMessages{{1274, 3, 45}}));
     EXPECT_EQ(filled(), 20);
 }
 
@@ -382,7 +355,7 @@ TEST_F(ContactPages, underAChoiceCountWhatIsChosen)
     }
     choose({homeBit});
     load(1);
-    EXPECT_EQ(messages, (std::vector<Message>{{3, 30}}));
+    EXPECT_EQ(messages, (LoaderMessages{{1274, 3, 30}}));
     EXPECT_EQ(filled(), 20);
     nextPage(20);
     EXPECT_EQ(filled(), 30);
@@ -395,22 +368,22 @@ TEST_F(ContactPages, aSearchComesAtOnceAndAllContactsInPagesAgainAfterIt)
     load(1);
     nextPage(20);
     EXPECT_NE(search(u"name"), "");
-    EXPECT_EQ(messages, (std::vector<Message>{{1, 45}}));
+    EXPECT_EQ(messages, (LoaderMessages{{1274, 1, 45}}));
     EXPECT_EQ(filled(), 45);
     loader().ClearCompareString();
     messages.clear();
     load();
-    EXPECT_EQ(messages, (std::vector<Message>{{3, 45}}));
+    EXPECT_EQ(messages, (LoaderMessages{{1274, 3, 45}}));
 }
 
 TEST_F(ContactPages, anEmptyListIsTold)
 {
     load(1);
-    EXPECT_EQ(messages, (std::vector<Message>{{1, 0}}));
+    EXPECT_EQ(messages, (LoaderMessages{{1274, 1, 0}}));
     addMany(3);
     ASSERT_TRUE(deleteContactsDatabase());
     messages.clear();
     load(1);
-    EXPECT_EQ(messages, (std::vector<Message>{{1, 0}}));
+    EXPECT_EQ(messages, (LoaderMessages{{1274, 1, 0}}));
 }
 } // namespace

@@ -1,7 +1,7 @@
 // Runs on the worker thread: messages and their order, stopping, killing, the lock.
 #include "contacts/ContactListTest.h"
 #include "platform/kernel.h"
-#include "support/MessageWindow.h"
+#include "support/LoaderHost.h"
 
 #include <chrono>
 #include <thread>
@@ -10,60 +10,23 @@ namespace
 {
 using namespace zb::test;
 
-struct Message
-{
-    UINT number;
-    WPARAM wParam;
-    LPARAM lParam;
-    bool operator==(const Message &) const = default;
-};
-
-std::ostream &operator<<(std::ostream &stream, const Message &message)
-{
-    return stream << message.number << " (" << message.wParam << ", " << message.lParam << ")";
-}
-
 class ContactRun : public ContactListTest
 {
   protected:
     ContactRun()
     {
-        window = windowClass.make(&procedure);
-        loader().m_hWndHost = window;
+        loader().m_hWndHost = host.window();
     }
     ~ContactRun() override
     {
         loader().Stop(TRUE);
-        DestroyWindow(window);
     }
-    bool waitFor(UINT number)
+    LoaderMessages run()
     {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (std::chrono::steady_clock::now() < deadline)
-        {
-            drainMessages();
-            for (const Message &message : messages)
-            {
-                if (message.number == number)
-                {
-                    return true;
-                }
-            }
-            MsgWaitForMultipleObjectsEx(0, nullptr, 20, QS_ALLINPUT, 0);
-        }
-        return false;
-    }
-    std::vector<Message> run()
-    {
-        messages.clear();
+        host.messages.clear();
         loader().Start();
-        EXPECT_TRUE(waitFor(32803));
-        // A sent message overtakes the posted ones that wait.
-        if (messages.size() > 1 && messages[0].number == 1274 && messages[1].number == 32802)
-        {
-            std::swap(messages[0], messages[1]);
-        }
-        return messages;
+        EXPECT_TRUE(host.waitFor(LoaderHost::done));
+        return host.ordered();
     }
     void addMany(int count)
     {
@@ -75,36 +38,21 @@ class ContactRun : public ContactListTest
         bulk.commit();
     }
 
-    MessageWindowClass windowClass{u"ContactListHost"};
-    std::vector<Message> messages;
-    std::function<void(UINT)> onMessage;
-    Procedure procedure = [this](HWND handle, UINT number, WPARAM wParam, LPARAM lParam) -> LRESULT
-    {
-        if (number == 32802 || number == 1274 || number == 32803)
-        {
-            messages.push_back({number, wParam, lParam});
-            if (onMessage)
-            {
-                onMessage(number);
-            }
-            return 0;
-        }
-        return DefWindowProcW(handle, number, wParam, lParam);
-    };
-    HWND window = nullptr;
+    LoaderHost host{u"ContactListHost"};
+    LoaderMessages &messages = host.messages;
 };
 
 TEST_F(ContactRun, flatListsTellTheirBeginTheListAndTheirEnd)
 {
     addMany(3);
     display(1);
-    EXPECT_EQ(run(), (std::vector<Message>{{32802, 0, 0}, {1274, 1, 3}, {32803, 0, 0}}));
+    EXPECT_EQ(run(), (LoaderMessages{{32802, 0, 0}, {1274, 1, 3}, {32803, 0, 0}}));
     addMany(25);
     loader().ClearCatCache();
-    EXPECT_EQ(run(), (std::vector<Message>{{32802, 0, 0}, {1274, 3, 28}, {32803, 0, 0}}));
+    EXPECT_EQ(run(), (LoaderMessages{{32802, 0, 0}, {1274, 3, 28}, {32803, 0, 0}}));
     loader().SetLastRowRead(20);
     loader().SetStartListIndex(20);
-    EXPECT_EQ(run(), (std::vector<Message>{{32802, 0, 0}, {32803, 0, 0}})) << "later pages are not told";
+    EXPECT_EQ(run(), (LoaderMessages{{32802, 0, 0}, {32803, 0, 0}})) << "later pages are not told";
     EXPECT_EQ(loader().GetList().GetDisplayCount(), 28);
 }
 
@@ -112,18 +60,18 @@ TEST_F(ContactRun, treesPostTheirList)
 {
     addMany(6);
     display(2);
-    EXPECT_EQ(run(), (std::vector<Message>{{32802, 0, 0}, {1274, 1, 2}, {32803, 0, 0}}));
+    EXPECT_EQ(run(), (LoaderMessages{{32802, 0, 0}, {1274, 1, 2}, {32803, 0, 0}}));
     messages.clear();
     EXPECT_EQ(loader().ListTreeContacts(2, 1, false), 3);
     EXPECT_TRUE(messages.empty()) << "posted";
     drainMessages();
-    EXPECT_EQ(messages, (std::vector<Message>{{1274, 4, 5}}));
+    EXPECT_EQ(messages, (LoaderMessages{{1274, 4, 5}}));
     messages.clear();
     loader().DeleteTreeContacts(2);
     drainMessages();
-    EXPECT_EQ(messages, (std::vector<Message>{{1274, 1, 2}}));
+    EXPECT_EQ(messages, (LoaderMessages{{1274, 1, 2}}));
     display(1058);
-    EXPECT_EQ(run(), (std::vector<Message>{{32802, 0, 0}, {1274, 1, 1}, {32803, 0, 0}}));
+    EXPECT_EQ(run(), (LoaderMessages{{32802, 0, 0}, {1274, 1, 1}, {32803, 0, 0}}));
 }
 
 TEST_F(ContactRun, aNodeWithoutMembersIsNotTold)
@@ -144,7 +92,7 @@ TEST_F(ContactRun, aHostMayUpdateTheCacheWhileItHandlesTheMessage)
     addMany(3);
     const CEOID oid = addContact(u"", u"aaa");
     display(1);
-    onMessage = [&](UINT number)
+    host.onMessage = [&](UINT number)
     {
         if (number == 1274)
         {
@@ -200,7 +148,7 @@ TEST_F(ContactRun, aRunThatIsKilledHoldsUpNoLaterOne)
         loader().Start();
         std::this_thread::sleep_for(std::chrono::milliseconds(2 + 7 * attempt));
         loader().Kill(1);
-        ASSERT_TRUE(waitFor(32803));
+        ASSERT_TRUE(host.waitFor(LoaderHost::done));
         load();
         ASSERT_EQ(loader().GetList().GetDisplayCount(), 2000 + 667);
     }
@@ -213,10 +161,10 @@ TEST_F(ContactRun, aHostThatDoesNotAnswerGetsItsLoaderKilledAndCanLoadAgain)
     loader().Start();
     std::this_thread::sleep_for(std::chrono::milliseconds(300));
     loader().Kill(1);
-    ASSERT_TRUE(waitFor(32803));
+    ASSERT_TRUE(host.waitFor(LoaderHost::done));
     messages.clear();
     load();
-    EXPECT_EQ(messages, (std::vector<Message>{{1274, 1, 3}}));
+    EXPECT_EQ(messages, (LoaderMessages{{1274, 1, 3}}));
 }
 
 TEST_F(ContactRun, aStoppedRunMakesRoomForTheNext)

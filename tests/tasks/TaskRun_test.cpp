@@ -1,6 +1,6 @@
 // A load on the worker thread: its messages and their order, stopping, killing, the lock, and what fails.
 #include "platform/pim.h"
-#include "support/MessageWindow.h"
+#include "support/LoaderHost.h"
 #include "support/PropertyRecords.h"
 #include "tasks/TaskListTest.h"
 
@@ -12,59 +12,16 @@ namespace
 {
 using namespace zb::test;
 
-struct Message
-{
-    UINT number;
-    WPARAM wParam;
-    LPARAM lParam;
-    bool operator==(const Message &) const = default;
-};
-
-std::ostream &operator<<(std::ostream &stream, const Message &message)
-{
-    return stream << message.number << " (" << message.wParam << ", " << message.lParam << ")";
-}
-
 class TaskRun : public TaskListTest
 {
   protected:
     TaskRun()
     {
-        window = windowClass.make(&procedure);
-        loader().m_hWndHost = window;
+        loader().m_hWndHost = host.window();
     }
     ~TaskRun() override
     {
         loader().Stop(TRUE);
-        DestroyWindow(window);
-    }
-    bool waitFor(UINT number)
-    {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-        while (std::chrono::steady_clock::now() < deadline)
-        {
-            drainMessages();
-            for (const Message &message : messages)
-            {
-                if (message.number == number)
-                {
-                    return true;
-                }
-            }
-            MsgWaitForMultipleObjectsEx(0, nullptr, 20, QS_ALLINPUT, 0);
-        }
-        return false;
-    }
-    /// The messages in the order in which the loader gave them. A sent one overtakes the posted ones that wait, so a
-    /// window that comes late to its messages sees the list before the beginning, and neither after the end.
-    std::vector<Message> ordered() const
-    {
-        std::vector<Message> sorted = messages;
-        if (sorted.size() > 1 && sorted[0].number == 1274 && sorted[1].number == 32802)
-        {
-            std::swap(sorted[0], sorted[1]);
-        }
-        return sorted;
     }
     void addMany(int count)
     {
@@ -76,23 +33,8 @@ class TaskRun : public TaskListTest
         bulk.commit();
     }
 
-    MessageWindowClass windowClass{u"TaskListHost"};
-    std::vector<Message> messages;
-    std::function<void(UINT)> onMessage;
-    Procedure procedure = [this](HWND handle, UINT number, WPARAM wParam, LPARAM lParam) -> LRESULT
-    {
-        if (number == 32802 || number == 1274 || number == 32803)
-        {
-            messages.push_back({number, wParam, lParam});
-            if (onMessage)
-            {
-                onMessage(number);
-            }
-            return 0;
-        }
-        return DefWindowProcW(handle, number, wParam, lParam);
-    };
-    HWND window = nullptr;
+    LoaderHost host{u"TaskListHost"};
+    LoaderMessages &messages = host.messages;
 };
 
 TEST_F(TaskRun, tellsItsBeginTheListAndItsEnd)
@@ -100,7 +42,7 @@ TEST_F(TaskRun, tellsItsBeginTheListAndItsEnd)
     addTask({.subject = u"a"});
     addTask({.subject = u"b"});
     int displayed = -1;
-    onMessage = [&](UINT number)
+    host.onMessage = [&](UINT number)
     {
         if (number == 1274)
         {
@@ -108,8 +50,8 @@ TEST_F(TaskRun, tellsItsBeginTheListAndItsEnd)
         }
     };
     loader().Start();
-    ASSERT_TRUE(waitFor(32803));
-    EXPECT_EQ(ordered(), (std::vector<Message>{{32802, 0, 0}, {1274, 1, 2}, {32803, 0, 0}}));
+    ASSERT_TRUE(host.waitFor(LoaderHost::done));
+    EXPECT_EQ(host.ordered(), (LoaderMessages{{32802, 0, 0}, {1274, 1, 2}, {32803, 0, 0}}));
     EXPECT_EQ(displayed, 2);
     EXPECT_EQ(shown(), "a, b");
     loader().WaitForComplete();
@@ -121,7 +63,7 @@ TEST_F(TaskRun, theListBelongsToTheHostWhileItHandlesTheMessage)
     // The message is sent: the worker waits until the host has taken the list over.
     const CEOID oid = addTask({.subject = u"a"});
     std::string rowsInside;
-    onMessage = [&](UINT number)
+    host.onMessage = [&](UINT number)
     {
         if (number == 1274)
         {
@@ -131,7 +73,7 @@ TEST_F(TaskRun, theListBelongsToTheHostWhileItHandlesTheMessage)
         }
     };
     loader().Start();
-    ASSERT_TRUE(waitFor(32803));
+    ASSERT_TRUE(host.waitFor(LoaderHost::done));
     EXPECT_EQ(rowsInside, "b");
 }
 
@@ -140,19 +82,19 @@ TEST_F(TaskRun, theCountOfTheMessageIsThatOfTheRowsThatShow)
     addTask({.subject = u"a"});
     groupBy(taskGroupImportance);
     loader().Start();
-    ASSERT_TRUE(waitFor(32803));
-    EXPECT_EQ(ordered()[1], (Message{1274, 1, 3}));
+    ASSERT_TRUE(host.waitFor(LoaderHost::done));
+    EXPECT_EQ(host.ordered()[1], (LoaderMessage{1274, 1, 3}));
 }
 
 TEST_F(TaskRun, aSecondStartLoadsAnew)
 {
     addTask({.subject = u"a"});
     loader().Start();
-    ASSERT_TRUE(waitFor(32803));
+    ASSERT_TRUE(host.waitFor(LoaderHost::done));
     addTask({.subject = u"b"});
     messages.clear();
     loader().Start();
-    ASSERT_TRUE(waitFor(32803));
+    ASSERT_TRUE(host.waitFor(LoaderHost::done));
     EXPECT_EQ(shown(), "a, b");
 }
 
@@ -160,7 +102,7 @@ TEST_F(TaskRun, aLoadOnTheCallersThreadSendsOnlyTheList)
 {
     addTask({.subject = u"a"});
     load();
-    EXPECT_EQ(messages, (std::vector<Message>{{1274, 1, 1}}));
+    EXPECT_EQ(messages, (LoaderMessages{{1274, 1, 1}}));
 }
 
 TEST_F(TaskRun, aStopWhileTheHostIsToldOfTheBeginningLeavesOutTheList)
@@ -170,18 +112,20 @@ TEST_F(TaskRun, aStopWhileTheHostIsToldOfTheBeginningLeavesOutTheList)
     // The host is asked to stop before it has dispatched anything; the run may be anywhere.
     loader().Stop(TRUE);
     drainMessages();
-    for (const Message &message : messages)
+    for (const LoaderMessage &message : messages)
     {
-        EXPECT_TRUE(message == (Message{32802, 0, 0}) || message == (Message{32803, 0, 0}) || message.number == 1274);
+        EXPECT_TRUE(message == (LoaderMessage{32802, 0, 0}) || message == (LoaderMessage{32803, 0, 0}) ||
+                    message.number == 1274);
     }
-    const auto has = [&](UINT number) {
+    const auto has = [&](UINT number)
+    {
         return std::any_of(messages.begin(), messages.end(),
-                           [&](const Message &each) { return each.number == number; });
+                           [&](const LoaderMessage &each) { return each.number == number; });
     };
     EXPECT_EQ(has(32802), has(32803));
     messages.clear();
     loader().Start();
-    ASSERT_TRUE(waitFor(32803)) << "the next run is not held up by the one that was stopped";
+    ASSERT_TRUE(host.waitFor(LoaderHost::done)) << "the next run is not held up by the one that was stopped";
     EXPECT_EQ(loader().GetList().GetDisplayCount(), 2000);
 }
 
@@ -198,7 +142,7 @@ TEST_F(TaskRun, anEventThatIsNotSetCancelsBeforeTheFirstRecord)
     EXPECT_FALSE(loader().IsBusy());
     run.Set();
     EXPECT_EQ(loader().TasksThreadProc(&run), 0U);
-    EXPECT_EQ(messages, (std::vector<Message>{{1274, 1, 1}}));
+    EXPECT_EQ(messages, (LoaderMessages{{1274, 1, 1}}));
     EXPECT_EQ(shown(), "a");
 }
 
@@ -273,7 +217,7 @@ TEST_F(TaskRun, withoutTheDatabaseTheListIsEmptyAndStillTold)
     CloseHandle(CeOpenDatabase(&oid, u"Tasks Database", 0, 0, nullptr));
     ASSERT_NE(CeDeleteDatabase(oid), FALSE);
     loader().TasksThreadProc(nullptr);
-    EXPECT_EQ(messages, (std::vector<Message>{{1274, 1, 0}}));
+    EXPECT_EQ(messages, (LoaderMessages{{1274, 1, 0}}));
     EXPECT_EQ(rows(), "");
     EXPECT_EQ(loader().GetCounts().total, 0);
     EXPECT_EQ(loader().GetCounts().shown, 0);
@@ -309,7 +253,7 @@ TEST_F(TaskRun, aHostThatIsBusyForTooLongGetsItsLoaderKilledAndCanLoadAgain)
     // The worker waits for an answer to 1274 that never comes while this thread pumps nothing.
     std::this_thread::sleep_for(std::chrono::milliseconds(300));
     list.Kill(1);
-    ASSERT_TRUE(waitFor(32803));
+    ASSERT_TRUE(host.waitFor(LoaderHost::done));
     messages.clear();
     EXPECT_EQ(load(), "a") << "the lock was given back";
 }
@@ -323,7 +267,7 @@ TEST_F(TaskRun, aLoadKilledInItsMiddleHoldsUpNoLaterOne)
         loader().Start();
         std::this_thread::sleep_for(std::chrono::milliseconds(5 + 10 * attempt));
         loader().Kill(1);
-        ASSERT_TRUE(waitFor(32803));
+        ASSERT_TRUE(host.waitFor(LoaderHost::done));
         load();
         ASSERT_EQ(loader().GetList().GetDisplayCount(), 5000);
     }
