@@ -1,6 +1,5 @@
 #include "interchange/calendar_import.h"
 
-#include "core/CRegistry.h"
 #include "interchange/appointment_store.h"
 #include "interchange/calendar_survey.h"
 #include "interchange/event_item.h"
@@ -38,8 +37,6 @@ class CalendarImport
 
     void run()
     {
-        // Looked up once a device, in its registry, which would wait for the transaction that begins here.
-        SettingsBaseFolder();
         BulkWrite writing;
         CalendarComponent component;
         while (m_reader.next(component))

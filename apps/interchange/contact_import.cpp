@@ -117,10 +117,8 @@ class ContactImport
     void survey()
     {
         Card card;
-        bool hasPictures = false;
         while (m_reader.next(card))
         {
-            hasPictures = hasPictures || card.find("PHOTO") != nullptr;
             const std::u16string identity = identityOf(card);
             if (!identity.empty())
             {
@@ -128,10 +126,6 @@ class ContactImport
                 const std::uint64_t revision = versionOf(card);
                 counts = revision >= counts.revision ? Version{revision, card.line} : counts;
             }
-        }
-        if (hasPictures)
-        {
-            findPictureFolder();
         }
     }
 

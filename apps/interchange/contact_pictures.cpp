@@ -62,11 +62,6 @@ bool writeFile(const std::u16string &path, const std::string &bytes)
 }
 } // namespace
 
-void findPictureFolder()
-{
-    SettingsBaseFolder();
-}
-
 bool canNamePicture(const std::u16string &fileAs)
 {
     const bool fits = !fileAs.empty() && fileAs.size() + pictureFolder().size() + longestExtension < MAX_PATH &&

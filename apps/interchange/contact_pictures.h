@@ -8,9 +8,6 @@
 
 namespace zb::interchange
 {
-/// Finds out where the folder is, and remembers it. That is kept in the registry, which another thread's transaction or
-/// one's own locks; so it wants to be done before one begins.
-void findPictureFolder();
 /// False for names that no file can have.
 bool canNamePicture(const std::u16string &fileAs);
 bool hasPicture(const std::u16string &fileAs);

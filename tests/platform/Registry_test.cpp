@@ -1,5 +1,6 @@
 // The registry: keys in a tree, typed values, names without regard to case, and that all of it survives.
 #include "platform/kernel.h"
+#include "platform/propdb.h"
 #include "platform/registry.h"
 #include "platform/text.h"
 #include "support/TestDevice.h"
@@ -45,6 +46,39 @@ TEST_F(RegistryTest, aKeyIsMadeByOpeningItWithAllThatLeadToIt)
     EXPECT_EQ(RegCloseKey(key), 0);
     EXPECT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"Software\\None", 0, 0, &key), 2);
     EXPECT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, u"Software", 0, 0, &key), 2);
+}
+
+TEST_F(RegistryTest, readingWaitsForNoBulkAlsoOnADeviceWithoutAnyKeys)
+{
+    for (const bool hasKeys : {false, true})
+    {
+        if (hasKeys)
+        {
+            RegCloseKey(make(u"A"));
+        }
+        zb::BulkWrite bulk;
+        const SORTORDERSPEC order{0x0001001f, 0};
+        ASSERT_NE(CeCreateDatabase(hasKeys ? u"Second" : u"First", 0, 1, &order), 0U);
+        HKEY key = nullptr;
+        EXPECT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, u"B", 0, 0, &key), 2)
+            << "not there, instead of a store that is busy";
+        DWORD value = 0;
+        EXPECT_EQ(number(HKEY_CURRENT_USER, u"none", value), 2);
+        DWORD keys = 9;
+        EXPECT_EQ(RegQueryInfoKeyW(HKEY_CURRENT_USER, nullptr, nullptr, nullptr, &keys, nullptr, nullptr, nullptr,
+                                   nullptr, nullptr, nullptr, nullptr),
+                  0);
+        EXPECT_EQ(keys, hasKeys ? 1U : 0U);
+        EXPECT_TRUE(bulk.commit());
+    }
+}
+
+TEST_F(RegistryTest, aFirstValueMayStandInARoot)
+{
+    EXPECT_EQ(setNumber(HKEY_CURRENT_USER, u"Number", 42), 0);
+    DWORD value = 0;
+    EXPECT_EQ(number(HKEY_CURRENT_USER, u"Number", value), 0);
+    EXPECT_EQ(value, 42U);
 }
 
 TEST_F(RegistryTest, valuesKeepTheirTypeAndBytesOverAReopening)

@@ -214,7 +214,6 @@ std::shared_ptr<RegistryStore> RegistryStore::open(const std::string &file, std:
     }
     sqlite3_busy_timeout(connection, busyMilliseconds);
     store->run("PRAGMA synchronous=FULL");
-    store->makeTables();
     return store;
 }
 
@@ -237,9 +236,16 @@ void RegistryStore::run(const char *sql)
     }
 }
 
+bool RegistryStore::hasTables()
+{
+    m_hasTables =
+        m_hasTables || Statement(m_connection, "SELECT 1 FROM sqlite_master WHERE name = 'registry_values'").step();
+    return m_hasTables;
+}
+
 void RegistryStore::makeTables()
 {
-    if (Statement(m_connection, "SELECT 1 FROM sqlite_master WHERE name = 'registry_values'").step())
+    if (hasTables())
     {
         return;
     }
@@ -268,11 +274,16 @@ void RegistryStore::touch(std::int64_t key)
 bool RegistryStore::exists(std::int64_t key)
 {
     const std::lock_guard guard(m_mutex);
-    return Statement(m_connection, "SELECT 1 FROM registry_keys WHERE id = ?").bind(key).step();
+    return key <= rootCount ||
+           (hasTables() && Statement(m_connection, "SELECT 1 FROM registry_keys WHERE id = ?").bind(key).step());
 }
 
 std::optional<std::int64_t> RegistryStore::child(std::int64_t parent, std::u16string_view name)
 {
+    if (!hasTables())
+    {
+        return std::nullopt;
+    }
     Statement statement(m_connection, "SELECT id FROM registry_keys WHERE parent = ? AND folded = ?");
     statement.bind(parent).bind(folded(name));
     return statement.step() ? std::optional(statement.integer(0)) : std::nullopt;
@@ -301,6 +312,7 @@ std::int64_t RegistryStore::findOrMake(std::int64_t parent, std::u16string_view 
         return *known;
     }
     const std::lock_guard guard(m_mutex);
+    makeTables();
     WriteStep step(m_connection);
     std::int64_t key = parent;
     for (const auto part : partsOf(path))
@@ -347,6 +359,10 @@ bool RegistryStore::removeTree(std::int64_t parent, std::u16string_view path)
 std::optional<RegistryValue> RegistryStore::value(std::int64_t key, std::u16string_view name)
 {
     const std::lock_guard guard(m_mutex);
+    if (!hasTables())
+    {
+        return std::nullopt;
+    }
     Statement statement(m_connection, "SELECT name, type, data FROM registry_values WHERE key = ? AND folded = ?");
     statement.bind(key).bind(folded(name));
     if (!statement.step())
@@ -359,6 +375,7 @@ std::optional<RegistryValue> RegistryStore::value(std::int64_t key, std::u16stri
 void RegistryStore::setValue(std::int64_t key, const RegistryValue &value)
 {
     const std::lock_guard guard(m_mutex);
+    makeTables();
     WriteStep step(m_connection);
     Statement(m_connection, "INSERT INTO registry_values(key, folded, name, type, data) VALUES(?,?,?,?,?) "
                             "ON CONFLICT(key, folded) DO UPDATE SET type = excluded.type, data = excluded.data")
@@ -375,6 +392,10 @@ void RegistryStore::setValue(std::int64_t key, const RegistryValue &value)
 bool RegistryStore::removeValue(std::int64_t key, std::u16string_view name)
 {
     const std::lock_guard guard(m_mutex);
+    if (!hasTables())
+    {
+        return false;
+    }
     WriteStep step(m_connection);
     Statement(m_connection, "DELETE FROM registry_values WHERE key = ? AND folded = ?")
         .bind(key)
@@ -389,6 +410,10 @@ bool RegistryStore::removeValue(std::int64_t key, std::u16string_view name)
 std::vector<std::u16string> RegistryStore::childNames(std::int64_t key)
 {
     const std::lock_guard guard(m_mutex);
+    if (!hasTables())
+    {
+        return {};
+    }
     Statement statement(m_connection, "SELECT name FROM registry_keys WHERE parent = ? ORDER BY folded");
     statement.bind(key);
     std::vector<std::u16string> names;
@@ -402,6 +427,10 @@ std::vector<std::u16string> RegistryStore::childNames(std::int64_t key)
 std::vector<RegistryValue> RegistryStore::values(std::int64_t key)
 {
     const std::lock_guard guard(m_mutex);
+    if (!hasTables())
+    {
+        return {};
+    }
     Statement statement(m_connection, "SELECT name, type, data FROM registry_values WHERE key = ? ORDER BY folded");
     statement.bind(key);
     std::vector<RegistryValue> found;
@@ -415,6 +444,10 @@ std::vector<RegistryValue> RegistryStore::values(std::int64_t key)
 LONGLONG RegistryStore::written(std::int64_t key)
 {
     const std::lock_guard guard(m_mutex);
+    if (!hasTables())
+    {
+        return 0;
+    }
     Statement statement(m_connection, "SELECT written FROM registry_keys WHERE id = ?");
     statement.bind(key);
     return statement.step() ? statement.integer(0) : 0;

@@ -3,8 +3,9 @@
 //     registry_keys(id, parent, name, folded, written)    parent 0 for the four roots, which are ids 1 to 4
 //     registry_values(key, folded, name, type, data)
 //
-// `folded` is the name in lower case, which makes look-ups blind to case. The tables are made when the registry is
-// first used on a device.
+// `folded` is the name in lower case, which makes look-ups blind to case. The tables are made when something is first
+// written on a device; until then the roots are empty. Reading never writes, so it does not wait for whoever writes to
+// the store meanwhile, the caller's own bulk included.
 #pragma once
 
 #include "platform/types.h"
@@ -61,6 +62,7 @@ class RegistryStore
     RegistryStore(sqlite3 *connection, std::uint64_t generation);
     static std::shared_ptr<RegistryStore> open(const std::string &file, std::uint64_t generation);
     std::optional<std::int64_t> child(std::int64_t parent, std::u16string_view name);
+    bool hasTables();
     void makeTables();
     void run(const char *sql);
     void touch(std::int64_t key);
@@ -68,6 +70,7 @@ class RegistryStore
     std::mutex m_mutex;
     sqlite3 *m_connection;
     std::uint64_t m_generation;
+    bool m_hasTables = false; ///< seen; they never go
 };
 
 /// A refusal of the store, as an error code of the platform.
