@@ -304,20 +304,32 @@ struct LOGBRUSH
     COLORREF lbColor;
     LONG_PTR lbHatch;
 };
+/// 87 for another style or a width below 0 or above 32,767. A width of 0 is 1. A dashed pen draws 6 pixels and leaves 3
+/// out, times its width; slanted lines and curves it draws solid when it is wider than 1.
 ZBPLATFORM_API HPEN CreatePen(int style, int width, COLORREF color);
 ZBPLATFORM_API HPEN CreatePenIndirect(const LOGPEN *description);
 ZBPLATFORM_API HBRUSH CreateSolidBrush(COLORREF color);
 
+/// A rectangle whose sides are out of order is empty for this and the two that invert; the shapes put them in order.
+/// Null brushes and pens draw nothing. Curves have smooth edges, the same ones everywhere; on black and white hard
+/// ones.
 ZBPLATFORM_API BOOL FillRect(HDC context, const RECT *rectangle, HBRUSH brush);
-/// Outline with the pen (inside the rectangle, centred on its edge pixels), body with the brush.
+/// Outline with the pen, centred on the edge pixels (left, top, right - 1 and bottom - 1; of an even width the odd
+/// pixel lies outside), body with the brush inside it. So an outline of a pen w pixels wide stays inside a rectangle
+/// whose sides were first moved in by w / 2: with w = 2, (1, 1, 9, 9) covers 0 to 9. Without a pen the body is the
+/// whole rectangle.
 ZBPLATFORM_API BOOL Rectangle(HDC context, int left, int top, int right, int bottom);
+/// The same with corners that are quarters of an ellipse of that width and height, and with the ellipse that touches
+/// all four sides. Their outlines are never dashed.
 ZBPLATFORM_API BOOL RoundRect(HDC context, int left, int top, int right, int bottom, int width, int height);
 ZBPLATFORM_API BOOL Ellipse(HDC context, int left, int top, int right, int bottom);
-/// With the pen; the last point itself is not drawn by a pen of width 1.
+/// With the pen; the last point itself is not drawn by a pen of width 1. A wider one covers width / 2 pixels before the
+/// line and the rest from it on, and reaches as far behind its ends. 87 for fewer than 2 points.
 ZBPLATFORM_API BOOL Polyline(HDC context, const POINT *points, int count);
-/// Outline and body, closed.
+/// Outline and body, closed; where it crosses itself every other part is inside.
 ZBPLATFORM_API BOOL Polygon(HDC context, const POINT *points, int count);
 ZBPLATFORM_API BOOL MoveToEx(HDC context, int x, int y, POINT *before);
+/// From the current position, which moves there.
 ZBPLATFORM_API BOOL LineTo(HDC context, int x, int y);
 /// Both give the colour that stands there afterwards; CLR_INVALID outside the clip.
 ZBPLATFORM_API COLORREF SetPixel(HDC context, int x, int y, COLORREF color);
@@ -336,6 +348,8 @@ inline constexpr UINT BF_TOP = 2;
 inline constexpr UINT BF_RIGHT = 4;
 inline constexpr UINT BF_BOTTOM = 8;
 inline constexpr UINT BF_RECT = 15;
+/// Lines as thick as a border along the sides of `flags`, inside the rectangle; of the two lines of EDGE_RAISED and
+/// EDGE_SUNKEN the second lies inside the first. The rectangle is not changed.
 ZBPLATFORM_API BOOL DrawEdge(HDC context, RECT *rectangle, UINT edge, UINT flags);
 
 inline constexpr UINT DFC_CAPTION = 1;
@@ -354,7 +368,8 @@ inline constexpr UINT DFCS_BUTTONPUSH = 16;
 inline constexpr UINT DFCS_INACTIVE = 0x0100;
 inline constexpr UINT DFCS_PUSHED = 0x0200;
 inline constexpr UINT DFCS_CHECKED = 0x0400;
-/// Draws a part of a control in the system's look.
+/// Draws a part of a control in the system's look, as large as the rectangle (signs, boxes and circles: as the largest
+/// square in its middle). 87 for a part that there is not. The rectangle is not changed.
 ZBPLATFORM_API BOOL DrawFrameControl(HDC context, RECT *rectangle, UINT type, UINT state);
 
 // --- Clip --------------------------------------------------------------------------------------------------------
@@ -377,8 +392,8 @@ struct BITMAP
     LONG bmWidth;
     LONG bmHeight;
     LONG bmWidthBytes;
-    WORD bmPlanes;     ///< 1
-    WORD bmBitsPixel;  ///< 32, or 1 for black and white
+    WORD bmPlanes;      ///< 1
+    WORD bmBitsPixel;   ///< 32, or 1 for black and white
     const void *bmBits; ///< null: the pixels are the system's
 };
 
@@ -399,10 +414,11 @@ struct BITMAPINFOHEADER
 };
 
 /// Like the context's own surface: of a memory context with its first bitmap that is one in black and white. Black at
-/// first. Null for a side below 0; a side of 0 gives a bitmap of 1 by 1, black and white.
+/// first. Null (87) for a side below 0; a side of 0 gives a bitmap of 1 by 1, black and white.
 ZBPLATFORM_API HBITMAP CreateCompatibleBitmap(HDC context, int width, int height);
 /// Black and white with one plane and 1 bit, otherwise like the screen. bits, if given, are rows of whole words, the
-/// top one first: only for 1 and 32 bits a pixel (blue, green, red, unused).
+/// top one first: only for 1 and 32 bits a pixel (blue, green, red, unused). 87 for other than 1 plane or 1 to 32 bits.
+/// Black and white holds, of whatever is drawn on it, the nearer of the two; in memory it takes 32 bits a pixel too.
 ZBPLATFORM_API HBITMAP CreateBitmap(int width, int height, UINT planes, UINT bitsPerPixel, const void *bits);
 
 inline constexpr DWORD SRCCOPY = 0x00CC0020;
@@ -415,15 +431,24 @@ inline constexpr DWORD PATINVERT = 0x005A0049;
 inline constexpr DWORD DSTINVERT = 0x00550009;
 inline constexpr DWORD BLACKNESS = 0x00000042;
 inline constexpr DWORD WHITENESS = 0x00FF0062;
-/// Source and target may overlap and may be one surface. The source context may be null for the last five.
+/// Source and target may overlap and may be one surface. The source context may be null for the last five. 87 for any
+/// other operation. What lies outside the source's surface is not drawn; with a side below 0 the rectangle, here and
+/// there, reaches to the left or upwards. A black and white source is drawn in the target's text colour (its black) and
+/// background colour (its white); a black and white target becomes white where the source has the source context's
+/// background colour, else black.
 ZBPLATFORM_API BOOL BitBlt(HDC target, int x, int y, int width, int height, HDC source, int sourceX, int sourceY,
                            DWORD operation);
-/// As BitBlt, smoothly to another size; a side below 0 mirrors.
+/// As BitBlt, to another size; mirrored where one of two lengths is below 0. Equal sizes and whole multiples (both
+/// ways) repeat pixels exactly, so pictures with a key colour stay crisp; else it averages where it shrinks and
+/// interpolates where it grows. Of a picture with soft edges the colours are kept apart from what lets through, which
+/// stays of the key colour 0x00FF00. 87 for lengths of the source of 0, and for any above 32,767.
 ZBPLATFORM_API BOOL StretchBlt(HDC target, int x, int y, int width, int height, HDC source, int sourceX, int sourceY,
                                int sourceWidth, int sourceHeight, DWORD operation);
 ZBPLATFORM_API BOOL PatBlt(HDC target, int x, int y, int width, int height, DWORD operation);
-/// Stretches a part of the source (a context or a bitmap) over the target and leaves out the pixels of the key colour.
-/// Pictures of ours that have soft edges (see resources.h) are blended instead, so no key colour shines through.
+/// Stretches a part of the source (a context or a bitmap) over the target, scaled and mirrored as with StretchBlt, and
+/// leaves out the pixels of the key colour (CLR_NONE: of no colour), of which nothing gets into those beside them.
+/// Pictures of ours that have soft edges (see resources.h) are blended by their softness as well. Black and white
+/// sources stay black and white. Limits as with StretchBlt.
 ZBPLATFORM_API BOOL TransparentImage(HDC target, int x, int y, int width, int height, HANDLE source, int sourceX,
                                      int sourceY, int sourceWidth, int sourceHeight, COLORREF key);
 
@@ -434,24 +459,28 @@ struct ICONINFO
     BOOL fIcon;
     DWORD xHotspot;
     DWORD yHotspot;
-    HBITMAP hbmMask;  ///< white where the icon lets through
+    HBITMAP hbmMask; ///< white where the icon lets through
     HBITMAP hbmColor;
 };
 inline constexpr UINT DI_MASK = 1;
 inline constexpr UINT DI_IMAGE = 2;
 inline constexpr UINT DI_NORMAL = 3;
-/// Copies both bitmaps, which stay the caller's.
+/// Copies both bitmaps, which stay the caller's. The mask may be null (all of the icon is there, but for the softness
+/// of the colour bitmap) and must not be smaller than the colour bitmap (87).
 ZBPLATFORM_API HICON CreateIconIndirect(const ICONINFO *description);
 ZBPLATFORM_API BOOL DestroyIcon(HICON icon);
-/// A width or height of 0 is the icon's own.
+/// A width or height of 0 is the icon's own. DI_NORMAL blends the icon over what is there, or over `flicker` where that
+/// is given; DI_IMAGE draws its colours, black where it lets through; DI_MASK white where it lets through, else black.
 ZBPLATFORM_API BOOL DrawIconEx(HDC context, int x, int y, HICON icon, int width, int height, UINT step, HBRUSH flicker,
                                UINT flags);
 
 // --- Rectangles --------------------------------------------------------------------------------------------------
 
+/// 87 for a null pointer. Sums wrap.
 ZBPLATFORM_API BOOL SetRect(RECT *rectangle, int left, int top, int right, int bottom);
 ZBPLATFORM_API BOOL SetRectEmpty(RECT *rectangle);
 ZBPLATFORM_API BOOL CopyRect(RECT *to, const RECT *from);
+/// A null rectangle is empty, and no point is in it.
 ZBPLATFORM_API BOOL IsRectEmpty(const RECT *rectangle);
 ZBPLATFORM_API BOOL EqualRect(const RECT *one, const RECT *other);
 ZBPLATFORM_API BOOL OffsetRect(RECT *rectangle, int x, int y);
@@ -459,5 +488,6 @@ ZBPLATFORM_API BOOL InflateRect(RECT *rectangle, int x, int y);
 /// Set to the empty rectangle 0, 0, 0, 0 and false when there is none.
 ZBPLATFORM_API BOOL IntersectRect(RECT *result, const RECT *one, const RECT *other);
 ZBPLATFORM_API BOOL UnionRect(RECT *result, const RECT *one, const RECT *other);
+/// Cuts `what` off only where a rectangle is left: where it covers one side from end to end.
 ZBPLATFORM_API BOOL SubtractRect(RECT *result, const RECT *from, const RECT *what);
 ZBPLATFORM_API BOOL PtInRect(const RECT *rectangle, POINT point);

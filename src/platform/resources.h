@@ -7,7 +7,8 @@
 #include "platform/gdi.h"
 
 /// Copies the text, cut to size - 1 characters, and returns its length; 0 and last error 1814 when there is none. With
-/// size 0 `buffer` is taken as a const WCHAR ** and gets a pointer to the text in place (not zero-terminated as a rule).
+/// size 0 `buffer` is taken as a const WCHAR ** and gets a pointer to the text in place (not zero-terminated as a
+/// rule).
 ZBPLATFORM_API int LoadStringW(HINSTANCE instance, UINT id, WCHAR *buffer, int size);
 
 /// What a resource module exports, with C linkage under the name "zbResourceString": the text of a number in the given
@@ -32,15 +33,19 @@ inline const WCHAR *const RT_DIALOG = MAKEINTRESOURCEW(5);
 struct HRSRC__;
 using HRSRC = HRSRC__ *;
 using HGLOBAL = HANDLE;
-/// Names are numbers here; null with last error 1813 or 1814 for any other name, type or number that the module lacks.
-/// A bitmap comes in the density that fits the device's screen best: the least that is not below it.
+/// Names are numbers here. Null with last error 1813 for a type that is none of the four or a module without any such
+/// resources, 1814 for another name or a number that the module lacks, 6 for a module that is not loaded. A bitmap
+/// comes in the density that fits the device's screen best: the least that is not below it. The handle needs no end and
+/// stays good while its module is loaded; the calls below give 0 or null with last error 6 for one that is none, or not
+/// that module's.
 ZBPLATFORM_API HRSRC FindResourceW(HINSTANCE module, const WCHAR *name, const WCHAR *type);
 ZBPLATFORM_API DWORD SizeofResource(HINSTANCE module, HRSRC resource);
 ZBPLATFORM_API HGLOBAL LoadResource(HINSTANCE module, HRSRC resource);
 /// The bytes; the module's own, never freed.
 ZBPLATFORM_API const void *LockResource(HGLOBAL resource);
 /// A bitmap resource as a bitmap of the caller's (DeleteObject). Pixels that let through have the key colour 0x00FF00
-/// and, beside it, their softness; see TransparentImage. Null with last error 1814 without it, 11 when it is damaged.
+/// and, beside it, their softness; see TransparentImage. Null with the last errors of FindResourceW without it, 11 when
+/// it is damaged.
 ZBPLATFORM_API HBITMAP LoadBitmapW(HINSTANCE module, const WCHAR *name);
 /// An icon made of the bitmap resource of that number, of the caller's (DestroyIcon).
 ZBPLATFORM_API HICON LoadIconW(HINSTANCE module, const WCHAR *name);

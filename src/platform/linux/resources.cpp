@@ -3,6 +3,7 @@
 
 #include "platform/kernel.h"
 #include "platform/linux/device_state.h"
+#include "platform/linux/resource_modules.h"
 
 #include <atomic>
 #include <cstring>
@@ -54,7 +55,7 @@ void *systemResources()
     return module;
 }
 
-ZbResourceString resourcesOf(HINSTANCE instance)
+ZbResourceString textsOf(HINSTANCE instance)
 {
     const HINSTANCE module = instance != nullptr ? instance : applicationModule.load();
     if (module == nullptr)
@@ -77,9 +78,28 @@ int fail()
 }
 } // namespace
 
+ZbResourceBytes zb::internal::resourceBytesOf(HINSTANCE instance)
+{
+    const HINSTANCE module = instance != nullptr ? instance : applicationModule.load();
+    void *found = nullptr;
+    if (module != nullptr)
+    {
+        found = GetProcAddressW(module, u"zbResourceBytes");
+    }
+    else if (void *own = systemResources())
+    {
+        found = dlsym(own, "zbResourceBytes");
+    }
+    if (found == nullptr && (module == nullptr || GetLastError() != ERROR_INVALID_HANDLE))
+    {
+        SetLastError(ERROR_RESOURCE_TYPE_NOT_FOUND);
+    }
+    return reinterpret_cast<ZbResourceBytes>(found);
+}
+
 int LoadStringW(HINSTANCE instance, UINT id, WCHAR *buffer, int size)
 {
-    const ZbResourceString resources = buffer == nullptr || size < 0 ? nullptr : resourcesOf(instance);
+    const ZbResourceString resources = buffer == nullptr || size < 0 ? nullptr : textsOf(instance);
     std::size_t length = 0;
     const std::string locale = zb::internal::currentLocale();
     const WCHAR *text = resources == nullptr ? nullptr : resources(id, locale.c_str(), &length);
