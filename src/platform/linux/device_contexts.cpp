@@ -4,7 +4,6 @@
 #include "platform/kernel.h"
 #include "platform/linux/device_context.h"
 #include "platform/linux/device_state.h"
-#include "platform/linux/windows_table.h"
 
 #include <utility>
 
@@ -44,22 +43,6 @@ bool endContext(HDC context, bool memory)
     return true;
 }
 } // namespace
-
-HDC GetDC(HWND window)
-{
-    // What a window shows lies with user.h; until a window has a place on the screen nothing of it can be drawn on.
-    if (window != nullptr && findWindow(window) == nullptr)
-    {
-        return nullptr;
-    }
-    auto surface = screenSurface();
-    if (surface == nullptr)
-    {
-        return nullptr;
-    }
-    Region system(window == nullptr ? surface->bounds() : Box{});
-    return insertContext(std::make_shared<DeviceContext>(std::move(surface), POINT{0, 0}, std::move(system)));
-}
 
 int ReleaseDC(HWND, HDC context)
 {

@@ -1,7 +1,7 @@
 #include "platform/linux/message_queue.h"
 
 #include "platform/clock.h"
-#include "platform/linux/windows_table.h"
+#include "platform/linux/windows_paint.h"
 
 #include <algorithm>
 
@@ -70,6 +70,7 @@ void MessageQueue::removeWindow(HWND window)
         m_windows.erase(window);
         std::erase_if(m_posted, [&](const MSG &message) { return message.hwnd == window; });
         std::erase_if(m_timers, [&](const Timer &timer) { return timer.window == window; });
+        std::erase(m_paints, window);
         std::erase_if(m_sent,
                       [&](SentMessage *sent)
                       {
@@ -95,6 +96,7 @@ std::vector<HWND> MessageQueue::close()
         m_windows.clear();
         m_posted.clear();
         m_timers.clear();
+        m_paints.clear();
         m_quit.reset();
         for (SentMessage *sent : m_sent)
         {
@@ -160,6 +162,35 @@ void MessageQueue::postQuit(int exitCode)
     m_quit = exitCode;
 }
 
+void MessageQueue::wantPaint(HWND window)
+{
+    bool listening = false;
+    {
+        const std::lock_guard guard(m_lock);
+        if (!accepts(window) || std::ranges::find(m_paints, window) != m_paints.end())
+        {
+            return;
+        }
+        m_paints.push_back(window);
+        listening = (m_listening & wakePosted) != 0;
+    }
+    if (listening)
+    {
+        m_owner.unpark();
+    }
+}
+
+HWND MessageQueue::nextPaint(const MessageFilter &filter)
+{
+    if (m_paints.empty())
+    {
+        return nullptr;
+    }
+    std::erase_if(m_paints, [](HWND window) { return !needsPaint(window); });
+    const auto found = std::ranges::find_if(m_paints, [&](HWND window) { return filter.takes(window, WM_PAINT); });
+    return found == m_paints.end() ? nullptr : *found;
+}
+
 bool MessageQueue::take(const MessageFilter &filter, bool remove, MSG &message)
 {
     const std::lock_guard guard(m_lock);
@@ -181,6 +212,11 @@ bool MessageQueue::take(const MessageFilter &filter, bool remove, MSG &message)
         {
             m_quit.reset();
         }
+        return true;
+    }
+    if (const HWND window = nextPaint(filter))
+    {
+        message = MSG{window, WM_PAINT, 0, 0, GetTickCount(), {0, 0}};
         return true;
     }
     Timer *timer = earliestTimer(filter);
@@ -263,7 +299,7 @@ MessageQueue::Outlook MessageQueue::listen(unsigned kinds, const MessageFilter &
     const std::lock_guard guard(m_lock);
     m_listening = kinds;
     Outlook outlook;
-    outlook.ready = ((kinds & wakeSent) != 0 && !m_sent.empty()) || ((kinds & wakePosted) != 0 && hasPosted(filter));
+    outlook.ready = ((kinds & wakeSent) != 0 && !m_sent.empty()) || ((kinds & wakePosted) != 0 && (hasPosted(filter) || nextPaint(filter) != nullptr));
     if (!outlook.ready && (kinds & wakeTimer) != 0)
     {
         if (const Timer *timer = earliestTimer(filter))

@@ -81,9 +81,11 @@ class MessageQueue
     DWORD post(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     DWORD send(SentMessage &sent);
     void postQuit(int exitCode);
+    /// WM_PAINT comes for the window when nothing else waits, for as long as something of it is invalid.
+    void wantPaint(HWND window);
 
     // --- Out, by the owner
-    /// The oldest posted message that fits, else quit, else the timer that is longest due.
+    /// The oldest posted message that fits, else quit, else a paint, else the timer that is longest due.
     bool take(const MessageFilter &filter, bool remove, MSG &message);
     /// A copy of the fields is taken, since a sender may be let go while the procedure still runs.
     struct Taken
@@ -132,6 +134,8 @@ class MessageQueue
     /// Stores the outcome and adds the sender to those to wake.
     static void settle(SentMessage &sent, SendOutcome outcome, std::vector<std::shared_ptr<ThreadState>> &senders);
     bool hasPosted(const MessageFilter &filter) const;
+    /// The first that still is to be painted; those that are not are forgotten.
+    HWND nextPaint(const MessageFilter &filter);
 
     ThreadState &m_owner;
     std::mutex m_lock;
@@ -140,6 +144,7 @@ class MessageQueue
     std::vector<SentMessage *> m_running;
     std::unordered_set<HWND> m_windows;
     std::vector<Timer> m_timers;
+    std::vector<HWND> m_paints; ///< each once
     std::uint64_t m_lastNumber = 0;
     UINT_PTR m_nextTimerId = 1;
     unsigned m_listening = 0;

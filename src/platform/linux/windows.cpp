@@ -1,5 +1,8 @@
 // Windows: making, destroying, their words and their texts.
-#include "platform/linux/windows_table.h"
+#include "platform/linux/input_state.h"
+#include "platform/linux/windows_change.h"
+#include "platform/linux/windows_frame.h"
+#include "platform/linux/windows_paint.h"
 
 #include <algorithm>
 #include <cstring>
@@ -121,6 +124,54 @@ std::atomic<LONG_PTR> *wordOf(WindowObject &object, int index)
     }
 }
 
+/// It leaves the screen before its procedure hears of its end.
+void hideForGood(HWND window, WindowObject &object)
+{
+    leaveInput(window);
+    Repaints repaints;
+    {
+        const std::lock_guard guard(treeLock());
+        Region shown = shownRegion(window, object);
+        object.style.fetch_and(~static_cast<LONG_PTR>(WS_VISIBLE));
+        repaints.expose(std::move(shown));
+    }
+    repaints.tell();
+}
+
+/// Where a new window lies: CW_USEDEFAULT of a window of the screen is all of it.
+Box placeOf(bool isChild, int x, int y, int width, int height)
+{
+    if (x == CW_USEDEFAULT)
+    {
+        x = 0;
+        y = 0;
+    }
+    const int left = isChild ? 0 : GetSystemMetrics(SM_CXSCREEN) - x;
+    const int below = isChild ? 0 : GetSystemMetrics(SM_CYSCREEN) - y;
+    width = width == CW_USEDEFAULT ? left : width;
+    height = height == CW_USEDEFAULT ? below : height;
+    return {x, y, x + std::clamp(width, 0, 32767), y + std::clamp(height, 0, 32767)};
+}
+
+/// A window that has a place is told of it, and shown when it is made so.
+void presentNew(HWND window, const WindowObject &object, DWORD style)
+{
+    WINDOWPOS place{window, nullptr, 0, 0, 0, 0, 0};
+    bool hasPlace = false;
+    {
+        const std::lock_guard guard(treeLock());
+        hasPlace = !object.place.isEmpty();
+    }
+    if (hasPlace)
+    {
+        tellPlaceChanged(window, place);
+    }
+    if ((style & WS_VISIBLE) != 0 && IsWindow(window) != FALSE)
+    {
+        ShowWindow(window, SW_SHOW);
+    }
+}
+
 LRESULT copyText(const std::u16string &text, WPARAM size, WCHAR *buffer)
 {
     if (size == 0 || buffer == nullptr)
@@ -131,6 +182,24 @@ LRESULT copyText(const std::u16string &text, WPARAM size, WCHAR *buffer)
     std::memcpy(buffer, text.data(), length * sizeof(WCHAR));
     buffer[length] = 0;
     return static_cast<LRESULT>(length);
+}
+
+LRESULT paintNothing(HWND window)
+{
+    PAINTSTRUCT paint{};
+    BeginPaint(window, &paint);
+    EndPaint(window, &paint);
+    return 0;
+}
+
+LRESULT setRedraw(HWND window, bool redraw)
+{
+    if (const auto object = findWindow(window))
+    {
+        const std::lock_guard guard(treeLock());
+        object->redraw = redraw;
+    }
+    return 0;
 }
 
 LRESULT defaultText(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
@@ -144,6 +213,10 @@ LRESULT defaultText(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
     {
     case WM_SETTEXT:
         object->setText(reinterpret_cast<const WCHAR *>(lParam));
+        if ((object->style.load() & static_cast<LONG_PTR>(WS_CAPTION)) == static_cast<LONG_PTR>(WS_CAPTION))
+        {
+            paintFrame(window);
+        }
         return TRUE;
     case WM_GETTEXT:
         return copyText(object->text(), wParam, reinterpret_cast<WCHAR *>(lParam));
@@ -161,6 +234,7 @@ void destroyOwnWindow(HWND window)
         return;
     }
     const RemovalOnUnwind removal(window);
+    hideForGood(window, *object);
     for (HWND child : childrenOf(*object))
     {
         destroyAnyWindow(child);
@@ -182,7 +256,8 @@ HWND CreateWindowExW(DWORD exStyle, const WCHAR *className, const WCHAR *text, D
         return refuse(errorCannotFindClass);
     }
     const auto object = std::make_shared<WindowObject>(std::move(type), currentThread().shared_from_this());
-    object->style = static_cast<LONG_PTR>(style);
+    object->isChild = (style & WS_CHILD) != 0 && parent != nullptr;
+    object->style = static_cast<LONG_PTR>(style & ~WS_VISIBLE);
     object->exStyle = static_cast<LONG_PTR>(exStyle);
     object->id = reinterpret_cast<LONG_PTR>(menu);
     object->setText(text);
@@ -191,9 +266,15 @@ HWND CreateWindowExW(DWORD exStyle, const WCHAR *className, const WCHAR *text, D
     {
         return nullptr;
     }
+    placeNew(window, *object, placeOf(object->isChild, x, y, width, height));
     CREATESTRUCTW creation{parameter, instance,  menu,   parent, height, width, y, x, static_cast<LONG>(style),
                            text,      className, exStyle};
-    return introduce(window, creation);
+    if (introduce(window, creation) == nullptr)
+    {
+        return nullptr;
+    }
+    presentNew(window, *object, style);
+    return IsWindow(window) != FALSE ? window : nullptr;
 }
 
 BOOL DestroyWindow(HWND window)
@@ -256,6 +337,29 @@ LRESULT DefWindowProcW(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
     case WM_CLOSE:
         DestroyWindow(window);
         return 0;
+    case WM_PAINT:
+        return paintNothing(window);
+    case WM_ERASEBKGND:
+        return eraseBackground(window, reinterpret_cast<HDC>(wParam)) ? 1 : 0;
+    case WM_NCPAINT:
+        paintFrame(window);
+        return 0;
+    case WM_NCLBUTTONDOWN:
+        penOnFrame(window, wParam, lParam);
+        return 0;
+    case WM_WINDOWPOSCHANGED:
+        return tellPlaceChanged(window, *reinterpret_cast<const WINDOWPOS *>(lParam));
+    case WM_ACTIVATE:
+        focusOnActivation(window, wParam);
+        paintFrame(window);
+        return 0;
+    case WM_SETREDRAW:
+        return setRedraw(window, wParam != 0);
+    case WM_MOUSEWHEEL:
+        // Up to who scrolls.
+        return (GetWindowLongW(window, GWL_STYLE) & static_cast<LONG_PTR>(WS_CHILD)) != 0
+                   ? SendMessageW(GetParent(window), message, wParam, lParam)
+                   : 0;
     default:
         return 0;
     }

@@ -1,5 +1,7 @@
 #include "platform/linux/windows_table.h"
 
+#include "platform/linux/windows_place.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -9,19 +11,19 @@ namespace
 {
 constinit std::mutex theTreeLock;
 
-/// Without touching the last error, for look-ups that are no failure of the caller's.
+} // namespace
+
+std::mutex &treeLock()
+{
+    return theTreeLock;
+}
+
 std::shared_ptr<WindowObject> peekWindow(HWND window)
 {
     const DWORD kept = GetLastError();
     auto found = findAs<WindowObject>(reinterpret_cast<HANDLE>(window), HandleKind::Window);
     SetLastError(kept);
     return found;
-}
-} // namespace
-
-std::mutex &treeLock()
-{
-    return theTreeLock;
 }
 
 WindowObject::WindowObject(std::shared_ptr<WindowClass> type, std::shared_ptr<ThreadState> owner)
@@ -117,6 +119,7 @@ void setFree(const std::vector<HWND> &children)
         {
             const std::lock_guard guard(treeLock());
             object->parent = nullptr;
+            object->style.fetch_and(~static_cast<LONG_PTR>(object->isChild ? WS_VISIBLE : 0));
         }
     }
 }
@@ -135,19 +138,24 @@ void removeWindowOfEndedThread(HWND window)
     object.type()->windows.fetch_sub(1, std::memory_order_relaxed);
     HWND parentHandle = nullptr;
     std::vector<HWND> children;
+    Repaints repaints;
     {
         const std::lock_guard guard(treeLock());
         object.destroying = true;
         parentHandle = object.parent;
+        // Shown still when its thread was terminated: nobody hid it.
+        Region shown = shownRegion(window, object);
+        object.style.fetch_and(~static_cast<LONG_PTR>(WS_VISIBLE));
         children.swap(object.children);
+        std::erase(screenWindows(), window);
+        if (const auto parent = parentHandle == nullptr ? nullptr : peekWindow(parentHandle))
+        {
+            std::erase(parent->children, window);
+        }
+        repaints.expose(std::move(shown));
     }
     setFree(children);
-    const auto parent = parentHandle == nullptr ? nullptr : peekWindow(parentHandle);
-    const std::lock_guard guard(treeLock());
-    if (parent != nullptr)
-    {
-        std::erase(parent->children, window);
-    }
+    repaints.tell();
 }
 
 void removeWindow(HWND window)

@@ -6,6 +6,7 @@
 #pragma once
 
 #include "platform/linux/handles.h"
+#include "platform/linux/region.h"
 #include "platform/linux/thread_state.h"
 #include "platform/user.h"
 
@@ -27,6 +28,17 @@ struct WindowClass
     WNDCLASSW description{};
     ATOM atom = 0;
     std::atomic<int> windows{0};
+};
+
+/// One of a window's own scroll bars.
+struct ScrollBar
+{
+    int low = 0;
+    int high = 0;
+    int page = 0;
+    int position = 0;
+    int track = 0; ///< where the pen holds the thumb
+    bool disabled = false;
 };
 
 class WindowObject final : public HandleObject
@@ -53,6 +65,7 @@ class WindowObject final : public HandleObject
     std::atomic<LONG_PTR> style{0};
     std::atomic<LONG_PTR> exStyle{0};
     std::atomic<LONG_PTR> id{0};
+    std::atomic<HWND> lastFocus{nullptr}; ///< of a window of the screen: what in it had the focus last
 
     /// False when the bytes lie outside the window's extra bytes.
     bool readExtra(int offset, LONG_PTR &value) const;
@@ -63,8 +76,15 @@ class WindowObject final : public HandleObject
     // Under treeLock()
     bool destroying = false;
     int level = 0; ///< parents above it
-    HWND parent = nullptr;
-    std::vector<HWND> children;
+    HWND parent = nullptr; ///< of a window of the screen: its owner
+    std::vector<HWND> children; ///< and windows owned, the topmost first
+    bool isChild = false; ///< lies in its parent
+    Box place; ///< with its frame, in its parent's client area or on the screen
+    Region update; ///< what is invalid of the client area, in its own coordinates
+    bool erase = false; ///< the background is to be erased before the next paint
+    bool frameDirty = false; ///< the frame is to be drawn before it
+    bool redraw = true; ///< WM_SETREDRAW
+    ScrollBar bars[2]; ///< SB_HORZ, SB_VERT
 
   private:
     const std::shared_ptr<WindowClass> m_type;
@@ -75,6 +95,8 @@ class WindowObject final : public HandleObject
 };
 
 std::mutex &treeLock();
+/// Null for a window that is gone; the last error stays.
+std::shared_ptr<WindowObject> peekWindow(HWND window);
 /// Null with last error 1400 for a window that is gone.
 std::shared_ptr<WindowObject> findWindow(HWND window);
 /// The window itself or one below it.
