@@ -1,5 +1,5 @@
 // Any bytes as a dialog template.
-#include "framework/DialogTemplate.h"
+#include "platform/dialog_template.h"
 
 #include <cstddef>
 #include <cstdint>

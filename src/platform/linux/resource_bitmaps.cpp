@@ -7,6 +7,7 @@
 
 #include "platform/kernel.h"
 #include "platform/linux/device_state.h"
+#include "platform/linux/dialog_state.h"
 #include "platform/linux/icons.h"
 #include "platform/linux/pictures.h"
 #include "platform/linux/resource_modules.h"
@@ -14,6 +15,7 @@
 #include <memory>
 #include <mutex>
 #include <set>
+#include <vector>
 
 struct HRSRC__
 {
@@ -57,6 +59,11 @@ class Resources
         }
         SetLastError(ERROR_INVALID_HANDLE);
         return nullptr;
+    }
+    std::vector<HRSRC__> all()
+    {
+        const std::lock_guard guard(m_lock);
+        return {m_all.begin(), m_all.end()};
     }
 
   private:
@@ -105,6 +112,19 @@ UINT numberOf(const WCHAR *name)
     return static_cast<UINT>(reinterpret_cast<UINT_PTR>(name));
 }
 } // namespace
+
+std::size_t zb::internal::sizeOfLockedResource(const void *bytes)
+{
+    for (const HRSRC__ &resource : resources().all())
+    {
+        const Bytes found = bytesOf(resource);
+        if (found.data == bytes)
+        {
+            return found.size;
+        }
+    }
+    return 0;
+}
 
 HRSRC FindResourceW(HINSTANCE module, const WCHAR *name, const WCHAR *type)
 {

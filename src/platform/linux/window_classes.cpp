@@ -1,4 +1,5 @@
 // Registered window classes, by name and by atom.
+#include "platform/linux/dialog_state.h"
 #include "platform/linux/windows_table.h"
 #include "platform/text.h"
 
@@ -74,6 +75,7 @@ ATOM refuse(DWORD error)
 
 std::shared_ptr<WindowClass> findWindowClass(const WCHAR *name)
 {
+    registerSystemClasses();
     Classes &all = classes();
     const std::lock_guard guard(all.lock);
     return findIn(all, name);
@@ -125,5 +127,16 @@ BOOL UnregisterClassW(const WCHAR *name, HINSTANCE)
     }
     all.byName.erase(folded(found->name.c_str()));
     all.byAtom.erase(found->atom);
+    return TRUE;
+}
+
+BOOL GetClassInfoW(HINSTANCE, const WCHAR *name, WNDCLASSW *description)
+{
+    const auto found = name == nullptr || description == nullptr ? nullptr : findWindowClass(name);
+    if (found == nullptr)
+    {
+        return refuse(errorClassUnknown);
+    }
+    *description = found->description;
     return TRUE;
 }

@@ -1,4 +1,4 @@
-#include "framework/DialogTemplate.h"
+#include "platform/dialog_template.h"
 
 #include <algorithm>
 

@@ -11,7 +11,6 @@
 // The reader takes any bytes: what ends too early is refused as a whole.
 #pragma once
 
-#include "core/api.h"
 #include "platform/types.h"
 
 #include <cstddef>
@@ -71,5 +70,5 @@ struct DialogTemplate
 inline constexpr DWORD DIALOG_SETFONT = 64;
 
 /// Nothing when the bytes end before the template does.
-ZBTOOLS_API std::optional<DialogTemplate> readDialogTemplate(const BYTE *bytes, std::size_t size);
+ZBPLATFORM_API std::optional<DialogTemplate> readDialogTemplate(const BYTE *bytes, std::size_t size);
 } // namespace zb

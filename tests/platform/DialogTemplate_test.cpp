@@ -1,5 +1,5 @@
 // Dialog templates: every field at its place, and any bytes.
-#include "framework/DialogTemplate.h"
+#include "platform/dialog_template.h"
 
 #include "support/TestDevice.h"
 

@@ -1,0 +1,138 @@
+// What all standard controls have in common.
+//
+// A control is an object behind its window, in the word 0 of the window's extra bytes, from WM_NCCREATE to
+// WM_NCDESTROY; hosts are free to use the user word and to put a procedure before the control's own.
+#pragma once
+
+#include "platform/controls.h"
+#include "platform/dialog.h"
+
+#include <memory>
+#include <string>
+
+namespace zb::internal
+{
+class Control
+{
+  public:
+    explicit Control(HWND window) : m_window(window)
+    {
+    }
+    virtual ~Control() = default;
+    Control(const Control &) = delete;
+    Control &operator=(const Control &) = delete;
+
+    /// All messages; what is not the control's own goes on to takeCommon().
+    virtual LRESULT take(UINT message, WPARAM wParam, LPARAM lParam) = 0;
+
+  protected:
+    HWND window() const
+    {
+        return m_window;
+    }
+    HWND parent() const
+    {
+        return GetParent(m_window);
+    }
+    DWORD style() const
+    {
+        return static_cast<DWORD>(GetWindowLongW(m_window, GWL_STYLE));
+    }
+    bool isEnabled() const
+    {
+        return (style() & WS_DISABLED) == 0;
+    }
+    bool hasFocus() const
+    {
+        return GetFocus() == m_window;
+    }
+    RECT client() const
+    {
+        RECT rectangle{};
+        GetClientRect(m_window, &rectangle);
+        return rectangle;
+    }
+    std::u16string text() const;
+    HFONT font() const;
+    void refresh() const
+    {
+        InvalidateRect(m_window, nullptr, TRUE);
+    }
+    /// WM_COMMAND to the parent.
+    void tell(WORD code) const;
+    /// Selects font and colours, asks the parent for its own, and fills the background.
+    void prepare(HDC context, UINT colorMessage, int backColor) const;
+    /// Paints through a bitmap, so that nothing flickers; draw gets a context that counts as the window's.
+    template <typename Draw>
+    void paint(Draw draw) const;
+    /// Font, enabling, text, size and focus: kept, and the control drawn anew. Everything else is DefWindowProcW's.
+    LRESULT takeCommon(UINT message, WPARAM wParam, LPARAM lParam);
+
+  private:
+    HWND m_window;
+    HFONT m_font = nullptr;
+};
+
+/// A bitmap the size of the window's client area that is brought to the screen when it goes.
+class BufferedPaint
+{
+  public:
+    explicit BufferedPaint(HWND window);
+    ~BufferedPaint();
+    BufferedPaint(const BufferedPaint &) = delete;
+    BufferedPaint &operator=(const BufferedPaint &) = delete;
+    HDC context() const
+    {
+        return m_memory;
+    }
+
+  private:
+    HWND m_window;
+    PAINTSTRUCT m_paint{};
+    HDC m_memory;
+    HBITMAP m_bitmap;
+    HGDIOBJ m_former;
+};
+
+template <typename Draw>
+void Control::paint(Draw draw) const
+{
+    const BufferedPaint paint(m_window);
+    draw(paint.context());
+}
+
+template <typename Kind>
+LRESULT controlProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    if (message == WM_NCCREATE)
+    {
+        SetWindowLongW(window, 0, reinterpret_cast<LONG_PTR>(static_cast<Control *>(new Kind(window))));
+    }
+    auto *control = reinterpret_cast<Control *>(GetWindowLongW(window, 0));
+    if (control == nullptr)
+    {
+        return DefWindowProcW(window, message, wParam, lParam);
+    }
+    if (message == WM_NCDESTROY)
+    {
+        SetWindowLongW(window, 0, 0);
+        delete control;
+        return 0;
+    }
+    return control->take(message, wParam, lParam);
+}
+
+template <typename Kind>
+void registerControl(const WCHAR *name)
+{
+    WNDCLASSW type{};
+    type.style = CS_DBLCLKS;
+    type.lpfnWndProc = controlProcedure<Kind>;
+    type.cbWndExtra = static_cast<int>(sizeof(LONG_PTR));
+    type.lpszClassName = name;
+    RegisterClassW(&type);
+}
+
+void registerStatic();
+void registerButton();
+} // namespace zb::internal
