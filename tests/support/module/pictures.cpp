@@ -1,0 +1,143 @@
+// Resources of the tests' own module that are bytes: bitmaps of several densities, and dialog templates.
+#include "platform/types.h"
+
+#include <initializer_list>
+#include <map>
+#include <vector>
+
+namespace
+{
+using Bytes = std::vector<BYTE>;
+
+void put(Bytes &bytes, DWORD value, int size)
+{
+    for (int i = 0; i < size; ++i)
+    {
+        bytes.push_back(static_cast<BYTE>(value >> (8 * i)));
+    }
+}
+
+void putWords(Bytes &bytes, std::initializer_list<unsigned> values)
+{
+    for (const unsigned value : values)
+    {
+        put(bytes, value, 2);
+    }
+}
+
+void putText(Bytes &bytes, const char16_t *text)
+{
+    for (; *text != 0; ++text)
+    {
+        put(bytes, *text, 2);
+    }
+    put(bytes, 0, 2);
+}
+
+/// A strip of squares: red, blue, white, and so on again; all of it there.
+Bytes strip(int squares, int side, DWORD xPelsPerMeter, DWORD yPelsPerMeter)
+{
+    static const DWORD colors[] = {0xFFFF0000, 0xFF0000FF, 0xFFFFFFFF};
+    Bytes bytes;
+    const auto width = static_cast<DWORD>(squares * side);
+    const auto height = static_cast<DWORD>(side);
+    for (const DWORD field : {DWORD{40}, width, height, 1U | 32U << 16U, DWORD{0}, width * height * 4, xPelsPerMeter,
+                              yPelsPerMeter, DWORD{0}, DWORD{0}})
+    {
+        put(bytes, field, 4);
+    }
+    for (int y = 0; y < side; ++y)
+    {
+        for (int x = 0; x < squares * side; ++x)
+        {
+            put(bytes, colors[x / side % 3], 4);
+        }
+    }
+    return bytes;
+}
+
+struct Item
+{
+    DWORD style;
+    std::initializer_list<unsigned> place;
+    unsigned id;
+    unsigned className;
+    const char16_t *title;
+    unsigned picture = 0; ///< in place of the title
+};
+
+Bytes dialog(std::initializer_list<Item> items)
+{
+    Bytes bytes;
+    put(bytes, 0x80C80000, 4);
+    put(bytes, 0, 4);
+    putWords(bytes, {static_cast<unsigned>(items.size()), 0, 0, 200, 100, 0, 0, 0});
+    for (const Item &item : items)
+    {
+        bytes.resize((bytes.size() + 3) / 4 * 4);
+        put(bytes, item.style | 0x50000000, 4);
+        put(bytes, 0, 4);
+        putWords(bytes, item.place);
+        putWords(bytes, {item.id, 0xFFFF, item.className});
+        if (item.picture != 0)
+        {
+            putWords(bytes, {0xFFFF, item.picture});
+        }
+        else
+        {
+            putText(bytes, item.title);
+        }
+        putWords(bytes, {0});
+    }
+    return bytes;
+}
+
+Bytes cutShort(Bytes bytes)
+{
+    bytes.resize(bytes.size() - 3);
+    return bytes;
+}
+
+const std::map<UINT, Bytes> &bitmaps()
+{
+    // 96 dots an inch are 3,780 to the meter, 192 are 7,559, 288 are 11,339.
+    static const std::map<UINT, Bytes> all = {
+        {1, strip(3, 16, 3780, 3780)},         {2, strip(3, 32, 7559, 7559)}, {3, strip(2, 16, 0, 0)},
+        {4, strip(2, 48, 11339, 7559)},        {5, strip(2, 16, 1, 99)},      {6, strip(1, 8, 7559, 7559)},
+        {7, cutShort(strip(1, 8, 7559, 7559))}};
+    return all;
+}
+
+const std::map<UINT, Bytes> &dialogs()
+{
+    static const std::map<UINT, Bytes> all = {
+        {1, dialog({{0, {5, 5, 50, 14}, 1001, 128, u"OK"},
+                    {0, {5, 25, 60, 10}, 1002, 130, u"Name"},
+                    {0xE, {70, 5, 20, 20}, 1004, 130, u"", 1}})},
+        {2, dialog({{0, {100, 60, 40, 20}, 1001, 128, u"Done"},
+                    {0, {8, 4, 30, 12}, 1002, 130, u""},
+                    {0, {9, 50, 64, 24}, 1003, 129, u"other"},
+                    {0, {1, 2, 3, 4}, 1005, 131, u"list"},
+                    {0, {2, 3, 4, 5}, 1006, 133, u"combo"},
+                    {0xE, {120, 8, 16, 24}, 1004, 130, u"", 2},
+                    {0, {0, 0, 9, 9}, 1999, 128, u"nobody"}})},
+        {3, dialog({{0, {5, 5, 50, 10}, 0xFFFF, 130, u"one"}, {0, {5, 25, 50, 10}, 0xFFFF, 130, u"two"}})},
+        {4, dialog({{0, {6, 6, 50, 10}, 0xFFFF, 130, u""}, {0, {6, 26, 50, 10}, 0xFFFF, 130, u""}})},
+        {5, dialog({{0, {6, 6, 50, 10}, 0xFFFF, 130, u""}})},
+        {6, cutShort(dialog({{0, {6, 6, 50, 10}, 1001, 130, u"x"}}))}};
+    return all;
+}
+} // namespace
+
+extern "C" const void *zbResourceBytes(UINT type, UINT id, int, std::size_t *size)
+{
+    static const std::map<UINT, Bytes> none;
+    const auto &all = type == 2 ? bitmaps() : type == 5 ? dialogs() : none;
+    const auto found = all.find(id);
+    if (found == all.end())
+    {
+        return nullptr;
+    }
+    *size = found->second.size();
+    return found->second.data();
+}
