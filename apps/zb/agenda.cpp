@@ -2,11 +2,14 @@
 #include "calendar/DATACALENDAR.h"
 #include "platform/locale.h"
 #include "platform/text.h"
+#include "zb/agenda_picture.h"
+#include "zb/agenda_words.h"
 #include "zb/calendar_load.h"
 #include "zb/commands.h"
 #include "zb/days.h"
 #include "zb/json.h"
 #include "zb/open_device.h"
+#include "zb/shot.h"
 #include "zb/terminal.h"
 
 #include <algorithm>
@@ -77,36 +80,6 @@ DayRange fullestWeek(const CalendarChoice &choice)
     return {best, best + daysOfWeek - 1};
 }
 
-/// Appointments and birthdays, one of several days once.
-std::size_t countOf(const std::vector<AgendaRow> &rows)
-{
-    std::vector<std::tuple<AgendaKind, CEOID, int>> all;
-    all.reserve(rows.size());
-    for (const AgendaRow &row : rows)
-    {
-        if (row.kind != AgendaKind::Task)
-        {
-            all.emplace_back(row.kind, row.id, row.firstDay);
-        }
-    }
-    std::sort(all.begin(), all.end());
-    return static_cast<std::size_t>(std::unique(all.begin(), all.end()) - all.begin());
-}
-
-/// Tasks, one that shows on several days once.
-std::size_t taskCountOf(const std::vector<AgendaRow> &rows)
-{
-    std::set<CEOID> distinct;
-    for (const AgendaRow &row : rows)
-    {
-        if (row.kind == AgendaKind::Task)
-        {
-            distinct.insert(row.id);
-        }
-    }
-    return distinct.size();
-}
-
 const char *busyWord(int status)
 {
     constexpr std::array<const char *, 4> words = {"free", "tentative", "busy", "outOfOffice"};
@@ -117,11 +90,6 @@ const char *kindWord(AgendaKind kind)
 {
     constexpr std::array<const char *, 4> words = {"appointment", "birthday", "anniversary", "task"};
     return words[static_cast<std::size_t>(kind)];
-}
-
-const char *importanceWord(int importance)
-{
-    return importance >= 2 ? "high" : importance <= 0 ? "low" : "normal";
 }
 
 Json dateJson(const std::optional<SYSTEMTIME> &date)
@@ -193,92 +161,6 @@ Json asJson(const DayRange &range, const std::vector<AgendaRow> &rows)
             {"days", days}};
 }
 
-std::string timeOf(const AgendaRow &row)
-{
-    if (row.kind == AgendaKind::Task)
-    {
-        return row.isComplete ? "done" : row.isOverdue ? "overdue" : "to do";
-    }
-    if (row.allDay)
-    {
-        return "all day";
-    }
-    const bool begins = row.day == row.firstDay;
-    const bool ends = row.day == row.lastDay;
-    if (begins && ends)
-    {
-        const std::string start = timeText(row.start);
-        const std::string end = timeText(row.end);
-        const bool moment = start == end && dayOf(row.start) == dayOf(row.end);
-        return moment ? start : start + " – " + end;
-    }
-    return begins ? "from " + timeText(row.start) : ends ? "until " + timeText(row.end) : "all day long";
-}
-
-/// What is worth telling of a task besides its subject, on the day on which it shows.
-std::vector<std::string> taskMarks(const AgendaRow &row)
-{
-    std::vector<std::string> marks;
-    if (row.due && dayOf(*row.due) != row.day)
-    {
-        marks.push_back("due " + shortDate(dayOf(*row.due)));
-    }
-    if (row.importance != 1)
-    {
-        marks.push_back(std::string(importanceWord(row.importance)) + " importance");
-    }
-    return marks;
-}
-
-std::vector<std::string> appointmentMarks(const AgendaRow &row)
-{
-    std::vector<std::string> marks;
-    if (row.allDay && row.lastDay > row.firstDay)
-    {
-        marks.push_back("day " + std::to_string(row.day - row.firstDay + 1) + " of " +
-                        std::to_string(row.lastDay - row.firstDay + 1));
-    }
-    if (row.busyStatus == 1)
-    {
-        marks.emplace_back("tentative");
-    }
-    if (row.busyStatus == 3)
-    {
-        marks.emplace_back("out of office");
-    }
-    return marks;
-}
-
-std::string joined(const std::vector<std::string> &parts, const char *joint)
-{
-    std::string text;
-    for (const std::string &part : parts)
-    {
-        text += (text.empty() ? "" : joint) + part;
-    }
-    return text;
-}
-
-/// What stands behind the subject.
-std::string detailsOf(const AgendaRow &row)
-{
-    std::vector<std::string> marks = row.kind == AgendaKind::Task ? taskMarks(row) : appointmentMarks(row);
-    if (row.isPrivate)
-    {
-        marks.emplace_back("private");
-    }
-    std::vector<std::string> names;
-    for (const std::u16string &name : row.categories)
-    {
-        names.push_back(visibleText(name));
-    }
-    std::string text = visibleText(row.location);
-    const std::string told = joined(marks, ", ");
-    text += told.empty() ? "" : text.empty() && row.kind == AgendaKind::Task ? told : (text.empty() ? "(" : " (") + told + ")";
-    const std::string categories = joined(names, ", ");
-    return text.empty() || categories.empty() ? text + categories : text + " · " + categories;
-}
-
 Style timeStyle(const AgendaRow &row)
 {
     if (row.kind == AgendaKind::Task)
@@ -286,24 +168,6 @@ Style timeStyle(const AgendaRow &row)
         return row.isComplete ? Style::Dim : row.isOverdue ? Style::Overdue : Style::Task;
     }
     return row.allDay ? Style::AllDay : Style::Time;
-}
-
-std::string subjectOf(const AgendaRow &row)
-{
-    const std::string subject = visibleText(row.subject);
-    return row.priority.empty() ? subject : visibleText(row.priority) + " " + subject;
-}
-
-/// "2 appointments and 1 task".
-std::string countText(std::size_t appointments, std::size_t tasks)
-{
-    const auto count = [](std::size_t number, const std::string &what)
-    { return (number == 0 ? "no" : std::to_string(number)) + " " + what + (number == 1 ? "" : "s"); };
-    if (appointments == 0 && tasks != 0)
-    {
-        return count(tasks, "task");
-    }
-    return count(appointments, "appointment") + (tasks == 0 ? "" : " and " + count(tasks, "task"));
 }
 
 class AgendaPrinter
@@ -375,6 +239,10 @@ class AgendaPrinter
 int printAgenda(const AgendaArguments &arguments, const DayRange &range)
 {
     const std::vector<AgendaRow> rows = loadAgenda(range.first, range.last, arguments.choice);
+    if (!arguments.picture.file.empty())
+    {
+        return drawAgenda(rows, range, arguments.picture);
+    }
     Output output;
     if (arguments.json)
     {
@@ -390,7 +258,7 @@ int printAgenda(const AgendaArguments &arguments, const DayRange &range)
 
 int runAgenda(const AgendaArguments &arguments)
 {
-    const std::unique_ptr<Device> device = openDevice(arguments.device, Missing::Refuse);
+    const std::unique_ptr<Device> device = openDevice(arguments.device, Missing::Refuse, screenFor(arguments.picture));
     if (!device)
     {
         return exitDevice;

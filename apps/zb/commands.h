@@ -30,6 +30,14 @@ struct ImportArguments
 };
 int runImport(const ImportArguments &arguments);
 
+/// A picture in place of text.
+struct PictureArguments
+{
+    std::filesystem::path file; ///< empty: none
+    int width = 480;            ///< pixels
+    int dotsPerInch = 192;
+};
+
 struct AgendaArguments
 {
     std::filesystem::path device;
@@ -37,9 +45,17 @@ struct AgendaArguments
     std::string to;
     bool fullest = false;
     CalendarChoice choice;
+    PictureArguments picture;
     bool json = false;
 };
 int runAgenda(const AgendaArguments &arguments);
+
+struct ShotArguments
+{
+    std::string markup;
+    PictureArguments picture;
+};
+int runShot(const ShotArguments &arguments);
 
 struct TasksArguments
 {

@@ -56,6 +56,7 @@ class CommandLine
         addInit();
         addImport();
         addAgenda();
+        addShot();
         addTasks();
         addContacts();
         addInfo();
@@ -124,13 +125,41 @@ class CommandLine
         }
         weekFlag->excludes(fullest);
         addAgendaChoice(*command);
-        command->add_flag("--json", m_agenda.json, "Print JSON");
+        CLI::Option *const json = command->add_flag("--json", m_agenda.json, "Print JSON");
+        addPicture(*command, m_agenda.picture)->excludes(json);
         command->callback(
             [this]
             {
                 m_agenda.device = m_device;
                 m_run = [this] { return runAgenda(m_agenda); };
             });
+    }
+
+    static CLI::Option *addPicture(CLI::App &command, PictureArguments &picture)
+    {
+        constexpr int narrowest = 40;
+        constexpr int widest = 8192;
+        CLI::Option *const file =
+            command.add_option("-o,--output", picture.file, "Draw a picture into this PNG file")->type_name("FILE");
+        command.add_option("--width", picture.width, "Width of the picture in pixels")
+            ->check(CLI::Range(narrowest, widest))
+            ->capture_default_str()
+            ->needs(file);
+        command.add_option("--dpi", picture.dotsPerInch, "Dots an inch of the screen that it is for")
+            ->check(CLI::Range(72, 600))
+            ->capture_default_str()
+            ->needs(file);
+        return file;
+    }
+
+    void addShot()
+    {
+        CLI::App *const command = m_app.add_subcommand("shot", "Draw marked-up text into a PNG file");
+        command->add_option("--markup", m_shot.markup, "What to draw, such as \"<B>Hello</B>\"")
+            ->type_name("TEXT")
+            ->required();
+        addPicture(*command, m_shot.picture)->required();
+        command->callback([this] { m_run = [this] { return runShot(m_shot); }; });
     }
 
     /// A flag and its opposite that leave the choice open when neither is given; of several the last counts.
@@ -385,6 +414,7 @@ class CommandLine
     InitArguments m_init;
     ImportArguments m_import;
     AgendaArguments m_agenda;
+    ShotArguments m_shot;
     bool m_week = false;
     TasksArguments m_tasks;
     ContactsArguments m_contacts;

@@ -36,11 +36,12 @@ std::optional<LONGLONG> momentOf(const char *text)
 }
 } // namespace
 
-std::unique_ptr<Device> openDevice(const std::filesystem::path &root, Missing missing)
+std::unique_ptr<Device> openDevice(const std::filesystem::path &root, Missing missing, const ScreenOptions &screen)
 {
     DeviceOptions options;
     options.root = root;
     options.create = missing == Missing::Make;
+    options.screen = screen;
     if (const char *const now = std::getenv("ZB_NOW"); now != nullptr && *now != '\0')
     {
         const std::optional<LONGLONG> moment = momentOf(now);

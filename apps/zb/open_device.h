@@ -16,5 +16,6 @@ enum class Missing
 };
 
 /// Null when it does not open; the reason is printed, and the command ends with exitDevice.
-std::unique_ptr<Device> openDevice(const std::filesystem::path &root, Missing missing);
+std::unique_ptr<Device> openDevice(const std::filesystem::path &root, Missing missing,
+                                   const ScreenOptions &screen = {});
 } // namespace zb::cli

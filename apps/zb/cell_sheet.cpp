@@ -1,0 +1,220 @@
+#include "zb/cell_sheet.h"
+
+#include "display/DrawHTML.h"
+#include "display/HTMLText.h"
+#include "framework/HIDPI.h"
+#include "platform/image.h"
+#include "platform/kernel.h"
+
+#include <algorithm>
+#include <array>
+
+namespace zb::cli
+{
+namespace
+{
+constexpr int margin = 8;
+constexpr int gap = 6;
+constexpr int stripWidth = 4;
+constexpr COLORREF ruleColor = RGB(0xDD, 0xE2, 0xE8);
+constexpr int tallest = 32000;
+
+/// A context in memory with a bitmap, for as long as it lives.
+class Canvas
+{
+  public:
+    Canvas(int width, int height) : m_context(CreateCompatibleDC(nullptr))
+    {
+        const HDC screen = GetDC(nullptr);
+        m_bitmap = CreateCompatibleBitmap(screen, width, height);
+        ReleaseDC(nullptr, screen);
+        m_former = m_bitmap == nullptr ? nullptr : SelectObject(m_context, m_bitmap);
+    }
+    ~Canvas()
+    {
+        release();
+        DeleteDC(m_context);
+        DeleteObject(m_bitmap);
+    }
+    Canvas(const Canvas &) = delete;
+    Canvas &operator=(const Canvas &) = delete;
+
+    HDC context() const
+    {
+        return m_context;
+    }
+    HBITMAP bitmap() const
+    {
+        return m_bitmap;
+    }
+    /// Takes the bitmap out of the context, so that others can read it.
+    void release()
+    {
+        if (m_former != nullptr)
+        {
+            SelectObject(m_context, std::exchange(m_former, nullptr));
+        }
+    }
+
+  private:
+    HDC m_context;
+    HBITMAP m_bitmap = nullptr;
+    HGDIOBJ m_former = nullptr;
+};
+
+void fill(HDC context, const RECT &box, COLORREF color)
+{
+    const HBRUSH brush = CreateSolidBrush(color);
+    FillRect(context, &box, brush);
+    DeleteObject(brush);
+}
+
+/// The parser of a cell, on the cell's background.
+void parse(CHTMLParser &parser, const std::u16string &body, HWND pictures)
+{
+    parser.SetFontQuality(ANTIALIASED_QUALITY);
+    parser.SetHTML(body.c_str());
+    parser.ParseHTML(pictures);
+}
+
+std::u16string onBackground(const SheetRow &row, const std::u16string &markup)
+{
+    return u"<BODY BGCOLOR=" + colorMarkup(row.back) + u">" + markup;
+}
+} // namespace
+
+CellSheet::CellSheet(int width) : m_width(width)
+{
+    HIDPI_InitScaling();
+}
+
+void CellSheet::add(SheetRow row)
+{
+    m_rows.push_back(std::move(row));
+}
+
+int CellSheet::sideWidth(HDC context) const
+{
+    int widest = 0;
+    for (const SheetRow &row : m_rows)
+    {
+        if (!row.side.empty())
+        {
+            CHTMLParser parser;
+            const std::u16string markup = onBackground(row, row.side);
+            parse(parser, markup, m_pictures.handle());
+            RECT box{0, 0, m_width / 2, tallest};
+            MeasureHTML(context, &box, 0, &parser);
+            widest = std::max<int>(widest, box.right);
+        }
+    }
+    return widest;
+}
+
+int CellSheet::textHeight(HDC context, const std::u16string &markup, int width) const
+{
+    CHTMLParser parser;
+    parse(parser, markup, m_pictures.handle());
+    RECT box{0, 0, std::max(width, 1), tallest};
+    MeasureHTML(context, &box, 0, &parser);
+    return box.bottom;
+}
+
+std::vector<CellSheet::Placed> CellSheet::place(HDC context, int textLeft) const
+{
+    std::vector<Placed> all;
+    int top = 0;
+    for (const SheetRow &row : m_rows)
+    {
+        const int left = row.spread ? HIDPI_SCALEX(margin) : textLeft;
+        const int text = textHeight(context, onBackground(row, row.text), m_width - HIDPI_SCALEX(margin) - left);
+        const int side = row.side.empty() ? 0 : textHeight(context, onBackground(row, row.side), textLeft);
+        const int height = std::max(text, side) + 2 * HIDPI_SCALEY(row.padding);
+        all.push_back({top, height});
+        top += height;
+    }
+    return all;
+}
+
+void CellSheet::drawCell(HDC context, const SheetRow &row, const std::u16string &markup, RECT box,
+                         const RECT *background) const
+{
+    CHTMLParser parser;
+    const std::u16string whole = onBackground(row, markup);
+    parse(parser, whole, m_pictures.handle());
+    if (background != nullptr)
+    {
+        fill(context, *background, parser.GetBackColor(true));
+    }
+    DrawHTML(context, &box, 0, &parser, nullptr, 0);
+}
+
+void CellSheet::draw(HDC context, const SheetRow &row, const Placed &placed, int side, int textLeft) const
+{
+    const int top = placed.top + HIDPI_SCALEY(row.padding);
+    const int bottom = placed.top + placed.height;
+    // Markup may name a background of its own: it is that of the whole row.
+    const RECT all{0, placed.top, m_width, bottom};
+    drawCell(context, row, row.text,
+             {row.spread ? HIDPI_SCALEX(margin) : textLeft, top, m_width - HIDPI_SCALEX(margin), bottom}, &all);
+    if (!row.side.empty())
+    {
+        drawCell(context, row, u"<P ALIGN=RIGHT>" + row.side,
+                 {HIDPI_SCALEX(margin), top, HIDPI_SCALEX(margin) + side, bottom}, nullptr);
+    }
+    if (row.strip.has_value())
+    {
+        const int right = textLeft - HIDPI_SCALEX(gap);
+        fill(context, {right - HIDPI_SCALEX(stripWidth), placed.top + HIDPI_SCALEY(2), right, bottom - HIDPI_SCALEY(2)},
+             *row.strip);
+    }
+    if (row.ruled)
+    {
+        fill(context, {textLeft, bottom - g_HIDPI_BorderPixels, m_width, bottom}, ruleColor);
+    }
+}
+
+bool CellSheet::write(const std::filesystem::path &file) const
+{
+    const Canvas scratch(1, 1);
+    const int side = sideWidth(scratch.context());
+    const int textLeft =
+        HIDPI_SCALEX(margin) + (side == 0 ? 0 : side + HIDPI_SCALEX(2 * gap + stripWidth));
+    const std::vector<Placed> places = place(scratch.context(), textLeft);
+    const int height = places.empty() ? 1 : places.back().top + places.back().height;
+    if (height > tallest)
+    {
+        SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+        return false;
+    }
+    Canvas canvas(m_width, height);
+    if (canvas.bitmap() == nullptr)
+    {
+        return false;
+    }
+    for (std::size_t n = 0; n < m_rows.size(); ++n)
+    {
+        draw(canvas.context(), m_rows[n], places[n], side, textLeft);
+    }
+    canvas.release();
+    return writePng(canvas.bitmap(), file);
+}
+
+std::u16string plainMarkup(std::u16string_view text)
+{
+    std::u16string markup;
+    for (const WCHAR ch : text)
+    {
+        // The language has no way to write the sign itself; this is the one that the system's own panes show for it.
+        markup += ch == u'<' ? u'«' : ch < u' ' ? u' ' : ch;
+    }
+    return markup;
+}
+
+std::u16string colorMarkup(COLORREF color)
+{
+    std::array<WCHAR, 16> text{};
+    ColorRefToHTML(color, text.data(), static_cast<int>(text.size()));
+    return text.data();
+}
+} // namespace zb::cli

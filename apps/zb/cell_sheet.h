@@ -1,0 +1,59 @@
+// A picture of marked-up cells, one row under the other: what `zb agenda` and `zb shot` draw.
+#pragma once
+
+#include "platform/gdi.h"
+#include "zb/picture_window.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zb::cli
+{
+/// Colours are of COLORREF. Lengths are pixels of 96 dots an inch.
+struct SheetRow
+{
+    std::u16string text;                ///< markup, in the column that takes the width that is left
+    std::u16string side;                ///< markup of the column in front of it, set to the right
+    std::optional<COLORREF> strip;      ///< between the two
+    COLORREF back = RGB(255, 255, 255);
+    bool spread = false;                ///< the text takes the whole width
+    bool ruled = false;                 ///< a fine line stands below it
+    int padding = 5;                    ///< above and below
+};
+
+class CellSheet
+{
+  public:
+    /// `width` in pixels of the screen of the open device.
+    explicit CellSheet(int width);
+
+    void add(SheetRow row);
+    /// Draws all rows and writes them as PNG. False, with last error set, when that fails: 8 for a picture too high.
+    bool write(const std::filesystem::path &file) const;
+
+  private:
+    struct Placed
+    {
+        int top;
+        int height;
+    };
+
+    int sideWidth(HDC context) const;
+    std::vector<Placed> place(HDC context, int textLeft) const;
+    /// `background` is filled with the colour of the cell's body first.
+    void drawCell(HDC context, const SheetRow &row, const std::u16string &markup, RECT box, const RECT *background) const;
+    void draw(HDC context, const SheetRow &row, const Placed &placed, int side, int textLeft) const;
+    int textHeight(HDC context, const std::u16string &markup, int width) const;
+
+    int m_width;
+    PictureWindow m_pictures;
+    std::vector<SheetRow> m_rows;
+};
+
+/// Text of a user's as markup: nothing in it is taken for a tag.
+std::u16string plainMarkup(std::u16string_view text);
+/// "#RRGGBB".
+std::u16string colorMarkup(COLORREF color);
+} // namespace zb::cli
