@@ -161,15 +161,13 @@ TEST_P(TextAlignment, placesTheBoxByThePoint)
     EXPECT_EQ(box.bottom, GetParam().top + 10);
 }
 
-INSTANTIATE_TEST_SUITE_P(All, TextAlignment,
-                         ::testing::Values(Alignment{TA_LEFT | TA_TOP, 30, 30}, Alignment{TA_RIGHT | TA_TOP, 10, 30},
-                                           Alignment{TA_CENTER | TA_TOP, 20, 30},
-                                           Alignment{TA_LEFT | TA_BOTTOM, 30, 20},
-                                           Alignment{TA_RIGHT | TA_BOTTOM, 10, 20},
-                                           Alignment{TA_CENTER | TA_BOTTOM, 20, 20},
-                                           Alignment{TA_LEFT | TA_BASELINE, 30, 22},
-                                           Alignment{TA_RIGHT | TA_BASELINE, 10, 22},
-                                           Alignment{TA_CENTER | TA_BASELINE, 20, 22}));
+INSTANTIATE_TEST_SUITE_P(
+    All, TextAlignment,
+    ::testing::Values(Alignment{TA_LEFT | TA_TOP, 30, 30}, Alignment{TA_RIGHT | TA_TOP, 10, 30},
+                      Alignment{TA_CENTER | TA_TOP, 20, 30}, Alignment{TA_LEFT | TA_BOTTOM, 30, 20},
+                      Alignment{TA_RIGHT | TA_BOTTOM, 10, 20}, Alignment{TA_CENTER | TA_BOTTOM, 20, 20},
+                      Alignment{TA_LEFT | TA_BASELINE, 30, 22}, Alignment{TA_RIGHT | TA_BASELINE, 10, 22},
+                      Alignment{TA_CENTER | TA_BASELINE, 20, 22}));
 
 TEST_F(TextOut, advancesOfTheCallersPlaceEachCharacter)
 {

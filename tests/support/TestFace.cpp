@@ -206,9 +206,8 @@ std::vector<Segment> segmentsOf(const TestFaceDescription &description)
 /// The map of 16-bit characters, with the closing segment that it must have.
 Bytes cmapFormat4(std::vector<Segment> segments)
 {
-    segments.erase(
-        std::remove_if(segments.begin(), segments.end(), [](const Segment &s) { return s.last > 0xFFFE; }),
-        segments.end());
+    segments.erase(std::remove_if(segments.begin(), segments.end(), [](const Segment &s) { return s.last > 0xFFFE; }),
+                   segments.end());
     segments.push_back({0xFFFF, 0xFFFF, 0});
     const auto count = static_cast<unsigned>(segments.size());
     unsigned power = 1;
@@ -261,8 +260,8 @@ Bytes cmapTable(const TestFaceDescription &description)
 
 Bytes nameTable(const TestFaceDescription &description)
 {
-    const std::string style = description.bold ? (description.italic ? "Bold Italic" : "Bold")
-                                               : (description.italic ? "Italic" : "Regular");
+    const std::string style =
+        description.bold ? (description.italic ? "Bold Italic" : "Bold") : (description.italic ? "Italic" : "Regular");
     const std::map<unsigned, std::string> names = {
         {1, description.family}, {2, style}, {4, description.family + " " + style}, {6, "Test-" + style}};
     Bytes table;
@@ -314,36 +313,16 @@ std::vector<std::uint8_t> assemble(const std::map<std::string, Bytes> &tables)
 
 std::vector<TestGlyphs> testSansGlyphs()
 {
-    return {{0x20, 0x20, 500, 0},
-            {0x21, 0x56, 500, 700},
-            {0x57, 0x57, 1000, 700},
-            {0x58, 0x60, 500, 700},
-            {0x61, 0x66, 500, 500},
-            {0x67, 0x67, 500, 500, -200},
-            {0x68, 0x69, 500, 500},
-            {0x6A, 0x6A, 500, 500, -200},
-            {0x6B, 0x6C, 500, 500},
-            {0x6D, 0x6D, 1000, 500},
-            {0x6E, 0x6F, 500, 500},
-            {0x70, 0x71, 500, 500, -200},
-            {0x72, 0x78, 500, 500},
-            {0x79, 0x79, 500, 500, -200},
-            {0x7A, 0x7A, 500, 500},
-            {0x7B, 0x7E, 500, 700},
-            {0xA0, 0xA0, 500, 0},
-            {0xA1, 0xAC, 500, 700},
-            {0xAE, 0x17F, 500, 700},
-            {0x300, 0x36F, 0, 0},
-            {0x370, 0x3FF, 500, 700},
-            {0x400, 0x482, 500, 700},
-            {0x48A, 0x4FF, 500, 700},
-            {0x5D0, 0x5D0, 500, 300},
-            {0x5D1, 0x5D1, 500, 400},
-            {0x5D2, 0x5D2, 500, 500},
-            {0x5D3, 0x5EA, 500, 700},
-            {0x2010, 0x2027, 500, 700},
-            {0x3041, 0x30FF, 1000, 700},
-            {0x4E00, 0x4EFF, 1000, 700},
+    return {{0x20, 0x20, 500, 0},         {0x21, 0x56, 500, 700},       {0x57, 0x57, 1000, 700},
+            {0x58, 0x60, 500, 700},       {0x61, 0x66, 500, 500},       {0x67, 0x67, 500, 500, -200},
+            {0x68, 0x69, 500, 500},       {0x6A, 0x6A, 500, 500, -200}, {0x6B, 0x6C, 500, 500},
+            {0x6D, 0x6D, 1000, 500},      {0x6E, 0x6F, 500, 500},       {0x70, 0x71, 500, 500, -200},
+            {0x72, 0x78, 500, 500},       {0x79, 0x79, 500, 500, -200}, {0x7A, 0x7A, 500, 500},
+            {0x7B, 0x7E, 500, 700},       {0xA0, 0xA0, 500, 0},         {0xA1, 0xAC, 500, 700},
+            {0xAE, 0x17F, 500, 700},      {0x300, 0x36F, 0, 0},         {0x370, 0x3FF, 500, 700},
+            {0x400, 0x482, 500, 700},     {0x48A, 0x4FF, 500, 700},     {0x5D0, 0x5D0, 500, 300},
+            {0x5D1, 0x5D1, 500, 400},     {0x5D2, 0x5D2, 500, 500},     {0x5D3, 0x5EA, 500, 700},
+            {0x2010, 0x2027, 500, 700},   {0x3041, 0x30FF, 1000, 700},  {0x4E00, 0x4EFF, 1000, 700},
             {0x1F600, 0x1F600, 1000, 700}};
 }
 

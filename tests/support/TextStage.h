@@ -71,8 +71,8 @@ inline std::vector<int> extentsOf(HDC context, std::u16string_view text)
 {
     std::vector<int> extents(text.size(), -1);
     SIZE size{};
-    EXPECT_TRUE(GetTextExtentExPointW(context, text.data(), static_cast<int>(text.size()), 0, nullptr, extents.data(),
-                                      &size));
+    EXPECT_TRUE(
+        GetTextExtentExPointW(context, text.data(), static_cast<int>(text.size()), 0, nullptr, extents.data(), &size));
     return extents;
 }
 
@@ -80,8 +80,8 @@ inline int fitOf(HDC context, std::u16string_view text, int maximum)
 {
     int fit = -1;
     SIZE size{};
-    EXPECT_TRUE(GetTextExtentExPointW(context, text.data(), static_cast<int>(text.size()), maximum, &fit, nullptr,
-                                      &size));
+    EXPECT_TRUE(
+        GetTextExtentExPointW(context, text.data(), static_cast<int>(text.size()), maximum, &fit, nullptr, &size));
     return fit;
 }
 

@@ -28,16 +28,17 @@ class FileCatalog final : public FontCatalog
             return {};
         }
         // An unknown family is the first file's, so that its bold and italic faces serve too.
-        const bool known = std::any_of(m_faces.begin(), m_faces.end(),
-                                       [&](const auto &face) { return face->isOfFamily(key.family); });
+        const bool known =
+            std::any_of(m_faces.begin(), m_faces.end(), [&](const auto &face) { return face->isOfFamily(key.family); });
         const std::string &family = known ? key.family : m_faces.front()->family();
         const auto distance = [&](const std::shared_ptr<const FaceFile> &face)
         {
             const int foreign = face->isOfFamily(family) ? 0 : 10'000;
             return foreign + std::abs(face->weight() - key.weight) + (face->isItalic() == key.italic ? 0 : 100);
         };
-        const auto best = std::min_element(m_faces.begin(), m_faces.end(), [&](const auto &one, const auto &other)
-                                           { return distance(one) < distance(other); });
+        const auto best =
+            std::min_element(m_faces.begin(), m_faces.end(),
+                             [&](const auto &one, const auto &other) { return distance(one) < distance(other); });
         FaceFiles chosen = {*best};
         std::copy_if(m_faces.begin(), m_faces.end(), std::back_inserter(chosen),
                      [&](const auto &face) { return face != *best; });

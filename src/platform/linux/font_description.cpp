@@ -45,7 +45,8 @@ FontKey keyOf(const LOGFONTW &description)
     key.family = familyOf(description);
     const LONGLONG height = description.lfHeight;
     key.cell = height >= 0;
-    key.height = height == 0 ? defaultHeight : static_cast<int>(std::min<LONGLONG>(height < 0 ? -height : height, tallest));
+    key.height =
+        height == 0 ? defaultHeight : static_cast<int>(std::min<LONGLONG>(height < 0 ? -height : height, tallest));
     key.weight = description.lfWeight >= boldFrom ? std::clamp<int>(description.lfWeight, 700, 1000) : 400;
     key.italic = description.lfItalic != 0;
     key.smoothing = smoothingOf(description.lfQuality);

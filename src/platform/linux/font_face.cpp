@@ -46,8 +46,9 @@ void FontFace::openMain()
         if (slot.source != nullptr)
         {
             const GlyphSource::Design &design = slot.source->design();
-            m_pixelsPerEm = m_key.cell ? std::max(1, scaled(m_key.height, design.unitsPerEm, design.ascent + design.descent))
-                                       : m_key.height;
+            m_pixelsPerEm = m_key.cell
+                                ? std::max(1, scaled(m_key.height, design.unitsPerEm, design.ascent + design.descent))
+                                : m_key.height;
             slot.source->setStyle({m_pixelsPerEm, m_key.smoothing, m_key.isBold(), m_key.italic});
             return;
         }
@@ -121,8 +122,8 @@ unsigned FontFace::sourceFor(std::u32string_view characters)
 {
     for (unsigned index = 0; index < m_slots.size(); ++index)
     {
-        const bool all = std::all_of(characters.begin(), characters.end(),
-                                     [&](char32_t one) { return has(index, one); });
+        const bool all =
+            std::all_of(characters.begin(), characters.end(), [&](char32_t one) { return has(index, one); });
         if (all && source(index) != nullptr)
         {
             return index;

@@ -34,8 +34,8 @@ Table &table()
 void dropUnused(Table &all)
 {
     const auto unused = [](const Entry &entry) { return entry.face.use_count() == 1; };
-    auto excess = std::count_if(all.entries.begin(), all.entries.end(), unused) -
-                  static_cast<std::ptrdiff_t>(mostKeptFaces);
+    auto excess =
+        std::count_if(all.entries.begin(), all.entries.end(), unused) - static_cast<std::ptrdiff_t>(mostKeptFaces);
     for (auto entry = all.entries.end(); excess > 0 && entry != all.entries.begin();)
     {
         --entry;

@@ -7,8 +7,8 @@
 
 namespace zb::internal
 {
-/// The face of the catalog for the key, made now if there is none. Some that nobody holds any more are kept, since hosts
-/// make and delete equal fonts all the time. Threads: any. Never null.
+/// The face of the catalog for the key, made now if there is none. Some that nobody holds any more are kept, since
+/// hosts make and delete equal fonts all the time. Threads: any. Never null.
 std::shared_ptr<FontFace> sharedFace(const std::shared_ptr<FontCatalog> &catalog, const FontKey &key);
 
 /// How many faces there are, for those who watch memory.

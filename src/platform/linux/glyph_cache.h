@@ -1,7 +1,7 @@
 // Rendered glyphs, kept packed in blocks up to a limit.
 //
-// Threads: one at a time. Reaching the limit empties the cache whole, since texts change from one screen to the next and
-// single glyphs can't be given back from a block.
+// Threads: one at a time. Reaching the limit empties the cache whole, since texts change from one screen to the next
+// and single glyphs can't be given back from a block.
 #pragma once
 
 #include "platform/linux/glyph_bitmap.h"

@@ -1,5 +1,5 @@
-// Puts glyphs and their lines onto a surface: blends a colour over the pixels by what a glyph covers of them, inside the
-// clip.
+// Puts glyphs and their lines onto a surface: blends a colour over the pixels by what a glyph covers of them, inside
+// the clip.
 //
 // Coordinates are the surface's; those that lie far outside are safe.
 #pragma once

@@ -155,9 +155,8 @@ void GlyphSource::readDesign()
 void GlyphSource::setStyle(const Style &style)
 {
     m_style = style;
-    m_boldExtra = style.bold && !m_faceBold
-                      ? std::max(1, (style.pixelsPerEm + boldPixelsPerEm / 2) / boldPixelsPerEm)
-                      : 0;
+    m_boldExtra =
+        style.bold && !m_faceBold ? std::max(1, (style.pixelsPerEm + boldPixelsPerEm / 2) / boldPixelsPerEm) : 0;
     m_slanted = style.italic && !m_faceItalic;
     FT_Set_Pixel_Sizes(m_face, 0, static_cast<FT_UInt>(style.pixelsPerEm));
 }
@@ -201,7 +200,8 @@ int GlyphSource::advance(unsigned glyph)
 int GlyphSource::measureAdvance(unsigned glyph)
 {
     // Stripes keep the widths of grey, so that switching them on moves no text.
-    const FT_Int32 target = m_style.smoothing == Smoothing::None ? targetOf(Smoothing::None) : targetOf(Smoothing::Grey);
+    const FT_Int32 target =
+        m_style.smoothing == Smoothing::None ? targetOf(Smoothing::None) : targetOf(Smoothing::Grey);
     if (!loadOutline(glyph, target))
     {
         return 0;

@@ -16,9 +16,9 @@ Box moved(const Box &box, POINT by)
 /// The advance of a cluster by the caller's numbers for its characters.
 LONGLONG advanceOf(const LayoutCluster &cluster, const int *advances)
 {
-    return advances == nullptr ? cluster.advance
-                               : std::accumulate(advances + cluster.first, advances + cluster.first + cluster.count,
-                                                 LONGLONG{0});
+    return advances == nullptr
+               ? cluster.advance
+               : std::accumulate(advances + cluster.first, advances + cluster.first + cluster.count, LONGLONG{0});
 }
 
 /// Calls `take(first, count, left, right)` for each cluster of the text from left to right.

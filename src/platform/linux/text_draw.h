@@ -35,7 +35,8 @@ class TextPainter
     /// background as well. advances may be null, else they are one for each character.
     void draw(LONGLONG x, LONGLONG top, std::u16string_view text, const int *advances = nullptr) const;
     /// A line below each of these characters (ascending) of the text drawn at x, top.
-    void underline(LONGLONG x, LONGLONG top, std::u16string_view text, const std::vector<std::size_t> &characters) const;
+    void underline(LONGLONG x, LONGLONG top, std::u16string_view text,
+                   const std::vector<std::size_t> &characters) const;
     /// The text's width with or without advances of the caller's own.
     LONGLONG width(std::u16string_view text, const int *advances) const;
 

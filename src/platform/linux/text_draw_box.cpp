@@ -43,7 +43,8 @@ class BoxText
         LONGLONG widest = 0;
         for (std::size_t n = 0; n < m_lines.size(); ++n)
         {
-            widest = std::max(widest, needsEllipsis(n, m_lines.size()) ? shortened(m_lines[n]).width : m_lines[n].width);
+            widest =
+                std::max(widest, needsEllipsis(n, m_lines.size()) ? shortened(m_lines[n]).width : m_lines[n].width);
         }
         return widest;
     }
@@ -102,8 +103,8 @@ class BoxText
     std::size_t linesInBox() const
     {
         const LONGLONG room = LONGLONG{m_box.bottom} - m_box.top;
-        return static_cast<std::size_t>(std::clamp<LONGLONG>(room / lineHeight(), 1,
-                                                             static_cast<LONGLONG>(m_lines.size())));
+        return static_cast<std::size_t>(
+            std::clamp<LONGLONG>(room / lineHeight(), 1, static_cast<LONGLONG>(m_lines.size())));
     }
     bool needsEllipsis(std::size_t line, std::size_t shown) const
     {
@@ -148,7 +149,8 @@ class BoxText
 
     void drawPieces(std::u16string_view line, LONGLONG left, LONGLONG top)
     {
-        forEachPiece(m_painter.face(), line, m_rules.tabStop, [&](LONGLONG x, std::size_t first, std::size_t count)
+        forEachPiece(m_painter.face(), line, m_rules.tabStop,
+                     [&](LONGLONG x, std::size_t first, std::size_t count)
                      { m_painter.draw(left + x, top, line.substr(first, count)); });
     }
 

@@ -9,8 +9,8 @@ namespace
 {
 constexpr LONGLONG widest = std::numeric_limits<int>::max();
 
-/// What fits by the widths in the whole text may be wider by itself, since a letter that now ends the text takes another
-/// form; then one cluster less is tried. More than a few steps mean a script that this can't help.
+/// What fits by the widths in the whole text may be wider by itself, since a letter that now ends the text takes
+/// another form; then one cluster less is tried. More than a few steps mean a script that this can't help.
 constexpr int mostSteps = 16;
 
 int limited(LONGLONG width)

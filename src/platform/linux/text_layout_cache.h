@@ -66,7 +66,7 @@ class TextLayoutCache
 
     void dropLast();
 
-    Entries m_entries; ///< used last first
+    Entries m_entries;                                                  ///< used last first
     std::unordered_map<std::u16string_view, Entries::iterator> m_index; ///< the keys are the entries' own texts
     std::size_t m_characters = 0;
 };

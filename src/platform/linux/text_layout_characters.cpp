@@ -71,8 +71,8 @@ bool isPrecomposedHangul(char32_t character)
 
 char32_t drawnCharacter(char32_t character)
 {
-    const bool separates = (character >= 9 && character <= 12) || character == 0x85 || character == 0x2028 ||
-                           character == 0x2029;
+    const bool separates =
+        (character >= 9 && character <= 12) || character == 0x85 || character == 0x2028 || character == 0x2029;
     if (separates)
     {
         return blank;

@@ -1,6 +1,7 @@
 // A text of several lines: marks taken out, cut where lines end, broken where words don't fit.
 //
-// Every step costs time by the length of the text alone, whatever it holds: a word of any length is walked through once.
+// Every step costs time by the length of the text alone, whatever it holds: a word of any length is walked through
+// once.
 //
 // Threads: with the face's mutex held.
 #pragma once
@@ -32,10 +33,10 @@ struct TextLine
 
 struct LineRules
 {
-    bool single = false;   ///< line ends are characters like others
-    bool wrap = false;     ///< break behind words that don't fit
-    LONGLONG width = 0;    ///< for wrap
-    int tabStop = 0;       ///< pixels between the stops; 0: tabs are blanks
+    bool single = false; ///< line ends are characters like others
+    bool wrap = false;   ///< break behind words that don't fit
+    LONGLONG width = 0;  ///< for wrap
+    int tabStop = 0;     ///< pixels between the stops; 0: tabs are blanks
 };
 
 /// Never empty: a text without characters is one empty line. A line end at the very end begins no further one.

@@ -23,8 +23,9 @@ int roundedPixels(hb_position_t value)
 
 const std::array<hb_feature_t, 4> &features()
 {
-    static const auto off = [](const char *tag)
-    { return hb_feature_t{hb_tag_from_string(tag, 4), 0, HB_FEATURE_GLOBAL_START, HB_FEATURE_GLOBAL_END}; };
+    static const auto off = [](const char *tag) {
+        return hb_feature_t{hb_tag_from_string(tag, 4), 0, HB_FEATURE_GLOBAL_START, HB_FEATURE_GLOBAL_END};
+    };
     static const std::array<hb_feature_t, 4> all = {off("kern"), off("liga"), off("clig"), off("dlig")};
     return all;
 }
@@ -95,8 +96,8 @@ class Shaper
             const int at = (run.level & 1U) == 0 ? run.first + n : run.first + run.count - 1 - n;
             const CharacterGlyph &glyph = m_face.character(m_drawn[static_cast<std::size_t>(at)]);
             const bool drawn = !(glyph.blank && glyph.glyph == 0);
-            m_layout.clusters.push_back({at, 1, glyph.advance, static_cast<std::uint32_t>(m_layout.glyphs.size()),
-                                         drawn ? 1U : 0U});
+            m_layout.clusters.push_back(
+                {at, 1, glyph.advance, static_cast<std::uint32_t>(m_layout.glyphs.size()), drawn ? 1U : 0U});
             if (drawn)
             {
                 m_layout.glyphs.push_back({glyph.glyph, glyph.source, 0, 0});
@@ -126,7 +127,8 @@ class Shaper
         const hb_glyph_position_t *places = hb_buffer_get_glyph_positions(buffer, &count);
         if (count == 0)
         {
-            m_layout.clusters.push_back({run.first, run.count, 0, static_cast<std::uint32_t>(m_layout.glyphs.size()), 0});
+            m_layout.clusters.push_back(
+                {run.first, run.count, 0, static_cast<std::uint32_t>(m_layout.glyphs.size()), 0});
             return;
         }
         const std::size_t firstCluster = m_layout.clusters.size();
@@ -138,10 +140,9 @@ class Shaper
                 m_layout.clusters.push_back({character, 0, 0, static_cast<std::uint32_t>(m_layout.glyphs.size()), 0});
             }
             LayoutCluster &cluster = m_layout.clusters.back();
-            m_layout.glyphs.push_back({static_cast<std::uint16_t>(infos[n].codepoint),
-                                       static_cast<std::uint8_t>(run.source),
-                                       cluster.advance + roundedPixels(places[n].x_offset),
-                                       -roundedPixels(places[n].y_offset)});
+            m_layout.glyphs.push_back(
+                {static_cast<std::uint16_t>(infos[n].codepoint), static_cast<std::uint8_t>(run.source),
+                 cluster.advance + roundedPixels(places[n].x_offset), -roundedPixels(places[n].y_offset)});
             cluster.advance += std::max(0, roundedPixels(places[n].x_advance));
             ++cluster.glyphCount;
         }
