@@ -387,6 +387,70 @@ TEST_F(TextOut, aTextDrawnTwiceIsTheSamePixels)
     }
 }
 
+TEST_F(TextOut, partsOfATextAreTheSamePixelsAsTheWhole)
+{
+    for (const BYTE quality : {ANTIALIASED_QUALITY, CLEARTYPE_QUALITY, NONANTIALIASED_QUALITY})
+    {
+        LOGFONTW description = plainFont(17);
+        description.lfQuality = quality;
+        description.lfItalic = 1;
+        const std::u16string_view text = u"aWg \u05D0\u05D1 \u4E00m";
+        DrawingBoard whole(120, 20, RGB(10, 200, 30));
+        const SelectedFont font(whole.context(), description);
+        SetBkMode(whole.context(), TRANSPARENT);
+        SetTextColor(whole.context(), RGB(250, 20, 90));
+        textOut(whole.context(), 3, 1, text);
+        for (const LONG step : {1, 3, 5, 17})
+        {
+            DrawingBoard parts(120, 20, RGB(10, 200, 30));
+            const SelectedFont same(parts.context(), description);
+            SetBkMode(parts.context(), TRANSPARENT);
+            SetTextColor(parts.context(), RGB(250, 20, 90));
+            for (LONG left = 0; left < 120; left += step)
+            {
+                for (LONG top = 0; top < 20; top += 7)
+                {
+                    const RECT part{left, top, left + step, top + 7};
+                    textOut(parts.context(), 3, 1, text, ETO_CLIPPED, &part);
+                }
+            }
+            EXPECT_TRUE(parts.pixels() == whole.pixels()) << int{quality} << " in steps of " << step;
+        }
+    }
+}
+
+TEST_F(TextOut, theSurfacesEdgesCutGlyphs)
+{
+    // Every place around each edge: what shows is what a larger board shows there.
+    LOGFONTW description = plainFont(15);
+    description.lfQuality = ANTIALIASED_QUALITY;
+    DrawingBoard large(60, 60);
+    const SelectedFont font(large.context(), description);
+    DrawingBoard small(20, 20);
+    const SelectedFont same(small.context(), description);
+    SetBkMode(large.context(), TRANSPARENT);
+    SetBkMode(small.context(), TRANSPARENT);
+    for (int x = -16; x <= 20; ++x)
+    {
+        for (const int y : {-15, -9, -3, 0, 6, 12, 19})
+        {
+            large.clear(RGB(255, 255, 255));
+            small.clear(RGB(255, 255, 255));
+            textOut(large.context(), 20 + x, 20 + y, u"gW");
+            textOut(small.context(), x, y, u"gW");
+            const auto pixels = small.pixels();
+            const auto expected = large.pixels();
+            for (std::size_t row = 0; row < 20; ++row)
+            {
+                ASSERT_TRUE(std::equal(pixels.begin() + static_cast<std::ptrdiff_t>(row * 20),
+                                       pixels.begin() + static_cast<std::ptrdiff_t>(row * 20 + 20),
+                                       expected.begin() + static_cast<std::ptrdiff_t>((row + 20) * 60 + 20)))
+                    << x << ", " << y;
+            }
+        }
+    }
+}
+
 TEST_F(TextOut, atMostThisManyCharactersAreDrawn)
 {
     DrawingBoard board(8'400, 3);
@@ -498,6 +562,44 @@ TEST_F(ShapedTextOut, arabicIsPaintedJoinedAndInsideItsMeasure)
     }
     EXPECT_GE(ink.left, 18);
     EXPECT_LE(ink.right, 20 + widthOf(board.context(), word) + 2);
+}
+
+TEST_F(ShapedTextOut, whatWasShapedBeforeChangesNothing)
+{
+    // The same texts in another order, on faces that have seen nothing yet.
+    std::mt19937 random(11);
+    const std::u16string letters = u"ab \u0628\u062A\u0644\u0627\u064E \u05D0\u05B8 \u0301(\u0661 1-";
+    std::vector<std::u16string> texts(150);
+    for (std::u16string &text : texts)
+    {
+        for (auto length = 1 + random() % 24; length > 0; --length)
+        {
+            text += letters[random() % letters.size()];
+        }
+    }
+    TestDevice device(dejaVuAlone());
+    const auto picture = [](const std::u16string &text)
+    {
+        DrawingBoard board(400, 30);
+        const SelectedFont font(board.context(), plainFont(-16, u"DejaVu Sans"));
+        SetBkMode(board.context(), TRANSPARENT);
+        textOut(board.context(), 4, 4, text);
+        return std::pair(board.pixels(), extentsOf(board.context(), text));
+    };
+    std::vector<std::pair<std::vector<std::uint32_t>, std::vector<int>>> first;
+    for (const std::u16string &text : texts)
+    {
+        first.push_back(picture(text));
+    }
+    for (std::size_t n = texts.size(); n-- > 0;)
+    {
+        if (n % 10 == 0)
+        {
+            device.options().fonts.files.emplace_back(); // another list of files is another set of faces
+            device.reopen();
+        }
+        EXPECT_TRUE(picture(texts[n]) == first[n]) << utf8(texts[n]);
+    }
 }
 
 TEST_F(ShapedTextOut, marksAreSetOnTheirLetters)

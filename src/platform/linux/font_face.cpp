@@ -1,7 +1,5 @@
 #include "platform/linux/font_face.h"
 
-#include "platform/linux/text_layout_characters.h"
-
 #include <algorithm>
 
 namespace zb::internal
@@ -136,13 +134,13 @@ CharacterGlyph FontFace::make(char32_t character)
 {
     CharacterGlyph made;
     made.known = true;
-    made.simple = isSimpleCharacter(character);
+    made.traits = traitsOf(character);
     const char32_t drawn = drawnCharacter(character);
-    if (isInvisible(character) || m_slots.empty())
+    if (made.traits.invisible || m_slots.empty())
     {
         // Without any face text is as wide as it would be with one, and can't be seen.
         made.blank = true;
-        made.advance = static_cast<std::int16_t>(isInvisible(character) ? 0 : m_measures.averageWidth);
+        made.advance = static_cast<std::int16_t>(made.traits.invisible ? 0 : m_measures.averageWidth);
         return made;
     }
     for (unsigned index = 0; index < m_slots.size(); ++index)

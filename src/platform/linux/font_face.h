@@ -9,6 +9,8 @@
 #include "platform/linux/glyph_cache.h"
 #include "platform/linux/glyph_source.h"
 #include "platform/linux/text_layout_cache.h"
+#include "platform/linux/text_layout_characters.h"
+#include "platform/linux/text_layout_words.h"
 
 #include <array>
 #include <memory>
@@ -48,9 +50,9 @@ struct CharacterGlyph
     std::uint16_t glyph = 0;
     std::int16_t advance = 0;
     std::uint8_t source = 0;
-    bool known = false;
-    bool simple = false; ///< its text needs no shaping on its account
-    bool blank = false;  ///< nothing to draw
+    bool known : 1 = false;
+    bool blank : 1 = false; ///< nothing to draw
+    CharacterTraits traits{};
 };
 
 class FontFace
@@ -104,6 +106,10 @@ class FontFace
     {
         return m_layouts;
     }
+    WordCache &words()
+    {
+        return m_words;
+    }
     /// What the kept pictures take, in bytes.
     std::size_t cachedBytes() const
     {
@@ -136,5 +142,6 @@ class FontFace
     std::unordered_map<char32_t, CharacterGlyph> m_beyond; ///< characters above 16 bits
     GlyphCache m_cache;
     TextLayoutCache m_layouts;
+    WordCache m_words;
 };
 } // namespace zb::internal

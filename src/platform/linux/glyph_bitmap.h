@@ -27,6 +27,7 @@ struct GlyphPicture
 struct GlyphBitmap
 {
     GlyphBox box;
+    int pitch = 0; ///< bytes from one row to the next: a multiple of 4, what is behind the row's pixels 0
     const std::uint8_t *coverage = nullptr;
 };
 } // namespace zb::internal

@@ -7,6 +7,8 @@ namespace zb::internal
 namespace
 {
 constexpr std::size_t blockBytes = 16384;
+/// Rows are drawn by so many pixels at a time.
+constexpr std::size_t rowUnit = 4;
 } // namespace
 
 const GlyphBitmap *GlyphCache::find(Key key) const
@@ -22,10 +24,17 @@ bool GlyphCache::isFull(std::size_t bytes) const
 
 const GlyphBitmap *GlyphCache::add(Key key, const GlyphPicture &picture)
 {
-    std::uint8_t *coverage = room(picture.coverage.size());
-    std::copy(picture.coverage.begin(), picture.coverage.end(), coverage);
-    m_bitmaps.push_back({picture.box, coverage});
-    m_size += picture.coverage.size() + sizeof(GlyphBitmap);
+    const auto rows = static_cast<std::size_t>(picture.box.height);
+    const std::size_t width = rows == 0 ? 0 : picture.coverage.size() / rows;
+    const std::size_t pitch = (width + rowUnit - 1) / rowUnit * rowUnit;
+    std::uint8_t *coverage = room(pitch * rows);
+    for (std::size_t row = 0; row < rows; ++row)
+    {
+        std::uint8_t *to = std::copy_n(picture.coverage.data() + row * width, width, coverage + row * pitch);
+        std::fill_n(to, pitch - width, std::uint8_t{0});
+    }
+    m_bitmaps.push_back({picture.box, static_cast<int>(pitch), coverage});
+    m_size += pitch * rows + sizeof(GlyphBitmap);
     m_index[key] = &m_bitmaps.back();
     return &m_bitmaps.back();
 }

@@ -1,6 +1,7 @@
 #include "platform/linux/glyph_painter.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace zb::internal
 {
@@ -25,6 +26,59 @@ constexpr std::uint32_t mixed(std::uint32_t under, std::uint32_t over, std::uint
     const std::uint32_t both = ((under & redBlue) * rest + (over & redBlue) * weight) >> 8U & redBlue;
     const std::uint32_t middle = ((under & green) * rest + (over & green) * weight) >> 8U & green;
     return opaqueBits | both | middle;
+}
+
+/// Sixteen bytes, and eight numbers of two bytes, on which the processor calculates at once.
+using Bytes = std::uint8_t __attribute__((vector_size(16)));
+using Words = std::uint16_t __attribute__((vector_size(16)));
+using Pixels = std::uint32_t __attribute__((vector_size(16)));
+
+/// The lower and the upper eight bytes as numbers. Written as interleaving, which every processor has an order for.
+Words lowWords(Bytes bytes)
+{
+    return reinterpret_cast<Words>(
+        __builtin_shufflevector(bytes, Bytes{}, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23));
+}
+
+Words highWords(Bytes bytes)
+{
+    return reinterpret_cast<Words>(
+        __builtin_shufflevector(bytes, Bytes{}, 8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31));
+}
+
+/// The colour twice.
+Words twoPixels(std::uint32_t pixel)
+{
+    return lowWords(reinterpret_cast<Bytes>(Pixels{pixel, pixel, 0, 0}));
+}
+
+/// Each of four numbers four times, once for each byte of its pixel.
+Bytes spread(std::uint32_t covered)
+{
+    const auto four = reinterpret_cast<Bytes>(Pixels{covered, 0, 0, 0});
+    const auto pairs = reinterpret_cast<Words>(
+        __builtin_shufflevector(four, four, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23));
+    return reinterpret_cast<Bytes>(__builtin_shufflevector(pairs, pairs, 0, 8, 1, 9, 2, 10, 3, 11));
+}
+
+Words mixedWords(Words under, Words over, Words coverage)
+{
+    const Words weight = coverage + (coverage >> 7);
+    return (under * (256 - weight) + over * weight) >> 8;
+}
+
+/// mixed() for four pixels, by the same arithmetic. The bytes of `covered` are in memory order.
+void mixFour(std::uint32_t *pixels, Words over, std::uint32_t covered)
+{
+    Bytes under;
+    std::memcpy(&under, pixels, sizeof(under));
+    const Bytes coverage = spread(covered);
+    const auto low = reinterpret_cast<Bytes>(mixedWords(lowWords(under), over, lowWords(coverage)));
+    const auto high = reinterpret_cast<Bytes>(mixedWords(highWords(under), over, highWords(coverage)));
+    const auto packed = reinterpret_cast<Pixels>(
+        __builtin_shufflevector(low, high, 0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30));
+    const Pixels result = packed | opaqueBits;
+    std::memcpy(pixels, &result, sizeof(result));
 }
 
 /// Each stripe by itself.
@@ -92,7 +146,8 @@ ClipBoxes::ClipBoxes(const Region &region, const Box &limit) : m_bounds(region.e
 }
 
 GlyphPainter::GlyphPainter(Surface &surface, const ClipBoxes &clip, Smoothing smoothing, std::uint32_t pixel)
-    : m_surface(surface), m_clip(clip), m_stripes(smoothing == Smoothing::Stripes), m_pixel(pixel)
+    : m_surface(surface), m_clip(clip), m_stripes(smoothing == Smoothing::Stripes),
+      m_plain(!m_stripes && !surface.isSoft() && !surface.isMonochrome()), m_pixel(pixel)
 {
 }
 
@@ -110,14 +165,42 @@ void GlyphPainter::fill(const Box &box) const
 
 void GlyphPainter::paintVisible(const GlyphBitmap &bitmap, int left, int top) const
 {
+    if (m_plain && m_clip.holds({left, top, left + bitmap.pitch, top + bitmap.box.height}))
+    {
+        paintWhole(bitmap, left, top);
+        return;
+    }
     m_clip.forEach({left, top, left + bitmap.box.width, top + bitmap.box.height},
                    [&](const Box &part) { paintPart(bitmap, left, top, part); });
+}
+
+/// The whole picture, its padding included, four pixels at a time: the pixels below the padding are written as they
+/// were.
+void GlyphPainter::paintWhole(const GlyphBitmap &bitmap, int left, int top) const
+{
+    const Words over = twoPixels(m_pixel);
+    const int pitch = bitmap.pitch;
+    const int stride = m_surface.stride();
+    const std::uint8_t *coverage = bitmap.coverage;
+    std::uint32_t *to = m_surface.row(top) + left;
+    for (int row = bitmap.box.height; row > 0; --row, to += stride, coverage += pitch)
+    {
+        for (int x = 0; x < pitch; x += 4)
+        {
+            std::uint32_t covered = 0;
+            std::memcpy(&covered, coverage + x, sizeof(covered));
+            if (covered != 0)
+            {
+                mixFour(to + x, over, covered);
+            }
+        }
+    }
 }
 
 void GlyphPainter::paintPart(const GlyphBitmap &bitmap, int left, int top, const Box &part) const
 {
     const int perPixel = m_stripes ? 3 : 1;
-    const int pitch = bitmap.box.width * perPixel;
+    const int pitch = bitmap.pitch;
     const std::uint8_t *coverage = bitmap.coverage + static_cast<std::ptrdiff_t>(part.top - top) * pitch +
                                    static_cast<std::ptrdiff_t>(part.left - left) * perPixel;
     std::uint32_t *to = m_surface.row(part.top) + part.left;

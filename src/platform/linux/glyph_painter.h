@@ -26,6 +26,12 @@ class ClipBoxes
     {
         return m_bounds;
     }
+    /// True when the box lies inside and nothing in it is left out. A quick test: may be false for one that does.
+    bool holds(const Box &box) const
+    {
+        return m_boxes.empty() && box.left >= m_bounds.left && box.right <= m_bounds.right && box.top >= m_bounds.top &&
+               box.bottom <= m_bounds.bottom;
+    }
     /// Calls `draw` with each part of the box that may be drawn on.
     template <typename Draw>
     void forEach(const Box &box, Draw draw) const
@@ -72,11 +78,13 @@ class GlyphPainter
 
   private:
     void paintVisible(const GlyphBitmap &bitmap, int left, int top) const;
+    void paintWhole(const GlyphBitmap &bitmap, int left, int top) const;
     void paintPart(const GlyphBitmap &bitmap, int left, int top, const Box &part) const;
 
     Surface &m_surface;
     const ClipBoxes &m_clip;
     bool m_stripes;
+    bool m_plain; ///< one colour by coverage alone: neither stripes nor a surface that asks for more
     std::uint32_t m_pixel;
 };
 

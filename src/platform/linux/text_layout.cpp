@@ -47,12 +47,28 @@ std::size_t fitByExtents(const TextLayout &layout, LONGLONG maximum)
     return static_cast<std::size_t>(behind - layout.extents.begin());
 }
 
+/// Where the word begins that the character in front of `end` is part of.
+std::size_t wordBefore(std::u16string_view text, std::size_t end)
+{
+    const std::size_t blank = text.substr(0, end).find_last_of(u' ');
+    return blank == std::u16string_view::npos ? 0 : blank + 1;
+}
+
+/// The width of the first `end` characters by themselves: only the word that is cut can differ from what the layout
+/// says.
+LONGLONG widthAlone(FontFace &face, std::u16string_view text, const TextLayout &layout, std::size_t end)
+{
+    const std::size_t word = wordBefore(text, end);
+    const LONGLONG before = word == 0 ? 0 : layout.extents[word - 1];
+    return before + (word == end ? 0 : shapeText(face, text.substr(word, end - word)).width);
+}
+
 std::size_t fitShaped(FontFace &face, std::u16string_view text, const TextLayout &layout, LONGLONG maximum)
 {
     std::size_t fit = fitByExtents(layout, maximum);
     for (int step = 0; fit > 0 && fit < text.size() && step < mostSteps; ++step)
     {
-        if (widthOf(face, text.substr(0, fit)) <= maximum)
+        if (text[fit - 1] == u' ' || text[fit] == u' ' || widthAlone(face, text, layout, fit) <= maximum)
         {
             break;
         }
@@ -65,7 +81,7 @@ std::size_t fitShaped(FontFace &face, std::u16string_view text, const TextLayout
 std::size_t simplePrefix(FontFace &face, std::u16string_view text)
 {
     std::size_t length = 0;
-    while (length < text.size() && face.character(text[length]).simple)
+    while (length < text.size() && face.character(text[length]).traits.simple)
     {
         ++length;
     }

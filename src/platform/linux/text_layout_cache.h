@@ -54,7 +54,7 @@ class TextLayoutCache
     /// Longer texts are shaped each time.
     static constexpr std::size_t longestText = 8192;
     /// Characters of all texts together.
-    static constexpr std::size_t mostCharacters = 65536;
+    static constexpr std::size_t mostCharacters = 16384;
 
   private:
     struct Entry

@@ -67,7 +67,52 @@ bool isPrecomposedHangul(char32_t character)
 {
     return character >= 0xAC00 && character <= 0xD7A3;
 }
+
+bool isInvisible(char32_t character)
+{
+    const bool control = character < 0x20 || (character >= 0x7F && character < 0xA0);
+    return (control && drawnCharacter(character) == character) ||
+           u_hasBinaryProperty(static_cast<UChar32>(character), UCHAR_DEFAULT_IGNORABLE_CODE_POINT) != 0;
+}
+
+bool isSimple(char32_t character, UScriptCode script)
+{
+    if (character < 0x300 || isHarmlessFormat(character) || isPrecomposedHangul(character))
+    {
+        return true;
+    }
+    const auto code = static_cast<UChar32>(character);
+    const auto kind = u_charType(code);
+    const bool alone = (U_MASK(kind) & (U_GC_M_MASK | U_GC_CF_MASK | U_GC_CS_MASK)) == 0;
+    return alone && isSimpleScript(script) && goesLeftToRight(code);
+}
+
+bool continuesCluster(char32_t character)
+{
+    const auto code = static_cast<UChar32>(character);
+    return (U_GET_GC_MASK(code) & U_GC_M_MASK) != 0 || character == 0x200C || character == 0x200D ||
+           u_hasBinaryProperty(code, UCHAR_EMOJI_MODIFIER) != 0;
+}
+
+bool turnsLine(char32_t character)
+{
+    const auto kind = u_charDirection(static_cast<UChar32>(character));
+    return !goesLeftToRight(static_cast<UChar32>(character)) && kind != U_DIR_NON_SPACING_MARK;
+}
 } // namespace
+
+CharacterTraits traitsOf(char32_t character)
+{
+    UErrorCode error = U_ZERO_ERROR;
+    const UScriptCode script = uscript_getScript(static_cast<UChar32>(character), &error);
+    CharacterTraits traits{};
+    traits.simple = isSimple(character, script);
+    traits.invisible = isInvisible(character);
+    traits.continues = continuesCluster(character);
+    traits.turns = turnsLine(character);
+    traits.script = static_cast<std::uint8_t>(script);
+    return traits;
+}
 
 char32_t drawnCharacter(char32_t character)
 {
@@ -78,29 +123,5 @@ char32_t drawnCharacter(char32_t character)
         return blank;
     }
     return (character >= 0xD800 && character <= 0xDFFF) || character > 0x10FFFF ? replacement : character;
-}
-
-bool isInvisible(char32_t character)
-{
-    const bool control = character < 0x20 || (character >= 0x7F && character < 0xA0);
-    return (control && drawnCharacter(character) == character) ||
-           u_hasBinaryProperty(static_cast<UChar32>(character), UCHAR_DEFAULT_IGNORABLE_CODE_POINT) != 0;
-}
-
-bool isSimpleCharacter(char32_t character)
-{
-    if (character < 0x300 || isHarmlessFormat(character) || isPrecomposedHangul(character))
-    {
-        return true;
-    }
-    const auto code = static_cast<UChar32>(character);
-    const auto kind = u_charType(code);
-    if (kind == U_NON_SPACING_MARK || kind == U_COMBINING_SPACING_MARK || kind == U_ENCLOSING_MARK ||
-        kind == U_FORMAT_CHAR || kind == U_SURROGATE)
-    {
-        return false;
-    }
-    UErrorCode error = U_ZERO_ERROR;
-    return isSimpleScript(uscript_getScript(code, &error)) && goesLeftToRight(code);
 }
 } // namespace zb::internal

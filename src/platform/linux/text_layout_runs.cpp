@@ -1,10 +1,7 @@
 #include "platform/linux/text_layout_runs.h"
 
-#include "platform/linux/text_layout_characters.h"
-
 #include <algorithm>
 #include <unicode/ubidi.h>
-#include <unicode/uchar.h>
 #include <unicode/utf16.h>
 
 namespace zb::internal
@@ -16,35 +13,49 @@ constexpr std::size_t marksLookedAt = 8;
 
 constexpr char32_t zeroWidthJoiner = 0x200D;
 
-std::vector<UBiDiLevel> levelsOf(std::u16string_view text)
+/// Reused by all texts of a thread, since its memory is much of what it costs.
+UBiDi *threadBidi()
 {
-    std::vector<UBiDiLevel> levels(text.size(), 0);
-    UErrorCode error = U_ZERO_ERROR;
-    const auto length = static_cast<std::int32_t>(text.size());
-    UBiDi *bidi = ubidi_openSized(length, 0, &error);
-    ubidi_setPara(bidi, text.data(), length, 0, nullptr, &error);
-    const UBiDiLevel *found = ubidi_getLevels(bidi, &error);
-    if (U_SUCCESS(error) && found != nullptr)
+    struct Holder
     {
-        std::copy_n(found, text.size(), levels.begin());
-    }
-    ubidi_close(bidi);
-    return levels;
+        UBiDi *bidi = ubidi_open();
+        Holder() = default;
+        Holder(const Holder &) = delete;
+        Holder &operator=(const Holder &) = delete;
+        ~Holder()
+        {
+            ubidi_close(bidi);
+        }
+    };
+    thread_local Holder holder;
+    return holder.bidi;
 }
 
-/// What goes with the character before it: marks, joiners, variation selectors, the second half of a flag.
-bool continuesCluster(char32_t character, char32_t before)
+/// Odd from right to left, in a line that goes from left to right.
+std::vector<UBiDiLevel> levelsOf(FontFace &face, std::u16string_view text)
 {
-    const auto code = static_cast<UChar32>(character);
-    const auto mask = U_GET_GC_MASK(code);
-    return (mask & U_GC_M_MASK) != 0 || character == zeroWidthJoiner || character == 0x200C ||
-           before == zeroWidthJoiner || u_hasBinaryProperty(code, UCHAR_EMOJI_MODIFIER) != 0;
+    std::vector<UBiDiLevel> levels(text.size(), 0);
+    // Half a pair of another plane is taken to turn the line; asking is cheap there.
+    const bool turns =
+        std::any_of(text.begin(), text.end(),
+                    [&](WCHAR unit) { return U16_IS_SURROGATE(unit) || face.character(unit).traits.turns; });
+    if (turns)
+    {
+        UErrorCode error = U_ZERO_ERROR;
+        ubidi_setPara(threadBidi(), text.data(), static_cast<std::int32_t>(text.size()), 0, nullptr, &error);
+        const UBiDiLevel *found = ubidi_getLevels(threadBidi(), &error);
+        if (U_SUCCESS(error) && found != nullptr)
+        {
+            std::copy_n(found, text.size(), levels.begin());
+        }
+    }
+    return levels;
 }
 
 class RunCutter
 {
   public:
-    RunCutter(FontFace &face, std::u16string_view text) : m_face(face), m_text(text), m_levels(levelsOf(text))
+    RunCutter(FontFace &face, std::u16string_view text) : m_face(face), m_text(text), m_levels(levelsOf(face, text))
     {
     }
 
@@ -67,27 +78,37 @@ class RunCutter
     {
         const auto length = static_cast<int>(m_text.size());
         m_cluster.clear();
-        UChar32 character = 0;
-        U16_NEXT(m_text.data(), at, length, character);
-        m_cluster.push_back(static_cast<char32_t>(character));
-        m_simple = m_cluster.front() < 0x10000 && isSimpleCharacter(m_cluster.front());
+        const char32_t first = take(at);
+        m_cluster.push_back(first);
+        const CharacterGlyph &letter = m_face.anyCharacter(first);
+        m_traits = letter.traits;
+        m_source = letter.source;
+        m_simple = first < 0x10000 && m_traits.simple;
         const UBiDiLevel level = m_levels[static_cast<std::size_t>(at) - 1];
-        for (char32_t before = m_cluster.front(); at < length && m_levels[static_cast<std::size_t>(at)] == level;)
+        for (char32_t before = first; at < length && m_levels[static_cast<std::size_t>(at)] == level;)
         {
             int next = at;
-            U16_NEXT(m_text.data(), next, length, character);
-            if (!continuesCluster(static_cast<char32_t>(character), before))
+            const char32_t character = take(next);
+            const CharacterTraits traits = m_face.anyCharacter(character).traits;
+            if (!traits.continues && before != zeroWidthJoiner)
             {
                 break;
             }
-            before = static_cast<char32_t>(character);
+            before = character;
             m_simple = false;
-            if (m_cluster.size() < marksLookedAt && !isInvisible(before))
+            if (m_cluster.size() < marksLookedAt && !traits.invisible)
             {
                 m_cluster.push_back(before);
             }
             at = next;
         }
+    }
+
+    char32_t take(int &at) const
+    {
+        UChar32 character = 0;
+        U16_NEXT(m_text.data(), at, static_cast<int>(m_text.size()), character);
+        return static_cast<char32_t>(character);
     }
 
     unsigned chooseSource()
@@ -97,31 +118,28 @@ class RunCutter
             return m_face.sourceFor(m_cluster);
         }
         // What can't be seen breaks no run in two.
-        return isInvisible(m_cluster.front()) && !m_runs.empty() ? m_runs.back().source
-                                                                 : m_face.anyCharacter(m_cluster.front()).source;
+        return m_traits.invisible && !m_runs.empty() ? m_runs.back().source : m_source;
     }
 
     void place(int first, int count)
     {
-        UErrorCode error = U_ZERO_ERROR;
-        UScriptCode script = uscript_getScript(static_cast<UChar32>(m_cluster.front()), &error);
         const std::uint8_t level = m_levels[static_cast<std::size_t>(first)];
         const unsigned source = chooseSource();
-        const bool shared = script == USCRIPT_COMMON || script == USCRIPT_INHERITED;
+        const bool shared = m_traits.script == USCRIPT_COMMON || m_traits.script == USCRIPT_INHERITED;
         if (!m_runs.empty())
         {
-            TextRun &last = m_runs.back();
             // Blanks and signs at the start go with the first script that comes.
+            TextRun &last = m_runs.back();
             const bool open = last.script == USCRIPT_COMMON;
-            if (last.level == level && last.source == source && (shared || open || last.script == script))
+            if (last.level == level && last.source == source && (shared || open || last.script == m_traits.script))
             {
                 last.count += count;
-                last.script = open && !shared ? script : last.script;
+                last.script = open && !shared ? m_traits.script : last.script;
                 last.simple = last.simple && m_simple;
                 return;
             }
         }
-        script = shared ? USCRIPT_COMMON : script;
+        const std::uint8_t script = shared ? std::uint8_t{USCRIPT_COMMON} : m_traits.script;
         m_runs.push_back({first, count, level, script, source, m_simple && (level & 1U) == 0});
     }
 
@@ -129,6 +147,8 @@ class RunCutter
     std::u16string_view m_text;
     std::vector<UBiDiLevel> m_levels;
     std::u32string m_cluster;
+    CharacterTraits m_traits{};
+    unsigned m_source = 0;
     bool m_simple = false;
     std::vector<TextRun> m_runs;
 };
@@ -147,7 +167,8 @@ std::u16string drawnText(std::u16string_view text)
         }
         const char32_t one = drawnCharacter(drawn[at]);
         // A joiner of words is as invisible as a control and, unlike that, has no say in the order of directions.
-        drawn[at] = isInvisible(one) && one < 0xA0 ? u'\u2060' : static_cast<WCHAR>(one);
+        const bool control = one < 0x20 || (one >= 0x7F && one < 0xA0);
+        drawn[at] = control ? u'\u2060' : static_cast<WCHAR>(one);
     }
     return drawn;
 }

@@ -16,7 +16,7 @@ struct TextRun
     int first = 0;
     int count = 0;
     std::uint8_t level = 0; ///< odd: from right to left
-    UScriptCode script = USCRIPT_COMMON;
+    std::uint8_t script = USCRIPT_COMMON;
     unsigned source = 0;
     bool simple = false; ///< of simple characters alone
 };

@@ -1,13 +1,15 @@
 // Shaping: runs to clusters of glyphs in whole pixels.
 //
 // The script's own joining and placing stands; kerning and ligatures of style are off, so that letters are as wide in a
-// text that has another script beside them as they are alone.
+// text that has another script beside them as they are alone. A run is put together of its words (see
+// text_layout_words.h); blanks are as wide as in simple text.
 #include "platform/linux/text_layout.h"
 #include "platform/linux/text_layout_runs.h"
 
 #include <algorithm>
+#include <array>
+#include <deque>
 #include <hb.h>
-#include <numeric>
 #include <unicode/ubidi.h>
 
 namespace zb::internal
@@ -30,7 +32,7 @@ const std::array<hb_feature_t, 4> &features()
     return all;
 }
 
-/// Reused by all texts of a thread, since a buffer's memory is most of what it costs.
+/// Reused by all texts of a thread, since a buffer's memory is much of what it costs.
 hb_buffer_t *threadBuffer()
 {
     struct Holder
@@ -47,6 +49,255 @@ hb_buffer_t *threadBuffer()
     thread_local Holder holder;
     return holder.buffer;
 }
+
+struct Range
+{
+    int first = 0;
+    int count = 0;
+    int end() const
+    {
+        return first + count;
+    }
+};
+
+/// The glyphs of a part of the text, as they stand from left to right.
+struct ShapedGlyphs
+{
+    const hb_glyph_info_t *infos = nullptr;
+    const hb_glyph_position_t *places = nullptr;
+    unsigned count = 0;
+};
+
+/// Valid until the thread shapes again.
+ShapedGlyphs shapeRange(GlyphSource &source, std::u16string_view text, const Range &range, const WordStyle &style)
+{
+    hb_buffer_t *buffer = threadBuffer();
+    hb_buffer_clear_contents(buffer);
+    hb_buffer_add_utf16(buffer, reinterpret_cast<const std::uint16_t *>(text.data()), static_cast<int>(text.size()),
+                        static_cast<unsigned>(range.first), range.count);
+    hb_buffer_set_direction(buffer, style.backward ? HB_DIRECTION_RTL : HB_DIRECTION_LTR);
+    hb_buffer_set_script(buffer,
+                         hb_script_from_string(uscript_getShortName(static_cast<UScriptCode>(style.script)), -1));
+    hb_buffer_set_language(buffer, hb_language_get_default());
+    hb_shape(source.shaper(), buffer, features().data(), static_cast<unsigned>(features().size()));
+    ShapedGlyphs shaped;
+    shaped.infos = hb_buffer_get_glyph_infos(buffer, &shaped.count);
+    shaped.places = hb_buffer_get_glyph_positions(buffer, &shaped.count);
+    return shaped;
+}
+
+/// Gives each cluster its characters: up to the next one of the text, or to the end.
+void countCharacters(std::vector<LayoutCluster> &clusters, int count, bool backward)
+{
+    int end = count;
+    for (std::size_t n = 0; n < clusters.size(); ++n)
+    {
+        // From the last in the text to the first.
+        LayoutCluster &cluster = backward ? clusters[n] : clusters[clusters.size() - 1 - n];
+        cluster.count = std::max(0, end - cluster.first);
+        end = cluster.first;
+    }
+    if (end > 0)
+    {
+        LayoutCluster &first = backward ? clusters.back() : clusters.front();
+        first.count += end;
+        first.first = 0;
+    }
+}
+
+/// The glyphs [begin, end), which are those of the range, by clusters.
+ShapedWord clustersOf(const ShapedGlyphs &shaped, unsigned begin, unsigned end, const Range &range,
+                      const WordStyle &style)
+{
+    ShapedWord word;
+    for (unsigned n = begin; n < end; ++n)
+    {
+        if (n == begin || shaped.infos[n].cluster != shaped.infos[n - 1].cluster)
+        {
+            word.clusters.push_back({static_cast<int>(shaped.infos[n].cluster) - range.first, 0, 0, n - begin, 0});
+        }
+        LayoutCluster &cluster = word.clusters.back();
+        word.glyphs.push_back({static_cast<std::uint16_t>(shaped.infos[n].codepoint), style.source,
+                               cluster.advance + roundedPixels(shaped.places[n].x_offset),
+                               -roundedPixels(shaped.places[n].y_offset)});
+        cluster.advance += std::max(0, roundedPixels(shaped.places[n].x_advance));
+        ++cluster.glyphCount;
+    }
+    if (word.clusters.empty())
+    {
+        word.clusters.push_back({0, range.count, 0, 0, 0});
+        return word;
+    }
+    countCharacters(word.clusters, range.count, style.backward);
+    return word;
+}
+
+ShapedWord shapeAlone(GlyphSource &source, std::u16string_view text, const Range &range, const WordStyle &style)
+{
+    const ShapedGlyphs shaped = shapeRange(source, text, range, style);
+    return clustersOf(shaped, 0, shaped.count, range, style);
+}
+
+/// One run, word by word.
+class RunShaper
+{
+  public:
+    RunShaper(FontFace &face, GlyphSource &source, std::u16string_view text, const TextRun &run)
+        : m_face(face), m_source(source),
+          m_text(text), m_run{run.first, run.count}, m_style{static_cast<std::uint8_t>(run.source), run.script,
+                                                             (run.level & 1U) != 0}
+    {
+    }
+
+    struct Piece
+    {
+        Range range;
+        const ShapedWord *word = nullptr; ///< null: a blank
+    };
+
+    /// In the order of the text. The words stay where they are while this lives and nothing else is shaped.
+    const std::vector<Piece> &shape()
+    {
+        m_face.words().trim();
+        cut();
+        if (m_missing.size() > 1)
+        {
+            shapeTogether();
+        }
+        for (const std::size_t index : m_missing)
+        {
+            Piece &piece = m_pieces[index];
+            if (piece.word == nullptr)
+            {
+                piece.word = &keep(piece, shapeAlone(m_source, contextOf(piece), shifted(piece), m_style));
+            }
+        }
+        return m_pieces;
+    }
+
+  private:
+    bool isBlank(int at) const
+    {
+        return at < 0 || at >= static_cast<int>(m_text.size()) || m_text[static_cast<std::size_t>(at)] == u' ';
+    }
+    std::u16string_view textOf(const Piece &piece) const
+    {
+        return m_text.substr(static_cast<std::size_t>(piece.range.first), static_cast<std::size_t>(piece.range.count));
+    }
+    /// With blanks (or nothing) around it, so that it is the same wherever it stands.
+    bool standsAlone(const Piece &piece) const
+    {
+        return isBlank(piece.range.first - 1) && isBlank(piece.range.end());
+    }
+    std::u16string_view contextOf(const Piece &piece) const
+    {
+        return standsAlone(piece) ? textOf(piece) : m_text;
+    }
+    Range shifted(const Piece &piece) const
+    {
+        return standsAlone(piece) ? Range{0, piece.range.count} : piece.range;
+    }
+
+    void cut()
+    {
+        for (int at = m_run.first; at < m_run.end();)
+        {
+            Piece piece{{at, 1}, nullptr};
+            if (!isBlank(at))
+            {
+                while (piece.range.end() < m_run.end() && !isBlank(piece.range.end()))
+                {
+                    ++piece.range.count;
+                }
+                piece.word = standsAlone(piece) ? m_face.words().find(textOf(piece), m_style) : nullptr;
+                if (piece.word == nullptr)
+                {
+                    m_missing.push_back(m_pieces.size());
+                }
+            }
+            at = piece.range.end();
+            m_pieces.push_back(piece);
+        }
+    }
+
+    const ShapedWord &keep(const Piece &piece, ShapedWord shaped)
+    {
+        const bool common = standsAlone(piece) && static_cast<std::size_t>(piece.range.count) <= WordCache::longestWord;
+        return common ? m_face.words().add(textOf(piece), m_style, std::move(shaped))
+                      : m_loose.emplace_back(std::move(shaped));
+    }
+
+    /// All missing words in one go, which costs less than one after the other. A word whose edges are no safe places to
+    /// cut at is left out.
+    void shapeTogether()
+    {
+        const int begin = m_pieces[m_missing.front()].range.first;
+        const int end = m_pieces[m_missing.back()].range.end();
+        const ShapedGlyphs shaped = shapeRange(m_source, m_text, {begin, end - begin}, m_style);
+        // Glyphs stand from left to right: from the last of the text to the first in a run that goes backward.
+        unsigned at = 0;
+        for (std::size_t n = 0; n < m_missing.size(); ++n)
+        {
+            Piece &piece = m_pieces[m_missing[m_style.backward ? m_missing.size() - 1 - n : n]];
+            while (at < shaped.count && !isInside(shaped.infos[at], piece.range))
+            {
+                ++at;
+            }
+            const unsigned first = at;
+            while (at < shaped.count && isInside(shaped.infos[at], piece.range))
+            {
+                ++at;
+            }
+            if (standsAlone(piece) && isCleanCut(shaped, first, at, piece.range))
+            {
+                piece.word = &keep(piece, clustersOf(shaped, first, at, piece.range, m_style));
+            }
+        }
+    }
+
+    static bool isInside(const hb_glyph_info_t &info, const Range &range)
+    {
+        const auto character = static_cast<int>(info.cluster);
+        return character >= range.first && character < range.end();
+    }
+
+    static bool isSafe(const hb_glyph_info_t &info)
+    {
+        return (hb_glyph_info_get_glyph_flags(&info) & HB_GLYPH_FLAG_UNSAFE_TO_BREAK) == 0;
+    }
+
+    /// Whether the glyphs [first, behind) are what the range gives alone: cutting in front of its first character and
+    /// in front of the one behind it changes nothing, and no cluster reaches over either place.
+    bool isCleanCut(const ShapedGlyphs &shaped, unsigned first, unsigned behind, const Range &range) const
+    {
+        if (first == behind)
+        {
+            return false;
+        }
+        const unsigned start = m_style.backward ? behind - 1 : first;
+        const bool startsHere = static_cast<int>(shaped.infos[start].cluster) == range.first;
+        if (!startsHere || !isSafe(shaped.infos[start]))
+        {
+            return false;
+        }
+        const bool last = m_style.backward ? first == 0 : behind == shaped.count;
+        if (last)
+        {
+            return true;
+        }
+        const hb_glyph_info_t &next = shaped.infos[m_style.backward ? first - 1 : behind];
+        return static_cast<int>(next.cluster) == range.end() && isSafe(next);
+    }
+
+    FontFace &m_face;
+    GlyphSource &m_source;
+    std::u16string_view m_text;
+    Range m_run;
+    WordStyle m_style;
+    std::vector<Piece> m_pieces;
+    std::vector<std::size_t> m_missing;
+    std::deque<ShapedWord> m_loose; ///< words that aren't kept
+};
 
 class Shaper
 {
@@ -93,79 +344,49 @@ class Shaper
     {
         for (int n = 0; n < run.count; ++n)
         {
-            const int at = (run.level & 1U) == 0 ? run.first + n : run.first + run.count - 1 - n;
-            const CharacterGlyph &glyph = m_face.character(m_drawn[static_cast<std::size_t>(at)]);
-            const bool drawn = !(glyph.blank && glyph.glyph == 0);
-            m_layout.clusters.push_back(
-                {at, 1, glyph.advance, static_cast<std::uint32_t>(m_layout.glyphs.size()), drawn ? 1U : 0U});
-            if (drawn)
-            {
-                m_layout.glyphs.push_back({glyph.glyph, glyph.source, 0, 0});
-            }
+            addCharacter((run.level & 1U) == 0 ? run.first + n : run.first + run.count - 1 - n);
+        }
+    }
+
+    void addCharacter(int at)
+    {
+        const CharacterGlyph &glyph = m_face.character(m_drawn[static_cast<std::size_t>(at)]);
+        const bool drawn = !(glyph.blank && glyph.glyph == 0);
+        m_layout.clusters.push_back(
+            {at, 1, glyph.advance, static_cast<std::uint32_t>(m_layout.glyphs.size()), drawn ? 1U : 0U});
+        if (drawn)
+        {
+            m_layout.glyphs.push_back({glyph.glyph, glyph.source, 0, 0});
         }
     }
 
     void addShaped(const TextRun &run, GlyphSource &source)
     {
-        hb_buffer_t *buffer = threadBuffer();
-        hb_buffer_clear_contents(buffer);
-        hb_buffer_add_utf16(buffer, reinterpret_cast<const std::uint16_t *>(m_drawn.data()),
-                            static_cast<int>(m_drawn.size()), static_cast<unsigned>(run.first), run.count);
-        hb_buffer_set_direction(buffer, (run.level & 1U) != 0 ? HB_DIRECTION_RTL : HB_DIRECTION_LTR);
-        hb_buffer_set_script(buffer, hb_script_from_string(uscript_getShortName(run.script), -1));
-        hb_buffer_set_language(buffer, hb_language_get_default());
-        hb_shape(source.shaper(), buffer, features().data(), static_cast<unsigned>(features().size()));
-        takeClusters(run, buffer);
-    }
-
-    /// Glyphs of one cluster stand together; what a cluster's glyphs have no number for belongs to the one before it in
-    /// the text.
-    void takeClusters(const TextRun &run, hb_buffer_t *buffer)
-    {
-        unsigned count = 0;
-        const hb_glyph_info_t *infos = hb_buffer_get_glyph_infos(buffer, &count);
-        const hb_glyph_position_t *places = hb_buffer_get_glyph_positions(buffer, &count);
-        if (count == 0)
+        RunShaper shaper(m_face, source, m_drawn, run);
+        const std::vector<RunShaper::Piece> &pieces = shaper.shape();
+        for (std::size_t n = 0; n < pieces.size(); ++n)
         {
-            m_layout.clusters.push_back(
-                {run.first, run.count, 0, static_cast<std::uint32_t>(m_layout.glyphs.size()), 0});
-            return;
-        }
-        const std::size_t firstCluster = m_layout.clusters.size();
-        for (unsigned n = 0; n < count; ++n)
-        {
-            const auto character = static_cast<int>(infos[n].cluster);
-            if (n == 0 || infos[n].cluster != infos[n - 1].cluster)
+            const RunShaper::Piece &piece = pieces[(run.level & 1U) == 0 ? n : pieces.size() - 1 - n];
+            if (piece.word == nullptr)
             {
-                m_layout.clusters.push_back({character, 0, 0, static_cast<std::uint32_t>(m_layout.glyphs.size()), 0});
+                addCharacter(piece.range.first);
             }
-            LayoutCluster &cluster = m_layout.clusters.back();
-            m_layout.glyphs.push_back(
-                {static_cast<std::uint16_t>(infos[n].codepoint), static_cast<std::uint8_t>(run.source),
-                 cluster.advance + roundedPixels(places[n].x_offset), -roundedPixels(places[n].y_offset)});
-            cluster.advance += std::max(0, roundedPixels(places[n].x_advance));
-            ++cluster.glyphCount;
+            else
+            {
+                addWord(*piece.word, piece.range.first);
+            }
         }
-        countCharacters(run, firstCluster);
     }
 
-    void countCharacters(const TextRun &run, std::size_t firstCluster)
+    void addWord(const ShapedWord &word, int first)
     {
-        std::vector<LayoutCluster> &all = m_layout.clusters;
-        const bool backward = (run.level & 1U) != 0;
-        int end = run.first + run.count;
-        for (std::size_t n = 0; n < all.size() - firstCluster; ++n)
+        const auto base = static_cast<std::uint32_t>(m_layout.glyphs.size());
+        m_layout.glyphs.insert(m_layout.glyphs.end(), word.glyphs.begin(), word.glyphs.end());
+        for (LayoutCluster cluster : word.clusters)
         {
-            // From the last in the text to the first.
-            LayoutCluster &cluster = backward ? all[firstCluster + n] : all[all.size() - 1 - n];
-            cluster.count = std::max(0, end - cluster.first);
-            end = cluster.first;
-        }
-        if (end > run.first)
-        {
-            LayoutCluster &first = backward ? all.back() : all[firstCluster];
-            first.count += end - run.first;
-            first.first = run.first;
+            cluster.first += first;
+            cluster.glyphs += base;
+            m_layout.clusters.push_back(cluster);
         }
     }
 
