@@ -40,6 +40,7 @@ inline constexpr DWORD BS_AUTORADIOBUTTON = 0x0009U;
 inline constexpr DWORD BS_OWNERDRAW = 0x000BU;
 inline constexpr DWORD BS_TYPEMASK = 0x000FU;
 inline constexpr DWORD BS_MULTILINE = 0x2000U;
+inline constexpr DWORD BS_NOTIFY = 0x4000U; ///< tells of the focus, too
 inline constexpr UINT BM_GETCHECK = 0x00F0; ///< 0 not, 1 checked, 2 in between
 inline constexpr UINT BM_SETCHECK = 0x00F1;
 inline constexpr UINT BM_GETSTATE = 0x00F2; ///< the check, 4 while pressed, 8 with the focus

@@ -22,6 +22,8 @@ ZBPLATFORM_API void keyUp(int key);
 /// A typed character, as WM_CHAR.
 ZBPLATFORM_API void typeCharacter(WCHAR character);
 
+/// How the screen lies: 0 upright (higher than wide, or square), 1 on its side.
+ZBPLATFORM_API int screenOrientation();
 /// A copy of what the screen shows; the caller's (DeleteObject).
 ZBPLATFORM_API HBITMAP captureScreen();
 } // namespace zb

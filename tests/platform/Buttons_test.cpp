@@ -62,7 +62,7 @@ class Buttons : public ::testing::Test
 
 TEST_F(Buttons, ATapClicksWhenItEndsInside)
 {
-    const HWND button = make(BS_PUSHBUTTON);
+    const HWND button = make(BS_PUSHBUTTON | BS_NOTIFY);
     settle();
     zb::penDown(20, 20);
     settle();
@@ -86,7 +86,7 @@ TEST_F(Buttons, ATapClicksWhenItEndsInside)
 
 TEST_F(Buttons, TheSpaceBarClicksWhenItIsLetGo)
 {
-    const HWND button = make(BS_PUSHBUTTON);
+    const HWND button = make(BS_PUSHBUTTON | BS_NOTIFY);
     SetFocus(button);
     codes();
     zb::keyDown(VK_SPACE);
@@ -102,6 +102,14 @@ TEST_F(Buttons, TheSpaceBarClicksWhenItIsLetGo)
     zb::keyUp(VK_SPACE);
     settle();
     EXPECT_EQ(codes(), Codes{BN_KILLFOCUS});
+}
+
+TEST_F(Buttons, TheFocusIsToldOnlyWhenAsked)
+{
+    const HWND button = make(BS_PUSHBUTTON);
+    SetFocus(button);
+    SetFocus(parent.window);
+    EXPECT_EQ(codes(), Codes{});
 }
 
 TEST_F(Buttons, ADisabledButtonTakesNothing)

@@ -1,7 +1,7 @@
 // What all standard controls have in common.
 //
-// A control is an object behind its window, in the word 0 of the window's extra bytes, from WM_NCCREATE to
-// WM_NCDESTROY; hosts are free to use the user word and to put a procedure before the control's own.
+// A control is an object behind its window, in the word 0 of the window's extra bytes, from WM_CREATE to WM_NCDESTROY
+// (a class that stands before a control's own passes on nothing that comes earlier); hosts are free to use the user word and to put a procedure before the control's own.
 #pragma once
 
 #include "platform/controls.h"
@@ -104,7 +104,7 @@ void Control::paint(Draw draw) const
 template <typename Kind>
 LRESULT controlProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
-    if (message == WM_NCCREATE)
+    if (message == WM_CREATE && GetWindowLongW(window, 0) == 0)
     {
         SetWindowLongW(window, 0, reinterpret_cast<LONG_PTR>(static_cast<Control *>(new Kind(window))));
     }

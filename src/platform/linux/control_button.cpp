@@ -53,7 +53,7 @@ class Button final : public Control
         case WM_SETFOCUS:
             m_action = ODA_FOCUS;
             refresh();
-            tell(BN_SETFOCUS);
+            tellFocus(BN_SETFOCUS);
             return 0;
         case WM_KILLFOCUS:
             leave();
@@ -79,6 +79,14 @@ class Button final : public Control
     bool hasThreeStates() const
     {
         return kind() == BS_3STATE || kind() == BS_AUTO3STATE;
+    }
+
+    void tellFocus(WORD code) const
+    {
+        if ((style() & BS_NOTIFY) != 0)
+        {
+            tell(code);
+        }
     }
 
     LRESULT dialogCode() const
@@ -234,7 +242,7 @@ class Button final : public Control
         release();
         m_action = ODA_FOCUS;
         refresh();
-        tell(BN_KILLFOCUS);
+        tellFocus(BN_KILLFOCUS);
     }
 
     void drawAll()

@@ -228,6 +228,11 @@ BOOL GetCursorPos(POINT *point)
     return TRUE;
 }
 
+int zb::screenOrientation()
+{
+    return GetSystemMetrics(SM_CXSCREEN) > GetSystemMetrics(SM_CYSCREEN) ? 1 : 0;
+}
+
 HBITMAP zb::captureScreen()
 {
     const int width = GetSystemMetrics(SM_CXSCREEN);
