@@ -1,6 +1,7 @@
 #include "platform/linux/picture_header.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace zb::internal
@@ -53,6 +54,11 @@ class Reader
             value = value << 8U | byte();
         }
         return value;
+    }
+    /// What comes next; null when so much is not left.
+    const unsigned char *peek(std::size_t count) const
+    {
+        return m_good && count <= left() ? m_data + m_at : nullptr;
     }
     /// Moves to behind the next byte of this value; not good when there is none.
     void skipBehind(unsigned char value)
@@ -218,6 +224,47 @@ std::optional<PictureHeader> readJpeg(Reader reader)
     return std::nullopt;
 }
 
+constexpr std::array<std::uint32_t, 256> sumTable()
+{
+    std::array<std::uint32_t, 256> table{};
+    for (std::uint32_t i = 0; i < table.size(); ++i)
+    {
+        std::uint32_t sum = i;
+        for (int bit = 0; bit < 8; ++bit)
+        {
+            sum = (sum & 1U) != 0 ? sum >> 1U ^ 0xEDB88320U : sum >> 1U;
+        }
+        table[i] = sum;
+    }
+    return table;
+}
+
+/// The check sum of a chunk's name and data.
+std::uint32_t chunkSum(const unsigned char *data, std::size_t size)
+{
+    static constexpr auto table = sumTable();
+    std::uint32_t sum = 0xFFFFFFFFU;
+    for (std::size_t i = 0; i < size; ++i)
+    {
+        sum = table[(sum ^ data[i]) & 0xFFU] ^ sum >> 8U;
+    }
+    return ~sum;
+}
+
+/// Size of the chunk that comes next, when all of it is there and its sum is right. The decoder would find a wrong one
+/// too, but write about it to standard error.
+std::optional<std::uint32_t> wholeChunk(Reader reader)
+{
+    const std::uint32_t size = reader.big(4);
+    const unsigned char *named = size > 0x7FFFFFFFU ? nullptr : reader.peek(std::size_t{size} + 8);
+    if (named == nullptr)
+    {
+        return std::nullopt;
+    }
+    reader.skip(std::size_t{size} + 4);
+    return reader.big(4) == chunkSum(named, std::size_t{size} + 4) ? std::optional(size) : std::nullopt;
+}
+
 /// 8 mark, then chunks of 4 length, 4 name, data, 4 sum, all big-endian; the first is IHDR with 4 width, 4 height, the
 /// last is IEND.
 std::optional<PictureHeader> readPng(Reader reader)
@@ -225,22 +272,24 @@ std::optional<PictureHeader> readPng(Reader reader)
     constexpr std::uint32_t first = 0x49484452;
     constexpr std::uint32_t last = 0x49454E44;
     reader.skip(8);
-    const std::uint32_t length = reader.big(4);
-    if (length != 13 || reader.big(4) != first)
+    std::optional<PictureHeader> header;
+    for (auto size = wholeChunk(reader); size.has_value(); size = wholeChunk(reader))
     {
-        return std::nullopt;
-    }
-    const PictureHeader header{PictureKind::Png, reader.big(4), reader.big(4)};
-    reader.skip(5 + 4);
-    while (reader.isGood())
-    {
-        const std::uint32_t size = reader.big(4);
-        const std::uint32_t name = reader.big(4);
-        reader.skip(size);
         reader.skip(4);
+        const std::uint32_t name = reader.big(4);
+        if (!header.has_value())
+        {
+            if (name != first || *size != 13)
+            {
+                return std::nullopt;
+            }
+            header = PictureHeader{PictureKind::Png, reader.big(4), reader.big(4)};
+            *size -= 8;
+        }
+        reader.skip(*size + 4);
         if (name == last)
         {
-            return reader.isGood() ? std::optional(header) : std::nullopt;
+            return header;
         }
     }
     return std::nullopt;

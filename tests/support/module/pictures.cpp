@@ -1,4 +1,6 @@
 // Resources of the tests' own module that are bytes: bitmaps of several densities, and dialog templates.
+#include "picture_bytes.h"
+
 #include "platform/types.h"
 
 #include <initializer_list>
@@ -134,14 +136,14 @@ const std::map<UINT, Bytes> &dialogs()
 }
 } // namespace
 
-extern "C" const void *zbResourceBytes(UINT type, UINT id, int, std::size_t *size)
+extern "C" const void *zbResourceBytes(UINT type, UINT id, int dotsPerInch, std::size_t *size)
 {
     static const std::map<UINT, Bytes> none;
     const auto &all = type == 2 ? bitmaps() : type == 5 ? dialogs() : none;
     const auto found = all.find(id);
     if (found == all.end())
     {
-        return nullptr;
+        return zb::test::pictureBytes(type, id, dotsPerInch, size);
     }
     *size = found->second.size();
     return found->second.data();
