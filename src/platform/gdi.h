@@ -43,8 +43,8 @@ inline constexpr COLORREF CLR_DEFAULT = 0xFF000000U;
 
 /// Context of a window's client area (a null window: of the whole screen), to be given back with ReleaseDC. All
 /// contexts of an open device's screen draw on one surface; when the device closes, those that are left keep the former
-/// screen. Windows have no place on the screen yet: a context of theirs measures, and what it draws falls outside its
-/// clip. Null with last error 1400 for a window that is gone.
+/// screen. A window's context counts from its client area and is clipped to what shows of it (user.h); that of a hidden
+/// window measures, and draws nothing. Null with last error 1400 for a window that is gone.
 ZBPLATFORM_API HDC GetDC(HWND window);
 /// 1, or 0 with last error 6; a context of CreateCompatibleDC is none of these. Which window is named makes no
 /// difference.

@@ -444,7 +444,7 @@ TEST_F(GdiScreenTest, AnotherOpeningHasAnotherScreen)
     ReleaseDC(nullptr, present);
 }
 
-TEST_F(GdiScreenTest, ContextsOfWindowsMeasureAndDrawNothingYet)
+TEST_F(GdiScreenTest, ContextsOfHiddenWindowsMeasureAndDrawNothing)
 {
     const MessageWindowClass windows;
     Procedure procedure = [](HWND window, UINT message, WPARAM wParam, LPARAM lParam)
