@@ -114,6 +114,7 @@ TEST(ContactCard, CompaniesAreFiledUnderTheirName)
     EXPECT_EQ(utf8(plain.company), "Stadtwerke Erlengrund");
     EXPECT_EQ(utf8(fileAsOf(plain)), "Stadtwerke Erlengrund");
     EXPECT_EQ(utf8(itemOf("FN:Acme\nKIND:org\n", "4.0").company), "Acme");
+    EXPECT_EQ(utf8(itemOf("FN:Acme\nKIND:organization\n", "4.0").company), "Acme");
     EXPECT_EQ(utf8(fileAsOf(itemOf("N:Berg;Anna\nORG:Acme\nX-ABShowAs:COMPANY\n"))), "Acme");
     EXPECT_EQ(utf8(fileAsOf(itemOf("N:Berg;Anna\nX-EVOLUTION-FILE-AS:Anna Berg\n"))), "Anna Berg");
 }
@@ -214,6 +215,50 @@ TEST(ContactCard, NumbersWithoutRoomGoElsewhereOrAreToldToBeLost)
                             [](const std::string &text) { return text.find("left out") != std::string::npos; }),
               3)
         << "two faxes, car, radio and two others";
+}
+
+/// Where so many numbers of a kind go, in the order of the numbers; "-" for one that is left out.
+std::string placesOf(const std::string &kind, int count, const std::string &who = "N:x\n")
+{
+    using Field = std::pair<const char *, std::u16string zb::ContactItem::*>;
+    static const std::vector<Field> fields{
+        {"business", &zb::ContactItem::businessPhone},  {"business2", &zb::ContactItem::business2Phone},
+        {"businessFax", &zb::ContactItem::businessFax}, {"home", &zb::ContactItem::homePhone},
+        {"home2", &zb::ContactItem::home2Phone},        {"homeFax", &zb::ContactItem::homeFax},
+        {"mobile", &zb::ContactItem::mobilePhone},      {"car", &zb::ContactItem::carPhone},
+        {"radio", &zb::ContactItem::radioPhone},        {"pager", &zb::ContactItem::pager},
+        {"assistant", &zb::ContactItem::assistantPhone}};
+    std::string text = who;
+    for (int n = 1; n <= count; ++n)
+    {
+        text += "TEL" + kind + ":" + std::to_string(n) + "\n";
+    }
+    const zb::ContactItem item = itemOf(text);
+    std::string places;
+    for (int n = 1; n <= count; ++n)
+    {
+        const auto found =
+            std::find_if(fields.begin(), fields.end(),
+                         [&](const Field &field) { return utf8(item.*field.second) == std::to_string(n); });
+        places += std::string(n == 1 ? "" : " ") + (found != fields.end() ? found->first : "-");
+    }
+    return places;
+}
+
+TEST(ContactCard, NumbersOfAKindTakeTheirOwnFieldsAndThenTheNearest)
+{
+    EXPECT_EQ(placesOf(";CELL", 8), "mobile car home2 business2 home business radio -");
+    EXPECT_EQ(placesOf(";WORK", 7), "business business2 home2 home car radio -");
+    EXPECT_EQ(placesOf(";HOME", 7), "home home2 business2 business car radio -");
+    EXPECT_EQ(placesOf("", 8), "home home2 business business2 mobile car radio -");
+    EXPECT_EQ(placesOf("", 8, "ORG:Acme\n"), "business business2 home home2 mobile car radio -");
+    EXPECT_EQ(placesOf(";PAGER", 6), "pager car radio home2 business2 -");
+    EXPECT_EQ(placesOf(";CAR", 5), "car radio home2 business2 -");
+    EXPECT_EQ(placesOf(";X-RADIO", 5), "radio car home2 business2 -");
+    EXPECT_EQ(placesOf(";X-ASSISTANT", 6), "assistant home2 home car radio -");
+    EXPECT_EQ(placesOf(";WORK;FAX", 3), "businessFax homeFax -");
+    EXPECT_EQ(placesOf(";HOME;FAX", 3), "homeFax businessFax -");
+    EXPECT_EQ(placesOf(";FAX", 7), "businessFax homeFax car radio home2 business2 -");
 }
 
 TEST(ContactCard, LinksOfNumbersAndMailAddressesAreTexts)
@@ -339,6 +384,16 @@ TEST(ContactCard, TheNearestPeople)
     {
         EXPECT_EQ(utf8(itemOf(std::string("N:x\n") + text).assistant), "Red") << text;
     }
+    const auto android = [](const std::string &number)
+    {
+        const zb::ContactItem item =
+            itemOf("N:x\nX-ANDROID-CUSTOM:vnd.android.cursor.item/relation;Kim;" + number + ";;\n");
+        return utf8(item.spouse) + "/" + utf8(item.children) + "/" + utf8(item.assistant);
+    };
+    EXPECT_EQ(android("4") + android("10") + android("14"), "Kim//Kim//Kim//") << "partners of all kinds";
+    EXPECT_EQ(android("3"), "/Kim/");
+    EXPECT_EQ(android("1"), "//Kim");
+    EXPECT_EQ(android("2"), "//");
     EXPECT_EQ(lostOf("N:x\nRELATED;TYPE=spouse:urn:uuid:1\n"), Words{"RELATED"});
     EXPECT_EQ(lostOf("N:x\nRELATED;TYPE=friend:Al\n"), Words{"RELATED"});
     EXPECT_EQ(lostOf("N:x\ni.X-ABRELATEDNAMES:Al\ni.X-ABLabel:_$!<Friend>!$_\n"), Words{"X-ABRELATEDNAMES"});
@@ -354,6 +409,9 @@ TEST(ContactCard, AnAgentIsTheAssistant)
     EXPECT_EQ(utf8(item.assistantPhone), "7");
     EXPECT_EQ(lostOf("N:x\n" + agent), Words{"rest of the AGENT's card"});
     EXPECT_EQ(utf8(itemOf("N:x\nX-ASSISTANT:Red\n" + agent).assistant), "Red");
+    const zb::ContactItem own = itemOf("N:x\n" + agent + "X-ASSISTANT-PHONE:8\n");
+    EXPECT_EQ(utf8(own.assistantPhone), "8") << "the card's own number goes first";
+    EXPECT_EQ(utf8(own.home2Phone), "7");
     EXPECT_EQ(lostOf("N:x\nX-ASSISTANT:Red\n" + agent), Words{"AGENT"});
     EXPECT_EQ(lostOf("N:x\nAGENT;VALUE=uri:CID:x\n"), Words{"AGENT"});
 }
@@ -366,6 +424,13 @@ TEST(ContactCard, CategoriesNotesAndPhotos)
     EXPECT_EQ(utf8(reading.categories[1].name), "Choir, alto");
     EXPECT_EQ(reading.categories[2].line, 5U);
     EXPECT_EQ(lines(reading.item.notes), "First|second||Third");
+    std::string many = "N:x\nCATEGORIES:0";
+    for (int n = 1; n <= 200; ++n)
+    {
+        many += "," + std::to_string(n);
+    }
+    EXPECT_EQ(readingOf(many + "\n").categories.size(), 200U);
+    EXPECT_EQ(lostOf(many + "\n"), Words{"further CATEGORIES"});
     EXPECT_EQ(lines(itemOf("N:x\nNOTE;QUOTED-PRINTABLE:a=0D=0Ab=0D=0A\n", "2.1").notes), "a|b");
     const Card card = cardOf("N:x\nPHOTO;ENCODING=b:QUJD\nPHOTO;ENCODING=b:QUJE\n");
     const ContactReading photos = readContact(card);
