@@ -1,5 +1,7 @@
 #include "framework/CeDialog.h"
 
+#include "framework/CeChildMgr.h"
+
 #include <algorithm>
 
 namespace
@@ -140,15 +142,5 @@ void CeDialog::MoveChildren(int dx, int dy)
     {
         return;
     }
-    HDWP changes = BeginDeferWindowPos(16);
-    for (HWND child = GetWindow(m_hWnd, GW_CHILD); child != nullptr && changes != nullptr;
-         child = GetWindow(child, GW_HWNDNEXT))
-    {
-        RECT place{};
-        GetWindowRect(child, &place);
-        MapWindowPoints(nullptr, m_hWnd, reinterpret_cast<POINT *>(&place), 2);
-        changes = DeferWindowPos(changes, child, nullptr, place.left + dx, place.top + dy, 0, 0,
-                                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-    }
-    EndDeferWindowPos(changes);
+    CeChildMgr::OffsetChildren(m_hWnd, {dx, dy});
 }

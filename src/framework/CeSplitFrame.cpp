@@ -1,0 +1,310 @@
+#include "framework/CeSplitFrame.h"
+
+#include "framework/HIDPI.h"
+
+#include <algorithm>
+
+namespace
+{
+/// Stands in for the keys of a move that did not come from the pen.
+constexpr WPARAM simulatedMove = 50;
+constexpr int barSize = 3; // at 96 dots an inch
+
+/// Coordinates of 16 bits that are not sign-extended.
+int Signed(LONG value)
+{
+    return static_cast<SHORT>(static_cast<WORD>(value));
+}
+} // namespace
+
+CeSplitFrame::CeSplitFrame(bool bVertical) : m_nBarSize(HIDPI_SCALEX(barSize)), m_bVertical(bVertical)
+{
+}
+
+CeSplitFrame::~CeSplitFrame() = default;
+
+LONG CeSplitFrame::StartOf(const RECT &rect) const
+{
+    return m_bVertical ? rect.left : rect.top;
+}
+
+LONG CeSplitFrame::EndOf(const RECT &rect) const
+{
+    return m_bVertical ? rect.right : rect.bottom;
+}
+
+RECT CeSplitFrame::Between(LONG start, LONG end) const
+{
+    end = std::max(start, end);
+    return m_bVertical ? RECT{start, m_rcClient.top, end, m_rcClient.bottom}
+                       : RECT{m_rcClient.left, start, m_rcClient.right, end};
+}
+
+int CeSplitFrame::PenOf(POINT point) const
+{
+    return Signed(m_bVertical ? point.x : point.y);
+}
+
+void CeSplitFrame::SetPanes(HWND hPane1, HWND hPane2)
+{
+    m_hPane1 = hPane1;
+    m_hPane2 = hPane2;
+    for (const HWND pane : {hPane1, hPane2})
+    {
+        if (pane != nullptr)
+        {
+            SetParent(pane, m_hWnd);
+        }
+    }
+    m_dLastSplitter = 0.5;
+    ResetSplitter();
+}
+
+void CeSplitFrame::ResetSplitter()
+{
+    m_bLaidOut = false;
+    GetClientRect(m_hWnd, &m_rcClient);
+    bool handled = false;
+    OnSize(0, m_rcClient.right, m_rcClient.bottom, handled);
+}
+
+void CeSplitFrame::SetOffsets(int nOffset1, int nOffset2)
+{
+    m_nOffset1 = nOffset1;
+    m_nOffset2 = nOffset2;
+}
+
+void CeSplitFrame::SetBarMins(int nMin1, int nMin2)
+{
+    m_nMin1 = nMin1;
+    m_nMin2 = nMin2;
+}
+
+void CeSplitFrame::SetBarSize(int nSize)
+{
+    m_nBarSize = nSize;
+}
+
+int CeSplitFrame::GetSplitter() const
+{
+    return static_cast<int>(m_dSplitter);
+}
+
+int CeSplitFrame::GetDocked() const
+{
+    return m_nDocked;
+}
+
+void CeSplitFrame::BeginUpdate()
+{
+    m_bSetting = true;
+}
+
+void CeSplitFrame::EndUpdate()
+{
+    m_bSetting = false;
+    Layout();
+}
+
+void CeSplitFrame::SetSplitter(int nPos)
+{
+    m_nDocked = SPLIT_BOTH;
+    ShowPanes();
+    if (m_bSetting)
+    {
+        m_dSplitter = nPos;
+        return;
+    }
+    const LONG pen = nPos + m_nBarSize + StartOf(m_rcClient) + m_nOffset1 + 1;
+    bool handled = false;
+    OnMouseMove(simulatedMove, m_bVertical ? POINT{pen, 0} : POINT{0, pen}, handled);
+}
+
+void CeSplitFrame::SetDocked(int nDocked)
+{
+    m_nDocked = nDocked;
+    ShowPanes();
+    if (!m_bSetting)
+    {
+        Layout();
+    }
+}
+
+void CeSplitFrame::ShowPanes()
+{
+    if (m_hPane1 != nullptr)
+    {
+        ShowWindow(m_hPane1, m_nDocked == SPLIT_SECOND ? SW_HIDE : SW_SHOW);
+    }
+    if (m_hPane2 != nullptr)
+    {
+        ShowWindow(m_hPane2, m_nDocked == SPLIT_FIRST ? SW_HIDE : SW_SHOW);
+    }
+}
+
+void CeSplitFrame::GetWindowPlacements(RECT *prc1, RECT *prc2)
+{
+    const LONG fresh = EndOf(m_rcClient) - StartOf(m_rcClient);
+    const LONG old = EndOf(m_rcPrevClient) - StartOf(m_rcPrevClient);
+    if (fresh != old && old > 0)
+    {
+        m_dSplitter = m_dSplitter * fresh / old;
+    }
+    m_rcPrevClient = m_rcClient;
+    const LONG splitter = GetSplitter();
+    *prc1 = Between(StartOf(m_rcClient) + m_nOffset1, splitter - m_nBarSize);
+    *prc2 = Between(splitter + m_nBarSize, EndOf(m_rcClient) - m_nOffset2);
+}
+
+void CeSplitFrame::OnSize(UINT nType, int cx, int cy, bool &handled)
+{
+    CeMsgWnd::OnSize(nType, cx, cy, handled);
+    handled = false;
+    if (cx <= 0 || cy <= 0)
+    {
+        return;
+    }
+    m_rcClient = {0, 0, cx, cy};
+    if (!m_bLaidOut)
+    {
+        m_bLaidOut = true;
+        const LONG length = EndOf(m_rcClient) - StartOf(m_rcClient);
+        m_dSplitter = static_cast<int>((length + m_nOffset1) * m_dLastSplitter) + StartOf(m_rcClient);
+        m_rcPrevClient = m_rcClient;
+    }
+    Layout();
+}
+
+void CeSplitFrame::OnOrientationChange(UINT, int, int, bool &)
+{
+    // The size that comes with it keeps the proportion.
+}
+
+void CeSplitFrame::Layout()
+{
+    if (!m_bLaidOut)
+    {
+        return;
+    }
+    if (m_nDocked != SPLIT_BOTH)
+    {
+        const RECT all = Between(StartOf(m_rcClient) + m_nOffset1, EndOf(m_rcClient) - m_nOffset2);
+        MovePanes(all, all);
+    }
+    else
+    {
+        RECT rc1{};
+        RECT rc2{};
+        GetWindowPlacements(&rc1, &rc2);
+        MovePanes(rc1, rc2);
+    }
+    InvalidateRect(m_hWnd, nullptr, TRUE);
+}
+
+void CeSplitFrame::MovePanes(const RECT &rc1, const RECT &rc2)
+{
+    HDWP changes = BeginDeferWindowPos(2);
+    const auto move = [&changes](HWND pane, const RECT &place)
+    {
+        if (pane != nullptr && changes != nullptr)
+        {
+            changes = DeferWindowPos(changes, pane, nullptr, place.left, place.top, place.right - place.left,
+                                     place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);
+        }
+    };
+    if (m_nDocked != SPLIT_SECOND)
+    {
+        move(m_hPane1, rc1);
+    }
+    if (m_nDocked != SPLIT_FIRST)
+    {
+        move(m_hPane2, rc2);
+    }
+    EndDeferWindowPos(changes);
+}
+
+void CeSplitFrame::OnLButtonDown(WPARAM, POINT, bool &handled)
+{
+    handled = true;
+    if (m_nDocked != SPLIT_BOTH)
+    {
+        return;
+    }
+    SetCapture(m_hWnd);
+    InvalidateRect(m_hWnd, nullptr, FALSE);
+    m_bDragging = true;
+}
+
+void CeSplitFrame::OnLButtonUp(WPARAM, POINT point, bool &handled)
+{
+    handled = true;
+    if (!m_bDragging)
+    {
+        return;
+    }
+    m_bDragging = false;
+    OnMouseMove(simulatedMove, point, handled);
+    ReleaseCapture();
+    Layout(); // the bar takes its own place again, whether the last move counted or not
+}
+
+void CeSplitFrame::OnMouseMove(WPARAM uKeys, POINT point, bool &handled)
+{
+    handled = true;
+    if (uKeys != simulatedMove && !m_bDragging)
+    {
+        return;
+    }
+    const int pen = PenOf(point);
+    if (pen - StartOf(m_rcClient) >= m_nMin1 && EndOf(m_rcClient) - pen >= m_nMin2)
+    {
+        m_ptDrag = point;
+        OnTimer(simulatedMove, handled);
+    }
+}
+
+void CeSplitFrame::OnTimer(UINT_PTR, bool &handled)
+{
+    handled = true;
+    UpdateWindow(m_hWnd);
+    const LONG fresh = PenOf(m_ptDrag) - m_nBarSize - StartOf(m_rcClient) - m_nOffset1 - 1;
+    if (fresh < 0 || fresh == GetSplitter())
+    {
+        return;
+    }
+    m_dSplitter = fresh;
+    RECT rc1{};
+    RECT rc2{};
+    GetWindowPlacements(&rc1, &rc2);
+    if (m_bDragging)
+    {
+        // While the pen holds it the bar takes no place from the panes' contents.
+        rc1 = Between(StartOf(rc1), EndOf(rc1) + m_nBarSize);
+        rc2 = Between(StartOf(rc2) - m_nBarSize, EndOf(rc2));
+    }
+    MovePanes(rc1, rc2);
+    InvalidateRect(m_hWnd, nullptr, TRUE);
+}
+
+void CeSplitFrame::OnPaint(bool &handled)
+{
+    handled = true;
+    PAINTSTRUCT paint{};
+    const HDC hdc = BeginPaint(m_hWnd, &paint);
+    if (m_nDocked == SPLIT_BOTH)
+    {
+        RECT bar = Between(GetSplitter() - m_nBarSize, GetSplitter() + m_nBarSize);
+        const int inset = HIDPI_SCALEX(2);
+        m_bVertical ? InflateRect(&bar, 0, -inset) : InflateRect(&bar, -inset, 0);
+        if (m_bDragging)
+        {
+            SetBkColor(hdc, 0);
+            ExtTextOutW(hdc, 0, 0, ETO_OPAQUE, &bar, u"", 0, nullptr);
+        }
+        else
+        {
+            DrawFrameControl(hdc, &bar, DFC_BUTTON, DFCS_BUTTONPUSH);
+        }
+    }
+    EndPaint(m_hWnd, &paint);
+}
