@@ -1,4 +1,5 @@
-// libZBResources: the system's own texts and pictures by number.
+// libZBResources: the system's own texts, pictures and dialogs by number.
+#include "dialogs.h"
 #include "pictures.h"
 #include "texts.h"
 
@@ -9,6 +10,7 @@
 
 namespace
 {
+using zb::resources::Dialog;
 using zb::resources::Language;
 using zb::resources::Picture;
 using zb::resources::Text;
@@ -65,7 +67,32 @@ const Picture *pictureFor(UINT id, int dotsPerInch)
     return best;
 }
 
-constexpr UINT bitmapType = 2;
+const Dialog *dialogFor(UINT id)
+{
+    const Dialog *end = zb::resources::dialogs + zb::resources::dialogCount;
+    const Dialog *found = std::lower_bound(zb::resources::dialogs, end, id,
+                                           [](const Dialog &one, UINT number) { return one.number < number; });
+    return found != end && found->number == id ? found : nullptr;
+}
+
+struct Bytes
+{
+    const void *data = nullptr;
+    std::size_t size = 0;
+};
+
+Bytes bytesOf(UINT type, UINT id, int dotsPerInch)
+{
+    constexpr UINT bitmapType = 2;
+    constexpr UINT dialogType = 5;
+    if (type == bitmapType)
+    {
+        const Picture *picture = pictureFor(id, dotsPerInch);
+        return picture == nullptr ? Bytes{} : Bytes{picture->words, picture->size};
+    }
+    const Dialog *dialog = type == dialogType ? dialogFor(id) : nullptr;
+    return dialog == nullptr ? Bytes{} : Bytes{dialog->bytes, dialog->size};
+}
 } // namespace
 
 extern "C" __attribute__((visibility("default"))) const WCHAR *zbResourceString(UINT id, const char *language,
@@ -86,10 +113,10 @@ extern "C" __attribute__((visibility("default"))) const void *zbResourceBytes(UI
 
 const void *zbResourceBytes(UINT type, UINT id, int dotsPerInch, std::size_t *size)
 {
-    const Picture *picture = type == bitmapType ? pictureFor(id, dotsPerInch) : nullptr;
+    const Bytes bytes = bytesOf(type, id, dotsPerInch);
     if (size != nullptr)
     {
-        *size = picture == nullptr ? 0 : picture->size;
+        *size = bytes.size;
     }
-    return picture == nullptr ? nullptr : picture->words;
+    return bytes.data;
 }
