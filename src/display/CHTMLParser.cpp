@@ -29,6 +29,19 @@ void CHTMLParser::DeleteAllTokens()
 {
     m_Tokens.RemoveAll();
     m_pBookmark.reset();
+    if (m_pFits != nullptr)
+    {
+        m_pFits->clear();
+    }
+}
+
+zb::RunFits &CHTMLParser::Fits()
+{
+    if (m_pFits == nullptr)
+    {
+        m_pFits = std::make_unique<zb::RunFits>();
+    }
+    return *m_pFits;
 }
 
 // --- Cursor ------------------------------------------------------------------------------------------------------

@@ -12,6 +12,7 @@
 
 #include "core/CePtrList.h"
 #include "display/HTMLTOKEN.h"
+#include "display/RunFits.h"
 
 #include <optional>
 #include <string_view>
@@ -66,6 +67,9 @@ class ZBTOOLS_API CHTMLParser
     void GotoBookmark();
     /// The bookmark goes too.
     void DeleteAllTokens();
+
+    /// What the renderer remembers of the tokens; for it alone.
+    zb::RunFits &Fits();
 
   private:
     using Text = std::u16string_view;
@@ -124,4 +128,6 @@ class ZBTOOLS_API CHTMLParser
     const WCHAR *m_pHTML = nullptr;
     HWND m_hNotify = nullptr;
     CePtrList<HTMLTOKEN *> m_Tokens;
+    /// Made at first use.
+    std::unique_ptr<zb::RunFits> m_pFits;
 };

@@ -252,31 +252,30 @@ bool Drawing::isInside() const
 void Drawing::drawText()
 {
     followAlign(CenterIndent::Yes);
-    SelectObject(m_hdc, m_parser.GetCurrFont());
     setColors();
     RECT work = {narrowed(m_left), narrowed(m_top), m_noWrap ? noWrapWidth : m_bounds.right,
                  narrowed(m_top + m_lineHeight)};
-    int chars = 0;
-    const bool whole =
-        DrawTextRun(m_hdc, zb::currentText(m_parser, m_position), &work, !(m_painting && isInside()), &chars);
-    if (chars == 0 && m_failed)
+    const zb::RunFit fit = zb::fitCurrentRun(m_hdc, m_parser, m_position, narrowed(LONGLONG{work.right} - work.left));
+    const bool nothing = !fit.whole && fit.chars == 0;
+    if (nothing && m_failed)
     {
         nextToken();
         return;
     }
-    m_failed = chars == 0;
-    if (chars != 0)
+    m_failed = nothing;
+    if (!nothing)
     {
-        const LONGLONG width = LONGLONG{work.right} - work.left;
-        addHotSpot(width, m_parser.GetCurrHREF());
-        m_left += width;
+        SelectObject(m_hdc, m_parser.GetCurrFont());
+        zb::placeRun(m_hdc, fit, work, !(m_painting && isInside()));
+        addHotSpot(fit.size.cx, m_parser.GetCurrHREF());
+        m_left += fit.size.cx;
     }
-    if (whole)
+    if (fit.whole)
     {
         nextToken();
         return;
     }
-    m_position += chars;
+    m_position += static_cast<int>(fit.chars);
     wrapLine(CenterIndent::Yes);
 }
 

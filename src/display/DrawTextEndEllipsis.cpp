@@ -18,7 +18,8 @@ bool isHighSurrogate(WCHAR ch)
 /// of two units is never cut in half.
 std::u16string shortened(HDC hdc, Text text, LONG width)
 {
-    std::size_t kept = std::clamp<std::size_t>(zb::charactersToTry(hdc, text, width), 1, text.size() - 2);
+    SIZE size{};
+    std::size_t kept = std::clamp<std::size_t>(zb::charactersToTry(hdc, text, width, size), 1, text.size() - 2);
     std::u16string result(text.substr(0, kept));
     result += ellipsis;
     while (kept > 1 && (isHighSurrogate(text[kept - 1]) || zb::measuredText(hdc, result).cx > width))

@@ -1,6 +1,7 @@
 #include "display/HTMLLine.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <vector>
 
@@ -11,7 +12,7 @@ using Text = std::u16string_view;
 /// A line may end behind any of these; it stays on the line.
 constexpr Text breaks = u" :-;,";
 
-/// Up to this many characters a text is measured whole before anything else; nearly all fit.
+/// Of a text as many characters are looked at first; most texts have no more.
 constexpr std::size_t shortText = 256;
 
 /// What a line has room for that is asked for no width.
@@ -26,20 +27,6 @@ LONG sum(LONG a, LONG b)
 {
     return static_cast<LONG>(
         std::clamp<LONGLONG>(LONGLONG{a} + b, std::numeric_limits<LONG>::min(), std::numeric_limits<LONG>::max()));
-}
-
-/// Sets rect to what the text takes and paints it there.
-void place(HDC hdc, Text text, const SIZE &size, RECT &rect, bool measureOnly)
-{
-    if (!measureOnly)
-    {
-        // Never cuts the run itself, whatever room the line has.
-        const RECT clip = {rect.left, rect.top, std::max(rect.right, sum(rect.left, size.cx)),
-                           std::max(rect.bottom, sum(rect.top, size.cy))};
-        ExtTextOutW(hdc, rect.left, rect.top, ETO_CLIPPED, &clip, text.data(), static_cast<UINT>(text.size()), nullptr);
-    }
-    rect.right = sum(rect.left, size.cx);
-    rect.bottom = sum(rect.top, size.cy);
 }
 
 /// The last break in text[0, count) that leaves a beginning of that width, and its measure; 0 when there is none.
@@ -66,6 +53,41 @@ std::size_t cutWord(HDC hdc, Text text, LONG width, SIZE &size)
     GetTextExtentExPointW(hdc, text.data(), static_cast<int>(text.size()), width, &fit, nullptr, &size);
     size = zb::measuredText(hdc, text.substr(0, static_cast<std::size_t>(fit)));
     return static_cast<std::size_t>(fit);
+}
+
+/// How many of the beginnings of a text, by their widths, may fit. What stands at the end may be shaped in another way
+/// than before more text: the width of a glyph is allowed for.
+std::size_t withinReach(const int *extents, std::size_t count, LONG width, LONG allowance)
+{
+    const LONGLONG farthest = LONGLONG{width} + allowance;
+    return static_cast<std::size_t>(std::find_if(extents, extents + count, [&](int end) { return end > farthest; }) -
+                                    extents);
+}
+
+/// The text in the selected font; without its descent.
+zb::RunFit fitText(HDC hdc, Text text, LONG width)
+{
+    zb::RunFit fit{text.data(), width, text.size(), {}, true, 0};
+    const std::size_t count = zb::charactersToTry(hdc, text, width, fit.size);
+    if (count == text.size() && fit.size.cx <= width)
+    {
+        return fit;
+    }
+    fit.whole = false;
+    fit.chars = 0;
+    fit.size = {};
+    if (width < 0)
+    {
+        return fit;
+    }
+    // Breaks farther on can't fit; the word that is cut where there is none ends before them too.
+    const Text look = text.substr(0, std::min(text.size(), count + 1));
+    fit.chars = lastFittingBreak(hdc, text, count, width, fit.size);
+    if (fit.chars == 0)
+    {
+        fit.chars = cutWord(hdc, look, width, fit.size);
+    }
+    return fit;
 }
 
 class Line
@@ -123,28 +145,19 @@ class Line
     }
     bool endsInText()
     {
-        SelectObject(m_hdc, m_parser.GetCurrFont());
-        RECT rect = {0, 0, sum(m_width, -m_x), 0};
-        int chars = 0;
-        const bool all = DrawTextRun(m_hdc, zb::currentText(m_parser, m_start), &rect, true, &chars);
+        const zb::RunFit fit = zb::fitCurrentRun(m_hdc, m_parser, m_start, sum(m_width, -m_x));
         m_start = 0;
         if (!m_past)
         {
-            m_x = chars == 0 ? m_x : sum(m_x, rect.right);
-            m_descent = std::max(m_descent, fontDescent());
+            m_x = sum(m_x, fit.size.cx);
+            m_descent = std::max(m_descent, fit.descent);
+            m_height = std::max(m_height, fit.size.cy);
         }
-        else if (rect.bottom > m_height)
+        else if (fit.size.cy > m_height)
         {
-            m_descent = fontDescent();
+            m_descent = fit.descent;
         }
-        m_height = m_past ? m_height : std::max(m_height, static_cast<LONG>(rect.bottom));
-        return !all;
-    }
-    int fontDescent() const
-    {
-        TEXTMETRICW metrics{};
-        GetTextMetricsW(m_hdc, &metrics);
-        return metrics.tmDescent;
+        return !fit.whole;
     }
 
     HDC m_hdc;
@@ -170,22 +183,21 @@ SIZE measuredText(HDC hdc, Text text)
     return size;
 }
 
-std::size_t charactersToTry(HDC hdc, Text text, LONG width)
+std::size_t charactersToTry(HDC hdc, Text text, LONG width, SIZE &size)
 {
+    std::array<int, shortText> first;
+    std::size_t count = std::min(text.size(), shortText);
+    GetTextExtentExPointW(hdc, text.data(), static_cast<int>(count), 0, nullptr, first.data(), &size);
+    std::size_t tried = withinReach(first.data(), count, width, size.cy);
     std::vector<int> extents;
-    for (std::size_t count = std::min(text.size(), shortText);; count = std::min(text.size(), 2 * count))
+    while (tried == count && count < text.size())
     {
+        count = std::min(text.size(), 2 * count);
         extents.resize(count);
-        SIZE size{};
         GetTextExtentExPointW(hdc, text.data(), static_cast<int>(count), 0, nullptr, extents.data(), &size);
-        // What stands at the end may be shaped in another way than before more text: a glyph's width is allowed for.
-        const LONGLONG farthest = LONGLONG{width} + size.cy;
-        const auto beyond = std::find_if(extents.begin(), extents.end(), [&](int end) { return end > farthest; });
-        if (beyond != extents.end() || count == text.size())
-        {
-            return static_cast<std::size_t>(beyond - extents.begin());
-        }
+        tried = withinReach(extents.data(), count, width, size.cy);
     }
+    return tried;
 }
 
 bool currentImage(CHTMLParser &parser, ImagePlace &place)
@@ -209,52 +221,48 @@ bool currentImage(CHTMLParser &parser, ImagePlace &place)
     return true;
 }
 
-Text currentText(CHTMLParser &parser, int start)
+RunFit fitCurrentRun(HDC hdc, CHTMLParser &parser, int start, LONG width)
 {
     int length = 0;
     const WCHAR *text = parser.GetCurrToken(&length);
     start = std::clamp(start, 0, length);
-    return {text + start, static_cast<std::size_t>(length - start)};
+    RunFits &fits = parser.Fits();
+    if (const RunFit *known = fits.find(text + start, width); known != nullptr)
+    {
+        return *known;
+    }
+    SelectObject(hdc, parser.GetCurrFont());
+    RunFit fit = fitText(hdc, {text + start, static_cast<std::size_t>(length - start)}, width);
+    TEXTMETRICW metrics{};
+    GetTextMetricsW(hdc, &metrics);
+    fit.descent = metrics.tmDescent;
+    return fits.add(fit);
+}
+
+void placeRun(HDC hdc, const RunFit &fit, RECT &rect, bool measureOnly)
+{
+    if (fit.width < 0 && !fit.whole)
+    {
+        return;
+    }
+    if (!measureOnly && fit.chars != 0)
+    {
+        // Never cuts the run itself, whatever room the line has.
+        const RECT clip = {rect.left, rect.top, std::max(rect.right, sum(rect.left, fit.size.cx)),
+                           std::max(rect.bottom, sum(rect.top, fit.size.cy))};
+        ExtTextOutW(hdc, rect.left, rect.top, ETO_CLIPPED, &clip, fit.text, static_cast<UINT>(fit.chars), nullptr);
+    }
+    rect.right = sum(rect.left, fit.size.cx);
+    rect.bottom = sum(rect.top, fit.size.cy);
 }
 } // namespace zb
 
-bool DrawTextRun(HDC hdc, Text text, RECT *rect, bool measureOnly, int *chars)
-{
-    const LONG width = sum(rect->right, -rect->left);
-    SIZE size{};
-    if (text.size() <= shortText)
-    {
-        size = zb::measuredText(hdc, text);
-    }
-    std::size_t count =
-        text.size() <= shortText && size.cx <= width ? text.size() : zb::charactersToTry(hdc, text, width);
-    if (text.size() > shortText && count == text.size())
-    {
-        size = zb::measuredText(hdc, text);
-    }
-    if (count == text.size() && size.cx <= width)
-    {
-        *chars = -1;
-        place(hdc, text, size, *rect, measureOnly);
-        return true;
-    }
-    *chars = 0;
-    if (width < 0)
-    {
-        return false;
-    }
-    // Breaks farther on can't fit; the word that is cut where there is none ends before them too.
-    const Text look = text.substr(0, std::min(text.size(), count + 1));
-    count = lastFittingBreak(hdc, text, count, width, size);
-    count = count == 0 ? cutWord(hdc, look, width, size) : count;
-    *chars = static_cast<int>(count);
-    place(hdc, text.substr(0, count), size, *rect, measureOnly);
-    return false;
-}
-
 bool DrawTextRun(HDC hdc, const WCHAR *text, RECT *rect, bool measureOnly, int *chars)
 {
-    return DrawTextRun(hdc, Text(text), rect, measureOnly, chars);
+    const zb::RunFit fit = fitText(hdc, text, sum(rect->right, -rect->left));
+    *chars = fit.whole ? -1 : static_cast<int>(fit.chars);
+    zb::placeRun(hdc, fit, *rect, measureOnly);
+    return fit.whole;
 }
 
 void CalcHTMLLine(HDC hdc, CHTMLParser *parser, int start, SIZE *size, int *descent, bool ignoreAlign)

@@ -11,8 +11,6 @@
 /// room, or, without such a break, as many as fit. rect's right and bottom become those of what went out; when the
 /// width is below 0 rect stays and chars is 0.
 ZBTOOLS_API bool DrawTextRun(HDC hdc, const WCHAR *text, RECT *rect, bool measureOnly, int *chars);
-/// The same for a part of a text, so that nothing counts the rest of a long run again and again.
-ZBTOOLS_API bool DrawTextRun(HDC hdc, std::u16string_view text, RECT *rect, bool measureOnly, int *chars);
 
 /// Measures from the cursor to the end of the line, and moves the cursor there. start is how many characters of the
 /// first run stand on lines before. size->cx is the width that there is, 0 for 32,768, and gets that of the line;
@@ -25,8 +23,8 @@ namespace zb
 SIZE measuredText(HDC hdc, std::u16string_view text);
 
 /// No beginning of the text that is longer than this has that width; all of it for a text that may fit. Measures little
-/// more of a long text than a line can hold.
-std::size_t charactersToTry(HDC hdc, std::u16string_view text, LONG width);
+/// more of a long text than a line can hold; size is the measure of what it looked at, of all where that is the result.
+std::size_t charactersToTry(HDC hdc, std::u16string_view text, LONG width, SIZE &size);
 
 /// A picture as it is placed.
 struct ImagePlace
@@ -41,6 +39,9 @@ struct ImagePlace
 /// The current token's; false when it has none of at least 2 by 2 pixels. A SIZE below the bitmap's height shrinks it.
 bool currentImage(CHTMLParser &parser, ImagePlace &place);
 
-/// The text of the current token behind its first `start` characters.
-std::u16string_view currentText(CHTMLParser &parser, int start);
+/// How far the current token's text, behind its first `start` characters, goes in that width. May select its font.
+RunFit fitCurrentRun(HDC hdc, CHTMLParser &parser, int start, LONG width);
+
+/// Sets rect to what fits, from its left top on, and paints that there; a width below 0 changes nothing.
+void placeRun(HDC hdc, const RunFit &fit, RECT &rect, bool measureOnly);
 } // namespace zb
