@@ -171,12 +171,8 @@ CharacterGlyph &FontFace::learn(WCHAR unit)
     return place;
 }
 
-const CharacterGlyph &FontFace::anyCharacter(char32_t character)
+const CharacterGlyph &FontFace::beyond(char32_t character)
 {
-    if (character < 0x10000)
-    {
-        return this->character(static_cast<WCHAR>(character));
-    }
     const auto found = m_beyond.find(character);
     if (found != m_beyond.end())
     {

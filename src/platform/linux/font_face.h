@@ -90,7 +90,10 @@ class FontFace
         return learn(unit);
     }
     /// Any character, for shaping.
-    const CharacterGlyph &anyCharacter(char32_t character);
+    const CharacterGlyph &anyCharacter(char32_t character)
+    {
+        return character < 0x10000 ? this->character(static_cast<WCHAR>(character)) : beyond(character);
+    }
     /// The character's picture; null when it is blank. Valid until the next call.
     const GlyphBitmap *bitmapOf(CharacterGlyph &character)
     {
@@ -129,6 +132,7 @@ class FontFace
     void measure();
     CharacterGlyph &learn(WCHAR unit);
     CharacterGlyph make(char32_t character);
+    const CharacterGlyph &beyond(char32_t character);
     const GlyphBitmap *renderCharacter(CharacterGlyph &character);
     void forgetPictures();
     bool has(unsigned index, char32_t character) const;

@@ -60,7 +60,7 @@ LONGLONG widthAlone(FontFace &face, std::u16string_view text, const TextLayout &
 {
     const std::size_t word = wordBefore(text, end);
     const LONGLONG before = word == 0 ? 0 : layout.extents[word - 1];
-    return before + (word == end ? 0 : shapeText(face, text.substr(word, end - word)).width);
+    return before + (word == end ? 0 : shapeText(face, text.substr(word, end - word), WordUse::Once).width);
 }
 
 std::size_t fitShaped(FontFace &face, std::u16string_view text, const TextLayout &layout, LONGLONG maximum)

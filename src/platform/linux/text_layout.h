@@ -22,8 +22,13 @@ std::size_t simplePrefix(FontFace &face, std::u16string_view text);
 
 /// The layout of a text that needs shaping, from the face's cache or made now.
 std::shared_ptr<const TextLayout> layoutOf(FontFace &face, std::u16string_view text);
-/// Always made now.
-TextLayout shapeText(FontFace &face, std::u16string_view text);
+/// Always made now. A text that won't come again (a piece of a word that was tried) need not leave its words behind.
+enum class WordUse
+{
+    Keep,
+    Once
+};
+TextLayout shapeText(FontFace &face, std::u16string_view text, WordUse use = WordUse::Keep);
 
 /// The width of the text.
 int widthOf(FontFace &face, std::u16string_view text);

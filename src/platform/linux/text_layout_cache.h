@@ -14,10 +14,10 @@ namespace zb::internal
 /// A glyph of a cluster; its place counts from the cluster's pen, downward.
 struct LayoutGlyph
 {
+    int x = 0;
+    std::int16_t y = 0;
     std::uint16_t glyph = 0;
     std::uint8_t source = 0;
-    int x = 0;
-    int y = 0;
 };
 
 /// Characters that the script joins into one, or one alone.
@@ -54,7 +54,7 @@ class TextLayoutCache
     /// Longer texts are shaped each time.
     static constexpr std::size_t longestText = 8192;
     /// Characters of all texts together.
-    static constexpr std::size_t mostCharacters = 16384;
+    static constexpr std::size_t mostCharacters = 8192;
 
   private:
     struct Entry

@@ -32,9 +32,9 @@ UBiDi *threadBidi()
 }
 
 /// Odd from right to left, in a line that goes from left to right.
-std::vector<UBiDiLevel> levelsOf(FontFace &face, std::u16string_view text)
+void findLevels(FontFace &face, std::u16string_view text, std::vector<UBiDiLevel> &levels)
 {
-    std::vector<UBiDiLevel> levels(text.size(), 0);
+    levels.assign(text.size(), 0);
     // Half a pair of another plane is taken to turn the line; asking is cheap there.
     const bool turns =
         std::any_of(text.begin(), text.end(),
@@ -49,17 +49,19 @@ std::vector<UBiDiLevel> levelsOf(FontFace &face, std::u16string_view text)
             std::copy_n(found, text.size(), levels.begin());
         }
     }
-    return levels;
 }
 
 class RunCutter
 {
   public:
-    RunCutter(FontFace &face, std::u16string_view text) : m_face(face), m_text(text), m_levels(levelsOf(face, text))
+    RunCutter(FontFace &face, std::u16string_view text, TextRuns &room)
+        : m_face(face), m_text(text), m_levels(room.levels), m_runs(room.runs)
     {
+        findLevels(face, text, room.levels);
+        m_runs.clear();
     }
 
-    std::vector<TextRun> cut()
+    void cut()
     {
         int at = 0;
         const auto length = static_cast<int>(m_text.size());
@@ -69,7 +71,6 @@ class RunCutter
             readCluster(at);
             place(begin, at - begin);
         }
-        return std::move(m_runs);
     }
 
   private:
@@ -145,18 +146,18 @@ class RunCutter
 
     FontFace &m_face;
     std::u16string_view m_text;
-    std::vector<UBiDiLevel> m_levels;
+    const std::vector<UBiDiLevel> &m_levels;
     std::u32string m_cluster;
     CharacterTraits m_traits{};
     unsigned m_source = 0;
     bool m_simple = false;
-    std::vector<TextRun> m_runs;
+    std::vector<TextRun> &m_runs;
 };
 } // namespace
 
-std::u16string drawnText(std::u16string_view text)
+void drawnText(std::u16string_view text, std::u16string &drawn)
 {
-    std::u16string drawn(text);
+    drawn = text;
     for (std::size_t at = 0; at < drawn.size(); ++at)
     {
         const bool pair = U16_IS_LEAD(drawn[at]) && at + 1 < drawn.size() && U16_IS_TRAIL(drawn[at + 1]);
@@ -170,11 +171,11 @@ std::u16string drawnText(std::u16string_view text)
         const bool control = one < 0x20 || (one >= 0x7F && one < 0xA0);
         drawn[at] = control ? u'\u2060' : static_cast<WCHAR>(one);
     }
-    return drawn;
 }
 
-std::vector<TextRun> runsOf(FontFace &face, std::u16string_view drawn)
+const std::vector<TextRun> &runsOf(FontFace &face, std::u16string_view drawn, TextRuns &room)
 {
-    return RunCutter(face, drawn).cut();
+    RunCutter(face, drawn, room).cut();
+    return room.runs;
 }
 } // namespace zb::internal

@@ -22,8 +22,15 @@ struct TextRun
 };
 
 /// The text as it is drawn, character for character: see drawnCharacter.
-std::u16string drawnText(std::u16string_view text);
+void drawnText(std::u16string_view text, std::u16string &drawn);
+
+/// Room for the runs of one text after the other.
+struct TextRuns
+{
+    std::vector<std::uint8_t> levels; ///< of each character
+    std::vector<TextRun> runs;
+};
 
 /// The runs of a drawn text in its own order. Never empty for text that isn't.
-std::vector<TextRun> runsOf(FontFace &face, std::u16string_view drawn);
+const std::vector<TextRun> &runsOf(FontFace &face, std::u16string_view drawn, TextRuns &room);
 } // namespace zb::internal

@@ -8,8 +8,8 @@
 
 #include <algorithm>
 #include <array>
-#include <deque>
 #include <hb.h>
+#include <memory>
 #include <unicode/ubidi.h>
 
 namespace zb::internal
@@ -17,6 +17,9 @@ namespace zb::internal
 namespace
 {
 constexpr int unitsPerPixel = 64;
+/// No mark stands further from its line, whatever a face says.
+constexpr int farthest = 32767;
+constexpr int widest = 1 << 30;
 
 int roundedPixels(hb_position_t value)
 {
@@ -117,10 +120,11 @@ ShapedWord clustersOf(const ShapedGlyphs &shaped, unsigned begin, unsigned end, 
             word.clusters.push_back({static_cast<int>(shaped.infos[n].cluster) - range.first, 0, 0, n - begin, 0});
         }
         LayoutCluster &cluster = word.clusters.back();
-        word.glyphs.push_back({static_cast<std::uint16_t>(shaped.infos[n].codepoint), style.source,
-                               cluster.advance + roundedPixels(shaped.places[n].x_offset),
-                               -roundedPixels(shaped.places[n].y_offset)});
-        cluster.advance += std::max(0, roundedPixels(shaped.places[n].x_advance));
+        const int up = std::clamp(roundedPixels(shaped.places[n].y_offset), -farthest, farthest);
+        word.glyphs.push_back({cluster.advance + roundedPixels(shaped.places[n].x_offset),
+                               static_cast<std::int16_t>(-up), static_cast<std::uint16_t>(shaped.infos[n].codepoint),
+                               style.source});
+        cluster.advance = std::min(cluster.advance + std::max(0, roundedPixels(shaped.places[n].x_advance)), widest);
         ++cluster.glyphCount;
     }
     if (word.clusters.empty())
@@ -138,22 +142,51 @@ ShapedWord shapeAlone(GlyphSource &source, std::u16string_view text, const Range
     return clustersOf(shaped, 0, shaped.count, range, style);
 }
 
+struct Piece
+{
+    Range range;
+    const ShapedWord *word = nullptr; ///< null: a blank
+};
+
+/// What is only needed while a text is shaped, kept by each thread, since texts come by the thousand.
+struct Scratch
+{
+    std::u16string drawn;
+    TextRuns runs;
+    std::vector<UBiDiLevel> runLevels;
+    std::vector<std::int32_t> order;
+    std::vector<Piece> pieces;
+    std::vector<std::size_t> missing;
+
+    /// A long text's memory is not kept.
+    void trim()
+    {
+        if (drawn.capacity() > TextLayoutCache::longestText)
+        {
+            *this = Scratch();
+        }
+    }
+};
+
+Scratch &threadScratch()
+{
+    thread_local Scratch scratch;
+    return scratch;
+}
+
 /// One run, word by word.
 class RunShaper
 {
   public:
-    RunShaper(FontFace &face, GlyphSource &source, std::u16string_view text, const TextRun &run)
+    RunShaper(FontFace &face, GlyphSource &source, Scratch &scratch, const TextRun &run, WordUse use)
         : m_face(face), m_source(source),
-          m_text(text), m_run{run.first, run.count}, m_style{static_cast<std::uint8_t>(run.source), run.script,
-                                                             (run.level & 1U) != 0}
+          m_text(scratch.drawn), m_run{run.first, run.count}, m_style{static_cast<std::uint8_t>(run.source), run.script,
+                                                                      (run.level & 1U) != 0},
+          m_pieces(scratch.pieces), m_missing(scratch.missing), m_use(use)
     {
+        m_pieces.clear();
+        m_missing.clear();
     }
-
-    struct Piece
-    {
-        Range range;
-        const ShapedWord *word = nullptr; ///< null: a blank
-    };
 
     /// In the order of the text. The words stay where they are while this lives and nothing else is shaped.
     const std::vector<Piece> &shape()
@@ -222,9 +255,10 @@ class RunShaper
 
     const ShapedWord &keep(const Piece &piece, ShapedWord shaped)
     {
-        const bool common = standsAlone(piece) && static_cast<std::size_t>(piece.range.count) <= WordCache::longestWord;
+        const bool common = m_use == WordUse::Keep && standsAlone(piece) &&
+                            static_cast<std::size_t>(piece.range.count) <= WordCache::longestWord;
         return common ? m_face.words().add(textOf(piece), m_style, std::move(shaped))
-                      : m_loose.emplace_back(std::move(shaped));
+                      : *m_loose.emplace_back(std::make_unique<ShapedWord>(std::move(shaped)));
     }
 
     /// All missing words in one go, which costs less than one after the other. A word whose edges are no safe places to
@@ -294,16 +328,18 @@ class RunShaper
     std::u16string_view m_text;
     Range m_run;
     WordStyle m_style;
-    std::vector<Piece> m_pieces;
-    std::vector<std::size_t> m_missing;
-    std::deque<ShapedWord> m_loose; ///< words that aren't kept
+    std::vector<Piece> &m_pieces;
+    std::vector<std::size_t> &m_missing;
+    WordUse m_use;
+    std::vector<std::unique_ptr<ShapedWord>> m_loose; ///< words that aren't kept
 };
 
 class Shaper
 {
   public:
-    Shaper(FontFace &face, std::u16string_view text) : m_face(face), m_drawn(drawnText(text))
+    Shaper(FontFace &face, std::u16string_view text, WordUse use) : m_face(face), m_scratch(threadScratch()), m_use(use)
     {
+        drawnText(text, m_scratch.drawn);
         m_layout.extents.assign(text.size(), 0);
         m_layout.glyphs.reserve(text.size());
         m_layout.clusters.reserve(text.size());
@@ -311,7 +347,7 @@ class Shaper
 
     TextLayout shape()
     {
-        const std::vector<TextRun> runs = runsOf(m_face, m_drawn);
+        const std::vector<TextRun> &runs = runsOf(m_face, m_scratch.drawn, m_scratch.runs);
         for (const std::int32_t index : visualOrder(runs))
         {
             const TextRun &run = runs[static_cast<std::size_t>(index)];
@@ -326,17 +362,19 @@ class Shaper
             }
         }
         sumUp();
+        m_scratch.trim();
         return std::move(m_layout);
     }
 
   private:
-    static std::vector<std::int32_t> visualOrder(const std::vector<TextRun> &runs)
+    const std::vector<std::int32_t> &visualOrder(const std::vector<TextRun> &runs)
     {
-        std::vector<UBiDiLevel> levels(runs.size());
+        std::vector<UBiDiLevel> &levels = m_scratch.runLevels;
+        levels.resize(runs.size());
         std::transform(runs.begin(), runs.end(), levels.begin(), [](const TextRun &run) { return run.level; });
-        std::vector<std::int32_t> order(runs.size());
-        ubidi_reorderVisual(levels.data(), static_cast<std::int32_t>(levels.size()), order.data());
-        return order;
+        m_scratch.order.resize(runs.size());
+        ubidi_reorderVisual(levels.data(), static_cast<std::int32_t>(levels.size()), m_scratch.order.data());
+        return m_scratch.order;
     }
 
     /// Character by character, as simple text is laid out.
@@ -350,23 +388,23 @@ class Shaper
 
     void addCharacter(int at)
     {
-        const CharacterGlyph &glyph = m_face.character(m_drawn[static_cast<std::size_t>(at)]);
+        const CharacterGlyph &glyph = m_face.character(m_scratch.drawn[static_cast<std::size_t>(at)]);
         const bool drawn = !(glyph.blank && glyph.glyph == 0);
         m_layout.clusters.push_back(
             {at, 1, glyph.advance, static_cast<std::uint32_t>(m_layout.glyphs.size()), drawn ? 1U : 0U});
         if (drawn)
         {
-            m_layout.glyphs.push_back({glyph.glyph, glyph.source, 0, 0});
+            m_layout.glyphs.push_back({0, 0, glyph.glyph, glyph.source});
         }
     }
 
     void addShaped(const TextRun &run, GlyphSource &source)
     {
-        RunShaper shaper(m_face, source, m_drawn, run);
-        const std::vector<RunShaper::Piece> &pieces = shaper.shape();
+        RunShaper shaper(m_face, source, m_scratch, run, m_use);
+        const std::vector<Piece> &pieces = shaper.shape();
         for (std::size_t n = 0; n < pieces.size(); ++n)
         {
-            const RunShaper::Piece &piece = pieces[(run.level & 1U) == 0 ? n : pieces.size() - 1 - n];
+            const Piece &piece = pieces[(run.level & 1U) == 0 ? n : pieces.size() - 1 - n];
             if (piece.word == nullptr)
             {
                 addCharacter(piece.range.first);
@@ -412,13 +450,14 @@ class Shaper
     }
 
     FontFace &m_face;
-    std::u16string m_drawn;
+    Scratch &m_scratch;
+    WordUse m_use;
     TextLayout m_layout;
 };
 } // namespace
 
-TextLayout shapeText(FontFace &face, std::u16string_view text)
+TextLayout shapeText(FontFace &face, std::u16string_view text, WordUse use)
 {
-    return Shaper(face, text).shape();
+    return Shaper(face, text, use).shape();
 }
 } // namespace zb::internal

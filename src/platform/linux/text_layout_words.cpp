@@ -13,8 +13,17 @@ void WordCache::makeKey(std::u16string_view word, const WordStyle &style)
 const ShapedWord *WordCache::find(std::u16string_view word, const WordStyle &style)
 {
     makeKey(word, style);
-    const auto found = m_words.find(m_key);
-    return found == m_words.end() ? nullptr : &found->second;
+    if (const auto found = m_words.find(m_key); found != m_words.end())
+    {
+        return &found->second;
+    }
+    auto former = m_former.extract(m_key);
+    if (former.empty())
+    {
+        return nullptr;
+    }
+    m_characters += m_key.size();
+    return &m_words.insert(std::move(former)).position->second;
 }
 
 const ShapedWord &WordCache::add(std::u16string_view word, const WordStyle &style, ShapedWord shaped)
@@ -28,6 +37,7 @@ void WordCache::trim()
 {
     if (m_characters > mostCharacters)
     {
+        m_former = std::move(m_words);
         m_words.clear();
         m_characters = 0;
     }

@@ -36,18 +36,23 @@ class WordCache
     /// Null when it isn't there. What is found or added stays where it is until the next trim.
     const ShapedWord *find(std::u16string_view word, const WordStyle &style);
     const ShapedWord &add(std::u16string_view word, const WordStyle &style, ShapedWord shaped);
-    /// Forgets all when there are too many.
+    /// When there are too many, forgets those that were not looked for since the last time that there were.
     void trim();
 
-    static constexpr std::size_t mostCharacters = 65536;
+    /// Looked for since then.
+    static constexpr std::size_t mostCharacters = 32768;
     /// Longer ones are not kept.
     static constexpr std::size_t longestWord = 64;
 
   private:
     void makeKey(std::u16string_view word, const WordStyle &style);
 
-    std::unordered_map<std::u16string, ShapedWord> m_words; ///< by the style in two characters, then the word
-    std::u16string m_key;                                   ///< made anew for each look-up, without memory
-    std::size_t m_characters = 0;
+    /// By the style in two characters, then the word.
+    using Words = std::unordered_map<std::u16string, ShapedWord>;
+
+    Words m_words; ///< looked for lately
+    Words m_former;
+    std::u16string m_key;         ///< made anew for each look-up, without memory
+    std::size_t m_characters = 0; ///< of the words looked for lately
 };
 } // namespace zb::internal
