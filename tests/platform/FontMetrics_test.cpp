@@ -69,6 +69,29 @@ TEST_F(FontMetrics, aNegativeHeightIsThatOfTheCharacters)
     EXPECT_EQ(width(plainFont(31), u"W"), 21);
 }
 
+TEST_F(FontMetrics, aFaceThatIsBoldByNameAloneGetsItsInkInsideItsAdvance)
+{
+    // A stem of 100 thousandths of the em in an advance of 300 (the faces' writer adds 100 for bold): at 20 pixels two columns from the third on.
+    const std::vector<TestGlyphs> thin = {{U'l', U'l', 200, 500}};
+    device.options().fonts.files = {writeTestFace(faces.path(), {"Thin", true, false, thin})};
+    device.reopen();
+    LOGFONTW bold = plainFont(20);
+    bold.lfWeight = FW_BOLD;
+    EXPECT_EQ(width(bold, u"ll"), 12);
+    const std::string blank = "......\n";
+    const auto rows = [](const std::string &row, int count)
+    {
+        std::string all;
+        for (int n = 0; n < count; ++n)
+        {
+            all += row;
+        }
+        return all;
+    };
+    EXPECT_EQ(drawn(plainFont(20), u"l", 6, 17), rows(blank, 6) + rows("..##..\n", 10) + blank);
+    EXPECT_EQ(drawn(bold, u"l", 6, 17), rows(blank, 6) + rows("..###.\n", 10) + blank);
+}
+
 TEST_F(FontMetrics, noHeightIsElevenPixels)
 {
     EXPECT_EQ(metrics(plainFont(0)).tmHeight, 11);

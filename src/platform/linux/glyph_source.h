@@ -74,6 +74,7 @@ class GlyphSource
   private:
     GlyphSource(FT_Face face, const FaceFile &file);
     void readDesign();
+    bool lacksInk();
     bool loadOutline(unsigned glyph, FT_Int32 target);
     int measureAdvance(unsigned glyph);
     void restyleOutline();
@@ -83,11 +84,13 @@ class GlyphSource
     std::string m_path;
     int m_index;
     bool m_faceBold;
+    bool m_lacksInk = false; ///< bold by name, plain to the eye
     bool m_faceItalic;
     bool m_symbols = false;
     Design m_design;
     Style m_style;
     int m_boldExtra = 0;
+    int m_inkExtra = 0; ///< pixels, inside the advance
     bool m_slanted = false;
     std::vector<std::int16_t> m_advances; ///< by glyph; below 0: not measured yet
     hb_font_t *m_shaper = nullptr;
