@@ -105,13 +105,23 @@ bool drawBlended(const DeviceContext &target, const Stretch &to, const Surface &
                  const PixelReading &reading)
 {
     const Surface &surface = target.surface();
-    return drawScaled(target, to, source, from, reading,
-                      [&surface](std::uint32_t *row, const std::uint32_t *pixels, int count)
-                      {
-                          for (int i = 0; i < count; ++i)
-                          {
-                              row[i] = blended(surface, pixels[i], row[i]);
-                          }
-                      });
+    return drawScaled(
+        target, to, source, from, reading,
+        [&surface, mono = surface.isMonochrome()](std::uint32_t *row, const std::uint32_t *pixels, int count)
+        {
+            for (int i = 0; i < count; ++i)
+            {
+                // Most pixels of a picture are there or not, and need no sum.
+                const std::uint32_t opacity = pixels[i] >> 24U;
+                if (opacity == 0xFF && !mono)
+                {
+                    row[i] = pixels[i];
+                }
+                else if (opacity != 0)
+                {
+                    row[i] = blended(surface, pixels[i], row[i]);
+                }
+            }
+        });
 }
 } // namespace zb::internal
