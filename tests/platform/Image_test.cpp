@@ -126,6 +126,54 @@ TEST(Images, SoftEdgesBlend)
     EXPECT_EQ(soft.over(0xFFFFFF), (Pixels{0xFF7F7F, 0xFFFFFF, 0xFFFFFF, 0xBFBFBF}));
 }
 
+TEST(Images, LongCodesOfAnAnimationAreRead)
+{
+    // Codes by hand, after a clear (4): 1, 6 (1 1, being made), 7 (1 1 1), then 4 bits long: 0, end (5); a palette
+    // of 4.
+    Bytes file = gifFile(7, 1, fourColors, {});
+    file.pop_back();
+    for (const int byte : {0x2C, 0, 0, 0, 0, 7, 0, 1, 0, 0, 2, 3, 0x8C, 0x0F, 0x05, 0, 0x3B})
+    {
+        file.push_back(static_cast<unsigned char>(byte));
+    }
+    const std::uint32_t red = 0xFF0000;
+    EXPECT_EQ(Decoded(file).picture(), (Picture{7, 1, {red, red, red, red, red, red, 0}}));
+}
+
+TEST(Images, InterlacedRowsComeInTheirOrder)
+{
+    // Ten rows of one pixel: the file has them as 0, 8, 4, 2, 6, 1, 3, 5, 7, 9.
+    Bytes file = gifFile(1, 10, fourColors, {{1, 10, {0, 1, 2, 3, 0, 1, 2, 3, 0, 1}, -1}});
+    const std::size_t flags = 13 + 12 + 8 + 9;
+    ASSERT_EQ(file[flags], 0);
+    file[flags] = 0x40;
+    Pixels expected;
+    for (const std::size_t index : {0, 1, 3, 2, 2, 3, 0, 0, 1, 1})
+    {
+        expected.push_back(fourColors[index]);
+    }
+    EXPECT_EQ(Decoded(file).picture().pixels, expected);
+}
+
+TEST(Images, WhatAnAnimationLeavesBareLetsThrough)
+{
+    Bytes file = gifFile(3, 2, fourColors, {{1, 1, {1}, -1}});
+    file[13 + 12 + 8 + 1] = 1; // one from the left
+    EXPECT_EQ(Decoded(file).picture(), (Picture{3, 2, {0x00FF00, 0xFF0000, 0x00FF00, 0x00FF00, 0x00FF00, 0x00FF00}}));
+}
+
+TEST(Images, LaterPicturesOfAnAnimationAreNeverRead)
+{
+    const Bytes one = gifFile(2, 1, fourColors, {{2, 1, {1, 2}, -1}});
+    Bytes file(one.begin(), one.end() - 1);
+    // A second picture of 65,535 by 65,535 pixels, and no end.
+    for (const int byte : {0x2C, 0, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF, 0, 2, 1, 0x44, 0})
+    {
+        file.push_back(static_cast<unsigned char>(byte));
+    }
+    EXPECT_EQ(Decoded(file).picture(), (Picture{2, 1, {0xFF0000, 0x0000FF}}));
+}
+
 // --- Refused files ---------------------------------------------------------------------------------------------------
 
 TEST(Images, ATornFileIsRefusedWhereverItEnds)
@@ -177,6 +225,19 @@ TEST(Images, DamagedFilesDoNoHarm)
             }
         }
     }
+}
+
+TEST(Images, FilesThatOnceBroughtADecoderDownDoNoHarm)
+{
+    int count = 0;
+    for (const auto &entry : fs::directory_iterator(fs::path(ZB_SOURCE_DIR) / "tests/data/damaged-pictures"))
+    {
+        const std::string bytes = hostBytes(entry.path());
+        const Decoded decoded(Bytes(bytes.begin(), bytes.end()), {512, 512, 1U << 20U});
+        EXPECT_TRUE(decoded.bitmap() != nullptr || decoded.error() == ERROR_BAD_FORMAT) << entry.path();
+        ++count;
+    }
+    EXPECT_GE(count, 2);
 }
 
 TEST(Images, OtherFilesAreRefused)

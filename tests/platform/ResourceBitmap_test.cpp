@@ -73,7 +73,7 @@ TEST_F(ResourceBitmapTest, WhatIsNotThereIsTold)
 {
     const auto find = [&](const WCHAR *name, const WCHAR *type)
     { return errorOf([&] { EXPECT_EQ(FindResourceW(module, name, type), nullptr); }); };
-    EXPECT_EQ(find(MAKEINTRESOURCEW(7), RT_DIALOG), ERROR_RESOURCE_NAME_NOT_FOUND);
+    EXPECT_EQ(find(MAKEINTRESOURCEW(777), RT_DIALOG), ERROR_RESOURCE_NAME_NOT_FOUND);
     EXPECT_EQ(find(MAKEINTRESOURCEW(8), RT_MENU), ERROR_RESOURCE_NAME_NOT_FOUND);
     EXPECT_EQ(find(u"menu", RT_MENU), ERROR_RESOURCE_NAME_NOT_FOUND);
     EXPECT_EQ(find(MAKEINTRESOURCEW(7), u"menu"), ERROR_RESOURCE_TYPE_NOT_FOUND);

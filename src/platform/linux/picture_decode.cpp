@@ -1,5 +1,6 @@
-// Decoding by SDL_image, and only what picture_header.h found whole and within the limits.
+// Decoding (by SDL_image, but for GIF), and only what picture_header.h found whole and within the limits.
 #include "platform/kernel.h"
+#include "platform/linux/picture_gif.h"
 #include "platform/linux/picture_header.h"
 #include "platform/linux/pictures.h"
 #include "platform/linux/scaling.h"
@@ -36,7 +37,7 @@ const char *nameOf(PictureKind kind)
     case PictureKind::Bmp:
         return "BMP";
     case PictureKind::Gif:
-        return "GIF";
+        break;
     case PictureKind::Jpeg:
         return "JPG";
     case PictureKind::Png:
@@ -54,18 +55,26 @@ Decoded decode(const unsigned char *data, std::size_t size, PictureKind kind)
     return Decoded(read == nullptr ? nullptr : SDL_ConvertSurfaceFormat(read.get(), SDL_PIXELFORMAT_ARGB8888, 0));
 }
 
-const std::uint32_t *rowOf(const SDL_Surface &decoded, int y)
+/// Rows of pixels, colours not multiplied by the opacity in the top byte.
+struct Rows
 {
-    return reinterpret_cast<const std::uint32_t *>(static_cast<const unsigned char *>(decoded.pixels) +
-                                                   static_cast<std::ptrdiff_t>(y) * decoded.pitch);
-}
+    int width;
+    int height;
+    std::ptrdiff_t stride; ///< bytes
+    const void *pixels;
 
-bool isOpaque(const SDL_Surface &decoded)
-{
-    for (int y = 0; y < decoded.h; ++y)
+    const std::uint32_t *row(int y) const
     {
-        const std::uint32_t *row = rowOf(decoded, y);
-        if (!std::all_of(row, row + decoded.w, [](std::uint32_t pixel) { return pixel >> 24U == 0xFF; }))
+        return reinterpret_cast<const std::uint32_t *>(static_cast<const unsigned char *>(pixels) + y * stride);
+    }
+};
+
+bool isOpaque(const Rows &rows)
+{
+    for (int y = 0; y < rows.height; ++y)
+    {
+        const std::uint32_t *row = rows.row(y);
+        if (!std::all_of(row, row + rows.width, [](std::uint32_t pixel) { return pixel >> 24U == 0xFF; }))
         {
             return false;
         }
@@ -73,15 +82,16 @@ bool isOpaque(const SDL_Surface &decoded)
     return true;
 }
 
-std::shared_ptr<Surface> surfaceOf(const SDL_Surface &decoded)
+/// Soft only where something lets through.
+std::shared_ptr<Surface> surfaceOf(const Rows &rows)
 {
-    const bool opaque = isOpaque(decoded);
-    auto surface = Surface::create(decoded.w, decoded.h, opaque ? Surface::Kind::Color : Surface::Kind::Soft);
-    for (int y = 0; surface != nullptr && y < decoded.h; ++y)
+    const bool opaque = isOpaque(rows);
+    auto surface = Surface::create(rows.width, rows.height, opaque ? Surface::Kind::Color : Surface::Kind::Soft);
+    for (int y = 0; surface != nullptr && y < rows.height; ++y)
     {
-        const std::uint32_t *row = rowOf(decoded, y);
-        opaque ? std::copy(row, row + decoded.w, surface->row(y))
-               : std::transform(row, row + decoded.w, surface->row(y), softPixel);
+        const std::uint32_t *row = rows.row(y);
+        opaque ? std::copy(row, row + rows.width, surface->row(y))
+               : std::transform(row, row + rows.width, surface->row(y), softPixel);
     }
     return surface;
 }
@@ -101,12 +111,19 @@ std::shared_ptr<Surface> decodeSurface(const unsigned char *data, std::size_t si
     {
         return refuse();
     }
+    if (header->kind == PictureKind::Gif)
+    {
+        const auto soft = decodeGif(data, size);
+        return soft == nullptr
+                   ? nullptr
+                   : surfaceOf({soft->width(), soft->height(), soft->stride() * std::ptrdiff_t{4}, soft->row(0)});
+    }
     const Decoded decoded = decode(data, size, header->kind);
     if (decoded == nullptr || decoded->w < 1 || decoded->h < 1)
     {
         return refuse();
     }
-    return surfaceOf(*decoded);
+    return surfaceOf({decoded->w, decoded->h, decoded->pitch, decoded->pixels});
 }
 
 namespace
