@@ -51,6 +51,11 @@ inline constexpr CEPROPID appointmentRecurrence = MakePropId(0x4015, CEVT_BLOB);
 inline constexpr CEPROPID appointmentAttendees = MakePropId(0x0030, CEVT_BLOB);
 inline constexpr CEPROPID appointmentZone = MakePropId(0x0001, CEVT_BLOB);
 
+/// Minutes between the reminder and the start; in a task's record between the reminder and midnight of the due date.
+inline constexpr CEPROPID itemReminderMinutes = MakePropId(0x4501, CEVT_I4);
+/// Ours: 5 in a meeting that was cancelled.
+inline constexpr CEPROPID appointmentMeetingStatus = MakePropId(0x5a03, CEVT_I4);
+
 // Properties of a task record beside the ones of all items.
 inline constexpr CEPROPID taskCompleteFlag = MakePropId(0x410f, CEVT_I2);
 inline constexpr CEPROPID taskDateCompleted = MakePropId(0x410f, CEVT_FILETIME);
@@ -59,6 +64,10 @@ inline constexpr CEPROPID taskDueDate = MakePropId(0x4105, CEVT_FILETIME);
 inline constexpr CEPROPID taskImportance = MakePropId(0x0026, CEVT_I4);
 inline constexpr CEPROPID taskRecurringFlag = MakePropId(0x4126, CEVT_I2);
 inline constexpr CEPROPID taskReminderSet = MakePropId(0x4503, CEVT_I2);
+/// How a task repeats, in the layout of appointments' patterns: whole days, those of its due (else start) date.
+inline constexpr CEPROPID taskRecurrence = MakePropId(0x4015, CEVT_BLOB);
+/// Ours: 1 in a team's task.
+inline constexpr CEPROPID taskOfTeam = MakePropId(0x5a04, CEVT_I2);
 
 // Properties of a contact record beside the ones of all items; docs/formats/items.md tells each.
 inline constexpr CEPROPID contactFileAs = MakePropId(0x4013, CEVT_LPWSTR);
@@ -167,6 +176,7 @@ struct PostalAddress
     std::u16string state;
     std::u16string postalCode;
     std::u16string country;
+    bool operator==(const PostalAddress &) const = default;
 };
 
 /// One contact as its owner sees it, before it becomes a record. A text that is empty is one that the contact lacks.
@@ -275,6 +285,10 @@ ZBPLATFORM_API RecordProperties encodeTask(const TaskItem &item);
 /// A contact's picture is no property but a file, named after what the contact is filed under; see
 /// docs/formats/items.md.
 ZBPLATFORM_API RecordProperties encodeContact(const ContactItem &item);
+
+/// The way back: the item that a record's properties say. Notes of another kind (ink) give an empty text, a preferred
+/// number of its own id none. Properties with CEDB_PROPNOTFOUND count as missing.
+ZBPLATFORM_API ContactItem decodeContact(const CEPROPVAL *properties, WORD count);
 
 /// What a contact is filed under: its file-as name; where that is empty "Last, First", the one name of the two that
 /// there is, the company, the first mail address or number that there is, in this order. Empty when there is nothing.

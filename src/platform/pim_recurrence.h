@@ -27,12 +27,14 @@
 // | | 8 | 0; the reader wants something behind the last count |
 //
 // An exception: new start, new end, original start (4 each), flags (2), then for each flag its part in this order:
-// 0x0001 subject and 0x0010 location as length + 1, length (2 each), characters; 0x0020 busy status (4); 0x0080 all-day
-// (4: 1 yes, 2 no); for 0x0100, changed notes, an empty tail (2). The location stands between subject and busy status.
+// 0x0001 subject as length + 1, length (2 each), characters; 0x0008 and 0x0004, kept for whoever wrote them (4 each);
+// 0x0010 location as the subject; 0x0020 busy status (4); 0x0080 all-day (4: 1 yes, 2 no); for 0x0100, changed notes, a
+// tail: length n (2), and when that is not 0, n + 2 bytes more.
 #pragma once
 
 #include "platform/types.h"
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -74,6 +76,11 @@ struct RecurrenceException
     std::optional<WORD> busy;
     std::optional<bool> allDay;
     bool notesChanged = false;
+    // What only other programs write and read, kept from record to record.
+    std::optional<DWORD> part8;   ///< of flag 0x0008
+    std::optional<DWORD> part4;   ///< of flag 0x0004
+    std::vector<BYTE> notesTail;  ///< behind its length; n + 2 bytes
+    bool operator==(const RecurrenceException &) const = default;
 };
 
 /// A series. Dates are minutes since 1601 at midnight.
@@ -96,6 +103,7 @@ struct RecurrencePattern
     DWORD endMinute = 0; ///< above 1,440 for an occurrence that ends on a later day
     std::vector<DWORD> deleted;
     std::vector<RecurrenceException> exceptions;
+    bool operator==(const RecurrencePattern &) const = default;
 };
 
 /// 4500-12-31, the last date of a series without end.
@@ -104,6 +112,11 @@ inline constexpr DWORD endlessSeriesDate = 1525250880;
 /// Nothing for a pattern that the format cannot say: a frequency with a type that does not go with it, an interval of 0
 /// or too large for its field, an empty mask, a text of 65,535 characters and more.
 ZBPLATFORM_API std::optional<std::vector<BYTE>> encodeRecurrence(const RecurrencePattern &pattern);
+
+/// The pattern of a blob, exceptions in order of their original start and `deleted` without the days that these stand
+/// for; so encodeRecurrence of it says what the blob says. A series that lasts to the year 4500 is one without end.
+/// Nothing for a blob that is cut, or that lists take for no pattern, and for a daily period below a day.
+ZBPLATFORM_API std::optional<RecurrencePattern> decodeRecurrence(const BYTE *bytes, std::size_t size);
 
 /// The 48 bytes of a record's zone: bias, standard bias, daylight bias (4 each), 2 unused, the change to standard time
 /// (16) at offset 14, 2 unused, the change to daylight time (16) at offset 32.

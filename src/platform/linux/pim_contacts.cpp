@@ -2,6 +2,7 @@
 #include "platform/linux/pim_item_fields.h"
 #include "platform/pim.h"
 
+#include <algorithm>
 #include <array>
 
 namespace zb
@@ -70,6 +71,41 @@ void setAddress(RecordProperties &record, CEPROPID first, const PostalAddress &a
         id += 0x10000;
     }
 }
+
+/// What a record's properties say, by id.
+class ContactRecord
+{
+  public:
+    ContactRecord(const CEPROPVAL *properties, WORD count) : m_properties(properties), m_count(count)
+    {
+    }
+    const CEPROPVAL *find(CEPROPID id) const
+    {
+        const auto *const end = m_properties + m_count;
+        const auto *const found =
+            std::find_if(m_properties, end, [=](const CEPROPVAL &each)
+                         { return each.propid == id && (each.wFlags & CEDB_PROPNOTFOUND) == 0; });
+        return found == end ? nullptr : found;
+    }
+    std::u16string text(CEPROPID id) const
+    {
+        const CEPROPVAL *const value = find(id);
+        return value == nullptr || value->val.lpwstr == nullptr ? std::u16string() : value->val.lpwstr;
+    }
+    std::optional<FILETIME> date(CEPROPID id) const
+    {
+        const CEPROPVAL *const value = find(id);
+        return value == nullptr ? std::nullopt : std::optional(value->val.filetime);
+    }
+    PostalAddress address(CEPROPID first) const
+    {
+        return {text(first), text(first + 0x10000), text(first + 0x20000), text(first + 0x30000), text(first + 0x40000)};
+    }
+
+  private:
+    const CEPROPVAL *m_properties;
+    WORD m_count;
+};
 } // namespace
 
 std::u16string fileAsOf(const ContactItem &item)
@@ -97,6 +133,36 @@ std::u16string fileAsOf(const ContactItem &item)
         }
     }
     return {};
+}
+
+ContactItem decodeContact(const CEPROPVAL *properties, WORD count)
+{
+    const ContactRecord record(properties, count);
+    ContactItem item;
+    item.fileAs = record.text(contactFileAs);
+    for (const TextField &field : textFields)
+    {
+        item.*field.text = record.text(field.id);
+    }
+    for (const TextField &field : reachFields)
+    {
+        item.*field.text = record.text(field.id);
+    }
+    item.home = record.address(contactHomeAddress);
+    item.business = record.address(contactBusinessAddress);
+    item.other = record.address(contactOtherAddress);
+    item.birthday = record.date(contactBirthday);
+    item.anniversary = record.date(contactAnniversary);
+    if (const CEPROPVAL *const notes = record.find(itemNotes))
+    {
+        item.notes = decodeNotes(notes->val.blob.lpb, notes->val.blob.dwCount);
+    }
+    const CEPROPVAL *const preferred = record.find(contactPreferredNumber);
+    if (preferred != nullptr && preferred->val.ulVal != contactPreferredNumber)
+    {
+        item.preferredNumber = preferred->val.ulVal;
+    }
+    return item;
 }
 
 RecordProperties encodeContact(const ContactItem &item)

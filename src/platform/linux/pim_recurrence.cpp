@@ -42,6 +42,15 @@ class ByteWriter
             word(unit);
         }
     }
+    /// The length tells 2 bytes fewer than there are.
+    void tail(const std::vector<BYTE> &bytes)
+    {
+        word(bytes.size() < 3 ? 0 : bytes.size() - 2);
+        if (bytes.size() >= 3)
+        {
+            m_bytes.insert(m_bytes.end(), bytes.begin(), bytes.end());
+        }
+    }
     std::vector<BYTE> take()
     {
         return std::move(m_bytes);
@@ -145,6 +154,8 @@ WORD flagsOf(const RecurrenceException &exception)
 {
     WORD flags = 0;
     flags |= exception.subject ? 0x0001U : 0U;
+    flags |= exception.part8 ? 0x0008U : 0U;
+    flags |= exception.part4 ? 0x0004U : 0U;
     flags |= exception.location ? 0x0010U : 0U;
     flags |= exception.busy ? 0x0020U : 0U;
     flags |= exception.allDay ? 0x0080U : 0U;
@@ -162,6 +173,13 @@ void writeException(ByteWriter &out, const RecurrenceException &exception)
     {
         out.text(*exception.subject);
     }
+    for (const std::optional<DWORD> &part : {exception.part8, exception.part4})
+    {
+        if (part)
+        {
+            out.dword(*part);
+        }
+    }
     if (exception.location)
     {
         out.text(*exception.location);
@@ -176,7 +194,7 @@ void writeException(ByteWriter &out, const RecurrenceException &exception)
     }
     if (exception.notesChanged)
     {
-        out.word(0);
+        out.tail(exception.notesTail);
     }
 }
 
