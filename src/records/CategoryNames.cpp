@@ -6,7 +6,9 @@
 #include "core/xstrtok.h"
 #include "platform/kernel.h"
 #include "platform/pim.h"
+#include "platform/pim_objects.h"
 #include "platform/text.h"
+#include "records/COutlook.h"
 #include "records/CeDb.h"
 #include "records/CeDbRecord.h"
 #include "records/FullCategories.h"
@@ -62,6 +64,20 @@ bool categoriesCanBeRead()
     return db.Open(zb::categoriesDatabase, 0, 0, nullptr);
 }
 
+/// An item object must not hold what is rewritten beside it. The kind of an item is told by its database's first letter.
+void releaseItem(IDispatch **item, WCHAR kind)
+{
+    if (item == nullptr)
+    {
+        return;
+    }
+    if (*item != nullptr && (kind == u'A' || kind == u'C' || kind == u'T'))
+    {
+        (*item)->Release();
+    }
+    *item = nullptr;
+}
+
 bool writeCategories(const WCHAR *database, CEOID oid, CEBLOB blob)
 {
     constexpr CEPROPID property = zb::itemCategories;
@@ -86,7 +102,7 @@ void ReadCategory(CePtrList<CFullCategory *> &list, const WCHAR *names)
     takeNamed(list, std::move(tokens));
 }
 
-bool SaveCategoriesToPIMRecord(const WCHAR *names, IDispatch **, CEOID oid, bool)
+bool SaveCategoriesToPIMRecord(const WCHAR *names, IDispatch **item, CEOID oid, bool reload)
 {
     const BSTR database = CeDb::GetDatabaseNameFromOID(oid);
     if (database == nullptr || names == nullptr || *names == 0)
@@ -94,6 +110,7 @@ bool SaveCategoriesToPIMRecord(const WCHAR *names, IDispatch **, CEOID oid, bool
         FreeBSTR(database);
         return false;
     }
+    releaseItem(item, *database);
     CePtrList<CFullCategory *> list(1, CEOWN_DELETE);
     ReadCategory(list, names);
     CEBLOB blob{};
@@ -104,6 +121,10 @@ bool SaveCategoriesToPIMRecord(const WCHAR *names, IDispatch **, CEOID oid, bool
     const bool written = known && whole && writeCategories(database, oid, blob);
     LocalFree(blob.lpb);
     FreeBSTR(database);
+    if (reload && item != nullptr)
+    {
+        COutlook().GetItemFromOid(oid, item);
+    }
     return written;
 }
 

@@ -26,9 +26,9 @@ ZBTOOLS_API void ReadCategory(CePtrList<CFullCategory *> &list, const WCHAR *nam
 /// record was written. Nothing is changed by an empty or null text (who clears categories does so elsewhere), by an id
 /// that is no record's, and when the categories of the device can't be read.
 ///
-/// A record is not to be held open by an item object while it is rewritten: `*item` is to be released before and left
-/// null, and fetched again afterwards when `reload` is set. Present state: there are no item objects yet, so `item` is
-/// null or points at null and `reload` has no effect.
+/// A record is not to be held by an item object while it is rewritten: the one that `item` points at (appointment,
+/// contact or task) is released and the pointer nulled; with `reload` it is fetched again afterwards. `item` may be
+/// null.
 ZBTOOLS_API bool SaveCategoriesToPIMRecord(const WCHAR *names, IDispatch **item, CEOID oid, bool reload);
 
 /// A saved choice into a list that is emptied first: from the settings, or from the store of custom views. At most

@@ -1,0 +1,181 @@
+#include "platform/linux/pim_appointment_record.h"
+
+#include "platform/linux/pim_dates.h"
+#include "platform/linux/pim_series_days.h"
+
+#include <algorithm>
+
+namespace zb::internal
+{
+namespace
+{
+/// Some programs keep all-day items in UTC: behind noon they mean the next day.
+constexpr LONGLONG lastHourOfDay = 13 * ticksPerHour;
+
+AppointmentTimes singleTimes(const StoredItem &record)
+{
+    AppointmentTimes times;
+    const LONGLONG start = record.ticks(appointmentStart).value_or(0);
+    times.minutes = std::max<LONG>(0, record.number(appointmentDuration, 0));
+    times.allDay = record.number(appointmentDurationType, 0) == durationTypeAllDay;
+    if (!times.allDay)
+    {
+        const LONGLONG wall = WallClock::ofDevice().wallOf(start);
+        times.start = wall - wall % ticksPerSecond;
+        return times;
+    }
+    const LONGLONG inDay = start % ticksPerDay;
+    times.start = start - inDay + (inDay >= lastHourOfDay ? ticksPerDay : 0);
+    times.minutes = times.storedMinutes();
+    return times;
+}
+
+void takeStoredTimes(AppointmentItem &item, const AppointmentValues &values, const StoredItem &record)
+{
+    item.allDay = values.times.allDay;
+    item.recurrence = record.blob(appointmentRecurrence);
+    item.zone = record.blob(appointmentZone);
+    item.partOfSeries = record.shortNumber(appointmentRecurringFlag, 0) != 0;
+    item.start = fileTimeOf(record.ticks(appointmentStart).value_or(0));
+    item.durationMinutes = record.number(appointmentDuration, 0);
+    item.days = std::max<LONG>(0, item.durationMinutes) / minutesOfDay + 1;
+    if (item.allDay && item.recurrence.empty())
+    {
+        item.start = fileTimeOf(values.times.firstMoment());
+        item.days = values.times.days();
+    }
+}
+
+void takeTimes(AppointmentItem &item, const AppointmentTimes &times)
+{
+    item.allDay = times.allDay;
+    item.days = times.allDay ? times.days() : 1;
+    item.durationMinutes = times.storedMinutes();
+    item.start = fileTimeOf(times.allDay ? times.firstMoment() : WallClock::ofDevice().utcOf(times.start));
+}
+
+OccurrenceTimes occurrenceTimes(const AppointmentTimes &times)
+{
+    if (times.allDay)
+    {
+        return {0, times.days() * minutesOfDay, true};
+    }
+    return {minuteOfTicks(times.start), static_cast<LONG>(times.minutes), false};
+}
+
+/// A changed day keeps what was changed about it; where only its texts were, its times follow those of the series.
+RecurrenceException carried(RecurrenceException exception, const RecurrencePattern &old, bool wasAllDay,
+                            const RecurrencePattern &pattern, bool isAllDay)
+{
+    const DWORD day = exception.originalStart - exception.originalStart % minutesOfDay;
+    const DWORD length = exception.newEnd - exception.newStart;
+    const bool regular = exception.newStart == day + old.startMinute &&
+                         (length == old.endMinute - old.startMinute || (wasAllDay && length + 1 == old.endMinute)) &&
+                         !exception.allDay;
+    if (regular)
+    {
+        exception.newStart = day + pattern.startMinute;
+        exception.newEnd = day + pattern.endMinute - (isAllDay ? 1 : 0);
+    }
+    else
+    {
+        const bool allDay = exception.allDay.value_or(wasAllDay);
+        exception.allDay = allDay != isAllDay ? std::optional(allDay) : std::nullopt;
+    }
+    exception.originalStart = day + pattern.startMinute;
+    return exception;
+}
+
+void carryChanges(const RecurrencePattern &old, bool wasAllDay, RecurrencePattern &pattern, bool isAllDay)
+{
+    const SeriesDays days(pattern);
+    const auto stays = [&](DWORD date) { return days.isNear(static_cast<int>(date / minutesOfDay)); };
+    std::copy_if(old.deleted.begin(), old.deleted.end(), std::back_inserter(pattern.deleted), stays);
+    for (const RecurrenceException &exception : old.exceptions)
+    {
+        if (stays(exception.originalStart))
+        {
+            pattern.exceptions.push_back(carried(exception, old, wasAllDay, pattern, isAllDay));
+        }
+    }
+}
+
+HRESULT takeSeries(AppointmentItem &item, const AppointmentValues &values, bool wasAllDay,
+                   const std::optional<RecurrencePattern> &old)
+{
+    const AppointmentTimes &times = values.times;
+    RecurrencePattern pattern;
+    const HRESULT result =
+        patternOf(*values.rule, dayOfTicks(times.firstMoment()), occurrenceTimes(times), pattern);
+    if (FAILED(result))
+    {
+        return result;
+    }
+    if (old)
+    {
+        carryChanges(*old, wasAllDay, pattern, times.allDay);
+    }
+    std::optional<std::vector<BYTE>> blob = encodeRecurrence(pattern);
+    if (!blob)
+    {
+        return PIM_E_RECURRENCE;
+    }
+    takeTimes(item, times);
+    const LONGLONG first = (LONGLONG{pattern.firstDate} + pattern.startMinute) * ticksPerMinute;
+    item.start = fileTimeOf(WallClock::ofDevice().utcOf(first));
+    item.recurrence = std::move(*blob);
+    return S_OK;
+}
+
+bool sameTexts(const AppointmentValues &a, const AppointmentValues &b)
+{
+    return a.subject == b.subject && a.location == b.location && a.notes == b.notes && a.recipients == b.recipients &&
+           a.rule == b.rule;
+}
+} // namespace
+
+AppointmentValues decodeAppointmentValues(const StoredItem &record)
+{
+    if (const std::optional<SeriesRecord> series = SeriesRecord::of(record))
+    {
+        return series->series();
+    }
+    AppointmentValues values;
+    readPlainValues(record, values);
+    values.times = singleTimes(record);
+    return values;
+}
+
+HRESULT encodeAppointmentValues(const AppointmentValues &values, const AppointmentValues &before,
+                                const StoredItem &record, const std::optional<RecurrencePattern> &copied,
+                                RecordProperties &properties)
+{
+    AppointmentItem item = plainItem(values, record);
+    const bool stored = record.count() != 0;
+    if (stored && values.times == before.times && values.rule == before.rule)
+    {
+        takeStoredTimes(item, values, record);
+    }
+    else if (values.rule)
+    {
+        std::optional<RecurrencePattern> old = copied;
+        if (const std::optional<SeriesRecord> series = SeriesRecord::of(record))
+        {
+            old = series->devicePattern();
+        }
+        const bool wasAllDay = stored ? before.times.allDay : values.times.allDay;
+        if (const HRESULT result = takeSeries(item, values, wasAllDay, old); FAILED(result))
+        {
+            return result;
+        }
+    }
+    else
+    {
+        takeTimes(item, values.times);
+        item.partOfSeries = !before.rule && record.shortNumber(appointmentRecurringFlag, 0) != 0;
+    }
+    properties = encodeAppointment(item);
+    setFurtherValues(properties, values, before);
+    return stored && sameTexts(values, before) ? S_OK : checkSize(properties);
+}
+} // namespace zb::internal
