@@ -176,6 +176,7 @@ class SavedSeries : public ::testing::Test
         int day;
         int minute;
         std::string subject;
+        bool left = false; ///< an appointment of its own by now, and nobody's neighbour
         bool operator<(const Shown &other) const
         {
             return std::tie(day, minute, subject) < std::tie(other.day, other.minute, other.subject);
@@ -197,7 +198,7 @@ class SavedSeries : public ::testing::Test
         std::map<int, Shown> shown;
         for (const int day : named)
         {
-            shown[day] = {day, made.startMinute, subject};
+            shown[day] = {day, made.startMinute, subject, false};
         }
         for (const int day : days)
         {
@@ -214,12 +215,27 @@ class SavedSeries : public ::testing::Test
             {
                 continue;
             }
-            change(occurrence, what, day, shown);
+            change(occurrence, what, day, shown, oidOf(made.item));
         }
         return shown;
     }
 
-    void change(const Counted<IAppointment> &occurrence, int what, int day, std::map<int, Shown> &shown)
+    /// The neighbour in the series, before or behind.
+    static const Shown *neighbour(const std::map<int, Shown> &shown, int day, int step)
+    {
+        auto at = shown.find(day);
+        do
+        {
+            if (step < 0 ? at == shown.begin() : std::next(at) == shown.end())
+            {
+                return nullptr;
+            }
+            std::advance(at, step);
+        } while (at->second.left);
+        return &at->second;
+    }
+
+    void change(const Counted<IAppointment> &occurrence, int what, int day, std::map<int, Shown> &shown, LONG series)
     {
         if (what == 0)
         {
@@ -240,13 +256,15 @@ class SavedSeries : public ::testing::Test
             occurrence->put_Start(wanted.day + wanted.minute / 1440.0);
             occurrence->put_Duration(30);
         }
-        const auto own = shown.find(day);
-        const bool pastPrevious = own != shown.begin() && std::prev(own)->second.day >= wanted.day;
-        const bool pastNext = std::next(own) != shown.end() && std::next(own)->second.day <= wanted.day;
+        const Shown *const previous = neighbour(shown, day, -1);
+        const Shown *const next = neighbour(shown, day, 1);
+        const bool pastPrevious = previous != nullptr && previous->day >= wanted.day;
+        const bool pastNext = next != nullptr && next->day <= wanted.day;
         const HRESULT expected = pastPrevious || pastNext ? PIM_E_OCCURRENCE_MOVED : S_OK;
         EXPECT_EQ(occurrence->Save(), expected) << day << " to " << wanted.day;
         if (expected == S_OK)
         {
+            wanted.left = oidOf(occurrence) != series;
             shown[day] = wanted;
         }
     }
@@ -258,7 +276,7 @@ class SavedSeries : public ::testing::Test
         {
             if (row.day == row.startDay && row.subject.rfind(subject, 0) == 0)
             {
-                rows.insert({row.startDay, row.startMinute, row.subject});
+                rows.insert({row.startDay, row.startMinute, row.subject, false});
             }
         }
         return rows;
