@@ -267,7 +267,10 @@ void Drawing::drawText()
     {
         SelectObject(m_hdc, m_parser.GetCurrFont());
         zb::placeRun(m_hdc, fit, work, !(m_painting && isInside()));
-        addHotSpot(fit.size.cx, m_parser.GetCurrHREF());
+        if (const Text key = m_parser.GetCurrHREF(); !key.empty())
+        {
+            addHotSpot(fit.size.cx, key);
+        }
         m_left += fit.size.cx;
     }
     if (fit.whole)
@@ -311,7 +314,7 @@ void Drawing::drawImage()
 
 void Drawing::addHotSpot(LONGLONG width, Text key)
 {
-    if (m_hotSpots == nullptr || key.empty())
+    if (m_hotSpots == nullptr)
     {
         return;
     }

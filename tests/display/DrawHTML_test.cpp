@@ -357,6 +357,12 @@ TEST_F(DrawingTest, picturesAreHotSpotsOfTheirSourceAlone)
     EXPECT_EQ(paint(u"<A=key><IMG SRC=5></A>", wide), Lines{"5 0,0 10,10"});
 }
 
+TEST_F(DrawingTest, aPictureOfAnEmptySourceIsAHotSpotToo)
+{
+    window.addBitmap(u"", 10, 10);
+    EXPECT_EQ(paint(u"<IMG SRC=>", wide), Lines{" 0,0 10,10"});
+}
+
 // --- Hot spots ---------------------------------------------------------------------------------------------------
 
 TEST_F(DrawingTest, hotSpotsLieInTheRectangle)
