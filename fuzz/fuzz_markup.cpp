@@ -24,6 +24,8 @@ struct Stage
     {
         zb::DeviceOptions options;
         options.root = folder;
+        // One face, so that no time goes into looking for others.
+        options.fonts.files = {"/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf"};
         device = zb::OpenDevice(options);
         HIDPI_InitScaling();
         target = std::make_unique<zb::MemoryBitmap>(100, 60);

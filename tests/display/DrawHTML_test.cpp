@@ -151,6 +151,12 @@ TEST_F(DrawingTest, aLineAtTheVeryTopIsNotIndented)
               (Lines{"1 0,0 5,10", "1 0,10 5,20", "1 10,20 15,30"}));
 }
 
+TEST_F(DrawingTest, linesAboveTheTopAreIndented)
+{
+    EXPECT_EQ(paint(u"<A=1>a<BR>b<BR>c", {0, -15, 100, 100}, 10),
+              (Lines{"1 0,0 5,10", "1 10,10 15,20", "1 10,20 15,30"}));
+}
+
 TEST_F(DrawingTest, rightAlignedLinesHaveNoIndent)
 {
     EXPECT_EQ(paint(u"<P ALIGN=RIGHT><A=1>a<BR>b", wide, 10), (Lines{"1 95,0 100,10", "1 95,10 100,20"}));
@@ -203,6 +209,18 @@ TEST_F(DrawingTest, aLineThatChangesItsAlignmentIsMeasuredInParts)
               (Lines{"1 45,10 55,20", "2 0,10 15,20"}));
 }
 
+TEST_F(DrawingTest, aPartInTheMiddleOfALineIsPlacedByItsOwnWidth)
+{
+    EXPECT_EQ(paint(u"<A=1>x<P ALIGN=CENTER><A=2>bb<P ALIGN=LEFT><A=3>ccc", wide),
+              (Lines{"1 0,0 5,10", "2 45,0 55,10", "3 0,0 15,10"}));
+}
+
+TEST_F(DrawingTest, aLineThatARunBeginsByWrappingIsPlacedByAllOfIt)
+{
+    EXPECT_EQ(paint(u"<P ALIGN=CENTER><A=1>aaa bb<P ALIGN=LEFT><A=2>c", {0, 0, 22, 100}),
+              (Lines{"1 1,0 21,10", "1 3,10 13,20", "2 0,10 5,20"}));
+}
+
 TEST_F(DrawingTest, centredTextInsideALineIsIndented)
 {
     EXPECT_EQ(paint(u"<A=1>a<P ALIGN=CENTER><A=2>b", wide, 10), (Lines{"1 0,0 5,10", "2 47,0 52,10"}));
@@ -239,6 +257,9 @@ TEST_F(DrawingTest, theEdgeIsWrittenBackWithoutThe32000)
     RECT rect = {0, 0, 32005, 100};
     DrawHTML(board.context(), &rect, 0, &parser, nullptr, 0);
     EXPECT_EQ(describe(rect), "0,0 5,100");
+    rect = {0, 0, 32000, 100};
+    DrawHTML(board.context(), &rect, 0, &parser, nullptr, 0);
+    EXPECT_EQ(describe(rect), "0,0 32000,100");
 }
 
 TEST_F(DrawingTest, aLineOf32000PixelsWrapsAfterAll)
@@ -342,6 +363,14 @@ TEST_F(DrawingTest, aPictureThatBeginsAboveTheTopIsNotPainted)
     window.addBitmap(u"5", 10, 10);
     EXPECT_EQ(paint(u"<IMG SRC=5>", {0, -1, 100, 100}), Lines{});
     EXPECT_EQ(board.boxOf(0x0000FF), "none");
+}
+
+TEST_F(DrawingTest, thePlaceOfAPictureIsCutTowardZero)
+{
+    window.addBitmap(u"5", 32, 32);
+    // A line of 21 pixels from -3 on: 2.5 - 3 is nearly 0.
+    EXPECT_EQ(paint(u"<FONT SIZE=10><IMG SRC=5 SIZE=16>a", {0, -3, 100, 100}), Lines{"5 0,0 16,21"});
+    EXPECT_EQ(board.boxOf(0x0000FF), "0,0 16,16");
 }
 
 TEST_F(DrawingTest, theKeyColorOfPicturesLetsThrough)
@@ -496,6 +525,16 @@ TEST_F(DrawingTest, theLowestFontsDescentCounts)
     paint(markup, {0, 0, 100, 16});
     EXPECT_EQ(board.boxOf(0xFF0000), "1,3 4,8");
     paint(markup, {0, 0, 100, 15});
+    EXPECT_EQ(board.inkBox(), "none");
+}
+
+TEST_F(DrawingTest, anAlignedPartHasTheDescentOfItsLine)
+{
+    // The line's descent is 4; the part at the right is 10 high, so its baseline is taken for 6.
+    const std::u16string markup = u"<FONT SIZE=9>a<FONT SIZE=-1 COLOR=#FF0000><P ALIGN=RIGHT>b";
+    paint(markup, {0, 0, 100, 6});
+    EXPECT_EQ(board.inkBox(), "96,3 99,8");
+    paint(markup, {0, 0, 100, 5});
     EXPECT_EQ(board.inkBox(), "none");
 }
 

@@ -145,6 +145,7 @@ TEST_F(HTMLLineTest, aLineEndsAtItsBreak)
 {
     EXPECT_EQ(line(u"ab<FONT SIZE=9>c<BR>dddddd", 100), "20 20 4");
     EXPECT_EQ(parser.GetCurrTokenType(), TOKEN_TAG);
+    EXPECT_EQ(line(u"<FONT SIZE=9>a<FONT SIZE=-1>b", 100), "15 20 4");
     EXPECT_EQ(line(u"<BR>ab", 100), "0 0 0");
     EXPECT_EQ(line(u"", 100), "0 0 0");
 }

@@ -256,6 +256,31 @@ TEST_F(PicturesAt144, otherDensitiesAreStretchedAsOneStrip)
     EXPECT_EQ(listOf(2, 24), "24 by 24: FF0000 0000FF FFFFFF");
 }
 
+TEST_F(PicturesAt144, oneStripHasSoftSeams)
+{
+    const HIMAGELIST list = HIDPI_ImageList_LoadImage(module, MAKEINTRESOURCEW(1), 24, 0, CLR_NONE, IMAGE_BITMAP, 0);
+    const zb::MemoryBitmap target(24, 24);
+    ImageList_Draw(list, 0, target.context(), 0, 0, ILD_NORMAL);
+    EXPECT_EQ(pictureOf(target.bitmap()).at(20, 12), 0xFF0000U);
+    EXPECT_NE(pictureOf(target.bitmap()).at(23, 12), 0xFF0000U);
+    ImageList_Destroy(list);
+}
+
+TEST_F(PicturesAt192, imageByImageHasSharpSeams)
+{
+    const HIMAGELIST list = HIDPI_ImageList_LoadImage(module, MAKEINTRESOURCEW(1), 32, 0, CLR_NONE, IMAGE_BITMAP, 0);
+    const zb::MemoryBitmap target(32, 32);
+    ImageList_Draw(list, 0, target.context(), 0, 0, ILD_NORMAL);
+    EXPECT_EQ(pictureOf(target.bitmap()).at(31, 12), 0xFF0000U);
+    ImageList_Destroy(list);
+}
+
+TEST_F(PicturesAt144, widthsOfImagesAreRounded)
+{
+    // 25 * 96 / 144 = 16.7, so two images of 17 in the 48 pixels.
+    EXPECT_EQ(listOf(1, 25), "25 by 24: FF0000 FFFFFF");
+}
+
 TEST_F(PicturesTest, theMaskLetsThrough)
 {
     EXPECT_EQ(listOf(2, 16, RGB(0, 0, 255)), "16 by 16: FF0000 000000 FFFFFF");

@@ -157,6 +157,13 @@ TEST_F(RelayoutDialogTest, severalItemsWithoutAnIdTellWhetherOneGotAText)
     EXPECT_EQ(title(0xFFFF), "two");
 }
 
+TEST_F(RelayoutDialogTest, textsOfItemsWithAnIdDoNotCountThere)
+{
+    make(7);
+    EXPECT_EQ(relayout(7), 0);
+    EXPECT_EQ(title(1001), "x");
+}
+
 TEST_F(RelayoutDialogTest, withoutAWholeTemplateNothingMoves)
 {
     make(1);
