@@ -159,8 +159,8 @@ TEST_F(RelayoutDialogTest, severalItemsWithoutAnIdTellWhetherOneGotAText)
 
 TEST_F(RelayoutDialogTest, textsOfItemsWithAnIdDoNotCountThere)
 {
-    make(7);
-    EXPECT_EQ(relayout(7), 0);
+    make(70);
+    EXPECT_EQ(relayout(70), 0);
     EXPECT_EQ(title(1001), "x");
 }
 

@@ -126,9 +126,9 @@ const std::map<UINT, Bytes> &dialogs()
         {3, dialog({{0, {5, 5, 50, 10}, 0xFFFF, 130, u"one"}, {0, {5, 25, 50, 10}, 0xFFFF, 130, u"two"}})},
         {4, dialog({{0, {6, 6, 50, 10}, 0xFFFF, 130, u""}, {0, {6, 26, 50, 10}, 0xFFFF, 130, u""}})},
         {5, dialog({{0, {6, 6, 50, 10}, 0xFFFF, 130, u""}})},
-        {7, dialog({{0, {6, 6, 50, 10}, 0xFFFF, 130, u""},
-                    {0, {6, 26, 50, 10}, 0xFFFF, 130, u""},
-                    {0, {6, 46, 50, 10}, 1001, 128, u"x"}})},
+        {70, dialog({{0, {6, 6, 50, 10}, 0xFFFF, 130, u""},
+                     {0, {6, 26, 50, 10}, 0xFFFF, 130, u""},
+                     {0, {6, 46, 50, 10}, 1001, 128, u"x"}})},
         {6, cutShort(dialog({{0, {6, 6, 50, 10}, 1001, 130, u"x"}}))},
         // A dialog to use: two buttons that end it, one that does not, a label.
         {7, dialog({{0x10001, {5, 5, 50, 14}, 1, 128, u"OK"},
