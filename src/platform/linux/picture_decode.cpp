@@ -1,35 +1,18 @@
-// Decoding (by SDL_image, but for GIF), and only what picture_header.h found whole and within the limits.
+// Decoding (by a library that is loaded late, but for GIF), and only what picture_header.h found whole and within the limits.
 #include "platform/kernel.h"
+#include "platform/linux/picture_codecs.h"
 #include "platform/linux/picture_gif.h"
 #include "platform/linux/picture_header.h"
 #include "platform/linux/pictures.h"
 #include "platform/linux/scaling.h"
 
-#include <SDL2/SDL_image.h>
 #include <algorithm>
 #include <cstring>
-#include <mutex>
 
 namespace zb::internal
 {
 namespace
 {
-struct FreeSurface
-{
-    void operator()(SDL_Surface *surface) const
-    {
-        SDL_FreeSurface(surface);
-    }
-};
-using Decoded = std::unique_ptr<SDL_Surface, FreeSurface>;
-
-/// The library counts its own start without a lock.
-std::mutex &decoderLock()
-{
-    static auto *lock = new std::mutex;
-    return *lock;
-}
-
 const char *nameOf(PictureKind kind)
 {
     switch (kind)
@@ -44,15 +27,6 @@ const char *nameOf(PictureKind kind)
         return "PNG";
     }
     return "";
-}
-
-/// Four bytes a pixel, opacity in the top one; a key colour of the file's own has become opacity 0.
-Decoded decode(const unsigned char *data, std::size_t size, PictureKind kind)
-{
-    const std::lock_guard guard(decoderLock());
-    SDL_RWops *source = SDL_RWFromConstMem(data, static_cast<int>(size));
-    const Decoded read(source == nullptr ? nullptr : IMG_LoadTyped_RW(source, 1, nameOf(kind)));
-    return Decoded(read == nullptr ? nullptr : SDL_ConvertSurfaceFormat(read.get(), SDL_PIXELFORMAT_ARGB8888, 0));
 }
 
 /// Rows of pixels, colours not multiplied by the opacity in the top byte.
@@ -101,6 +75,25 @@ std::shared_ptr<Surface> refuse()
     SetLastError(ERROR_BAD_FORMAT);
     return nullptr;
 }
+
+std::shared_ptr<Surface> decodeByLibrary(const unsigned char *data, std::size_t size, PictureKind kind)
+{
+    PictureCodecs *codecs = pictureCodecs();
+    if (codecs == nullptr)
+    {
+        return nullptr;
+    }
+    const std::lock_guard guard(codecs->lock);
+    CodecPicture picture;
+    if (!codecs->decode(nameOf(kind), data, size, &picture))
+    {
+        return refuse();
+    }
+    const std::unique_ptr<void, ReleasePicture> owner(picture.owner, codecs->release);
+    return picture.width < 1 || picture.height < 1
+               ? refuse()
+               : surfaceOf({picture.width, picture.height, picture.stride, picture.pixels});
+}
 } // namespace
 
 std::shared_ptr<Surface> decodeSurface(const unsigned char *data, std::size_t size, const PictureLimits &limits)
@@ -118,12 +111,7 @@ std::shared_ptr<Surface> decodeSurface(const unsigned char *data, std::size_t si
                    ? nullptr
                    : surfaceOf({soft->width(), soft->height(), soft->stride() * std::ptrdiff_t{4}, soft->row(0)});
     }
-    const Decoded decoded = decode(data, size, header->kind);
-    if (decoded == nullptr || decoded->w < 1 || decoded->h < 1)
-    {
-        return refuse();
-    }
-    return surfaceOf({decoded->w, decoded->h, decoded->pitch, decoded->pixels});
+    return decodeByLibrary(data, size, header->kind);
 }
 
 namespace

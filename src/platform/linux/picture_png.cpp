@@ -3,9 +3,9 @@
 #include "platform/linux/files_path.h"
 #include "platform/linux/files_temporary.h"
 #include "platform/linux/gdi_objects.h"
+#include "platform/linux/picture_codecs.h"
 #include "platform/linux/pictures.h"
 
-#include <SDL2/SDL_image.h>
 #include <cerrno>
 #include <fcntl.h>
 #include <unistd.h>
@@ -16,66 +16,28 @@ namespace
 {
 using Bytes = std::vector<unsigned char>;
 
-std::size_t SDLCALL append(SDL_RWops *stream, const void *data, std::size_t size, std::size_t count)
+void append(void *user, const void *data, std::size_t size)
 {
-    auto *bytes = static_cast<Bytes *>(stream->hidden.unknown.data1);
     const auto *first = static_cast<const unsigned char *>(data);
-    bytes->insert(bytes->end(), first, first + size * count);
-    return count;
-}
-
-Sint64 SDLCALL tell(SDL_RWops *stream, Sint64 offset, int from)
-{
-    const auto size = static_cast<Sint64>(static_cast<Bytes *>(stream->hidden.unknown.data1)->size());
-    return offset == 0 && from != RW_SEEK_SET ? size : -1;
-}
-
-int SDLCALL finish(SDL_RWops *stream)
-{
-    SDL_FreeRW(stream);
-    return 0;
-}
-
-/// A stream that adds what is written to `bytes`.
-SDL_RWops *streamInto(Bytes &bytes)
-{
-    SDL_RWops *stream = SDL_AllocRW();
-    if (stream != nullptr)
-    {
-        stream->type = SDL_RWOPS_UNKNOWN;
-        stream->hidden.unknown.data1 = &bytes;
-        stream->write = append;
-        stream->seek = tell;
-        stream->close = finish;
-    }
-    return stream;
-}
-
-/// Opacity is written for soft surfaces alone.
-SDL_Surface *pictureOf(const Surface &surface)
-{
-    const Uint32 format = surface.isSoft() ? SDL_PIXELFORMAT_ARGB8888 : SDL_PIXELFORMAT_RGB24;
-    SDL_Surface *picture = SDL_CreateRGBSurfaceWithFormat(0, surface.width(), surface.height(), 0, format);
-    for (int y = 0; picture != nullptr && y < surface.height(); ++y)
-    {
-        auto *to = static_cast<unsigned char *>(picture->pixels) + static_cast<std::ptrdiff_t>(y) * picture->pitch;
-        SDL_ConvertPixels(surface.width(), 1, SDL_PIXELFORMAT_ARGB8888, surface.row(y), surface.stride() * 4, format,
-                          to, picture->pitch);
-    }
-    return picture;
+    static_cast<Bytes *>(user)->insert(static_cast<Bytes *>(user)->end(), first, first + size);
 }
 } // namespace
 
 std::vector<unsigned char> encodePng(const Surface &surface)
 {
     Bytes bytes;
-    SDL_Surface *picture = pictureOf(surface);
-    SDL_RWops *stream = picture == nullptr ? nullptr : streamInto(bytes);
-    if (stream != nullptr && IMG_SavePNG_RW(picture, stream, 1) != 0)
+    PictureCodecs *codecs = pictureCodecs();
+    if (codecs == nullptr)
+    {
+        return bytes;
+    }
+    const CodecPicture picture{surface.width(), surface.height(), surface.stride() * std::ptrdiff_t{4}, surface.row(0),
+                               nullptr};
+    const std::lock_guard guard(codecs->lock);
+    if (!codecs->encode(&picture, surface.isSoft(), append, &bytes))
     {
         bytes.clear();
     }
-    SDL_FreeSurface(picture);
     return bytes;
 }
 
