@@ -13,6 +13,7 @@
 
 namespace
 {
+using zb::test::pair;
 using zb::test::settle;
 
 /// Writes down each operation with its arguments; does nothing else.
@@ -178,10 +179,6 @@ class CeWndTest : public ::testing::Test
             return IDOK;
         };
         return options;
-    }
-    static LPARAM pair(int low, int high)
-    {
-        return static_cast<LPARAM>(MAKELONG(static_cast<WORD>(low), static_cast<WORD>(high)));
     }
 
     std::vector<std::u16string> shown;

@@ -19,11 +19,7 @@ constexpr COLORREF white = RGB(255, 255, 255);
 {
     RECT place = window.place();
     MapWindowPoints(nullptr, GetParent(window.window), reinterpret_cast<POINT *>(&place), 2);
-    if (place.left == left && place.top == top && place.right == right && place.bottom == bottom)
-    {
-        return ::testing::AssertionSuccess();
-    }
-    return ::testing::AssertionFailure() << place.left << ", " << place.top << ", " << place.right << ", " << place.bottom;
+    return zb::test::is(place, left, top, right, bottom);
 }
 
 zb::DeviceOptions screen()

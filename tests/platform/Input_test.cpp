@@ -8,16 +8,12 @@
 namespace
 {
 using zb::test::ScreenWindow;
+using zb::test::pair;
 using zb::test::settle;
 using zb::test::TestDevice;
 
 constexpr COLORREF red = RGB(200, 0, 0);
 constexpr COLORREF blue = RGB(0, 0, 200);
-
-LPARAM pair(int low, int high)
-{
-    return static_cast<LPARAM>(MAKELONG(static_cast<WORD>(low), static_cast<WORD>(high)));
-}
 
 class Input : public ::testing::Test
 {

@@ -13,6 +13,7 @@
 
 namespace
 {
+using zb::test::is;
 using zb::test::screenPixel;
 using zb::test::ScreenWindow;
 using zb::test::settle;
@@ -21,16 +22,6 @@ using zb::test::TestDevice;
 constexpr COLORREF red = RGB(200, 0, 0);
 constexpr COLORREF green = RGB(0, 150, 0);
 constexpr COLORREF blue = RGB(0, 0, 200);
-
-::testing::AssertionResult is(const RECT &rectangle, int left, int top, int right, int bottom)
-{
-    if (rectangle.left == left && rectangle.top == top && rectangle.right == right && rectangle.bottom == bottom)
-    {
-        return ::testing::AssertionSuccess();
-    }
-    return ::testing::AssertionFailure() << rectangle.left << ", " << rectangle.top << ", " << rectangle.right << ", "
-                                         << rectangle.bottom;
-}
 
 class WindowPaint : public ::testing::Test
 {

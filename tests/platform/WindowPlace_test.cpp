@@ -7,26 +7,13 @@
 namespace
 {
 using zb::test::ScreenWindow;
+using zb::test::is;
+using zb::test::pair;
 using zb::test::settle;
 using zb::test::TestDevice;
 
 constexpr COLORREF red = RGB(200, 0, 0);
 constexpr COLORREF blue = RGB(0, 0, 200);
-
-::testing::AssertionResult is(const RECT &rectangle, int left, int top, int right, int bottom)
-{
-    if (rectangle.left == left && rectangle.top == top && rectangle.right == right && rectangle.bottom == bottom)
-    {
-        return ::testing::AssertionSuccess();
-    }
-    return ::testing::AssertionFailure() << rectangle.left << ", " << rectangle.top << ", " << rectangle.right << ", "
-                                         << rectangle.bottom;
-}
-
-LPARAM pair(int low, int high)
-{
-    return static_cast<LPARAM>(MAKELONG(static_cast<WORD>(low), static_cast<WORD>(high)));
-}
 
 class WindowPlace : public ::testing::Test
 {

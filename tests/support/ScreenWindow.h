@@ -6,6 +6,7 @@
 #include "platform/user.h"
 
 #include <functional>
+#include <gtest/gtest.h>
 #include <string>
 #include <vector>
 
@@ -145,6 +146,23 @@ class ScreenWindow
 
     COLORREF m_color;
 };
+
+/// A rectangle with just these sides; the failure tells its own.
+inline ::testing::AssertionResult is(const RECT &rectangle, int left, int top, int right, int bottom)
+{
+    if (rectangle.left == left && rectangle.top == top && rectangle.right == right && rectangle.bottom == bottom)
+    {
+        return ::testing::AssertionSuccess();
+    }
+    return ::testing::AssertionFailure() << rectangle.left << ", " << rectangle.top << ", " << rectangle.right << ", "
+                                         << rectangle.bottom;
+}
+
+/// Two words as messages carry them.
+inline LPARAM pair(int low, int high)
+{
+    return static_cast<LPARAM>(MAKELONG(static_cast<WORD>(low), static_cast<WORD>(high)));
+}
 
 /// The colour of a pixel of the screen.
 inline COLORREF screenPixel(int x, int y)
