@@ -45,6 +45,6 @@ class ZBTOOLS_API COutlook
     bool OpenLazily();
 
     IPOutlookApp *m_pApp = nullptr; ///< null while closed
-    ULONG m_reserved = 0;
+    [[maybe_unused]] ULONG m_reserved = 0;
     HWND m_hwndParent = nullptr;
 };

@@ -10,7 +10,6 @@ namespace
 {
 constexpr DWORD minutesPerDay = 1440;
 constexpr DWORD mondayToFriday = 62;
-constexpr DWORD weekend = 65;
 constexpr DWORD everyDay = 127;
 constexpr DWORD lastInstance = 5;
 constexpr int closestLooked = 50;
