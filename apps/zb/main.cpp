@@ -3,6 +3,7 @@
 #include "contacts/ContactListSettings.h"
 #include "zb/bad_usage.h"
 #include "zb/commands.h"
+#include "zb/items.h"
 #include "zb/terminal.h"
 
 #include <CLI/CLI.hpp>
@@ -64,6 +65,9 @@ class CommandLine
         addShow();
         addSettings();
         addCategories();
+        addAdd();
+        addDelete();
+        addDone();
     }
 
     int run(int count, char **arguments)
@@ -409,6 +413,143 @@ class CommandLine
             });
     }
 
+    /// What appointments and tasks share.
+    void addItemOptions(CLI::App &command)
+    {
+        static const Words repetitions = {{"daily", static_cast<ULONG>(olRecursDaily)},
+                                          {"weekly", static_cast<ULONG>(olRecursWeekly)},
+                                          {"monthly", static_cast<ULONG>(olRecursMonthly)},
+                                          {"yearly", static_cast<ULONG>(olRecursYearly)}};
+        command.add_flag("--private", m_add.isPrivate, "Nobody else's business");
+        CLI::Option *const repeat =
+            command.add_option("--repeat", m_add.repeat, "daily, weekly, monthly, yearly, from the first day on");
+        repeat->type_name("HOW")->transform(words(repetitions));
+        command.add_option("--every", m_add.every, "Days, weeks or months between")
+            ->type_name("N")
+            ->check(CLI::Range(1, 999))
+            ->needs(repeat);
+        CLI::Option *const times = command.add_option("--times", m_add.times, "How many times in all");
+        times->type_name("N")->check(CLI::Range(1, 9999))->needs(repeat);
+        command.add_option("--until", m_add.until, "The last day on which it may take place")
+            ->type_name("DAY")
+            ->needs(repeat)
+            ->excludes(times);
+    }
+
+    void addAddEvent(CLI::App &add)
+    {
+        static const Words statuses = {{"free", static_cast<ULONG>(olFree)},
+                                       {"tentative", static_cast<ULONG>(olTentative)},
+                                       {"busy", static_cast<ULONG>(olBusy)},
+                                       {"out", static_cast<ULONG>(olOutOfOffice)}};
+        CLI::App *const command = addAddWord(add, "event", "An appointment", olAppointmentItem);
+        command->add_option("subject", m_add.subject, "What it is about")->type_name("SUBJECT")->required();
+        command
+            ->add_option("--start", m_add.start, "A day and a time (2026-11-21 9:30); a day alone means whole days")
+            ->type_name("WHEN")
+            ->required();
+        CLI::Option *const end = command->add_option("--end", m_add.end, "Likewise; whole days: the last of them");
+        end->type_name("WHEN");
+        command->add_option("--minutes", m_add.minutes, "Its length, 60 without")
+            ->type_name("N")
+            ->check(CLI::NonNegativeNumber)
+            ->excludes(end);
+        command->add_option("--location", m_add.location, "Where it is")->type_name("TEXT");
+        command->add_option("--status", m_add.busy, "free, tentative, busy, out (of office)")
+            ->type_name("STATUS")
+            ->transform(words(statuses));
+        command->add_option("--reminder", m_add.reminder, "Minutes before the start")
+            ->type_name("N")
+            ->check(CLI::Range(0, static_cast<int>(PIM_LONGEST_REMINDER)));
+        addItemOptions(*command);
+    }
+
+    void addAddTask(CLI::App &add)
+    {
+        static const Words importances = {{"low", 0}, {"normal", 1}, {"high", 2}};
+        CLI::App *const command = addAddWord(add, "task", "A task", olTaskItem);
+        command->add_option("subject", m_add.subject, "What is to be done, with its priority in front (A1: Pay)")
+            ->type_name("SUBJECT")
+            ->required();
+        command->add_option("--start", m_add.start, "The day on which it may begin")->type_name("DAY");
+        command->add_option("--due", m_add.due, "The day by which it is to be done")->type_name("DAY");
+        command->add_option("--importance", m_add.importance, "low, normal, high")
+            ->type_name("IMPORTANCE")
+            ->transform(words(importances));
+        addItemOptions(*command);
+    }
+
+    void addAddContact(CLI::App &add)
+    {
+        CLI::App *const command = addAddWord(add, "contact", "A contact", olContactItem);
+        command->add_option("name", m_add.subject, "What it is filed under; made from the other names without")
+            ->type_name("NAME");
+        m_add.contact.resize(contactTexts().size());
+        for (std::size_t i = 0; i < contactTexts().size(); ++i)
+        {
+            command->add_option(contactTexts()[i].option, m_add.contact[i], contactTexts()[i].help)->type_name("TEXT");
+        }
+        command->add_option("--birthday", m_add.birthday, "A day")->type_name("DAY");
+        command->add_option("--anniversary", m_add.anniversary, "A day")->type_name("DAY");
+    }
+
+    CLI::App *addAddWord(CLI::App &add, const char *word, const char *help, int kind)
+    {
+        CLI::App *const command = add.add_subcommand(word, help);
+        command->add_option("--notes", m_add.notes, "Notes")->type_name("TEXT");
+        command->add_option("--category", m_add.categories, "A category, made where there is none; several times")
+            ->type_name("NAME")
+            ->take_all();
+        command->add_flag("--json", m_add.json, "Print JSON");
+        command->callback([this, kind] { m_add.kind = kind; });
+        return command;
+    }
+
+    void addAdd()
+    {
+        CLI::App *const command = m_app.add_subcommand("add", "Add an appointment, a task or a contact; print its id");
+        command->require_subcommand(1);
+        addAddEvent(*command);
+        addAddTask(*command);
+        addAddContact(*command);
+        command->callback(
+            [this]
+            {
+                m_add.device = m_device;
+                m_run = [this] { return runAdd(m_add); };
+            });
+    }
+
+    void addDelete()
+    {
+        CLI::App *const command = m_app.add_subcommand("delete", "Delete an item, or one day of a series");
+        command->add_option("id", m_delete.id, "Id of the item")->type_name("ID")->required();
+        command->add_option("--day", m_delete.day, "This day of a repeating appointment alone")->type_name("DAY");
+        command->add_flag("--yes", m_delete.yes, "Also a whole series");
+        command->add_flag("--dry-run", m_delete.dryRun, "Tell what would go, and keep it");
+        command->add_flag("--json", m_delete.json, "Print JSON");
+        command->callback(
+            [this]
+            {
+                m_delete.device = m_device;
+                m_run = [this] { return runDelete(m_delete); };
+            });
+    }
+
+    void addDone()
+    {
+        CLI::App *const command = m_app.add_subcommand("done", "Complete a task; one that repeats moves on");
+        command->add_option("id", m_done.id, "Id of the task")->type_name("ID")->required();
+        command->add_flag("--undo", m_done.undo, "Open it again");
+        command->add_flag("--json", m_done.json, "Print JSON");
+        command->callback(
+            [this]
+            {
+                m_done.device = m_device;
+                m_run = [this] { return runDone(m_done); };
+            });
+    }
+
     CLI::App m_app;
     std::filesystem::path m_device;
     InitArguments m_init;
@@ -423,6 +564,9 @@ class CommandLine
     ShowArguments m_show;
     SettingsArguments m_settings;
     CategoriesArguments m_categories;
+    AddArguments m_add;
+    DeleteArguments m_delete;
+    DoneArguments m_done;
     std::function<int()> m_run;
 };
 } // namespace

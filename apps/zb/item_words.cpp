@@ -1,0 +1,155 @@
+#include "zb/item_words.h"
+
+#include "platform/clock.h"
+#include "platform/text.h"
+#include "zb/bad_usage.h"
+#include "zb/days.h"
+#include "zb/exit_code.h"
+#include "zb/terminal.h"
+
+#include <cstdio>
+
+namespace zb::cli
+{
+namespace
+{
+/// "9:30"; nothing for a text that is no time.
+std::optional<int> minuteOf(const std::string &text)
+{
+    int hour = 0;
+    int minute = 0;
+    int length = 0;
+    const bool whole = std::sscanf(text.c_str(), "%2d:%2d%n", &hour, &minute, &length) == 2 &&
+                       static_cast<std::size_t>(length) == text.size();
+    const bool exists = hour >= 0 && hour < 24 && minute >= 0 && minute < 60;
+    return whole && exists ? std::optional(hour * 60 + minute) : std::nullopt;
+}
+
+std::string takeText(BSTR text)
+{
+    std::string taken = text == nullptr ? std::string() : visibleText(std::u16string_view(text, SysStringLen(text)));
+    SysFreeString(text);
+    return taken;
+}
+
+const char *wordsFor(HRESULT result)
+{
+    switch (result)
+    {
+    case PIM_E_SERIES:
+        return "this can't be done with a day of a series";
+    case PIM_E_DATE:
+        return "a date is not valid";
+    case PIM_E_END_BEFORE_START:
+        return "it can't end before it starts";
+    case PIM_E_REMINDER:
+        return "the time of the reminder is not valid";
+    case PIM_E_NO_OCCURRENCE:
+        return "the item does not take place on that day";
+    case PIM_E_RECURRENCE:
+        return "the repetition is not valid, or has no day";
+    case PIM_E_SERIES_END:
+        return "the repetition ends before it starts";
+    case PIM_E_OCCURRENCE_LENGTH:
+        return "it lasts longer than the time to its next day";
+    case PIM_E_OCCURRENCE_MOVED:
+        return "a day can't be moved past the one before or behind it";
+    case E_INVALIDARG:
+        return "a value is not possible, or the item is too long";
+    default:
+        return nullptr;
+    }
+}
+} // namespace
+
+ItemText::ItemText(const std::string &utf8) : m_text(SysAllocString(toUtf16(utf8).c_str()))
+{
+}
+
+ItemText::~ItemText()
+{
+    SysFreeString(m_text);
+}
+
+std::optional<Moment> momentFromText(const std::string &text, int today)
+{
+    std::size_t split = text.find(' ');
+    split = split == std::string::npos ? text.find('T') : split;
+    const std::optional<int> day = dayFromText(text.substr(0, split), today);
+    if (!day || split == std::string::npos)
+    {
+        return day ? std::optional(Moment{static_cast<DATE>(*day), false}) : std::nullopt;
+    }
+    const std::optional<int> minute = minuteOf(text.substr(split + 1));
+    return minute ? std::optional(Moment{*day + *minute / 1440.0, true}) : std::nullopt;
+}
+
+Moment momentOption(const std::string &text, const char *option)
+{
+    const std::optional<Moment> moment = momentFromText(text, today());
+    if (!moment)
+    {
+        throw BadUsage("\"" + text + "\" of " + option +
+                       " is neither a day (2026-11-21, today, +3) nor a day and a time (2026-11-21 9:30)");
+    }
+    return *moment;
+}
+
+std::string titleOf(IPOutlookItem &item)
+{
+    void *found = nullptr;
+    BSTR text = nullptr;
+    switch (item.GetItemType())
+    {
+    case olAppointmentItem:
+        item.QueryInterface(IID_IAppointment, &found);
+        Counted<IAppointment>(static_cast<IAppointment *>(found))->get_Subject(&text);
+        break;
+    case olTaskItem:
+        item.QueryInterface(IID_ITask, &found);
+        Counted<ITask>(static_cast<ITask *>(found))->get_Subject(&text);
+        break;
+    default:
+        item.QueryInterface(IID_IContact, &found);
+        Counted<IContact>(static_cast<IContact *>(found))->get_FileAs(&text);
+        break;
+    }
+    return takeText(text);
+}
+
+const char *kindWord(IPOutlookItem &item)
+{
+    const int kind = item.GetItemType();
+    return kind == olAppointmentItem ? "appointment" : kind == olTaskItem ? "task" : "contact";
+}
+
+int exitCodeOf(HRESULT result)
+{
+    if (result >= 0)
+    {
+        return exitOk;
+    }
+    if (const char *const words = wordsFor(result))
+    {
+        complain(words);
+        return exitUsage;
+    }
+    char code[16];
+    std::snprintf(code, sizeof code, "0x%08X", static_cast<unsigned>(result));
+    complain(std::string("the device can't be read or written (") + code + ")");
+    return exitDevice;
+}
+
+std::string isoText(DATE date, bool withTime)
+{
+    SYSTEMTIME fields{};
+    if (date == PIM_NO_DATE || !VariantTimeToSystemTime(date, &fields))
+    {
+        return {};
+    }
+    char text[40];
+    std::snprintf(text, sizeof text, "%04u-%02u-%02uT%02u:%02u", fields.wYear, fields.wMonth, fields.wDay, fields.wHour,
+                  fields.wMinute);
+    return withTime ? text : std::string(text, 10);
+}
+} // namespace zb::cli

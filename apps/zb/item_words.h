@@ -1,0 +1,46 @@
+// What the commands on items share: moments as written, refused values in words, texts.
+#pragma once
+
+#include "platform/pim_objects.h"
+
+#include <optional>
+#include <string>
+
+namespace zb::cli
+{
+/// A text of the object model for the length of a call.
+class ItemText
+{
+  public:
+    explicit ItemText(const std::string &utf8);
+    ~ItemText();
+    ItemText(const ItemText &) = delete;
+    ItemText &operator=(const ItemText &) = delete;
+    operator BSTR() const
+    {
+        return m_text;
+    }
+
+  private:
+    BSTR m_text;
+};
+
+struct Moment
+{
+    DATE date = 0.0;
+    bool hasTime = false;
+};
+/// A day (see days.h), or one with a blank or "T" and a time behind it: "2026-03-04 10:30", "tomorrow 9:00".
+std::optional<Moment> momentFromText(const std::string &text, int today);
+/// Throws BadUsage for a text that is none.
+Moment momentOption(const std::string &text, const char *option);
+
+/// The subject, or the name that it is filed under.
+std::string titleOf(IPOutlookItem &item);
+/// "appointment", "contact" or "task".
+const char *kindWord(IPOutlookItem &item);
+/// 0, or the exit code of a call that failed; the reason is printed.
+int exitCodeOf(HRESULT result);
+/// "2026-03-04T10:00", or the day alone; empty for no date.
+std::string isoText(DATE date, bool withTime);
+} // namespace zb::cli
