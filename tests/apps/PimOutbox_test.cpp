@@ -4,8 +4,11 @@
 #include "platform/PimObjects.h"
 #include "support/CategoryRecords.h"
 
+#include <algorithm>
+#include <cmath>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 
 namespace
 {

@@ -5,6 +5,7 @@
 #include "platform/pim_recurrence.h"
 #include "support/PropertyRecords.h"
 
+#include <random>
 #include <vector>
 
 namespace
@@ -496,6 +497,44 @@ TEST_F(PimSeriesObject, aPatternThatCannotBeReadStaysAsItIs)
     ASSERT_EQ(item->Save(), S_OK);
     database.seek(CEDB_SEEK_CEOID, oid);
     EXPECT_EQ(ReadRecord(database).bytes(appointmentRecurrence), strange);
+}
+
+TEST_F(PimSeriesObject, damagedPatternsAreWorkedWithOrRefusedAndNeverHang)
+{
+    const LONG oid = weeklyClass();
+    const Counted<IAppointment> renamed = occurrence(oid, date(2026, 3, 11));
+    renamed->put_Subject(Text(u"Exam"));
+    ASSERT_EQ(renamed->Save(), S_OK);
+    const OpenedDatabase database(infoOf(static_cast<CEOID>(oid)).infRecord.oidParent);
+    database.seek(CEDB_SEEK_CEOID, oid);
+    const std::vector<BYTE> good = ReadRecord(database).bytes(appointmentRecurrence);
+    std::mt19937 random(20261121);
+    int read = 0;
+    for (int round = 0; round < 400; ++round)
+    {
+        std::vector<BYTE> bad = good;
+        for (int n = 0; n < 2; ++n)
+        {
+            bad[random() % bad.size()] = static_cast<BYTE>(random());
+        }
+        database.write(static_cast<CEOID>(oid), {blobValue(appointmentRecurrence, bad)});
+        const Counted<IAppointment> item = itemOf<IAppointment>(app, oid);
+        ASSERT_TRUE(item);
+        for (int day = 1; day <= 31; ++day)
+        {
+            Counted<IAppointment> found;
+            if (patternOf(item)->GetOccurrence(date(2026, 3, day), found.out()) == S_OK)
+            {
+                ++read;
+                found->put_Duration(5);
+                found->Save();
+            }
+        }
+        item->put_Start(valueOf<DATE>(item, &IAppointment::get_Start));
+        item->put_Duration(30);
+        item->Save();
+    }
+    EXPECT_GT(read, 100);
 }
 
 TEST_F(PimSeriesObject, aSeriesOfAnotherZoneKeepsItsZoneWhileItsTimesStay)

@@ -30,6 +30,10 @@ class ByteReader
     {
         return m_at;
     }
+    void fail()
+    {
+        m_good = false;
+    }
     void moveTo(std::size_t at)
     {
         m_at = at;
@@ -227,6 +231,10 @@ RecurrenceException readException(ByteReader &in)
     exception.newStart = in.dword();
     exception.newEnd = in.dword();
     exception.originalStart = in.dword();
+    if (exception.newStart < earliestException || exception.originalStart < earliestException)
+    {
+        in.fail(); // written again, it would be taken for one that is out of place
+    }
     const WORD flags = in.word();
     exception.notesChanged = flags > 0xFF;
     readParts(in, static_cast<WORD>(exception.notesChanged ? flags - 0x100 : flags), exception);
