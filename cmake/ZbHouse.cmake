@@ -37,10 +37,6 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
   target_compile_options(zb_house INTERFACE
     $<$<CONFIG:Release,RelWithDebInfo>:-Wno-array-bounds;-Wno-stringop-overflow;-Wno-restrict>)
 endif()
-# GCC 12 sees uninitialised variables in code that sanitizers have instrumented.
-if(ZB_SANITIZE AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-  target_compile_options(zb_house INTERFACE -Wno-maybe-uninitialized)
-endif()
 target_include_directories(zb_house INTERFACE "${CMAKE_SOURCE_DIR}/src" "${CMAKE_SOURCE_DIR}/apps")
 
 # All sources of a folder of this directory, without those of its subfolders.
