@@ -107,7 +107,8 @@ class Stage
 };
 
 /// Waits for the disk, so the time is that of the wall.
-template <typename Work> void compare(benchmark::State &state, Stage &stage, Work &&work)
+template <typename Work>
+void compare(benchmark::State &state, Stage &stage, Work &&work)
 {
     std::size_t at = 0;
     std::size_t bareAt = 0;

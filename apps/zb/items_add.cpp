@@ -19,7 +19,8 @@ constexpr LONG usualMinutes = 60;
 constexpr LONG minutesOfDay = 1440;
 
 /// What a put refuses, Save tells.
-template <typename Item> Counted<Item> as(IDispatch *item, const GUID &id)
+template <typename Item>
+Counted<Item> as(IDispatch *item, const GUID &id)
 {
     void *found = nullptr;
     item->QueryInterface(id, &found);
@@ -59,7 +60,8 @@ void putRepetition(IRecurrencePattern &pattern, const AddArguments &arguments)
     }
 }
 
-template <typename Item> void putPattern(Item &item, const AddArguments &arguments)
+template <typename Item>
+void putPattern(Item &item, const AddArguments &arguments)
 {
     Counted<IRecurrencePattern> pattern;
     if (arguments.repeat && SUCCEEDED(item.GetRecurrencePattern(pattern.out())))
@@ -213,9 +215,8 @@ int runAdd(const AddArguments &arguments)
     LONG oid = 0;
     item->get_Oid(&oid);
     Output output;
-    output.line(arguments.json
-                    ? text(Json{{"version", jsonVersion}, {"kind", kindWord(*item)}, {"id", oid}})
-                    : std::to_string(oid));
+    output.line(arguments.json ? text(Json{{"version", jsonVersion}, {"kind", kindWord(*item)}, {"id", oid}})
+                               : std::to_string(oid));
     return output.finish() ? exitOk : exitOutput;
 }
 } // namespace zb::cli

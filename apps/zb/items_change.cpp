@@ -28,7 +28,8 @@ Counted<IPOutlookItem> itemOf(COutlook &outlook, CEOID id)
     return Counted<IPOutlookItem>(static_cast<IPOutlookItem *>(found.get()));
 }
 
-template <typename Item> Counted<Item> as(IPOutlookItem &item, const GUID &id)
+template <typename Item>
+Counted<Item> as(IPOutlookItem &item, const GUID &id)
 {
     void *found = nullptr;
     item.QueryInterface(id, &found);

@@ -444,8 +444,7 @@ class CommandLine
                                        {"out", static_cast<ULONG>(olOutOfOffice)}};
         CLI::App *const command = addAddWord(add, "event", "An appointment", olAppointmentItem);
         command->add_option("subject", m_add.subject, "What it is about")->type_name("SUBJECT")->required();
-        command
-            ->add_option("--start", m_add.start, "A day and a time (2026-11-21 9:30); a day alone means whole days")
+        command->add_option("--start", m_add.start, "A day and a time (2026-11-21 9:30); a day alone means whole days")
             ->type_name("WHEN")
             ->required();
         CLI::Option *const end = command->add_option("--end", m_add.end, "Likewise; whole days: the last of them");

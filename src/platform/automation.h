@@ -1,5 +1,5 @@
-// What objects behind interfaces share: results, ids of classes and interfaces, reference counts, dates and flags in the
-// form in which such objects take them.
+// What objects behind interfaces share: results, ids of classes and interfaces, reference counts, dates and flags in
+// the form in which such objects take them.
 //
 // Counts: whoever gets an interface through an out parameter owns one count and gives it back with Release(); an
 // object dies with its last count. Texts: a BSTR that comes out belongs to the caller (SysFreeString), one that goes in
@@ -81,7 +81,8 @@ namespace zb
 ZBPLATFORM_API void guidText(const GUID &id, WCHAR *text);
 
 /// One count of an object, given back at the end.
-template <typename Interface> class Counted
+template <typename Interface>
+class Counted
 {
   public:
     Counted() = default;

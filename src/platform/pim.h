@@ -262,8 +262,8 @@ inline constexpr std::size_t appointmentReadBytes = 0x20000;
 
 /// The properties of a single appointment's record; what the item lacks is written as to be removed, so that the same
 /// call serves a new record and a changed one. Whatever an item of this form can't say (attendees, the extra text),
-/// and categories when it has none, is not among them and stays as it is in a changed record; pattern and zone are removed, and what stores
-/// a series sets them, the recurring flag and the start afterwards.
+/// and categories when it has none, is not among them and stays as it is in a changed record; pattern and zone are
+/// removed, and what stores a series sets them, the recurring flag and the start afterwards.
 ///
 /// An all-day item of n days is stored with n x 1,440 - 1 minutes from midnight of its first day (a time of day in
 /// `start` is dropped), because lists show an item on every day up to the one that its end falls on: 2 days from 3

@@ -15,18 +15,21 @@
 // Dates are local times of the device; a date that no calendar has, or that lies before 1601-01-02 or behind
 // 4500-12-31, is refused. 949998.0 (4501-01-01) is "no date" for tasks, birthdays, anniversaries and ends of series.
 //
-// What happens where:
+// The operations, and who asks for them:
 //
-// | operation | asked for by |
-// |---|---|
-// | IPOutlookApp: Logon, CreateItem, GetItemFromOid, GetDefaultFolder, get_OutlookCompatible | the bridge, task items |
-// | items: get/put Categories, BodyInk; get_Oid, Save, Delete | all items |
-// | IAppointment: get/put Subject, Location, Start, End, Duration, AllDayEvent, BusyStatus, Sensitivity, ReminderSet, ReminderMinutesBeforeStart; get IsRecurring, MeetingStatus, Recipients; GetRecurrencePattern, ClearRecurrencePattern, Send, Cancel | appointment item, conversion, encryption |
-// | ITask: get/put Subject, StartDate, DueDate, Complete, Importance, Sensitivity, ReminderSet, TeamTask; get IsRecurring, DateCompleted; GetRecurrencePattern, ClearRecurrencePattern, SkipRecurrence | task item, conversion, encryption |
-// | IContact: get/put of its texts and addresses, Birthday, Anniversary | contact item |
-// | IRecurrencePattern: get/put RecurrenceType, PatternStartDate, StartTime, EndTime, Duration, PatternEndDate, NoEndDate, Occurrences, Interval, DayOfWeekMask, DayOfMonth, Instance, MonthOfYear; GetOccurrence | appointment and task items |
-// | IFolder: AddItemToInfraredFolder, SendToInfrared | all items |
-// | items: get/put Body, Copy; IFolder: get_Items | hosts |
+// - IPOutlookApp (the bridge, task items): Logon, CreateItem, GetItemFromOid, GetDefaultFolder, get_OutlookCompatible.
+// - All items: get_ and put_ of Categories and BodyInk; get_Oid, Save, Delete. For hosts: Body, Copy.
+// - IAppointment (appointment item, conversion, encryption): get_ and put_ of Subject, Location, Start, End, Duration,
+//   AllDayEvent, BusyStatus, Sensitivity, ReminderSet, ReminderMinutesBeforeStart; get_ of IsRecurring, MeetingStatus,
+//   Recipients; GetRecurrencePattern, ClearRecurrencePattern, Send, Cancel.
+// - ITask (task item, conversion, encryption): get_ and put_ of Subject, StartDate, DueDate, Complete, Importance,
+//   Sensitivity, ReminderSet, TeamTask; get_ of IsRecurring, DateCompleted; GetRecurrencePattern,
+//   ClearRecurrencePattern, SkipRecurrence.
+// - IContact (contact item): get_ and put_ of its texts and addresses, Birthday, Anniversary.
+// - IRecurrencePattern (appointment and task items): get_ and put_ of RecurrenceType, PatternStartDate, StartTime,
+//   EndTime, Duration, PatternEndDate, NoEndDate, Occurrences, Interval, DayOfWeekMask, DayOfMonth, Instance,
+//   MonthOfYear; GetOccurrence.
+// - IFolder (all items): AddItemToInfraredFolder, SendToInfrared. For hosts: get_Items.
 //
 // Threads: an application and all that comes from it belong to one thread at a time. Objects may outlive their
 // application, and the device: without one their calls fail, with another they look there.
@@ -44,15 +47,15 @@ inline constexpr GUID IID_ITask{0x7A420004, 0x5A42, 0x4900, {0x91, 0x10, 0x5A, 0
 inline constexpr GUID IID_IContact{0x7A420005, 0x5A42, 0x4900, {0x91, 0x10, 0x5A, 0x42, 0x54, 0x4F, 0x4F, 0x4C}};
 
 /// Results for values and wishes that are refused; the hosts have a text for each.
-inline constexpr HRESULT PIM_E_SERIES = makeResult(0x80040064U);             ///< not with an item of a series
-inline constexpr HRESULT PIM_E_DATE = makeResult(0x80040066U);               ///< no valid date
-inline constexpr HRESULT PIM_E_END_BEFORE_START = makeResult(0x80040067U);   ///< the end, or due date, before the start
-inline constexpr HRESULT PIM_E_REMINDER = makeResult(0x80040068U);           ///< no valid time of a reminder
-inline constexpr HRESULT PIM_E_NO_OCCURRENCE = makeResult(0x80040069U);      ///< the series has none on that day
-inline constexpr HRESULT PIM_E_RECURRENCE = makeResult(0x8004006AU);         ///< no valid pattern
-inline constexpr HRESULT PIM_E_SERIES_END = makeResult(0x8004006BU);         ///< the series ends before it starts
-inline constexpr HRESULT PIM_E_OCCURRENCE_LENGTH = makeResult(0x8004006CU);  ///< longer than the time to the next one
-inline constexpr HRESULT PIM_E_OCCURRENCE_MOVED = makeResult(0x8004006DU);   ///< moved to or past a neighbour
+inline constexpr HRESULT PIM_E_SERIES = makeResult(0x80040064U);            ///< not with an item of a series
+inline constexpr HRESULT PIM_E_DATE = makeResult(0x80040066U);              ///< no valid date
+inline constexpr HRESULT PIM_E_END_BEFORE_START = makeResult(0x80040067U);  ///< the end, or due date, before the start
+inline constexpr HRESULT PIM_E_REMINDER = makeResult(0x80040068U);          ///< no valid time of a reminder
+inline constexpr HRESULT PIM_E_NO_OCCURRENCE = makeResult(0x80040069U);     ///< the series has none on that day
+inline constexpr HRESULT PIM_E_RECURRENCE = makeResult(0x8004006AU);        ///< no valid pattern
+inline constexpr HRESULT PIM_E_SERIES_END = makeResult(0x8004006BU);        ///< the series ends before it starts
+inline constexpr HRESULT PIM_E_OCCURRENCE_LENGTH = makeResult(0x8004006CU); ///< longer than the time to the next one
+inline constexpr HRESULT PIM_E_OCCURRENCE_MOVED = makeResult(0x8004006DU);  ///< moved to or past a neighbour
 
 /// No date.
 inline constexpr DATE PIM_NO_DATE = 949998.0;
@@ -162,7 +165,8 @@ struct IRecurrencePattern : IDispatch
     /// Days, weeks or months between, from 1; years are always 1.
     virtual HRESULT get_Interval(LONG *interval) = 0;
     virtual HRESULT put_Interval(LONG interval) = 0;
-    /// Bit 0 Sunday. Types 1, 3, 6; the nth types know single days, 62 (Monday to Friday), 65 (Saturday and Sunday), 127.
+    /// Bit 0 Sunday. Types 1, 3, 6; the nth types know single days, 62 (Monday to Friday), 65 (Saturday and Sunday),
+    /// 127.
     virtual HRESULT get_DayOfWeekMask(LONG *mask) = 0;
     virtual HRESULT put_DayOfWeekMask(LONG mask) = 0;
     /// 1 to 31. Types 2 and 5.
@@ -217,8 +221,8 @@ struct IRecipients : IDispatch
 ///
 /// All-day: whole days, from the day of the start to that of the end, both included (a time of day does not count), so
 /// one day has equal days for start and end. get_End tells the last minute of the last day, get_Duration
-/// n x 1,440 - 1 for n days, as lists have them. Turning all-day on takes the days that the appointment touches; one that
-/// ends at midnight does not touch the day behind it.
+/// n x 1,440 - 1 for n days, as lists have them. Turning all-day on takes the days that the appointment touches; one
+/// that ends at midnight does not touch the day behind it.
 struct IAppointment : IPOutlookItem
 {
     virtual HRESULT get_Subject(BSTR *text) = 0;

@@ -77,9 +77,9 @@ struct RecurrenceException
     std::optional<bool> allDay;
     bool notesChanged = false;
     // What only other programs write and read, kept from record to record.
-    std::optional<DWORD> part8;   ///< of flag 0x0008
-    std::optional<DWORD> part4;   ///< of flag 0x0004
-    std::vector<BYTE> notesTail;  ///< behind its length; n + 2 bytes
+    std::optional<DWORD> part8;  ///< of flag 0x0008
+    std::optional<DWORD> part4;  ///< of flag 0x0004
+    std::vector<BYTE> notesTail; ///< behind its length; n + 2 bytes
     bool operator==(const RecurrenceException &) const = default;
 };
 

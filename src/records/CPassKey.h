@@ -11,7 +11,7 @@ class ZBTOOLS_API CPassKey
     CPassKey(const CPassKey &) = default;
     CPassKey &operator=(const CPassKey &) = default;
 
-    /// True when the item may be shown: no password is wanted (the setting RequirePassword is 0, as it is at first), the
-    /// device has no library that could ask ("cplmain.cpl"), or the right one was given. The host's thread alone.
+    /// True when the item may be shown: no password is wanted (the setting RequirePassword is 0, as it is at first),
+    /// the device has no library that could ask ("cplmain.cpl"), or the right one was given. The host's thread alone.
     bool CheckPass();
 };

@@ -64,7 +64,8 @@ bool categoriesCanBeRead()
     return db.Open(zb::categoriesDatabase, 0, 0, nullptr);
 }
 
-/// An item object must not hold what is rewritten beside it. The kind of an item is told by its database's first letter.
+/// An item object must not hold what is rewritten beside it. The kind of an item is told by its database's first
+/// letter.
 void releaseItem(IDispatch **item, WCHAR kind)
 {
     if (item == nullptr)

@@ -60,7 +60,8 @@ TEST_F(PimOutbox, anAppointmentComesBackFromItsFile)
     addCategoryRecord(u"Work", 1);
     addCategoryRecord(u"Home", 2);
     const Counted<IAppointment> item = newItem<IAppointment>(app);
-    item->put_Subject(Text(u"Lunch; with, \\ everyone: äöü and a subject that is so long that its line has to be folded"));
+    item->put_Subject(
+        Text(u"Lunch; with, \\ everyone: äöü and a subject that is so long that its line has to be folded"));
     item->put_Location(Text(u"Hill 3"));
     item->put_Body(Text(u"One\r\ntwo\nthree"));
     item->put_Start(date(2026, 7, 4, 10, 15));
@@ -97,13 +98,12 @@ TEST_F(PimOutbox, aSeriesComesBackWithItsDeletedAndChangedDays)
         LONG type, mask, instance;
         bool allDay;
     };
-    for (const Row &row : {Row{olRecursDaily, 0, 0, false}, Row{olRecursWeekly, 42, 0, false},
-                           Row{olRecursMonthly, 0, 0, false}, Row{olRecursMonthNth, 62, 5, false},
-                           Row{olRecursYearNth, 2, 1, false}, Row{olRecursWeekly, 42, 0, true}})
+    for (const Row &row :
+         {Row{olRecursDaily, 0, 0, false}, Row{olRecursWeekly, 42, 0, false}, Row{olRecursMonthly, 0, 0, false},
+          Row{olRecursMonthNth, 62, 5, false}, Row{olRecursYearNth, 2, 1, false}, Row{olRecursWeekly, 42, 0, true}})
     {
         const Counted<IAppointment> item = newItem<IAppointment>(app);
-        const std::string subject =
-            "Series " + std::to_string(row.type) + (row.allDay ? " of days" : "");
+        const std::string subject = "Series " + std::to_string(row.type) + (row.allDay ? " of days" : "");
         item->put_Subject(Text(utf16(subject)));
         item->put_AllDayEvent(row.allDay ? VARIANT_TRUE : VARIANT_FALSE);
         item->put_Start(date(2026, 3, 2, row.allDay ? 0 : 9, row.allDay ? 0 : 30));

@@ -65,9 +65,8 @@ class SavedSeries : public ::testing::Test
     FaultyFileLayer layer;
     TestDevice device{quickOptions(layer)};
     Counted<IPOutlookApp> app = application();
-    std::uint32_t seed = std::getenv("ZB_SEED") != nullptr
-                             ? static_cast<std::uint32_t>(std::atoi(std::getenv("ZB_SEED")))
-                             : 20261121;
+    std::uint32_t seed =
+        std::getenv("ZB_SEED") != nullptr ? static_cast<std::uint32_t>(std::atoi(std::getenv("ZB_SEED"))) : 20261121;
     std::mt19937 random{seed};
 
     int number(int low, int high)
@@ -208,9 +207,9 @@ class SavedSeries : public ::testing::Test
                 continue;
             }
             Counted<IAppointment> occurrence;
-            EXPECT_EQ(patternOf(made.item)->GetOccurrence(day + number(0, 1) * made.startMinute / 1440.0,
-                                                          occurrence.out()),
-                      S_OK);
+            EXPECT_EQ(
+                patternOf(made.item)->GetOccurrence(day + number(0, 1) * made.startMinute / 1440.0, occurrence.out()),
+                S_OK);
             if (!occurrence)
             {
                 continue;

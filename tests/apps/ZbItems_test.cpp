@@ -72,8 +72,8 @@ TEST_F(ZbItemsTest, withoutJsonTheIdAloneIsPrinted)
 
 TEST_F(ZbItemsTest, aSeriesLosesOneDayOrAllOfIt)
 {
-    const std::string id = std::to_string(add({"event", "Class", "--start", "2026-03-02T18:00", "--repeat", "weekly",
-                                               "--every", "2", "--times", "3"}));
+    const std::string id = std::to_string(
+        add({"event", "Class", "--start", "2026-03-02T18:00", "--repeat", "weekly", "--every", "2", "--times", "3"}));
     EXPECT_NE(agendaText("2026-03-30", "2026-03-30").find("Class"), std::string::npos);
     EXPECT_EQ(agendaText("2026-03-09", "2026-03-09").find("Class"), std::string::npos);
     EXPECT_NE(refusal({"delete", id}, 2).find("--yes"), std::string::npos);
@@ -96,8 +96,8 @@ TEST_F(ZbItemsTest, aDoneTaskIsCompletedAndARepeatingOneMovesOn)
     EXPECT_EQ(done["complete"], true);
     EXPECT_EQ(done["due"], "2026-03-06");
     EXPECT_EQ(json({"done", once, "--undo", "--json"}, now())["complete"], false);
-    const std::string again = std::to_string(
-        add({"task", "Water", "--due", "2026-03-03", "--repeat", "weekly", "--until", "2026-03-10"}));
+    const std::string again =
+        std::to_string(add({"task", "Water", "--due", "2026-03-03", "--repeat", "weekly", "--until", "2026-03-10"}));
     EXPECT_EQ(zb({"done", again}, now()).out, "\"Water\" is due again 2026-03-10\n");
     EXPECT_EQ(zb({"done", again}, now()).out, "\"Water\" is completed\n");
     const std::string undated = std::to_string(add({"task", "Some day"}));
@@ -109,7 +109,8 @@ TEST_F(ZbItemsTest, aDoneTaskIsCompletedAndARepeatingOneMovesOn)
 
 TEST_F(ZbItemsTest, anAddedContactIsListed)
 {
-    const int id = add({"contact", "--first", "Anna", "--last", "Berg", "--mobile", "555-01", "--birthday", "1970-05-06"});
+    const int id =
+        add({"contact", "--first", "Anna", "--last", "Berg", "--mobile", "555-01", "--birthday", "1970-05-06"});
     const ProgramResult listed = zb({"contacts", "Berg"});
     EXPECT_NE(listed.out.find("Berg, Anna"), std::string::npos);
     EXPECT_NE(listed.out.find("555-01"), std::string::npos);

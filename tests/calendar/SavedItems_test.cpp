@@ -159,11 +159,10 @@ TEST_F(SavedItems, aDayOfASeriesReadsTheSameAsAnObjectAndAsARow)
     loader.setFilter(CalendarFilter::RangeWithoutDays);
     loader.SetNoHeaderDates(true);
     loader.setRange(2026, 3, 1, 31);
-    const std::vector<std::string> expected = {
-        "2026-03-02 | 2026-03-02 22:00 - 2026-03-03 01:00 | Late shift",
-        "2026-03-03 | 2026-03-03 22:00 - 2026-03-04 01:00 | Late shift",
-        "2026-03-04 | 2026-03-04 20:00 - 2026-03-04 21:00 | Late shift",
-        "2026-03-06 | 2026-03-06 22:00 - 2026-03-07 01:00 | Late shift"};
+    const std::vector<std::string> expected = {"2026-03-02 | 2026-03-02 22:00 - 2026-03-03 01:00 | Late shift",
+                                               "2026-03-03 | 2026-03-03 22:00 - 2026-03-04 01:00 | Late shift",
+                                               "2026-03-04 | 2026-03-04 20:00 - 2026-03-04 21:00 | Late shift",
+                                               "2026-03-06 | 2026-03-06 22:00 - 2026-03-07 01:00 | Late shift"};
     EXPECT_EQ(loader.load(), expected);
     EXPECT_EQ(loader.row(2)->m_bException, 1);
     EXPECT_EQ(utf8(loader.row(2)->m_bstrLocation), "Gate");

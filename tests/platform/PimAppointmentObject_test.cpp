@@ -190,9 +190,9 @@ TEST_F(PimAppointmentObject, wholeDaysThatWereStoredInUtcFromZonesBehindItAreThe
     const Counted<IAppointment> item = saved(date(2026, 3, 4), 1439);
     const LONG oid = oidOf(item);
     const auto start = static_cast<ULONGLONG>(ticksOf(makeFileTime(2026, 3, 3, 23)));
-    databaseOf(oid).write(static_cast<CEOID>(oid), {timeValue(appointmentStart, start),
-                                                    longValue(appointmentDurationType, 1),
-                                                    longValue(appointmentDuration, 1440)});
+    databaseOf(oid).write(static_cast<CEOID>(oid),
+                          {timeValue(appointmentStart, start), longValue(appointmentDurationType, 1),
+                           longValue(appointmentDuration, 1440)});
     const Counted<IAppointment> again = itemOf<IAppointment>(app, oid);
     EXPECT_EQ(dateOf(again, &IAppointment::get_Start), "2026-03-04 00:00");
 }

@@ -58,7 +58,8 @@ class Text
     BSTR m_text;
 };
 
-template <typename Item, typename Base> std::string textOf(const Counted<Item> &item, HRESULT (Base::*getter)(BSTR *))
+template <typename Item, typename Base>
+std::string textOf(const Counted<Item> &item, HRESULT (Base::*getter)(BSTR *))
 {
     BSTR text = nullptr;
     EXPECT_EQ((item.get()->*getter)(&text), S_OK);
@@ -75,7 +76,8 @@ Value valueOf(const Counted<Item> &item, HRESULT (Base::*getter)(Value *))
     return value;
 }
 
-template <typename Item, typename Base> std::string dateOf(const Counted<Item> &item, HRESULT (Base::*getter)(DATE *))
+template <typename Item, typename Base>
+std::string dateOf(const Counted<Item> &item, HRESULT (Base::*getter)(DATE *))
 {
     return text(valueOf<DATE>(item, getter));
 }
@@ -91,45 +93,54 @@ inline Counted<IPOutlookApp> application()
     return made;
 }
 
-template <typename Item> const GUID &interfaceOf();
-template <> inline const GUID &interfaceOf<IAppointment>()
+template <typename Item>
+const GUID &interfaceOf();
+template <>
+inline const GUID &interfaceOf<IAppointment>()
 {
     return IID_IAppointment;
 }
-template <> inline const GUID &interfaceOf<ITask>()
+template <>
+inline const GUID &interfaceOf<ITask>()
 {
     return IID_ITask;
 }
-template <> inline const GUID &interfaceOf<IContact>()
+template <>
+inline const GUID &interfaceOf<IContact>()
 {
     return IID_IContact;
 }
-template <typename Item> constexpr int kindOf = std::is_same_v<Item, IAppointment> ? olAppointmentItem
-                                                : std::is_same_v<Item, ITask>      ? olTaskItem
-                                                                                   : olContactItem;
+template <typename Item>
+constexpr int kindOf = std::is_same_v<Item, IAppointment> ? olAppointmentItem
+                       : std::is_same_v<Item, ITask>      ? olTaskItem
+                                                          : olContactItem;
 
-template <typename Item> Counted<Item> as(IDispatch *item)
+template <typename Item>
+Counted<Item> as(IDispatch *item)
 {
     Counted<Item> found;
     EXPECT_EQ(item->QueryInterface(interfaceOf<Item>(), reinterpret_cast<void **>(found.out())), S_OK);
     return found;
 }
 
-template <typename Item> Counted<Item> newItem(const Counted<IPOutlookApp> &application)
+template <typename Item>
+Counted<Item> newItem(const Counted<IPOutlookApp> &application)
 {
     Counted<IDispatch> made;
     EXPECT_EQ(application->CreateItem(kindOf<Item>, made.out()), S_OK);
     return as<Item>(made.get());
 }
 
-template <typename Item> Counted<Item> itemOf(const Counted<IPOutlookApp> &application, LONG oid)
+template <typename Item>
+Counted<Item> itemOf(const Counted<IPOutlookApp> &application, LONG oid)
 {
     Counted<IDispatch> found;
     EXPECT_EQ(application->GetItemFromOid(oid, found.out()), S_OK);
     return found ? as<Item>(found.get()) : Counted<Item>();
 }
 
-template <typename Item> LONG oidOf(const Counted<Item> &item)
+template <typename Item>
+LONG oidOf(const Counted<Item> &item)
 {
     return valueOf<LONG>(item, &IPOutlookItem::get_Oid);
 }
@@ -141,7 +152,8 @@ class PimObjectsTest : public DeviceTest
     Counted<IPOutlookApp> app = application();
 
     /// Saved; the device and all objects are made anew, so that the disk speaks.
-    template <typename Item> Counted<Item> reread(LONG oid)
+    template <typename Item>
+    Counted<Item> reread(LONG oid)
     {
         app.reset();
         device.reopen();

@@ -102,10 +102,9 @@ TEST_F(PimSeriesObject, theExampleOfTheHeaderHoldsInItsNumbers)
     pattern->put_Occurrences(3);
     ASSERT_EQ(item->Save(), S_OK);
     EXPECT_EQ(dateOf(pattern, &IRecurrencePattern::get_PatternEndDate), "2026-03-18 00:00");
-    for (const auto &[day, result] :
-         {std::pair(2, PIM_E_NO_OCCURRENCE), std::pair(4, S_OK), std::pair(9, PIM_E_NO_OCCURRENCE),
-          std::pair(11, PIM_E_NO_OCCURRENCE), std::pair(16, S_OK), std::pair(18, S_OK),
-          std::pair(30, PIM_E_NO_OCCURRENCE)})
+    for (const auto &[day, result] : {std::pair(2, PIM_E_NO_OCCURRENCE), std::pair(4, S_OK),
+                                      std::pair(9, PIM_E_NO_OCCURRENCE), std::pair(11, PIM_E_NO_OCCURRENCE),
+                                      std::pair(16, S_OK), std::pair(18, S_OK), std::pair(30, PIM_E_NO_OCCURRENCE)})
     {
         EXPECT_EQ(find(oidOf(item), date(2026, 3, day)), result) << day;
     }

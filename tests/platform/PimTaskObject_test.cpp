@@ -121,8 +121,8 @@ TEST_F(PimTaskObject, completingARecurringTaskMovesItOnToTheLastOfItsSeries)
     const LONG oid = oidOf(task);
     EXPECT_EQ(valueOf<VARIANT_BOOL>(task, &ITask::get_IsRecurring), VARIANT_TRUE);
     EXPECT_EQ(recordOf(oid).find(taskRecurringFlag)->val.iVal, 1);
-    for (const auto &[start, due] : {std::pair("2026-03-14 00:00", "2026-03-17 00:00"),
-                                     std::pair("2026-03-28 00:00", "2026-03-31 00:00")})
+    for (const auto &[start, due] :
+         {std::pair("2026-03-14 00:00", "2026-03-17 00:00"), std::pair("2026-03-28 00:00", "2026-03-31 00:00")})
     {
         const Counted<ITask> now = itemOf<ITask>(app, oid);
         now->put_Complete(VARIANT_TRUE);

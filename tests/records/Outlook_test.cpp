@@ -43,8 +43,8 @@ class OutlookTest : public ::testing::Test
     static bool isRegistered()
     {
         HKEY key = nullptr;
-        const LONG result = RegOpenKeyExW(
-            HKEY_CLASSES_ROOT, u"CLSID\\{05058F23-20BE-11D2-8F18-0000F87A4335}\\InProcServer32", 0, 0, &key);
+        const LONG result = RegOpenKeyExW(HKEY_CLASSES_ROOT,
+                                          u"CLSID\\{05058F23-20BE-11D2-8F18-0000F87A4335}\\InProcServer32", 0, 0, &key);
         RegCloseKey(key);
         return result == 0;
     }

@@ -161,7 +161,8 @@ class InfraredFolder final : public CountedObject<IFolder>
     }
 
   private:
-    template <typename Interface> static Counted<Interface> as(IDispatch *item, bool isKind, const GUID &id)
+    template <typename Interface>
+    static Counted<Interface> as(IDispatch *item, bool isKind, const GUID &id)
     {
         void *found = nullptr;
         if (item == nullptr || !isKind || FAILED(item->QueryInterface(id, &found)))

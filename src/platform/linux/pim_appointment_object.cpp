@@ -450,8 +450,7 @@ HRESULT AppointmentObject::saveDay()
 HRESULT AppointmentObject::takeOut(SeriesStep &step, const AppointmentValues &values) const
 {
     const StoredItem nothing;
-    const HRESULT result =
-        encodeAppointmentValues(values, AppointmentValues(), nothing, std::nullopt, step.own);
+    const HRESULT result = encodeAppointmentValues(values, AppointmentValues(), nothing, std::nullopt, step.own);
     if (FAILED(result))
     {
         return result;

@@ -105,8 +105,7 @@ HRESULT takeSeries(AppointmentItem &item, const AppointmentValues &values, bool 
 {
     const AppointmentTimes &times = values.times;
     RecurrencePattern pattern;
-    const HRESULT result =
-        patternOf(*values.rule, dayOfTicks(times.firstMoment()), occurrenceTimes(times), pattern);
+    const HRESULT result = patternOf(*values.rule, dayOfTicks(times.firstMoment()), occurrenceTimes(times), pattern);
     if (FAILED(result))
     {
         return result;

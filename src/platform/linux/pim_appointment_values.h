@@ -21,7 +21,7 @@ struct Recipient
 /// Start and length as they were put; whole days follow from them where all-day is on.
 struct AppointmentTimes
 {
-    LONGLONG start = 0; ///< local ticks; badTime for what is no date
+    LONGLONG start = 0;   ///< local ticks; badTime for what is no date
     LONGLONG minutes = 0; ///< below 0 when the end was put before the start
     bool allDay = false;
     bool badEnd = false; ///< the end that was put is no date

@@ -122,7 +122,8 @@ std::vector<BYTE> categoryBitsOf(const std::u16string &names, const std::vector<
     }
     for (const auto &[id, name] : known)
     {
-        const bool named = std::any_of(parts.begin(), parts.end(), [&name = name](const std::u16string &part)
+        const bool named = std::any_of(parts.begin(), parts.end(),
+                                       [&name = name](const std::u16string &part)
                                        { return lstrcmpW(part.c_str(), name.c_str()) == 0; });
         if (named && !name.empty())
         {

@@ -44,8 +44,8 @@ constexpr std::array addressMembers = {&ContactItem::home, &ContactItem::busines
 
 bool ContactValues::operator==(const ContactValues &other) const
 {
-    const bool texts = std::apply([&](auto... member) { return ((item.*member == other.item.*member) && ...); },
-                                  textMembers);
+    const bool texts =
+        std::apply([&](auto... member) { return ((item.*member == other.item.*member) && ...); }, textMembers);
     return texts && birthday == other.birthday && anniversary == other.anniversary && notes == other.notes &&
            categories == other.categories &&
            std::all_of(addressMembers.begin(), addressMembers.end(),

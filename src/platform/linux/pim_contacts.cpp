@@ -82,9 +82,9 @@ class ContactRecord
     const CEPROPVAL *find(CEPROPID id) const
     {
         const auto *const end = m_properties + m_count;
-        const auto *const found =
-            std::find_if(m_properties, end, [=](const CEPROPVAL &each)
-                         { return each.propid == id && (each.wFlags & CEDB_PROPNOTFOUND) == 0; });
+        const auto *const found = std::find_if(m_properties, end,
+                                               [=](const CEPROPVAL &each)
+                                               { return each.propid == id && (each.wFlags & CEDB_PROPNOTFOUND) == 0; });
         return found == end ? nullptr : found;
     }
     std::u16string text(CEPROPID id) const
@@ -99,7 +99,8 @@ class ContactRecord
     }
     PostalAddress address(CEPROPID first) const
     {
-        return {text(first), text(first + 0x10000), text(first + 0x20000), text(first + 0x30000), text(first + 0x40000)};
+        return {text(first), text(first + 0x10000), text(first + 0x20000), text(first + 0x30000),
+                text(first + 0x40000)};
     }
 
   private:

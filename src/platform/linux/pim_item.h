@@ -40,7 +40,8 @@ inline std::u16string storedText(BSTR text)
     return whole.substr(0, whole.find(u'\0'));
 }
 
-template <typename Value, typename From> HRESULT give(From value, Value *out)
+template <typename Value, typename From>
+HRESULT give(From value, Value *out)
 {
     if (out == nullptr)
     {
@@ -56,7 +57,8 @@ inline HRESULT giveFlag(bool value, VARIANT_BOOL *out)
 }
 
 /// Counts, and the interfaces that an object has.
-template <typename Interface> class CountedObject : public Interface
+template <typename Interface>
+class CountedObject : public Interface
 {
   public:
     ULONG AddRef() override
@@ -110,7 +112,8 @@ template <typename Interface> class CountedObject : public Interface
     std::atomic<ULONG> m_count{1};
 };
 
-template <typename Interface, typename Values> class ItemObject : public CountedObject<Interface>
+template <typename Interface, typename Values>
+class ItemObject : public CountedObject<Interface>
 {
   public:
     int GetItemType() override
@@ -281,7 +284,8 @@ template <typename Interface, typename Values> class ItemObject : public Counted
         }
     }
 
-    template <typename Value> HRESULT takeText(Value Values::*member, BSTR text)
+    template <typename Value>
+    HRESULT takeText(Value Values::*member, BSTR text)
     {
         m_mine.*member = storedText(text);
         return S_OK;

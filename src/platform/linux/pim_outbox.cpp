@@ -66,14 +66,14 @@ HRESULT writeOutbox(const OutboxItem &item)
     for (int number = 1; number <= mostTries; ++number)
     {
         const std::u16string path = numbered(item, number);
-        const HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL,
-                                        nullptr);
+        const HANDLE file =
+            CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
         if (file == INVALID_HANDLE_VALUE && GetLastError() != ERROR_FILE_EXISTS)
         {
             return lastResult();
         }
-        const HRESULT result = file == INVALID_HANDLE_VALUE ? HRESULT_FROM_WIN32(ERROR_FILE_EXISTS)
-                                                            : writeFile(file, item.text);
+        const HRESULT result =
+            file == INVALID_HANDLE_VALUE ? HRESULT_FROM_WIN32(ERROR_FILE_EXISTS) : writeFile(file, item.text);
         if (result != HRESULT_FROM_WIN32(ERROR_FILE_EXISTS))
         {
             return result;

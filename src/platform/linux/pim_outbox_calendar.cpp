@@ -16,7 +16,8 @@ namespace
 constexpr std::array<const char *, 7> dayNames = {"SU", "MO", "TU", "WE", "TH", "FR", "SA"};
 
 /// A getter's text.
-template <typename Item> std::u16string textFrom(Item &item, HRESULT (Item::*getter)(BSTR *))
+template <typename Item>
+std::u16string textFrom(Item &item, HRESULT (Item::*getter)(BSTR *))
 {
     BSTR text = nullptr;
     (item.*getter)(&text);
@@ -25,7 +26,8 @@ template <typename Item> std::u16string textFrom(Item &item, HRESULT (Item::*get
     return copy;
 }
 
-template <typename Value, typename Item> Value valueFrom(Item &item, HRESULT (Item::*getter)(Value *))
+template <typename Value, typename Item>
+Value valueFrom(Item &item, HRESULT (Item::*getter)(Value *))
 {
     Value value{};
     (item.*getter)(&value);
@@ -148,10 +150,7 @@ AppointmentTimes timesFrom(IAppointment &item)
 void addStatus(OutboxLines &lines, LONG busy)
 {
     lines.add(busy == olFree ? "TRANSP:TRANSPARENT" : "TRANSP:OPAQUE");
-    const char *status = busy == olFree        ? "FREE"
-                         : busy == olTentative ? "TENTATIVE"
-                         : busy == olBusy      ? "BUSY"
-                                               : "OOF";
+    const char *status = busy == olFree ? "FREE" : busy == olTentative ? "TENTATIVE" : busy == olBusy ? "BUSY" : "OOF";
     lines.add(std::string("X-MICROSOFT-CDO-BUSYSTATUS:") + status);
 }
 
@@ -296,9 +295,7 @@ HRESULT outboxAppointment(IAppointment &item, OutboxMethod method, OutboxItem &m
     const std::string identity = identityOf(oid, record);
     OutboxLines lines;
     const TimeWriter times(lines, recurring);
-    begin(lines, method == OutboxMethod::Request  ? "REQUEST"
-                 : method == OutboxMethod::Cancel ? "CANCEL"
-                                                  : "PUBLISH");
+    begin(lines, method == OutboxMethod::Request ? "REQUEST" : method == OutboxMethod::Cancel ? "CANCEL" : "PUBLISH");
     lines.add("BEGIN:VEVENT");
     lines.add("UID:" + identity);
     lines.add("DTSTAMP:" + nowText());

@@ -53,8 +53,8 @@ class PatternObject final : public CountedObject<IRecurrencePattern>
             changed.occurrences = before.occurrences;
             changed.lastDay = before.lastDay;
         }
-        const bool known = (type >= olRecursDaily && type <= olRecursMonthNth) || type == olRecursYearly ||
-                           type == olRecursYearNth;
+        const bool known =
+            (type >= olRecursDaily && type <= olRecursMonthNth) || type == olRecursYearly || type == olRecursYearNth;
         return known ? S_OK : PIM_E_RECURRENCE;
     }
     HRESULT get_PatternStartDate(DATE *date) override

@@ -138,7 +138,7 @@ std::optional<int> SeriesDays::onOrAfter(int day) const
 std::optional<int> SeriesDays::before(int day) const
 {
     // Backwards by ever larger steps until something lies between, then forward from there.
-    for (int step = 40; ; step *= 2)
+    for (int step = 40;; step *= 2)
     {
         const int from = std::max(day - step, m_first);
         std::optional<int> found;

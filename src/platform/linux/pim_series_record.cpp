@@ -226,7 +226,8 @@ SeriesRecord::Span SeriesRecord::spanOf(int day) const
     {
         return spanOf(timesOf(*exception));
     }
-    return {ticksOfDay(day) + wallOfMinutes(m_pattern.startMinute), ticksOfDay(day) + wallOfMinutes(m_pattern.endMinute)};
+    return {ticksOfDay(day) + wallOfMinutes(m_pattern.startMinute),
+            ticksOfDay(day) + wallOfMinutes(m_pattern.endMinute)};
 }
 
 /// The day of the pattern next to one, passing over deleted ones.

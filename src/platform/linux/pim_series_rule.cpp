@@ -60,8 +60,7 @@ bool isIntervalValid(const SeriesRule &rule)
     {
         return rule.interval == 1;
     }
-    const LONG most =
-        rule.type == olRecursDaily ? std::numeric_limits<LONG>::max() / minutesOfDay / 2 : mostPeriods;
+    const LONG most = rule.type == olRecursDaily ? std::numeric_limits<LONG>::max() / minutesOfDay / 2 : mostPeriods;
     return isIn(rule.interval, 1, most);
 }
 

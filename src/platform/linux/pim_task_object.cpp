@@ -385,8 +385,8 @@ HRESULT TaskObject::encode(const TaskValues &values, const TaskValues &before, c
 {
     TaskValues saved = values;
     std::optional<RecurrencePattern> pattern = patternOf(record);
-    const bool newRule = saved.rule && (record.count() == 0 || saved.rule != before.rule ||
-                                        saved.patternStart != before.patternStart);
+    const bool newRule =
+        saved.rule && (record.count() == 0 || saved.rule != before.rule || saved.patternStart != before.patternStart);
     if (newRule)
     {
         if (const HRESULT result = alignedPattern(saved, before, pattern); FAILED(result))

@@ -175,10 +175,10 @@ bool WallClock::operator==(const WallClock &other) const
     {
         return false;
     }
-    return !hasChanges() || (m_zone.StandardBias == other.m_zone.StandardBias &&
-                             m_zone.DaylightBias == other.m_zone.DaylightBias &&
-                             isSame(m_zone.StandardDate, other.m_zone.StandardDate) &&
-                             isSame(m_zone.DaylightDate, other.m_zone.DaylightDate));
+    return !hasChanges() ||
+           (m_zone.StandardBias == other.m_zone.StandardBias && m_zone.DaylightBias == other.m_zone.DaylightBias &&
+            isSame(m_zone.StandardDate, other.m_zone.StandardDate) &&
+            isSame(m_zone.DaylightDate, other.m_zone.DaylightDate));
 }
 
 std::optional<TIME_ZONE_INFORMATION> decodeZone(const BYTE *bytes, std::size_t size)
