@@ -29,6 +29,7 @@ void CHTMLParser::DeleteAllTokens()
 {
     m_Tokens.RemoveAll();
     m_pBookmark.reset();
+    m_stretches.clear();
     if (m_pFits != nullptr)
     {
         m_pFits->clear();

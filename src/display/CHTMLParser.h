@@ -12,6 +12,7 @@
 
 #include "core/CePtrList.h"
 #include "display/HTMLTOKEN.h"
+#include "display/ImageStretches.h"
 #include "display/RunFits.h"
 
 #include <optional>
@@ -70,6 +71,18 @@ class ZBTOOLS_API CHTMLParser
 
     /// What the renderer remembers of the tokens; for it alone.
     zb::RunFits &Fits();
+    zb::ImageStretches &Stretches()
+    {
+        return m_stretches;
+    }
+    int CursorIndex() const
+    {
+        return m_nCurrToken;
+    }
+    void MoveCursor(int token)
+    {
+        m_nCurrToken = token;
+    }
 
   private:
     using Text = std::u16string_view;
@@ -130,4 +143,5 @@ class ZBTOOLS_API CHTMLParser
     CePtrList<HTMLTOKEN *> m_Tokens;
     /// Made at first use.
     std::unique_ptr<zb::RunFits> m_pFits;
+    zb::ImageStretches m_stretches;
 };

@@ -103,6 +103,7 @@ class Drawing
 
 void Drawing::run()
 {
+    m_parser.Stretches().clear();
     const bool any = m_parser.FirstToken();
     m_body = m_parser.GetBackColor(true);
     SetBkMode(m_hdc, TRANSPARENT);

@@ -32,15 +32,26 @@ LONG sum(LONG a, LONG b)
 /// The last break in text[0, count) that leaves a beginning of that width, and its measure; 0 when there is none.
 std::size_t lastFittingBreak(HDC hdc, Text text, std::size_t count, LONG width, SIZE &size)
 {
+    std::vector<int> ends; // of the beginnings, once one of them was too wide
     for (; count > 0; --count)
     {
-        if (isBreak(text[count - 1]))
+        if (!isBreak(text[count - 1]))
         {
-            size = zb::measuredText(hdc, text.substr(0, count));
-            if (size.cx <= width)
-            {
-                return count;
-            }
+            continue;
+        }
+        size = zb::measuredText(hdc, text.substr(0, count));
+        if (size.cx <= width)
+        {
+            return count;
+        }
+        if (ends.empty())
+        {
+            ends = zb::endsOfBeginnings(hdc, text.substr(0, count));
+        }
+        // Characters that take no room leave beginnings of one width: none of them has to be tried again.
+        while (count > 1 && ends[count - 2] == ends[count - 1])
+        {
+            --count;
         }
     }
     return 0;
@@ -100,9 +111,17 @@ class Line
     }
     void measure(bool withRest)
     {
+        // A row of pictures is taken in one step, to the token behind it.
         while (m_parser.EndOfTokens() == FALSE && !endsAtToken() && (withRest || !m_past))
         {
-            m_parser.NextToken();
+            if (m_parser.GetCurrTokenType() != TOKEN_IMAGE)
+            {
+                m_parser.NextToken();
+            }
+            else
+            {
+                m_parser.MoveCursor(m_parser.Stretches().from(m_parser).end);
+            }
         }
     }
     SIZE size() const
@@ -124,7 +143,7 @@ class Line
             return endsInText();
         case TOKEN_IMAGE:
             noteAlign();
-            addImage();
+            addImages();
             return false;
         default:
             return Text(m_parser.GetCurrToken()) == u"BR";
@@ -134,13 +153,13 @@ class Line
     {
         m_past = m_past || (!m_ignoreAlign && m_parser.GetCurrTextAlign() != m_align);
     }
-    void addImage()
+    void addImages()
     {
-        zb::ImagePlace image{};
-        if (!m_past && zb::currentImage(m_parser, image))
+        const zb::ImageStretch &images = m_parser.Stretches().from(m_parser);
+        if (!m_past && images.height != 0)
         {
-            m_x = sum(m_x, image.width);
-            m_height = std::max(m_height, sum(m_descent, image.height));
+            m_x = static_cast<LONG>(std::min<LONGLONG>(m_x + images.width, std::numeric_limits<LONG>::max()));
+            m_height = std::max(m_height, sum(m_descent, images.height));
         }
     }
     bool endsInText()
@@ -176,11 +195,25 @@ class Line
 
 namespace zb
 {
+LONG widthOf(const RECT &rect)
+{
+    return static_cast<LONG>(std::clamp<LONGLONG>(LONGLONG{rect.right} - rect.left, std::numeric_limits<LONG>::min(),
+                                                  std::numeric_limits<LONG>::max()));
+}
+
 SIZE measuredText(HDC hdc, Text text)
 {
     SIZE size{};
     GetTextExtentExPointW(hdc, text.data(), static_cast<int>(text.size()), 0, nullptr, nullptr, &size);
     return size;
+}
+
+std::vector<int> endsOfBeginnings(HDC hdc, Text text)
+{
+    std::vector<int> ends(text.size());
+    SIZE size{};
+    GetTextExtentExPointW(hdc, text.data(), static_cast<int>(text.size()), 0, nullptr, ends.data(), &size);
+    return ends;
 }
 
 std::size_t charactersToTry(HDC hdc, Text text, LONG width, SIZE &size)
@@ -259,7 +292,7 @@ void placeRun(HDC hdc, const RunFit &fit, RECT &rect, bool measureOnly)
 
 bool DrawTextRun(HDC hdc, const WCHAR *text, RECT *rect, bool measureOnly, int *chars)
 {
-    const zb::RunFit fit = fitText(hdc, text, sum(rect->right, -rect->left));
+    const zb::RunFit fit = fitText(hdc, text, zb::widthOf(*rect));
     *chars = fit.whole ? -1 : static_cast<int>(fit.chars);
     zb::placeRun(hdc, fit, *rect, measureOnly);
     return fit.whole;

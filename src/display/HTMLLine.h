@@ -5,6 +5,7 @@
 #include "display/CHTMLParser.h"
 
 #include <string_view>
+#include <vector>
 
 /// Fits as much of the text as the width of rect allows and paints it at rect's left top unless measureOnly. True when
 /// all of it went out; chars is then -1. Else chars is how many characters did: up to the last one of " :-;," that has
@@ -20,7 +21,13 @@ ZBTOOLS_API void CalcHTMLLine(HDC hdc, CHTMLParser *parser, int start, SIZE *siz
 
 namespace zb
 {
+/// Of a rectangle whose sides may lie anywhere.
+LONG widthOf(const RECT &rect);
+
 SIZE measuredText(HDC hdc, std::u16string_view text);
+
+/// The width of each beginning of the text, by its number of characters less one.
+std::vector<int> endsOfBeginnings(HDC hdc, std::u16string_view text);
 
 /// No beginning of the text that is longer than this has that width; all of it for a text that may fit. Measures little
 /// more of a long text than a line can hold; size is the measure of what it looked at, of all where that is the result.
