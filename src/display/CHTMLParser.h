@@ -5,8 +5,8 @@
 //
 // Who owns what: the parser owns its tokens, they own their texts and fonts. The source is read during ParseHTML alone.
 // Bitmaps stay the property of the window that gave them.
-// Threads: a parser belongs to one thread at a time; and only one parse runs in the process at a time. A thread that
-// comes while another parses shows an error and ends: parsing belongs to the thread of the windows.
+// Threads: a parser belongs to one thread at a time; and there is one parse in the process at a time. A thread that
+// tries to be a second one shows an error and ends, so parse where the windows are; loaders hand out markup, unparsed.
 // Errors: none. Markup that is no tag is text; a picture that nobody has is a token without a bitmap.
 #pragma once
 

@@ -43,8 +43,8 @@ class Drawing
     void run();
 
   private:
-    /// Whether centred lines that stand lower than y 0 are indented too: those that a wrapped or newly aligned run
-    /// begins are, those behind a line break are not. Kept.
+    /// Whether what is centred is indented as well, unless it stands at y 0: a line that a wrapped run begins is, and a
+    /// run that is centred inside a line, be it the first; a line behind a line break is not, and no picture. Kept.
     enum class CenterIndent
     {
         No,
@@ -54,7 +54,7 @@ class Drawing
     void measureAhead(bool ignoreAlign, bool keepDescent = true);
     LONGLONG leftFor(UINT align, LONGLONG indent, CenterIndent center) const;
     void placeLine(LONGLONG indent, CenterIndent center);
-    /// That of lines other than the first, which have none in a rectangle at y 0.
+    /// Asked for wherever a line goes on or a new one begins; the beginning of the first has none.
     LONGLONG indentHere() const
     {
         return m_top != 0 ? m_indent : 0;

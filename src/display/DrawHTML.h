@@ -26,7 +26,9 @@ inline constexpr DWORD DRAWHTML_SELECTED = 0x0001;
 inline constexpr LONG noWrapWidth = 32000;
 
 /// Paints the tokens, or with DT_CALCRECT in the flags measures them: the rectangle's right and bottom are then those
-/// of the content. indent is the left margin of left-aligned lines other than the first, unless they stand at y 0.
+/// of the content. indent moves to the right, unless it stands at y 0: what is left-aligned on lines other than the
+/// first; centred lines that a run begins by wrapping; and on any line, the first one too, a run that changes the
+/// alignment to left or centre there, or a picture that changes it to left.
 /// hotSpots may be null; else it is emptied and gets a spot for each run with a key on each line, and for each picture
 /// that is painted. The parser's cursor and bookmark are used; the cursor ends behind the last token.
 ZBTOOLS_API void DrawHTML(HDC hdc, RECT *rect, USHORT indent, CHTMLParser *parser, HotSpotArray *hotSpots, DWORD flags);

@@ -1,6 +1,6 @@
 // One piece of parsed markup: a run of text in one font, a line break or a picture.
 //
-// A token owns its text and its font and ends them; the bitmap belongs to the window that answered for it.
+// Text and font go with the token. Of a bitmap it has the handle alone: the window that gave it keeps it.
 #pragma once
 
 #include "core/api.h"

@@ -1,8 +1,8 @@
 // Scaling to the density of the screen: sizes, pictures and outlines.
 //
-// All pixel constants of the engine are those of 96 dots an inch and go through HIDPI_SCALEX and HIDPI_SCALEY; pictures
-// that were made for another density are stretched when they are loaded; outlines of thick pens stay inside their
-// rectangle.
+// The engine counts in pixels of a screen with 96 dots an inch and asks HIDPI_SCALEX and HIDPI_SCALEY what they are on
+// this one. The calls below do the same for what no factor helps with: ready-made pictures, and pens that have become
+// so thick that half of them would lie outside of what they surround.
 //
 // Who owns what: a call that takes the address of a bitmap or icon puts another in its place and ends the former one;
 // on failure the former one stays. Image lists are the caller's (ImageList_Destroy).
@@ -44,11 +44,13 @@ ZBTOOLS_API void HIDPI_InitScaling();
 ZBTOOLS_API BOOL HIDPI_GetBitmapLogPixels(HINSTANCE hInstance, const WCHAR *name, int *x, int *y);
 
 /// Stretches a grid of cols by rows images, each to cx by cy pixels; one of the two may be 0 and then keeps the images'
-/// shape. True and the same handle when they have that size already.
+/// shape. True and the same handle when they have that size already. Neither an image nor the whole grid may be longer
+/// than 32,767 pixels on a side; that is refused, as is a side below 0: pictures are never mirrored.
 ZBTOOLS_API BOOL HIDPI_StretchBitmap(HBITMAP *hBitmap, int cx, int cy, int cols, int rows);
 ZBTOOLS_API BOOL HIDPI_StretchIcon(HICON *hIcon, int cx, int cy);
 
-/// As ImageList_LoadImage, with cx in pixels of the screen: a bitmap of another density is stretched first.
+/// As ImageList_LoadImage, with cx in pixels of the screen: a bitmap of another density is stretched first. Null where
+/// the stretched strip would be longer than 32,767 pixels on a side, or has no whole image in it.
 ZBTOOLS_API HIMAGELIST HIDPI_ImageList_LoadImage(HINSTANCE hInstance, const WCHAR *name, int cx, int grow,
                                                  COLORREF mask, UINT type, UINT flags);
 
