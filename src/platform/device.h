@@ -57,6 +57,8 @@ struct ScreenOptions
     /// Pixels per inch, both ways: 96 to 288 are what the pictures are made for. It never changes the size of a font
     /// or a line by itself: those are asked for in pixels.
     int dotsPerInch = 96;
+    /// Somebody looks at the screen: messages appear there as dialogs and wait for an answer.
+    bool dialogs = false;
 };
 
 /// Where faces come from.
@@ -81,7 +83,8 @@ struct DeviceOptions
     /// The moment now in ticks since 1601, UTC; empty takes the host's clock.
     std::function<LONGLONG()> clock;
     /// Shows a message of MessageBoxW (text, caption, flags) and returns the button that ends it; called on the thread
-    /// that asks, any. Empty writes caption and text to standard error and presses the first button.
+    /// that asks, any. Empty shows a dialog where the screen has them; else it writes caption and text to standard error
+    /// and presses the first button.
     std::function<int(std::u16string_view, std::u16string_view, UINT)> messageBox;
     ScreenOptions screen;
     FontOptions fonts;

@@ -16,6 +16,10 @@
 
 #include "platform/gdi.h"
 
+struct HMENU__;
+/// A menu (menu.h); checked at each use.
+using HMENU = HMENU__ *;
+
 using WNDPROC = LRESULT (*)(HWND, UINT, WPARAM, LPARAM);
 
 inline constexpr UINT WM_NULL = 0x0000;
@@ -54,9 +58,11 @@ inline constexpr UINT WM_KEYUP = 0x0101;
 inline constexpr UINT WM_CHAR = 0x0102;
 inline constexpr UINT WM_INITDIALOG = 0x0110;
 inline constexpr UINT WM_COMMAND = 0x0111;
+inline constexpr UINT WM_SYSCOMMAND = 0x0112;
 inline constexpr UINT WM_TIMER = 0x0113;
 inline constexpr UINT WM_HSCROLL = 0x0114;
 inline constexpr UINT WM_VSCROLL = 0x0115;
+inline constexpr UINT WM_INITMENUPOPUP = 0x0117;
 inline constexpr UINT WM_CTLCOLOREDIT = 0x0133;
 inline constexpr UINT WM_CTLCOLORLISTBOX = 0x0134;
 inline constexpr UINT WM_CTLCOLORBTN = 0x0135;
@@ -67,6 +73,8 @@ inline constexpr UINT WM_LBUTTONDOWN = 0x0201;
 inline constexpr UINT WM_LBUTTONUP = 0x0202;
 inline constexpr UINT WM_LBUTTONDBLCLK = 0x0203;
 inline constexpr UINT WM_MOUSEWHEEL = 0x020A;
+inline constexpr UINT WM_ENTERMENULOOP = 0x0211;
+inline constexpr UINT WM_EXITMENULOOP = 0x0212;
 inline constexpr UINT WM_CAPTURECHANGED = 0x0215;
 inline constexpr UINT WM_USER = 0x0400;
 inline constexpr UINT WM_APP = 0x8000;
@@ -103,6 +111,17 @@ inline constexpr UINT MB_YESNOCANCEL = 3;
 inline constexpr UINT MB_YESNO = 4;
 inline constexpr UINT MB_RETRYCANCEL = 5;
 inline constexpr UINT MB_TYPEMASK = 15;
+/// Its picture, by the next 4 bits.
+inline constexpr UINT MB_ICONERROR = 0x10;
+inline constexpr UINT MB_ICONQUESTION = 0x20;
+inline constexpr UINT MB_ICONWARNING = 0x30;
+inline constexpr UINT MB_ICONINFORMATION = 0x40;
+inline constexpr UINT MB_ICONMASK = 0xF0;
+/// The button that Enter presses: the first unless one of these is given.
+inline constexpr UINT MB_DEFBUTTON2 = 0x100;
+inline constexpr UINT MB_DEFBUTTON3 = 0x200;
+inline constexpr UINT MB_DEFMASK = 0xF00;
+inline constexpr UINT MB_TOPMOST = 0x40000;
 
 inline constexpr int IDOK = 1;
 inline constexpr int IDCANCEL = 2;
@@ -294,7 +313,9 @@ ZBPLATFORM_API BOOL PostThreadMessageW(DWORD thread, UINT message, WPARAM wParam
 ZBPLATFORM_API void PostQuitMessage(int exitCode);
 
 /// Tells the user something and waits for a button; the low 4 bits of the flags choose the buttons (MB_OK ...). Null
-/// texts are empty. Goes where the device's options say, since there are no dialogs yet. Any thread.
+/// texts are empty. Goes where the device's options say: to their own function, else as a dialog of the calling thread
+/// when somebody looks at the screen, else to standard error. In a dialog Escape is Cancel, or OK where that is all there
+/// is; where neither is there it does nothing. Any thread.
 ZBPLATFORM_API int MessageBoxW(HWND owner, const WCHAR *text, const WCHAR *caption, UINT flags);
 /// Dispatches what other threads sent, then takes a posted message, a quit, or a due timer, in that order. first and
 /// last bound the message numbers, both 0 means all; a window takes its own messages and its children's. A quit passes
@@ -396,6 +417,8 @@ inline constexpr int VK_UP = 0x26;
 inline constexpr int VK_RIGHT = 0x27;
 inline constexpr int VK_DOWN = 0x28;
 inline constexpr int VK_DELETE = 0x2E;
+inline constexpr int VK_F1 = 0x70;
+inline constexpr int VK_F2 = 0x71;
 inline constexpr int VK_F10 = 0x79;
 inline constexpr int VK_F23 = 0x86;
 /// The high bit is set while the key is down.

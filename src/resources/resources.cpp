@@ -1,5 +1,6 @@
-// libZBResources: the system's own texts, pictures and dialogs by number.
+// libZBResources: the system's own texts, pictures, dialogs and menus by number.
 #include "dialogs.h"
+#include "menus.h"
 #include "pictures.h"
 #include "texts.h"
 
@@ -10,7 +11,6 @@
 
 namespace
 {
-using zb::resources::Dialog;
 using zb::resources::Language;
 using zb::resources::Picture;
 using zb::resources::Text;
@@ -67,11 +67,12 @@ const Picture *pictureFor(UINT id, int dotsPerInch)
     return best;
 }
 
-const Dialog *dialogFor(UINT id)
+/// Of a list by rising number.
+template <typename Kind>
+const Kind *numbered(const Kind *all, std::size_t count, UINT id)
 {
-    const Dialog *end = zb::resources::dialogs + zb::resources::dialogCount;
-    const Dialog *found = std::lower_bound(zb::resources::dialogs, end, id,
-                                           [](const Dialog &one, UINT number) { return one.number < number; });
+    const Kind *end = all + count;
+    const Kind *found = std::lower_bound(all, end, id, [](const Kind &one, UINT number) { return one.number < number; });
     return found != end && found->number == id ? found : nullptr;
 }
 
@@ -84,13 +85,20 @@ struct Bytes
 Bytes bytesOf(UINT type, UINT id, int dotsPerInch)
 {
     constexpr UINT bitmapType = 2;
+    constexpr UINT menuType = 4;
     constexpr UINT dialogType = 5;
     if (type == bitmapType)
     {
         const Picture *picture = pictureFor(id, dotsPerInch);
         return picture == nullptr ? Bytes{} : Bytes{picture->words, picture->size};
     }
-    const Dialog *dialog = type == dialogType ? dialogFor(id) : nullptr;
+    if (type == menuType)
+    {
+        const auto *menu = numbered(zb::resources::menus, zb::resources::menuCount, id);
+        return menu == nullptr ? Bytes{} : Bytes{menu->bytes, menu->size};
+    }
+    const auto *dialog =
+        type == dialogType ? numbered(zb::resources::dialogs, zb::resources::dialogCount, id) : nullptr;
     return dialog == nullptr ? Bytes{} : Bytes{dialog->bytes, dialog->size};
 }
 } // namespace

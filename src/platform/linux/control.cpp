@@ -29,6 +29,11 @@ HFONT defaultFont()
 }
 } // namespace
 
+HFONT systemFont()
+{
+    return defaultFont();
+}
+
 std::u16string Control::text() const
 {
     // Not through WM_GETTEXT: a host that has put its procedure before ours may answer that with something else.

@@ -133,6 +133,9 @@ void registerControl(const WCHAR *name)
     RegisterClassW(&type);
 }
 
+/// What is written with until somebody gives another font, at the screen's density; the system's own.
+HFONT systemFont();
+
 void registerStatic();
 void registerButton();
 } // namespace zb::internal

@@ -31,7 +31,8 @@ enum class HandleKind : std::uint8_t
     Pen,
     Brush,
     Icon,
-    ImageList
+    ImageList,
+    Menu
 };
 
 /// Base of all that a handle can stand for.

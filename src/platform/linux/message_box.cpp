@@ -1,8 +1,9 @@
-// Messages to the user while there are no dialogs: where the device's options send them, else standard error.
+// Messages to the user: where the device's options send them, to the screen, else to standard error.
 #include "platform/text.h"
 #include "platform/user.h"
 
 #include "platform/linux/device_state.h"
+#include "platform/linux/message_dialog.h"
 
 #include <cstdio>
 
@@ -30,12 +31,16 @@ std::u16string_view viewOf(const WCHAR *text)
 }
 } // namespace
 
-int MessageBoxW(HWND, const WCHAR *text, const WCHAR *caption, UINT flags)
+int MessageBoxW(HWND owner, const WCHAR *text, const WCHAR *caption, UINT flags)
 {
     const auto device = zb::internal::currentDevice();
     if (device != nullptr && device->messageBox)
     {
         return device->messageBox(viewOf(text), viewOf(caption), flags);
+    }
+    if (device != nullptr && device->screen.dialogs)
+    {
+        return zb::internal::runMessageDialog(owner, viewOf(text), viewOf(caption), flags);
     }
     const std::string head = zb::toUtf8(viewOf(caption));
     std::fprintf(stderr, "%s%s%s\n", head.c_str(), head.empty() ? "" : ": ", zb::toUtf8(viewOf(text)).c_str());

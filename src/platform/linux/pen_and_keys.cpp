@@ -1,6 +1,7 @@
 // Pen and keys on their way from the screen to the windows.
 #include "platform/clock.h"
 #include "platform/linux/input_state.h"
+#include "platform/linux/menu_state.h"
 #include "platform/linux/scroll_bars.h"
 #include "platform/linux/windows_place.h"
 #include "platform/screen.h"
@@ -185,6 +186,12 @@ void zb::turnWheel(int steps)
 void zb::keyDown(int key)
 {
     const bool repeated = keysDown[static_cast<unsigned>(key) % keyCount].exchange(true);
+    const HWND active = key == VK_F1 || key == VK_F2 ? GetForegroundWindow() : nullptr;
+    if (active != nullptr && IsWindowEnabled(active) != FALSE && menuBarOf(active) != nullptr)
+    {
+        PostMessageW(active, WM_SYSCOMMAND, pressMenuBarCommand, key - VK_F1);
+        return;
+    }
     if (const HWND window = focusedWindow())
     {
         constexpr LPARAM wasDown = 1 << 30;

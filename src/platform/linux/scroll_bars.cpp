@@ -228,7 +228,7 @@ FrameLayout layoutOf(const WindowObject &object)
 {
     const auto style = static_cast<DWORD>(object.style.load());
     const Box outer = windowBox(object);
-    const Insets all = frameOf(style, static_cast<DWORD>(object.exStyle.load()));
+    const Insets all = frameOf(object);
     FrameLayout layout;
     layout.whole = {0, 0, outer.width(), outer.height()};
     layout.border = all.left;
@@ -244,17 +244,23 @@ FrameLayout layoutOf(const WindowObject &object)
             layout.closeButton.left = layout.caption.right - layout.caption.height();
         }
     }
+    const int menuHeight = object.menuBar != nullptr ? GetSystemMetrics(SM_CYMENU) : 0;
+    const int lowest = layout.whole.bottom - all.left - menuHeight;
+    if (menuHeight != 0)
+    {
+        layout.menuBar = {all.left, lowest, layout.whole.right - all.left, lowest + menuHeight};
+    }
     if (vertical)
     {
         layout.verticalBar = {client.right, client.top, layout.whole.right - all.left, client.bottom};
     }
     if (horizontal)
     {
-        layout.horizontalBar = {client.left, client.bottom, client.right, layout.whole.bottom - all.left};
+        layout.horizontalBar = {client.left, client.bottom, client.right, lowest};
     }
     if (vertical && horizontal)
     {
-        layout.corner = {client.right, client.bottom, layout.whole.right - all.left, layout.whole.bottom - all.left};
+        layout.corner = {client.right, client.bottom, layout.whole.right - all.left, lowest};
     }
     return layout;
 }
@@ -281,6 +287,7 @@ FramePart framePartAt(HWND window, POINT point)
                                                        {layout.caption, FramePart::Caption},
                                                        {layout.verticalBar, FramePart::VerticalBar},
                                                        {layout.horizontalBar, FramePart::HorizontalBar},
+                                                       {layout.menuBar, FramePart::MenuBar},
                                                        {layout.whole, FramePart::Border}};
     for (const auto &[box, part] : parts)
     {

@@ -11,6 +11,7 @@ enum class FramePart
     Nowhere = 0,
     Client = 1,
     Caption = 2,
+    MenuBar = 5,
     HorizontalBar = 6,
     VerticalBar = 7,
     Border = 18,
@@ -28,6 +29,7 @@ struct FrameLayout
     Box horizontalBar;
     Box verticalBar;
     Box corner; ///< between two scroll bars
+    Box menuBar;
     int border = 0;
 };
 /// Under treeLock().

@@ -1,5 +1,6 @@
 // Windows: making, destroying, their words and their texts.
 #include "platform/linux/input_state.h"
+#include "platform/linux/menu_state.h"
 #include "platform/linux/windows_change.h"
 #include "platform/linux/windows_frame.h"
 #include "platform/linux/windows_paint.h"
@@ -346,6 +347,12 @@ LRESULT DefWindowProcW(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
         return 0;
     case WM_NCLBUTTONDOWN:
         penOnFrame(window, wParam, lParam);
+        return 0;
+    case WM_SYSCOMMAND:
+        if (wParam == pressMenuBarCommand)
+        {
+            pressMenuBar(window, static_cast<int>(lParam));
+        }
         return 0;
     case WM_WINDOWPOSCHANGED:
         return tellPlaceChanged(window, *reinterpret_cast<const WINDOWPOS *>(lParam));

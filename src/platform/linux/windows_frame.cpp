@@ -1,5 +1,6 @@
 // The frame of a window: border, title, scroll bars, and what the pen does with them.
 #include "platform/linux/device_state.h"
+#include "platform/linux/menu_state.h"
 #include "platform/linux/scroll_bars.h"
 #include "platform/linux/windows_frame.h"
 
@@ -145,6 +146,10 @@ void paintFrame(HWND window)
     }
     const RECT corner = rectOf(look.layout.corner);
     FillRect(context, &corner, GetSysColorBrush(COLOR_BTNFACE));
+    if (!look.layout.menuBar.isEmpty())
+    {
+        paintMenuBar(window, context, rectOf(look.layout.menuBar));
+    }
     ReleaseDC(window, context);
 }
 
@@ -159,6 +164,9 @@ void penOnFrame(HWND window, WPARAM part, LPARAM where)
         break;
     case FramePart::HorizontalBar:
         trackBar(window, false, point);
+        break;
+    case FramePart::MenuBar:
+        penOnMenuBar(window, point);
         break;
     case FramePart::CloseButton:
         PostMessageW(window, WM_CLOSE, 0, 0);

@@ -164,11 +164,18 @@ Box windowBox(const WindowObject &object)
     return shifted(object.place, outer.left, outer.top);
 }
 
+Insets frameOf(const WindowObject &object)
+{
+    Insets frame = frameOf(static_cast<DWORD>(object.style.load(std::memory_order_relaxed)),
+                           static_cast<DWORD>(object.exStyle.load(std::memory_order_relaxed)));
+    frame.bottom += object.menuBar != nullptr ? GetSystemMetrics(SM_CYMENU) : 0;
+    return frame;
+}
+
 Box clientBox(const WindowObject &object)
 {
     const Box box = windowBox(object);
-    const Insets frame = frameOf(static_cast<DWORD>(object.style.load(std::memory_order_relaxed)),
-                                 static_cast<DWORD>(object.exStyle.load(std::memory_order_relaxed)));
+    const Insets frame = frameOf(object);
     Box client{box.left + frame.left, box.top + frame.top, box.right - frame.right, box.bottom - frame.bottom};
     // A window smaller than its frame has no client area, at a place inside it.
     client.left = std::min(client.left, box.right);

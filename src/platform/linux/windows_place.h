@@ -31,6 +31,8 @@ struct Insets
     int bottom = 0;
 };
 Insets frameOf(DWORD style, DWORD exStyle);
+/// The same of a window as it is, with its menu bar.
+Insets frameOf(const WindowObject &object);
 
 /// Windows of the screen, the topmost first.
 std::vector<HWND> &screenWindows();

@@ -85,6 +85,8 @@ class WindowObject final : public HandleObject
     bool frameDirty = false; ///< the frame is to be drawn before it
     bool redraw = true; ///< WM_SETREDRAW
     ScrollBar bars[2]; ///< SB_HORZ, SB_VERT
+    HMENU menuBar = nullptr;
+    int pressedHalf = -1; ///< of the menu bar: what shows as pressed
 
   private:
     const std::shared_ptr<WindowClass> m_type;

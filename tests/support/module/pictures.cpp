@@ -137,12 +137,20 @@ const std::map<UINT, Bytes> &dialogs()
                     {0, {5, 25, 60, 10}, 12, 130, u"Label"}})}};
     return all;
 }
+/// Menu 1: an entry 7 "Ab" and a pop-up "C" with a line in it; menu 2: the same without its last byte.
+const std::map<UINT, Bytes> &menus()
+{
+    static const Bytes whole = {2, 0, 8, 0,    7, 0, 0, 0, 2, 0, 'A', 0, 'b', 0, 0x10, 0, 0, 0,
+                                0, 0, 1, 0, 'C', 0, 1, 0, 0, 8, 0,   0, 0,   0, 0,    0};
+    static const std::map<UINT, Bytes> all = {{1, whole}, {2, Bytes(whole.begin(), whole.end() - 1)}};
+    return all;
+}
 } // namespace
 
 extern "C" const void *zbResourceBytes(UINT type, UINT id, int dotsPerInch, std::size_t *size)
 {
     static const std::map<UINT, Bytes> none;
-    const auto &all = type == 2 ? bitmaps() : type == 5 ? dialogs() : none;
+    const auto &all = type == 2 ? bitmaps() : type == 4 ? menus() : type == 5 ? dialogs() : none;
     const auto found = all.find(id);
     if (found == all.end())
     {
