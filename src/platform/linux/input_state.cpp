@@ -62,6 +62,23 @@ bool canFocus(HWND window)
     return true;
 }
 
+/// The window itself or what lies in it. What it owns stands on the screen by itself: a dialog keeps the focus while its
+/// owner is disabled or hidden.
+bool liesIn(HWND window, HWND outer)
+{
+    while (window != nullptr && window != outer)
+    {
+        const auto object = peekWindow(window);
+        if (object == nullptr)
+        {
+            return false;
+        }
+        const std::lock_guard guard(treeLock());
+        window = object->isChild ? object->parent : nullptr;
+    }
+    return window != nullptr;
+}
+
 void rememberFocus(HWND window)
 {
     if (const auto top = peekWindow(screenWindowOf(window)))
@@ -168,13 +185,13 @@ void focusOnActivation(HWND window, WPARAM wParam)
 void leaveInput(HWND window)
 {
     const HWND capture = readUnderLock(&Input::capture);
-    if (capture != nullptr && isWithin(capture, window))
+    if (capture != nullptr && liesIn(capture, window))
     {
         ReleaseCapture();
     }
     const bool active = readUnderLock(&Input::active) == window;
     const HWND focus = readUnderLock(&Input::focus);
-    if (focus != nullptr && isWithin(focus, window))
+    if (focus != nullptr && liesIn(focus, window))
     {
         moveFocus(nullptr);
     }
