@@ -96,7 +96,7 @@ Bytes dialog(std::initializer_list<Item> items)
 
 Bytes cutShort(Bytes bytes)
 {
-    bytes.resize(bytes.size() - 3);
+    bytes.erase(bytes.end() - 3, bytes.end());
     return bytes;
 }
 
