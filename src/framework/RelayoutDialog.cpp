@@ -75,6 +75,7 @@ HDWP Relayout::defer(HDWP changes, HWND control, const zb::DialogPlace &place) c
                           area.bottom - area.top, SWP_NOZORDER);
 }
 
+/// The control is the only one who knows when the new picture is no longer shown, so it gets that for good.
 void Relayout::setPicture(HWND control, const zb::DialogItem &item, WORD number) const
 {
     const DWORD kind = item.style & SS_TYPEMASK;
@@ -84,7 +85,7 @@ void Relayout::setPicture(HWND control, const zb::DialogItem &item, WORD number)
         if (const HICON icon = LoadIconW(m_hInstance, name); icon != nullptr)
         {
             DestroyIcon(reinterpret_cast<HICON>(
-                SendMessageW(control, STM_SETIMAGE, IMAGE_ICON, reinterpret_cast<LPARAM>(icon))));
+                SendMessageW(control, STM_SETIMAGE, IMAGE_ICON | STM_OWNED, reinterpret_cast<LPARAM>(icon))));
         }
     }
     else if (kind == SS_BITMAP)
@@ -92,7 +93,7 @@ void Relayout::setPicture(HWND control, const zb::DialogItem &item, WORD number)
         if (const HBITMAP bitmap = LoadBitmapW(m_hInstance, name); bitmap != nullptr)
         {
             DeleteObject(reinterpret_cast<HBITMAP>(
-                SendMessageW(control, STM_SETIMAGE, IMAGE_BITMAP, reinterpret_cast<LPARAM>(bitmap))));
+                SendMessageW(control, STM_SETIMAGE, IMAGE_BITMAP | STM_OWNED, reinterpret_cast<LPARAM>(bitmap))));
         }
     }
 }

@@ -20,9 +20,12 @@ inline constexpr DWORD SS_TYPEMASK = 0x001FU;
 inline constexpr DWORD SS_NOPREFIX = 0x0080U;
 inline constexpr DWORD SS_NOTIFY = 0x0100U;
 inline constexpr DWORD SS_CENTERIMAGE = 0x0200U;
-/// Shows another picture and gives back the former, which is the caller's from then on. wParam is the kind (IMAGE_BITMAP
-/// or IMAGE_ICON of image_list.h). A title "#number" names a picture of the resources.
+/// Shows another picture and gives back the former, which is the caller's from then on. wParam is the kind
+/// (IMAGE_BITMAP or IMAGE_ICON of image_list.h); the picture stays the caller's unless STM_OWNED is added. A title
+/// "#number" names a picture of the resources, which is the control's.
 inline constexpr UINT STM_SETIMAGE = 0x0172;
+/// Hands the picture over: the control deletes it when it goes itself.
+inline constexpr WPARAM STM_OWNED = 0x0100;
 inline constexpr UINT STM_GETIMAGE = 0x0173;
 inline constexpr WORD STN_CLICKED = 0;
 

@@ -1,4 +1,5 @@
 // Dialogs laid out anew by a second template.
+#include "framework/MemoryBitmap.h"
 #include "framework/RelayoutDialog.h"
 
 #include "platform/controls.h"
@@ -7,6 +8,7 @@
 #include "platform/resources.h"
 #include "support/DialogBytes.h"
 #include "support/MessageWindow.h"
+#include "support/Picture.h"
 #include "support/TestDevice.h"
 
 namespace
@@ -126,6 +128,43 @@ TEST_F(RelayoutDialogTest, picturesFollowAndTheFormerOnesGo)
     const auto now = reinterpret_cast<HBITMAP>(SendMessageW(control, STM_GETIMAGE, IMAGE_BITMAP, 0));
     ASSERT_NE(GetObjectW(now, sizeof record, &record), 0);
     EXPECT_EQ(record.bmHeight, 32);
+    DestroyWindow(dialog);
+    EXPECT_EQ(GetObjectW(now, sizeof record, &record), 0) << "the control's, and gone with it";
+}
+
+TEST_F(RelayoutDialogTest, iconsFollowAndTheFormerOnesGo)
+{
+    make(71);
+    const HWND control = GetDlgItem(dialog, 1007);
+    const HICON former = LoadIconW(module, MAKEINTRESOURCEW(1));
+    SendMessageW(control, STM_SETIMAGE, IMAGE_ICON, reinterpret_cast<LPARAM>(former));
+    EXPECT_EQ(relayout(72), 1);
+    EXPECT_EQ(DestroyIcon(former), FALSE);
+    const auto now = reinterpret_cast<HICON>(SendMessageW(control, STM_GETIMAGE, IMAGE_ICON, 0));
+    const zb::MemoryBitmap target(96, 40);
+    ASSERT_NE(DrawIconEx(target.context(), 0, 0, now, 0, 0, 0, nullptr, DI_NORMAL), FALSE);
+    // Squares of 32 pixels: red, blue, white.
+    const Picture picture = pictureOf(target.bitmap());
+    EXPECT_EQ(picture.at(31, 31), 0xFF0000U);
+    EXPECT_EQ(picture.at(95, 31), 0xFFFFFFU);
+    EXPECT_EQ(picture.at(95, 32), 0x000000U);
+    DestroyWindow(dialog);
+    EXPECT_EQ(DestroyIcon(now), FALSE) << "the control's, and gone with it";
+}
+
+TEST_F(RelayoutDialogTest, picturesOfTheSecondTemplateGoWhenAThirdComes)
+{
+    make(1);
+    relayout(2);
+    const HWND control = GetDlgItem(dialog, 1004);
+    const auto second = reinterpret_cast<HBITMAP>(SendMessageW(control, STM_GETIMAGE, IMAGE_BITMAP, 0));
+    relayout(1);
+    BITMAP record{};
+    EXPECT_EQ(GetObjectW(second, sizeof record, &record), 0);
+    const auto third = reinterpret_cast<HBITMAP>(SendMessageW(control, STM_GETIMAGE, IMAGE_BITMAP, 0));
+    EXPECT_NE(GetObjectW(third, sizeof record, &record), 0);
+    DestroyWindow(dialog);
+    EXPECT_EQ(GetObjectW(third, sizeof record, &record), 0);
 }
 
 TEST_F(RelayoutDialogTest, whatIsSelectedInListsStays)

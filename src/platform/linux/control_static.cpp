@@ -34,7 +34,7 @@ class Static final : public Control
         case STM_GETIMAGE:
             return reinterpret_cast<LRESULT>(m_picture);
         case STM_SETIMAGE:
-            return setPicture(reinterpret_cast<HGDIOBJ>(lParam));
+            return setPicture(reinterpret_cast<HGDIOBJ>(lParam), (wParam & STM_OWNED) != 0);
         case WM_LBUTTONDOWN:
             if ((style() & SS_NOTIFY) != 0)
             {
@@ -84,11 +84,11 @@ class Static final : public Control
         }
     }
 
-    LRESULT setPicture(HGDIOBJ picture)
+    LRESULT setPicture(HGDIOBJ picture, bool handedOver)
     {
         const HGDIOBJ former = m_picture;
         m_picture = picture;
-        m_isOwn = false;
+        m_isOwn = handedOver;
         refresh();
         return reinterpret_cast<LRESULT>(former);
     }
