@@ -28,11 +28,10 @@ int dotsPerInch(LONG pelsPerMeter)
     return static_cast<int>((std::max(pelsPerMeter, leastPelsPerMeter) * 100LL + 1968) / 3937);
 }
 
-/// `other`, scaled by wanted / given and rounded, with the sign of wanted. given is above 0.
+/// `other`, scaled by wanted / given and rounded. given is above 0; a wanted side below 0 is refused later.
 LONGLONG inProportion(LONGLONG wanted, LONGLONG other, LONGLONG given)
 {
-    const LONGLONG size = (std::abs(wanted) * other + given / 2) / given;
-    return wanted < 0 ? -size : size;
+    return (wanted * other + given / 2) / given;
 }
 
 bool isSide(LONGLONG pixels)

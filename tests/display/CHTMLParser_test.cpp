@@ -202,6 +202,19 @@ TEST_F(CHTMLParserTest, theFontQualityIsThatOfEveryReset)
     EXPECT_EQ(currentFont().lfQuality, NONANTIALIASED_QUALITY);
 }
 
+TEST_F(CHTMLParserTest, aFontQualityThatComesDuringTheParseCountsAtOnce)
+{
+    PictureWindow window;
+    window.onRequest = [this] { parser.SetFontQuality(NONANTIALIASED_QUALITY); };
+    parser.SetFontQuality(CLEARTYPE_QUALITY);
+    parse(u"a<IMG SRC=1>b", window.handle());
+    EXPECT_EQ(currentFont().lfQuality, CLEARTYPE_QUALITY);
+    parser.NextToken();
+    parser.NextToken();
+    EXPECT_EQ(utf8(parser.GetCurrToken()), "b");
+    EXPECT_EQ(currentFont().lfQuality, NONANTIALIASED_QUALITY);
+}
+
 /// Kept: only sizes that are asked for follow a scale that changes later.
 TEST_F(CHTMLParserTest, theHeightOfPlainTextIsTakenOnce)
 {
@@ -375,6 +388,31 @@ TEST_F(CHTMLParserTest, sourcesOf260CharactersAreNotAskedFor)
     EXPECT_EQ(window.requests().size(), 1U);
     EXPECT_EQ(dumpTokens(parser), (std::vector<std::string>{"image \"" + utf8(longest) + "\" length 267 bitmap",
                                                             "image \"IMG SRC=" + utf8(longest) + "p\" length 268"}));
+}
+
+TEST_F(CHTMLParserTest, keyEditableAndColorsAreThoseOfTextAlone)
+{
+    parse(u"<A=k><EDITABLE><FONT COLOR=#112233 BGCOLOR=#445566>a<IMG SRC=5><BR>");
+    EXPECT_EQ(utf8(parser.GetCurrHREF()), "k");
+    EXPECT_TRUE(parser.GetCurrentTokenEditable());
+    EXPECT_EQ(parser.GetForeColor(), RGB(0x11, 0x22, 0x33));
+    EXPECT_EQ(parser.GetBackColor(false), RGB(0x44, 0x55, 0x66));
+    for (const TOKENTYPE type : {TOKEN_IMAGE, TOKEN_TAG})
+    {
+        parser.NextToken();
+        ASSERT_EQ(parser.GetCurrTokenType(), type);
+        EXPECT_EQ(utf8(parser.GetCurrHREF()), "") << type;
+        EXPECT_FALSE(parser.GetCurrentTokenEditable()) << type;
+        EXPECT_EQ(parser.GetForeColor(), 0U) << type;
+        EXPECT_EQ(parser.GetBackColor(false), 0U) << type;
+        EXPECT_EQ(parser.GetCurrFont(), nullptr) << type;
+    }
+}
+
+TEST_F(CHTMLParserTest, aVeryLongTagHasItsEffect)
+{
+    EXPECT_EQ(dumpMarkup(u"<FONT" + std::u16string(6000, u' ') + u"SIZE=2 BGCOLOR=#112233>x"),
+              std::vector<std::string>{"text \"x\" height 13 back #112233"});
 }
 
 TEST_F(CHTMLParserTest, aWindowMayParseOnTheSameThreadMeanwhile)

@@ -94,6 +94,9 @@ TEST_F(DrawingTest, noWidthAtAllEndsWell)
 {
     EXPECT_EQ(paint(u"<A=1>ab cd", {0, 0, 0, 100}), Lines{});
     EXPECT_EQ(paint(u"<A=1>ab cd", {20, 0, 10, 100}), Lines{});
+    window.addBitmap(u"5", 10, 10);
+    EXPECT_EQ(paint(u"<IMG SRC=5>", {0, 0, 0, 100}), Lines{"5 0,10 10,20"});
+    EXPECT_EQ(board.boxOf(0x0000FF), "0,10 10,20");
 }
 
 // --- Line breaks -------------------------------------------------------------------------------------------------
@@ -233,6 +236,18 @@ TEST_F(DrawingTest, leftAlignedTextInsideALineGoesBackToItsIndent)
               (Lines{"1 95,10 100,20", "2 10,10 15,20"}));
 }
 
+TEST_F(DrawingTest, alignmentInsideTheFirstLineIsIndentedBelowTheVeryTop)
+{
+    const RECT low = {0, 5, 100, 100};
+    const std::u16string center = u"<A=1>a<P ALIGN=CENTER><A=2>b";
+    EXPECT_EQ(paint(center, low, 10), (Lines{"1 0,0 5,10", "2 57,0 62,10"}));
+    EXPECT_EQ(paint(center, wide, 10), (Lines{"1 0,0 5,10", "2 47,0 52,10"}));
+    // The first line is placed by all of it: 10 pixels at the right.
+    const std::u16string left = u"<P ALIGN=RIGHT><A=1>a<P ALIGN=LEFT><A=2>b";
+    EXPECT_EQ(paint(left, low, 10), (Lines{"1 90,0 95,10", "2 10,0 15,10"}));
+    EXPECT_EQ(paint(left, wide, 10), (Lines{"1 90,0 95,10", "2 0,0 5,10"}));
+}
+
 TEST_F(DrawingTest, theLineIsAsHighAsItsLastAlignedPart)
 {
     EXPECT_EQ(paint(u"<FONT SIZE=9><A=1>a<FONT SIZE=-1><P ALIGN=RIGHT><A=2>b<BR><A=3>c", wide),
@@ -268,6 +283,14 @@ TEST_F(DrawingTest, aLineOf32000PixelsWrapsAfterAll)
     EXPECT_EQ(measure(text, {0, 0, 64000, 0}), "0,0 32000,20");
 }
 
+/// Runs that do not wrap end at x 32,000 wherever the rectangle begins, but the line is measured from its left.
+TEST_F(DrawingTest, noRunGoesBeyondX32000)
+{
+    const std::u16string text(6399, u'x'); // 31,995 pixels
+    EXPECT_EQ(paint(u"<A=1>" + text, {10, 0, 64010, 100}), (Lines{"1 0,0 31990,10", "1 0,10 5,20"}));
+    EXPECT_EQ(paint(u"<A=1>" + text, {5, 0, 64005, 100}), Lines{"1 0,0 31995,10"});
+}
+
 // --- Pictures ----------------------------------------------------------------------------------------------------
 
 TEST_F(DrawingTest, aPictureIsScaledAndCentredInItsLine)
@@ -285,6 +308,17 @@ TEST_F(DrawingTest, aPictureIsNeverEnlarged)
     EXPECT_EQ(paint(u"<IMG SRC=5 SIZE=-1>", wide), Lines{"5 0,0 6,8"});
     EXPECT_EQ(paint(u"<IMG SRC=5 SIZE=7>", wide), Lines{"5 0,0 5,7"}); // 7 / 8 * 6 = 5.25
     EXPECT_EQ(paint(u"<IMG SRC=5>", wide), Lines{"5 0,0 6,8"});
+}
+
+/// In single precision 13 / 22 * 22 is a little less than 13, and 3 / 37 * 37 a little less than 3.
+TEST_F(DrawingTest, widthsOfScaledPicturesAreCountedInSinglePrecision)
+{
+    window.addBitmap(u"5", 22, 22);
+    window.addBitmap(u"6", 37, 37);
+    EXPECT_EQ(paint(u"<IMG SRC=5 SIZE=13>", wide), Lines{"5 0,0 12,13"});
+    EXPECT_EQ(board.boxOf(0x0000FF), "0,0 12,13");
+    EXPECT_EQ(paint(u"<IMG SRC=6 SIZE=3>", wide), Lines{"6 0,0 2,3"});
+    EXPECT_EQ(board.boxOf(0x0000FF), "0,0 2,3");
 }
 
 TEST_F(DrawingTest, theDescentBeforeAPictureCounts)
@@ -347,6 +381,19 @@ TEST_F(DrawingTest, picturesFollowTheAlignment)
     EXPECT_EQ(paint(u"z<BR><A=1>a<P ALIGN=CENTER><IMG SRC=5>", wide, 8), (Lines{"1 8,10 13,20", "5 45,10 55,20"}));
 }
 
+TEST_F(DrawingTest, aPictureAtTheRightWithoutRoomGoesOneLineDown)
+{
+    window.addBitmap(u"5", 10, 10);
+    const std::u16string nineteen(19, u'x');
+    const std::u16string picture = u"<P ALIGN=RIGHT><IMG SRC=5>";
+    EXPECT_EQ(paint(u"<A=1>" + nineteen.substr(1) + picture, wide), (Lines{"1 0,0 90,12", "5 90,0 100,10"}));
+    // Behind text the line has been measured with the picture: a descent of 2 and its 10 pixels.
+    EXPECT_EQ(paint(u"<A=1>" + nineteen + picture, wide), (Lines{"1 0,0 95,12", "5 90,10 100,20"}));
+    EXPECT_EQ(board.boxOf(0x0000FF), "90,10 100,20");
+    EXPECT_EQ(measure(nineteen + picture, wide), "0,0 100,20");
+    EXPECT_EQ(paint(u"<A=1>" + nineteen + picture, {0, 0, 32100, 100}), (Lines{"1 0,0 95,12", "5 90,0 100,10"}));
+}
+
 TEST_F(DrawingTest, aPictureThatDoesNotFitTheRectangleIsNotPaintedAndKeepsItsPlace)
 {
     window.addBitmap(u"5", 10, 10);
@@ -363,6 +410,16 @@ TEST_F(DrawingTest, aPictureThatBeginsAboveTheTopIsNotPainted)
     window.addBitmap(u"5", 10, 10);
     EXPECT_EQ(paint(u"<IMG SRC=5>", {0, -1, 100, 100}), Lines{});
     EXPECT_EQ(board.boxOf(0x0000FF), "none");
+}
+
+/// Kept.
+TEST_F(DrawingTest, thePlaceOfAPictureHas16Bits)
+{
+    window.addBitmap(u"5", 10, 10);
+    EXPECT_EQ(paint(u"<IMG SRC=5>", {0, 65'536, 100, 65'600}), Lines{"5 0,0 10,10"});
+    EXPECT_EQ(board.boxOf(0x0000FF), "0,0 10,10");
+    EXPECT_EQ(paint(u"<IMG SRC=5>", {0, 65'543, 100, 65'600}), Lines{"5 0,0 10,10"});
+    EXPECT_EQ(board.boxOf(0x0000FF), "0,7 10,17");
 }
 
 TEST_F(DrawingTest, thePlaceOfAPictureIsCutTowardZero)
@@ -422,6 +479,19 @@ TEST_F(DrawingTest, theKeyOfAHotSpotHasZerosBehindIt)
     EXPECT_EQ(std::size(spots[0].szKey), 260U);
 }
 
+TEST_F(DrawingTest, theLongestSourceOfAPictureIsItsKeyAsAWhole)
+{
+    const std::u16string longest = u"a" + std::u16string(257, u'p') + u"z";
+    window.addBitmap(longest, 10, 10);
+    parse(u"<IMG SRC=" + longest + u">");
+    HotSpotArray spots;
+    RECT rect = wide;
+    DrawHTML(board.context(), &rect, 0, &parser, &spots, 0);
+    ASSERT_EQ(spots.size(), 1U);
+    EXPECT_EQ(spots[0].szKey[259], 0);
+    EXPECT_EQ(utf8(spots[0].szKey), utf8(longest));
+}
+
 TEST_F(DrawingTest, measuringFindsTheHotSpotsOfTextToo)
 {
     window.addBitmap(u"5", 10, 10);
@@ -477,8 +547,17 @@ TEST_F(DrawingTest, aPlainRunBehindAColoredOneIsPaintedOnItsColor)
 {
     paint(u"a<FONT SIZE=-1 BGCOLOR=#00FFFF>b<FONT SIZE=-1>cd", wide);
     EXPECT_EQ(board.boxOf(0x00FFFF), "5,0 20,10");
+    paint(u"a<FONT SIZE=-1 BGCOLOR=#00FFFF>b<FONT SIZE=-1>c<BR>d", wide);
+    EXPECT_EQ(board.boxOf(0x00FFFF), "0,0 15,20");
     paint(u"ab", wide);
     EXPECT_EQ(board.boxOf(0x00FFFF), "none");
+}
+
+TEST_F(DrawingTest, aBackgroundNextToTheBodysEndsAColoredOne)
+{
+    paint(u"a<FONT SIZE=-1 BGCOLOR=#00FFFF>b<FONT SIZE=-1 BGCOLOR=#FFFFFE>cd", wide);
+    EXPECT_EQ(board.boxOf(0x00FFFF), "5,0 10,10");
+    EXPECT_EQ(board.boxOf(0xFFFFFE), "10,0 20,10");
 }
 
 TEST_F(DrawingTest, selectedTextHasTheHighlightsColorAndNoBackground)
@@ -561,6 +640,9 @@ TEST_F(DrawingTest, measureHTMLAddsAPixelEachWay)
     RECT rect = {5, 6, 100, 7};
     MeasureHTML(board.context(), &rect, 0, &parser);
     EXPECT_EQ(describe(rect), "5,6 16,27");
+    rect = {5, 6, 100, 7};
+    MeasureHTML(board.context(), &rect, 20, &parser);
+    EXPECT_EQ(describe(rect), "5,6 31,27");
     rect = {0, 0, 32003, 0};
     MeasureHTML(board.context(), &rect, 0, &parser);
     EXPECT_EQ(describe(rect), "0,0 6,21"); // a line that ends at a break counts for no more than the rectangle has

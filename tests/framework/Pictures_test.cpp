@@ -79,6 +79,22 @@ class PicturesAt192 : public PicturesTest
     }
 };
 
+class PicturesAt131 : public PicturesTest
+{
+  protected:
+    PicturesAt131() : PicturesTest(131)
+    {
+    }
+};
+
+class PicturesAt288 : public PicturesTest
+{
+  protected:
+    PicturesAt288() : PicturesTest(288)
+    {
+    }
+};
+
 class PicturesAt144 : public PicturesTest
 {
   protected:
@@ -181,6 +197,9 @@ TEST_F(PicturesTest, whatCannotBeStretchedStays)
     EXPECT_EQ(HIDPI_StretchBitmap(&bitmap, 8, 8, -3, 1), FALSE);
     EXPECT_EQ(HIDPI_StretchBitmap(&bitmap, 30'000, 8, 3, 1), FALSE);
     EXPECT_EQ(HIDPI_StretchBitmap(&bitmap, -16, 16, 3, 1), FALSE);
+    EXPECT_EQ(HIDPI_StretchBitmap(&bitmap, -16, 0, 3, 1), FALSE);
+    EXPECT_EQ(HIDPI_StretchBitmap(&bitmap, 0, -16, 3, 1), FALSE);
+    EXPECT_EQ(HIDPI_StretchBitmap(&bitmap, 32'768, 8, 1, 1), FALSE);
     EXPECT_EQ(bitmap, former);
     EXPECT_EQ(sizeOf(bitmap), "48 by 16");
     HFONT font = GetStockObject(SYSTEM_FONT);
@@ -225,6 +244,17 @@ TEST_F(PicturesTest, noIconIsNotStretched)
     EXPECT_EQ(HIDPI_StretchIcon(nullptr, 16, 16), FALSE);
 }
 
+TEST_F(PicturesTest, iconsOfImpossibleSizesStay)
+{
+    const HICON former = LoadIconW(module, MAKEINTRESOURCEW(1));
+    HICON icon = former;
+    EXPECT_EQ(HIDPI_StretchIcon(&icon, -16, 16), FALSE);
+    EXPECT_EQ(HIDPI_StretchIcon(&icon, 16, -16), FALSE);
+    EXPECT_EQ(HIDPI_StretchIcon(&icon, 32'768, 16), FALSE);
+    EXPECT_EQ(icon, former);
+    EXPECT_NE(DestroyIcon(icon), FALSE);
+}
+
 // --- Image lists -------------------------------------------------------------------------------------------------
 
 TEST_F(PicturesTest, aBitmapOfTwiceTheDensityShrinksByHalf)
@@ -266,13 +296,29 @@ TEST_F(PicturesAt144, oneStripHasSoftSeams)
     ImageList_Destroy(list);
 }
 
+/// Images of 16 pixels that become 25: no whole multiple, so every seam inside one strip would be soft.
 TEST_F(PicturesAt192, imageByImageHasSharpSeams)
 {
-    const HIMAGELIST list = HIDPI_ImageList_LoadImage(module, MAKEINTRESOURCEW(1), 32, 0, CLR_NONE, IMAGE_BITMAP, 0);
-    const zb::MemoryBitmap target(32, 32);
+    const HIMAGELIST list = HIDPI_ImageList_LoadImage(module, MAKEINTRESOURCEW(1), 25, 0, CLR_NONE, IMAGE_BITMAP, 0);
+    const zb::MemoryBitmap target(25, 32);
     ImageList_Draw(list, 0, target.context(), 0, 0, ILD_NORMAL);
-    EXPECT_EQ(pictureOf(target.bitmap()).at(31, 12), 0xFF0000U);
+    EXPECT_EQ(pictureOf(target.bitmap()).at(24, 12), 0xFF0000U);
+    ImageList_Draw(list, 1, target.context(), 0, 0, ILD_NORMAL);
+    EXPECT_EQ(pictureOf(target.bitmap()).at(0, 12), 0x0000FFU);
+    EXPECT_EQ(pictureOf(target.bitmap()).at(24, 12), 0x0000FFU);
     ImageList_Destroy(list);
+}
+
+TEST_F(PicturesAt131, heightsOfImagesAreRounded)
+{
+    // (16 * 131 + 48) / 96 = 22.3; without the 48 it would be 21.8.
+    EXPECT_EQ(listOf(1, 22), "22 by 22: FF0000 0000FF FFFFFF");
+}
+
+TEST_F(PicturesAt288, theDensityAcrossAloneDecidesWhatIsLoadedAsItIs)
+{
+    // 288 by 192 dots: stretched, images would be 72 high.
+    EXPECT_EQ(listOf(4, 48), "48 by 48: FF0000 0000FF");
 }
 
 TEST_F(PicturesAt144, widthsOfImagesAreRounded)
@@ -292,6 +338,8 @@ TEST_F(PicturesTest, listsThatCannotBeMade)
     EXPECT_EQ(listOf(6, 5), "none"); // half of 8 pixels is less than one image of 5
     EXPECT_EQ(listOf(7, 4), "none");
     EXPECT_EQ(listOf(2, -16), "none");
+    EXPECT_EQ(listOf(2, 11'000), "none"); // three images would be wider than any bitmap
+    EXPECT_EQ(HIDPI_ImageList_LoadImage(module, MAKEINTRESOURCEW(2), 16, -1, CLR_NONE, IMAGE_BITMAP, 0), nullptr);
 }
 
 TEST_F(PicturesTest, otherCallsAreHandedOn)
@@ -303,10 +351,10 @@ TEST_F(PicturesTest, otherCallsAreHandedOn)
 
 // --- Outlines ----------------------------------------------------------------------------------------------------
 
-class OutlineTest : public DeviceTest
+class OutlineTest : public ::testing::Test
 {
   protected:
-    OutlineTest()
+    explicit OutlineTest(int dotsPerInch = 96) : device(withDensity(dotsPerInch))
     {
         clear();
     }
@@ -359,11 +407,34 @@ class OutlineTest : public DeviceTest
         return box();
     }
 
+    TestDevice device;
     Scaling scaling;
     zb::MemoryBitmap target{30, 30};
 
   private:
     HPEN m_pen = nullptr;
+};
+
+/// Borders have two pixels there.
+class OutlineAt192 : public OutlineTest
+{
+  protected:
+    OutlineAt192() : OutlineTest(192)
+    {
+    }
+    /// The colours of a column, one letter a pixel.
+    std::string column(int x)
+    {
+        const Picture picture = pictureOf(target.bitmap());
+        std::string text;
+        for (int y = 0; y < 30; ++y)
+        {
+            const std::uint32_t color = picture.at(x, y);
+            text += color == 0 ? 'b' : color == 0xFFFFFF ? '.' : '?';
+        }
+        clear();
+        return text;
+    }
 };
 
 TEST_F(OutlineTest, rectanglesOfAnyPenStayInside)
@@ -458,6 +529,34 @@ TEST_F(OutlineTest, linesOfBordersTakeTheirPen)
     EXPECT_EQ(pictureOf(target.bitmap()).at(10, 10), 0x000000U);
     EXPECT_EQ(box(), "5,10 20,11");
     EXPECT_EQ(GetCurrentObject(target.context(), OBJ_PEN), pen);
+}
+
+TEST_F(OutlineAt192, theRectangleOfBordersStaysInside)
+{
+    select(5);
+    EXPECT_NE(HIDPI_BorderRectangle(target.context(), 5, 6, 25, 20), FALSE);
+    const Picture picture = pictureOf(target.bitmap());
+    EXPECT_EQ(picture.at(5, 6), 0x000000U);
+    EXPECT_EQ(picture.at(6, 7), 0x000000U);
+    EXPECT_EQ(picture.at(7, 8), 0xFFFFFFU);
+    EXPECT_EQ(picture.at(22, 17), 0xFFFFFFU);
+    EXPECT_EQ(picture.at(23, 18), 0x000000U);
+    EXPECT_EQ(box(), "5,6 25,20");
+}
+
+/// A line of 2 pixels lies on its points and the pixels before them.
+TEST_F(OutlineAt192, linesOfBordersLieOnOneSide)
+{
+    select(5);
+    const POINT points[] = {{5, 10}, {20, 10}};
+    const auto rows = [&](UINT flags)
+    {
+        EXPECT_NE(HIDPI_BorderPolyline(target.context(), points, 2, flags), FALSE);
+        return column(12);
+    };
+    EXPECT_EQ(rows(0), std::string(9, '.') + "bb" + std::string(19, '.'));
+    EXPECT_EQ(rows(HIDPI_HORIZONTAL_UP), std::string(9, '.') + "bb" + std::string(19, '.'));
+    EXPECT_EQ(rows(HIDPI_HORIZONTAL_DOWN), std::string(10, '.') + "bb" + std::string(18, '.'));
 }
 
 TEST_F(OutlineTest, aFailureIsTold)
