@@ -78,3 +78,72 @@ inline constexpr UINT ODA_FOCUS = 4;
 inline constexpr UINT ODS_SELECTED = 0x0001;
 inline constexpr UINT ODS_DISABLED = 0x0004;
 inline constexpr UINT ODS_FOCUS = 0x0010;
+
+// --- Edit ("EDIT"): text on one line or many --------------------------------------------------------------------------
+
+inline constexpr DWORD ES_LEFT = 0x0000U;
+inline constexpr DWORD ES_CENTER = 0x0001U;
+inline constexpr DWORD ES_RIGHT = 0x0002U;
+inline constexpr DWORD ES_MULTILINE = 0x0004U;
+inline constexpr DWORD ES_UPPERCASE = 0x0008U;
+inline constexpr DWORD ES_LOWERCASE = 0x0010U;
+inline constexpr DWORD ES_AUTOVSCROLL = 0x0040U; ///< changes nothing: what doesn't fit is always scrolled to
+inline constexpr DWORD ES_AUTOHSCROLL = 0x0080U; ///< of many lines: words that don't fit are not wrapped
+inline constexpr DWORD ES_NOHIDESEL = 0x0100U;
+inline constexpr DWORD ES_READONLY = 0x0800U;
+inline constexpr DWORD ES_WANTRETURN = 0x1000U; ///< in a dialog Enter begins a line
+inline constexpr DWORD ES_NUMBER = 0x2000U;     ///< takes digits alone from keys
+
+// Places count 16-bit characters from 0. A place inside of what a reader takes for one character (a pair, a letter with
+// its accents, a carriage return with its line feed) becomes its start where the caret is concerned.
+
+/// First and last place of the selection; each of wParam and lParam may point to a DWORD for one. The result has both in
+/// its halves, -1 when they don't fit.
+inline constexpr UINT EM_GETSEL = 0x00B0;
+/// From wParam (which stays when the user widens the selection) to lParam; -1 as lParam is the end, as wParam no
+/// selection. Nothing is scrolled.
+inline constexpr UINT EM_SETSEL = 0x00B1;
+inline constexpr UINT EM_GETRECT = 0x00B2; ///< lParam a RECT: where the text lies in the client area
+inline constexpr UINT EM_SCROLL = 0x00B5;  ///< wParam SB_LINEUP to SB_PAGEDOWN; lines scrolled in the low word, bit 16
+inline constexpr UINT EM_LINESCROLL = 0x00B6; ///< lParam lines, wParam characters of average width
+inline constexpr UINT EM_SCROLLCARET = 0x00B7;
+inline constexpr UINT EM_GETMODIFY = 0x00B8; ///< whether the user has changed it
+inline constexpr UINT EM_SETMODIFY = 0x00B9;
+inline constexpr UINT EM_GETLINECOUNT = 0x00BA;
+inline constexpr UINT EM_LINEINDEX = 0x00BB; ///< first place of a line, -1 for that of the caret; -1 for none
+/// Of the line that holds the place, without its line end; -1 for the caret's lines without what is selected of them.
+inline constexpr UINT EM_LINELENGTH = 0x00C1;
+/// Puts the text lParam in place of the selection. It can be taken back when wParam is not 0. Also while read-only; cut
+/// at the limit.
+inline constexpr UINT EM_REPLACESEL = 0x00C2;
+/// Line wParam into lParam, whose first WORD tells its size; no zero is added when it fills all. Characters copied.
+inline constexpr UINT EM_GETLINE = 0x00C4;
+/// So many characters may be entered by the user; 0 as many as there can be. 30,000 at first. WM_SETTEXT may set more.
+inline constexpr UINT EM_LIMITTEXT = 0x00C5;
+inline constexpr UINT EM_CANUNDO = 0x00C6;
+/// Takes the last step back, then the one before it; Ctrl+Y brings them again.
+inline constexpr UINT EM_UNDO = 0x00C7;
+inline constexpr UINT EM_LINEFROMCHAR = 0x00C9; ///< the line of a place, -1 for the selection's first
+inline constexpr UINT EM_EMPTYUNDOBUFFER = 0x00CD;
+inline constexpr UINT EM_GETFIRSTVISIBLELINE = 0x00CE; ///< with one line: the first visible character
+inline constexpr UINT EM_SETREADONLY = 0x00CF;
+inline constexpr UINT EM_SETMARGINS = 0x00D3; ///< wParam EC_LEFTMARGIN, EC_RIGHTMARGIN or both, lParam pixels in its halves
+inline constexpr UINT EM_GETMARGINS = 0x00D4;
+inline constexpr UINT EM_GETLIMITTEXT = 0x00D5;
+inline constexpr UINT EM_POSFROMCHAR = 0x00D6; ///< x and y of the place in the halves; -1 behind the end of the text
+inline constexpr UINT EM_CHARFROMPOS = 0x00D7; ///< lParam x and y; the place in the low word, its line in the high one
+inline constexpr WPARAM EC_LEFTMARGIN = 1;
+inline constexpr WPARAM EC_RIGHTMARGIN = 2;
+inline constexpr UINT WM_CUT = 0x0300;
+inline constexpr UINT WM_COPY = 0x0301;
+inline constexpr UINT WM_PASTE = 0x0302;
+inline constexpr UINT WM_CLEAR = 0x0303;
+inline constexpr UINT WM_UNDO = 0x0304;
+inline constexpr WORD EN_SETFOCUS = 0x0100;
+inline constexpr WORD EN_KILLFOCUS = 0x0200;
+/// The text has changed, after EN_UPDATE, which comes before it shows. Not for WM_SETTEXT with many lines.
+inline constexpr WORD EN_CHANGE = 0x0300;
+inline constexpr WORD EN_UPDATE = 0x0400;
+inline constexpr WORD EN_MAXTEXT = 0x0501; ///< not all that was entered had room below the limit
+inline constexpr WORD EN_HSCROLL = 0x0601;
+inline constexpr WORD EN_VSCROLL = 0x0602;

@@ -115,6 +115,11 @@ BufferedPaint::~BufferedPaint()
     EndPaint(m_window, &m_paint);
 }
 
+int scaledPixels(int pixels)
+{
+    return std::max((pixels * currentScreen().dotsPerInch + 48) / 96, 1);
+}
+
 void registerDialogClass();
 
 void registerSystemClasses()
@@ -126,6 +131,7 @@ void registerSystemClasses()
                        registerDialogClass();
                        registerStatic();
                        registerButton();
+                       registerEdit();
                    });
 }
 } // namespace zb::internal

@@ -135,7 +135,10 @@ void registerControl(const WCHAR *name)
 
 /// What is written with until somebody gives another font, at the screen's density; the system's own.
 HFONT systemFont();
+/// Pixels of the screen for so many at 96 dots an inch; at least 1.
+int scaledPixels(int pixels);
 
 void registerStatic();
 void registerButton();
+void registerEdit();
 } // namespace zb::internal

@@ -176,6 +176,17 @@ bool takeMnemonic(HWND dialog, WCHAR character)
     return false;
 }
 
+/// What is typed next takes the place of the text that one comes to.
+void focusAndSelect(HWND control)
+{
+    constexpr UINT select = 0x00B1; // EM_SETSEL
+    SetFocus(control);
+    if (control != nullptr && (codeOf(control, nullptr) & DLGC_HASSETSEL) != 0)
+    {
+        SendMessageW(control, select, 0, -1);
+    }
+}
+
 bool takeKey(HWND dialog, MSG &message)
 {
     const HWND focus = controlWith(dialog, message.hwnd);
@@ -191,7 +202,7 @@ bool takeKey(HWND dialog, MSG &message)
         {
             return false;
         }
-        SetFocus(GetNextDlgTabItem(dialog, focus, (GetKeyState(VK_SHIFT) & 0x8000) != 0 ? TRUE : FALSE));
+        focusAndSelect(GetNextDlgTabItem(dialog, focus, (GetKeyState(VK_SHIFT) & 0x8000) != 0 ? TRUE : FALSE));
         return true;
     case VK_LEFT:
     case VK_UP:
