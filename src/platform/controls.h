@@ -147,3 +147,52 @@ inline constexpr WORD EN_UPDATE = 0x0400;
 inline constexpr WORD EN_MAXTEXT = 0x0501; ///< not all that was entered had room below the limit
 inline constexpr WORD EN_HSCROLL = 0x0601;
 inline constexpr WORD EN_VSCROLL = 0x0602;
+
+// --- List box ("LISTBOX"): rows of text to choose from ------------------------------------------------------------------
+
+inline constexpr DWORD LBS_NOTIFY = 0x0001U; ///< tells its parent anything at all
+inline constexpr DWORD LBS_SORT = 0x0002U;   ///< LB_ADDSTRING puts rows in the order of the locale, letter case aside
+inline constexpr DWORD LBS_MULTIPLESEL = 0x0008U; ///< each tap chooses or gives up a row
+inline constexpr DWORD LBS_HASSTRINGS = 0x0040U;
+inline constexpr DWORD LBS_NOINTEGRALHEIGHT = 0x0100U; ///< changes nothing: the list keeps the size that it is given
+inline constexpr DWORD LBS_EXTENDEDSEL = 0x0800U;      ///< a tap chooses one row, Shift up to one, Ctrl one more
+inline constexpr DWORD LBS_DISABLENOSCROLL = 0x1000U;
+
+// Rows count from 0; -1 (LB_ERR) answers what can't be done. Messages are silent: only keys and pen are told.
+inline constexpr LRESULT LB_ERR = -1;
+inline constexpr UINT LB_ADDSTRING = 0x0180;    ///< lParam the text; the row's number
+inline constexpr UINT LB_INSERTSTRING = 0x0181; ///< before row wParam, -1 at the end, never sorted
+inline constexpr UINT LB_DELETESTRING = 0x0182; ///< how many are left
+inline constexpr UINT LB_SELITEMRANGEEX = 0x0183; ///< from row wParam to lParam; the other way round it gives them up
+inline constexpr UINT LB_RESETCONTENT = 0x0184;
+inline constexpr UINT LB_SETSEL = 0x0185;    ///< of many choices: wParam whether, lParam the row, -1 all
+inline constexpr UINT LB_SETCURSEL = 0x0186; ///< of one choice: the row, shown; -1 none, which answers -1
+inline constexpr UINT LB_GETSEL = 0x0187;
+inline constexpr UINT LB_GETCURSEL = 0x0188; ///< the chosen row; of many choices the one with the frame
+inline constexpr UINT LB_GETTEXT = 0x0189;   ///< into lParam, which has room for LB_GETTEXTLEN and a zero
+inline constexpr UINT LB_GETTEXTLEN = 0x018A;
+inline constexpr UINT LB_GETCOUNT = 0x018B;
+inline constexpr UINT LB_SELECTSTRING = 0x018C; ///< as LB_FINDSTRING, and chooses the row
+inline constexpr UINT LB_GETTOPINDEX = 0x018E;
+/// The next row behind wParam, around at the end (-1 from the first), that begins with the text; letter case aside.
+inline constexpr UINT LB_FINDSTRING = 0x018F;
+inline constexpr UINT LB_GETSELCOUNT = 0x0190;
+inline constexpr UINT LB_GETSELITEMS = 0x0191; ///< up to wParam row numbers (int) into lParam; how many
+inline constexpr UINT LB_SETTOPINDEX = 0x0197;
+inline constexpr UINT LB_GETITEMRECT = 0x0198;
+inline constexpr UINT LB_GETITEMDATA = 0x0199; ///< pointer-wide, 0 at first
+inline constexpr UINT LB_SETITEMDATA = 0x019A;
+inline constexpr UINT LB_SELITEMRANGE = 0x019B; ///< wParam whether, first and last row in the halves of lParam
+inline constexpr UINT LB_SETANCHORINDEX = 0x019C;
+inline constexpr UINT LB_GETANCHORINDEX = 0x019D;
+inline constexpr UINT LB_SETCARETINDEX = 0x019E;
+inline constexpr UINT LB_GETCARETINDEX = 0x019F;
+inline constexpr UINT LB_SETITEMHEIGHT = 0x01A0; ///< of all rows, lParam 1 to 255 pixels
+inline constexpr UINT LB_GETITEMHEIGHT = 0x01A1;
+inline constexpr UINT LB_FINDSTRINGEXACT = 0x01A2; ///< as LB_FINDSTRING, by the whole text
+inline constexpr UINT LB_INITSTORAGE = 0x01A8;
+inline constexpr UINT LB_ITEMFROMPOINT = 0x01A9; ///< the nearest row in the low word, 1 in the high one outside
+inline constexpr WORD LBN_SELCHANGE = 1;
+inline constexpr WORD LBN_DBLCLK = 2;
+inline constexpr WORD LBN_SETFOCUS = 4;
+inline constexpr WORD LBN_KILLFOCUS = 5;

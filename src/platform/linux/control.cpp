@@ -120,6 +120,16 @@ int scaledPixels(int pixels)
     return std::max((pixels * currentScreen().dotsPerInch + 48) / 96, 1);
 }
 
+int rowHeightOf(HFONT font)
+{
+    const HDC context = CreateCompatibleDC(nullptr);
+    SelectObject(context, font);
+    TEXTMETRICW metrics{};
+    GetTextMetricsW(context, &metrics);
+    DeleteDC(context);
+    return std::max<int>(metrics.tmHeight + 2 * scaledPixels(3), scaledPixels(20));
+}
+
 void registerDialogClass();
 
 void registerSystemClasses()
@@ -132,6 +142,7 @@ void registerSystemClasses()
                        registerStatic();
                        registerButton();
                        registerEdit();
+                       registerListBox();
                    });
 }
 } // namespace zb::internal

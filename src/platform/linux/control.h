@@ -137,8 +137,11 @@ void registerControl(const WCHAR *name)
 HFONT systemFont();
 /// Pixels of the screen for so many at 96 dots an inch; at least 1.
 int scaledPixels(int pixels);
+/// A row of a list that a finger can meet: the font's height with room above and below.
+int rowHeightOf(HFONT font);
 
 void registerStatic();
 void registerButton();
 void registerEdit();
+void registerListBox();
 } // namespace zb::internal

@@ -1,0 +1,237 @@
+// Keys and pen in a list box.
+#include "platform/clock.h"
+#include "platform/linux/control_listbox.h"
+#include "platform/text.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace zb::internal
+{
+namespace
+{
+constexpr UINT_PTR penTimer = 0xFFD3;
+constexpr UINT penTime = 80;       // milliseconds
+constexpr DWORD typeAhead = 1000; // as long characters belong to one beginning
+
+bool isHeld(int key)
+{
+    return (GetKeyState(key) & 0x8000) != 0;
+}
+} // namespace
+
+void ListBox::tellIfAsked(WORD code) const
+{
+    if ((style() & LBS_NOTIFY) != 0)
+    {
+        tell(code);
+    }
+}
+
+void ListBox::tellChange()
+{
+    refresh();
+    tellIfAsked(LBN_SELCHANGE);
+}
+
+void ListBox::takeKey(int key)
+{
+    if (count() == 0)
+    {
+        return;
+    }
+    const int page = std::max(pageRows() - 1, 1);
+    int row = m_caret;
+    switch (key)
+    {
+    case VK_UP:
+    case VK_LEFT:
+        row -= 1;
+        break;
+    case VK_DOWN:
+    case VK_RIGHT:
+        // The first step of a list of which nothing is chosen goes to the row with the frame.
+        row += !hasMany() && m_current < 0 ? 0 : 1;
+        break;
+    case VK_PRIOR:
+        row -= page;
+        break;
+    case VK_NEXT:
+        row += page;
+        break;
+    case VK_HOME:
+        row = 0;
+        break;
+    case VK_END:
+        row = count() - 1;
+        break;
+    case VK_SPACE:
+        if (hasMany())
+        {
+            item(m_caret).selected = !item(m_caret).selected;
+            m_anchor = m_caret;
+            tellChange();
+        }
+        else if (m_current != m_caret)
+        {
+            setCurrent(m_caret);
+            tellChange();
+        }
+        return;
+    default:
+        return;
+    }
+    moveTo(std::clamp(row, 0, count() - 1), isHeld(VK_SHIFT), isHeld(VK_CONTROL));
+}
+
+/// Of many choices, keys move the frame alone; of extended ones they choose the row, or from the anchor to it.
+void ListBox::moveTo(int row, bool extend, bool keep)
+{
+    if (!hasMany())
+    {
+        const bool changed = row != m_current;
+        setCurrent(row);
+        if (changed)
+        {
+            tellChange();
+        }
+        return;
+    }
+    m_caret = row;
+    show(row);
+    refresh();
+    if (!isExtended() || (keep && !extend))
+    {
+        return;
+    }
+    if (!extend)
+    {
+        m_anchor = row;
+    }
+    for (int one = 0; one < count(); ++one)
+    {
+        item(one).selected = one >= std::min(m_anchor, row) && one <= std::max(m_anchor, row);
+    }
+    tellChange();
+}
+
+void ListBox::typed(WCHAR character)
+{
+    if (character < u' ' || count() == 0 || (character == u' ' && (m_typed.empty() || hasMany())))
+    {
+        return;
+    }
+    const DWORD now = GetTickCount();
+    if (now - m_typedTime > typeAhead)
+    {
+        m_typed.clear();
+    }
+    m_typedTime = now;
+    // One character again and again goes from row to row; more of them name one.
+    const bool repeats = m_typed.size() == 1 && towupper(m_typed[0]) == towupper(character);
+    if (!repeats)
+    {
+        m_typed += character;
+    }
+    const bool onward = m_typed.size() == 1;
+    const int from = hasMany() || m_current >= 0 ? m_caret : -1;
+    const int found = find(onward ? from : from - 1, m_typed, false);
+    if (found >= 0)
+    {
+        moveTo(found, false, false);
+    }
+}
+
+void ListBox::takePen(UINT message, LPARAM place)
+{
+    m_pen = pointOf(place);
+    switch (message)
+    {
+    case WM_LBUTTONDOWN:
+    {
+        const HWND self = window();
+        SetFocus(self);
+        const auto row = IsWindow(self) != FALSE ? rowAt(m_pen) : std::nullopt;
+        if (row.has_value() && isRow(*row))
+        {
+            SetCapture(self);
+            m_held = true;
+            chooseByPen(*row);
+        }
+        break;
+    }
+    case WM_LBUTTONDBLCLK:
+        if (const auto row = rowAt(m_pen); row.has_value() && isRow(*row))
+        {
+            tellIfAsked(LBN_DBLCLK);
+        }
+        break;
+    case WM_MOUSEMOVE:
+        if (m_held)
+        {
+            followPen();
+        }
+        break;
+    default:
+        releasePen();
+        break;
+    }
+}
+
+void ListBox::chooseByPen(int row)
+{
+    if (!hasMany())
+    {
+        const bool changed = row != m_current;
+        setCurrent(row);
+        if (changed)
+        {
+            tellChange();
+        }
+        return;
+    }
+    if (!isExtended() || isHeld(VK_CONTROL))
+    {
+        m_caret = m_anchor = row;
+        item(row).selected = !item(row).selected;
+        tellChange();
+        return;
+    }
+    moveTo(row, isHeld(VK_SHIFT), false);
+}
+
+/// A pen that is held drags what is chosen along; beyond the edges the rows scroll under it.
+void ListBox::followPen()
+{
+    if (!m_held || count() == 0)
+    {
+        KillTimer(window(), penTimer);
+        return;
+    }
+    const RECT all = client();
+    const bool outside = m_pen.y < 0 || m_pen.y >= all.bottom;
+    const int row = m_pen.y < 0 ? m_top - 1 : m_top + static_cast<int>(std::min(m_pen.y, all.bottom)) / m_rowHeight;
+    const int target = std::clamp(row, 0, count() - 1);
+    if (outside)
+    {
+        SetTimer(window(), penTimer, penTime, nullptr);
+    }
+    else
+    {
+        KillTimer(window(), penTimer);
+    }
+    if (!hasMany() ? target != m_current : isExtended() && target != m_caret)
+    {
+        moveTo(target, hasMany(), false);
+    }
+}
+
+void ListBox::releasePen()
+{
+    KillTimer(window(), penTimer);
+    if (std::exchange(m_held, false) && GetCapture() == window())
+    {
+        ReleaseCapture();
+    }
+}
+} // namespace zb::internal
