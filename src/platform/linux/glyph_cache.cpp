@@ -11,12 +11,6 @@ constexpr std::size_t blockBytes = 16384;
 constexpr std::size_t rowUnit = 4;
 } // namespace
 
-const GlyphBitmap *GlyphCache::find(Key key) const
-{
-    const auto found = m_index.find(key);
-    return found == m_index.end() ? nullptr : found->second;
-}
-
 bool GlyphCache::isFull(std::size_t bytes) const
 {
     return m_size != 0 && m_size + bytes + sizeof(GlyphBitmap) > limit;
@@ -35,13 +29,21 @@ const GlyphBitmap *GlyphCache::add(Key key, const GlyphPicture &picture)
     }
     m_bitmaps.push_back({picture.box, static_cast<int>(pitch), coverage});
     m_size += pitch * rows + sizeof(GlyphBitmap);
-    m_index[key] = &m_bitmaps.back();
-    return &m_bitmaps.back();
+    const std::size_t page = key >> pageBits;
+    if (page >= m_pages.size())
+    {
+        m_pages.resize(page + 1);
+    }
+    if (m_pages[page] == nullptr)
+    {
+        m_pages[page] = std::make_unique<Page>();
+    }
+    return (*m_pages[page])[key & (pageSize - 1)] = &m_bitmaps.back();
 }
 
 void GlyphCache::clear()
 {
-    m_index.clear();
+    m_pages.clear();
     m_bitmaps.clear();
     m_blocks.clear();
     m_free = nullptr;

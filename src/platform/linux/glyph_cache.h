@@ -6,11 +6,11 @@
 
 #include "platform/linux/glyph_bitmap.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <memory>
-#include <unordered_map>
 #include <vector>
 
 namespace zb::internal
@@ -21,11 +21,16 @@ class GlyphCache
     using Key = std::uint32_t;
     static Key keyOf(unsigned source, unsigned glyph)
     {
-        return source << 24U | glyph;
+        return source << 16U | glyph;
     }
 
     /// Null when it isn't there.
-    const GlyphBitmap *find(Key key) const;
+    const GlyphBitmap *find(Key key) const
+    {
+        const std::size_t page = key >> pageBits;
+        const bool there = page < m_pages.size() && m_pages[page] != nullptr;
+        return there ? (*m_pages[page])[key & (pageSize - 1)] : nullptr;
+    }
     /// Valid until the next add or clear.
     const GlyphBitmap *add(Key key, const GlyphPicture &picture);
     /// True when a picture of this size would need the cache emptied first.
@@ -42,7 +47,11 @@ class GlyphCache
   private:
     std::uint8_t *room(std::size_t bytes);
 
-    std::unordered_map<Key, const GlyphBitmap *> m_index;
+    /// Looked up once for each glyph that is drawn, so without hashing.
+    static constexpr unsigned pageBits = 8;
+    static constexpr std::size_t pageSize = std::size_t{1} << pageBits;
+    using Page = std::array<const GlyphBitmap *, pageSize>;
+    std::vector<std::unique_ptr<Page>> m_pages; ///< by the upper bits of the key
     std::deque<GlyphBitmap> m_bitmaps;
     std::vector<std::unique_ptr<std::uint8_t[]>> m_blocks;
     std::uint8_t *m_free = nullptr;

@@ -54,13 +54,39 @@ std::size_t wordBefore(std::u16string_view text, std::size_t end)
     return blank == std::u16string_view::npos ? 0 : blank + 1;
 }
 
+/// The width of the first `count` characters of the first word by themselves. The word remembers it, since a list's
+/// words are cut at the same places again and again.
+int widthOfPart(FontFace &face, std::u16string_view text, std::size_t count, const std::optional<WordStyle> &style)
+{
+    const std::u16string_view word = text.substr(0, text.find(u' '));
+    if (style)
+    {
+        const ShapedWord *known = face.words().find(word, *style);
+        if (known != nullptr && known->partWidths.size() >= count && known->partWidths[count - 1] >= 0)
+        {
+            return known->partWidths[count - 1];
+        }
+    }
+    auto layout = face.layouts().spare();
+    shapeText(face, text.substr(0, count), *layout, WordUse::Once);
+    const int width = layout->width;
+    face.layouts().giveBack(std::move(layout));
+    // Looked for again: shaping may have made the cache forget it.
+    if (ShapedWord *known = style ? face.words().find(word, *style) : nullptr; known != nullptr)
+    {
+        known->partWidths.resize(word.size(), -1);
+        known->partWidths[count - 1] = width;
+    }
+    return width;
+}
+
 /// The width of the first `end` characters by themselves: only the word that is cut can differ from what the layout
 /// says.
 LONGLONG widthAlone(FontFace &face, std::u16string_view text, const TextLayout &layout, std::size_t end)
 {
     const std::size_t word = wordBefore(text, end);
     const LONGLONG before = word == 0 ? 0 : layout.extents[word - 1];
-    return before + (word == end ? 0 : shapeText(face, text.substr(word, end - word), WordUse::Once).width);
+    return before + (word == end ? 0 : widthOfPart(face, text.substr(word), end - word, layout.even));
 }
 
 std::size_t fitShaped(FontFace &face, std::u16string_view text, const TextLayout &layout, LONGLONG maximum)
@@ -88,13 +114,35 @@ std::size_t simplePrefix(FontFace &face, std::u16string_view text)
     return length;
 }
 
+namespace
+{
+/// What fits in a line of a text is its beginning, and what is left for the next ones its end.
+bool takeFromLast(FontFace &face, std::u16string_view text, TextLayout &layout)
+{
+    const auto *last = face.layouts().lookBack(
+        [&](const TextLayoutCache::Entry &entry)
+        {
+            const std::u16string_view whole = entry.text;
+            const std::size_t rest = whole.size() - std::min(whole.size(), text.size());
+            return (whole.substr(0, text.size()) == text &&
+                    takePart(face, whole, *entry.layout, 0, text.size(), layout)) ||
+                   (whole.substr(rest) == text && takePart(face, whole, *entry.layout, rest, text.size(), layout));
+        });
+    return last != nullptr;
+}
+} // namespace
+
 std::shared_ptr<const TextLayout> layoutOf(FontFace &face, std::u16string_view text)
 {
     if (auto kept = face.layouts().find(text))
     {
         return kept;
     }
-    auto made = std::make_shared<const TextLayout>(shapeText(face, text));
+    auto made = face.layouts().spare();
+    if (!takeFromLast(face, text, *made))
+    {
+        shapeText(face, text, *made);
+    }
     face.layouts().add(text, made);
     return made;
 }

@@ -22,13 +22,18 @@ std::size_t simplePrefix(FontFace &face, std::u16string_view text);
 
 /// The layout of a text that needs shaping, from the face's cache or made now.
 std::shared_ptr<const TextLayout> layoutOf(FontFace &face, std::u16string_view text);
-/// Always made now. A text that won't come again (a piece of a word that was tried) need not leave its words behind.
+/// Always made now, into an empty layout. A text that won't come again (a piece of a word that was tried) need not
+/// leave its words behind.
 enum class WordUse
 {
     Keep,
     Once
 };
-TextLayout shapeText(FontFace &face, std::u16string_view text, WordUse use = WordUse::Keep);
+void shapeText(FontFace &face, std::u16string_view text, TextLayout &layout, WordUse use = WordUse::Keep);
+/// Makes the layout of a part of an even text out of that of the whole. Returns false, and makes nothing, when the part
+/// is not [first, first + count) cut at blanks, or the text not even.
+bool takePart(FontFace &face, std::u16string_view whole, const TextLayout &from, std::size_t first, std::size_t count,
+              TextLayout &part);
 
 /// The width of the text.
 int widthOf(FontFace &face, std::u16string_view text);

@@ -110,6 +110,9 @@ CharacterTraits traitsOf(char32_t character)
     traits.invisible = isInvisible(character);
     traits.continues = continuesCluster(character);
     traits.turns = turnsLine(character);
+    const UCharDirection direction = u_charDirection(static_cast<UChar32>(character));
+    traits.backward = direction == U_RIGHT_TO_LEFT || direction == U_RIGHT_TO_LEFT_ARABIC;
+    traits.clings = direction == U_DIR_NON_SPACING_MARK;
     traits.script = static_cast<std::uint8_t>(script);
     return traits;
 }

@@ -17,6 +17,10 @@ struct CharacterTraits
     bool continues : 1;
     /// May turn the order of a line: right-to-left letters, their numbers, the characters that give directions.
     bool turns : 1;
+    /// A letter from right to left.
+    bool backward : 1;
+    /// Goes the way of the character before it.
+    bool clings : 1;
     /// The library's number of its script.
     std::uint8_t script;
 };

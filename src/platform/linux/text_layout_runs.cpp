@@ -51,6 +51,75 @@ void findLevels(FontFace &face, std::u16string_view text, std::vector<UBiDiLevel
     }
 }
 
+/// Finds out whether a text is even: see evenStyle.
+class EvenReader
+{
+  public:
+    EvenReader(FontFace &face, std::u16string_view text) : m_face(face), m_text(text)
+    {
+    }
+
+    std::optional<WordStyle> read()
+    {
+        bool inWord = false;
+        for (const WCHAR unit : m_text)
+        {
+            if (unit != u' ' && !take(unit, inWord))
+            {
+                return std::nullopt;
+            }
+            inWord = unit != u' ';
+        }
+        // A blank of another face would part the words of a line that goes forward into runs of their own.
+        const bool whole = m_style && (m_style->backward || m_face.character(u' ').source == m_style->source);
+        return whole ? m_style : std::nullopt;
+    }
+
+  private:
+    bool take(WCHAR unit, bool inWord)
+    {
+        const CharacterGlyph &letter = m_face.character(unit);
+        const CharacterTraits traits = letter.traits;
+        if (U16_IS_SURROGATE(unit) || traits.invisible || letter.glyph == 0)
+        {
+            return false;
+        }
+        if (traits.continues)
+        {
+            return inWord && letter.source == m_style->source && (m_style->backward ? traits.clings : !traits.turns);
+        }
+        const WordStyle style{letter.source, traits.script, traits.backward};
+        const bool own = traits.script != USCRIPT_COMMON && traits.script != USCRIPT_INHERITED;
+        if (!own || (traits.turns && !traits.backward) || (m_style && !(*m_style == style)))
+        {
+            return false;
+        }
+        m_style = style;
+        return true;
+    }
+
+    FontFace &m_face;
+    std::u16string_view m_text;
+    std::optional<WordStyle> m_style;
+};
+
+void cutEven(std::u16string_view text, const WordStyle &style, std::vector<TextRun> &runs)
+{
+    const auto length = static_cast<int>(text.size());
+    const int begin = style.backward ? static_cast<int>(text.find_first_not_of(u' ')) : 0;
+    const int end = style.backward ? static_cast<int>(text.find_last_not_of(u' ')) + 1 : length;
+    runs.clear();
+    if (begin > 0)
+    {
+        runs.push_back({0, begin, 0, USCRIPT_COMMON, style.source, true});
+    }
+    runs.push_back({begin, end - begin, std::uint8_t{style.backward}, style.script, style.source, false});
+    if (end < length)
+    {
+        runs.push_back({end, length - end, 0, USCRIPT_COMMON, style.source, true});
+    }
+}
+
 class RunCutter
 {
   public:
@@ -173,8 +242,19 @@ void drawnText(std::u16string_view text, std::u16string &drawn)
     }
 }
 
+std::optional<WordStyle> evenStyle(FontFace &face, std::u16string_view text)
+{
+    return EvenReader(face, text).read();
+}
+
 const std::vector<TextRun> &runsOf(FontFace &face, std::u16string_view drawn, TextRuns &room)
 {
+    room.even = evenStyle(face, drawn);
+    if (room.even)
+    {
+        cutEven(drawn, *room.even, room.runs);
+        return room.runs;
+    }
     RunCutter(face, drawn, room).cut();
     return room.runs;
 }

@@ -113,6 +113,8 @@ ShapedWord clustersOf(const ShapedGlyphs &shaped, unsigned begin, unsigned end, 
                       const WordStyle &style)
 {
     ShapedWord word;
+    word.glyphs.reserve(end - begin);
+    word.clusters.reserve(end - begin);
     for (unsigned n = begin; n < end; ++n)
     {
         if (n == begin || shaped.infos[n].cluster != shaped.infos[n - 1].cluster)
@@ -337,15 +339,17 @@ class RunShaper
 class Shaper
 {
   public:
-    Shaper(FontFace &face, std::u16string_view text, WordUse use) : m_face(face), m_scratch(threadScratch()), m_use(use)
+    Shaper(FontFace &face, std::u16string_view text, WordUse use, TextLayout &layout)
+        : m_face(face), m_scratch(threadScratch()), m_use(use), m_layout(layout)
     {
         drawnText(text, m_scratch.drawn);
+        m_drawnAsIs = m_scratch.drawn == text;
         m_layout.extents.assign(text.size(), 0);
         m_layout.glyphs.reserve(text.size());
         m_layout.clusters.reserve(text.size());
     }
 
-    TextLayout shape()
+    void shape()
     {
         const std::vector<TextRun> &runs = runsOf(m_face, m_scratch.drawn, m_scratch.runs);
         for (const std::int32_t index : visualOrder(runs))
@@ -361,9 +365,10 @@ class Shaper
                 addShaped(run, *source);
             }
         }
+        // Parts are cut by the text itself, where a tab is no blank.
+        m_layout.even = m_drawnAsIs ? m_scratch.runs.even : std::nullopt;
         sumUp();
         m_scratch.trim();
-        return std::move(m_layout);
     }
 
   private:
@@ -452,12 +457,13 @@ class Shaper
     FontFace &m_face;
     Scratch &m_scratch;
     WordUse m_use;
-    TextLayout m_layout;
+    TextLayout &m_layout;
+    bool m_drawnAsIs = false;
 };
 } // namespace
 
-TextLayout shapeText(FontFace &face, std::u16string_view text, WordUse use)
+void shapeText(FontFace &face, std::u16string_view text, TextLayout &layout, WordUse use)
 {
-    return Shaper(face, text, use).shape();
+    Shaper(face, text, use, layout).shape();
 }
 } // namespace zb::internal

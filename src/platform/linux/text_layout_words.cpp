@@ -10,7 +10,7 @@ void WordCache::makeKey(std::u16string_view word, const WordStyle &style)
     m_key += word;
 }
 
-const ShapedWord *WordCache::find(std::u16string_view word, const WordStyle &style)
+ShapedWord *WordCache::find(std::u16string_view word, const WordStyle &style)
 {
     makeKey(word, style);
     if (const auto found = m_words.find(m_key); found != m_words.end())

@@ -19,14 +19,8 @@ struct ShapedWord
 {
     std::vector<LayoutGlyph> glyphs;
     std::vector<LayoutCluster> clusters; ///< as they stand from left to right
-};
-
-/// What decides, beside its characters, how a word is shaped.
-struct WordStyle
-{
-    std::uint8_t source = 0;
-    std::uint8_t script = 0;
-    bool backward = false;
+    /// How wide its first one, two, ... characters are by themselves; -1 or not there: not asked for yet.
+    std::vector<int> partWidths;
 };
 
 /// Threads: one at a time.
@@ -34,7 +28,7 @@ class WordCache
 {
   public:
     /// Null when it isn't there. What is found or added stays where it is until the next trim.
-    const ShapedWord *find(std::u16string_view word, const WordStyle &style);
+    ShapedWord *find(std::u16string_view word, const WordStyle &style);
     const ShapedWord &add(std::u16string_view word, const WordStyle &style, ShapedWord shaped);
     /// When there are too many, forgets those that were not looked for since the last time that there were.
     void trim();
