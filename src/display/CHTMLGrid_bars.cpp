@@ -1,0 +1,345 @@
+// The grid's scroll bars, what they ask for, and requests that wait for a timer.
+#include "display/CHTMLGrid.h"
+
+#include <algorithm>
+
+namespace
+{
+constexpr UINT_PTR delayTimer = 85;
+// Kinds of delayed requests.
+constexpr UINT delayUp = 1;
+constexpr UINT delayDown = 2;
+constexpr UINT delayLeft = 4;
+constexpr UINT delayRight = 8;
+constexpr UINT delayKey = 32;
+
+SCROLLINFO scrollInfo(UINT mask)
+{
+    SCROLLINFO info{};
+    info.cbSize = sizeof info;
+    info.fMask = mask;
+    return info;
+}
+
+void clearBar(HWND window, int bar, BOOL redraw)
+{
+    const SCROLLINFO info = scrollInfo(SIF_RANGE | SIF_PAGE | SIF_POS);
+    SetScrollInfo(window, bar, &info, redraw);
+}
+
+void setBarRange(HWND window, int bar, DWORD total, LONG page)
+{
+    SCROLLINFO info = scrollInfo(SIF_RANGE | SIF_PAGE);
+    info.nMax = static_cast<int>(total);
+    info.nPage = static_cast<UINT>(std::max<LONG>(page, 0));
+    SetScrollInfo(window, bar, &info, FALSE);
+}
+
+bool isBack(UINT code)
+{
+    return code == SB_LINEUP || code == SB_PAGEUP || code == SB_TOP;
+}
+
+bool isForward(UINT code)
+{
+    return code == SB_LINEDOWN || code == SB_PAGEDOWN || code == SB_BOTTOM;
+}
+} // namespace
+
+void CHTMLGrid::SetupScrollBars()
+{
+    if (m_nUpdateLock > 0)
+    {
+        m_uDeferred |= DeferSetupBars;
+        return;
+    }
+    const bool nested = std::exchange(m_bSettingBars, true);
+    const BOOL redraw = !m_bShowVBar && !m_bShowHBar ? TRUE : FALSE;
+    if (m_bVBarOn && m_bShowVBar)
+    {
+        setBarRange(m_hWnd, SB_VERT, m_dwTotalHeight, AvailableFor(true));
+    }
+    else
+    {
+        clearBar(m_hWnd, SB_VERT, redraw);
+    }
+    if (m_bHBarOn && m_bShowHBar)
+    {
+        setBarRange(m_hWnd, SB_HORZ, m_dwTotalWidth, AvailableFor(false));
+    }
+    else
+    {
+        clearBar(m_hWnd, SB_HORZ, redraw);
+    }
+    m_bSettingBars = nested;
+}
+
+/// The rows have turned out higher than they counted.
+void CHTMLGrid::RefreshVertRange()
+{
+    if (m_bVBarOn && m_bShowVBar && static_cast<LONGLONG>(m_dwTotalHeight) - m_nFixedHeight > AvailableFor(true))
+    {
+        const bool nested = std::exchange(m_bSettingBars, true);
+        setBarRange(m_hWnd, SB_VERT, m_dwTotalHeight, AvailableFor(true));
+        m_bSettingBars = nested;
+    }
+}
+
+void CHTMLGrid::UpdateScrollBars(int nWhich)
+{
+    for (const bool rows : {false, true})
+    {
+        const int bar = rows ? SB_VERT : SB_HORZ;
+        if (nWhich != SB_BOTH && nWhich != bar)
+        {
+            continue;
+        }
+        if (m_nUpdateLock > 0)
+        {
+            m_uDeferred |= rows ? DeferVertBar : DeferHorzBar;
+            continue;
+        }
+        if (!(rows ? m_bVBarOn && m_bShowVBar : m_bHBarOn && m_bShowHBar))
+        {
+            continue;
+        }
+        const USHORT first = rows ? m_nTopRow : m_nLeftCol;
+        const bool atEnd = first == (rows ? m_nMaxTopRow : m_nMaxLeftCol);
+        SCROLLINFO info = scrollInfo(SIF_RANGE | SIF_POS);
+        info.nMax = static_cast<int>(rows ? m_dwTotalHeight : m_dwTotalWidth);
+        info.nPos = atEnd ? info.nMax : static_cast<int>(zb::sumOfLines(Sizes(rows), FirstFree(rows), first));
+        SetScrollInfo(m_hWnd, bar, &info, TRUE);
+    }
+}
+
+void CHTMLGrid::SetShowScrollBars(bool bVertical, bool bHorizontal, bool bTip)
+{
+    m_bShowVBar = bVertical;
+    m_bShowHBar = bHorizontal;
+    m_bScrollTip = bTip;
+    RefreshAll();
+}
+
+void CHTMLGrid::GetShowScrollBars(bool &bVertical, bool &bHorizontal, bool &bTip) const
+{
+    bVertical = m_bShowVBar;
+    bHorizontal = m_bShowHBar;
+    bTip = m_bScrollTip;
+}
+
+void CHTMLGrid::SetBarsScrollMode(BYTE nMode)
+{
+    m_nBarsMode = nMode <= 2 ? nMode : m_nBarsMode;
+}
+
+BYTE CHTMLGrid::GetBarsScrollMode() const
+{
+    return m_nBarsMode;
+}
+
+void CHTMLGrid::SetKeysScrollMode(BYTE nMode)
+{
+    m_nKeysMode = nMode <= 2 ? nMode : m_nKeysMode;
+}
+
+BYTE CHTMLGrid::GetKeysScrollMode() const
+{
+    return m_nKeysMode;
+}
+
+void CHTMLGrid::SetThumbTrack(bool bTrack)
+{
+    m_bThumbTrack = bTrack;
+}
+
+bool CHTMLGrid::GetThumbTrack() const
+{
+    return m_bThumbTrack;
+}
+
+void CHTMLGrid::SetScrollRegion(USHORT nWidth)
+{
+    m_nScrollRegion = nWidth;
+}
+
+USHORT CHTMLGrid::GetScrollRegion() const
+{
+    return m_nScrollRegion;
+}
+
+// --- Requests ----------------------------------------------------------------------------------------------------
+
+void CHTMLGrid::OnVScroll(UINT uCode, UINT uPos, bool &handled)
+{
+    handled = true;
+    if (m_nDelayMs != 0 && (isBack(uCode) || isForward(uCode)))
+    {
+        StartDelayedScrolling(isBack(uCode) ? delayUp : delayDown, uCode);
+    }
+    else if (HandleScroll(true, uCode))
+    {
+        SendMessageW(m_hParent, GRID_SCROLLED, uCode, static_cast<LPARAM>(uPos));
+    }
+}
+
+void CHTMLGrid::OnHScroll(UINT uCode, UINT uPos, bool &handled)
+{
+    handled = true;
+    if (m_nDelayMs != 0 && (isBack(uCode) || isForward(uCode)))
+    {
+        StartDelayedScrolling(isBack(uCode) ? delayLeft : delayRight, uCode);
+    }
+    else if (HandleScroll(false, uCode))
+    {
+        SendMessageW(m_hParent, GRID_SCROLLED, uCode, static_cast<LPARAM>(uPos));
+    }
+}
+
+void CHTMLGrid::StepByBar(bool bRows, bool bForward)
+{
+    switch (m_nBarsMode)
+    {
+    case 0:
+        bForward ? ScrollForward(bRows, 1, false) : ScrollBack(bRows, 1);
+        break;
+    case 1:
+        bForward ? PageForward(bRows) : PageBack(bRows);
+        break;
+    default:
+        MoveCurrentBy(bRows, bForward);
+        MakeCellVisible(m_nCurCol, m_nCurRow, false);
+        EmptySelection();
+        break;
+    }
+}
+
+/// False for a code that is none.
+bool CHTMLGrid::HandleScroll(bool bRows, UINT uCode)
+{
+    USHORT target = 0;
+    switch (uCode)
+    {
+    case SB_LINEUP:
+    case SB_LINEDOWN:
+        StepByBar(bRows, uCode == SB_LINEDOWN);
+        return true;
+    case SB_PAGEUP:
+        PageBack(bRows);
+        return true;
+    case SB_PAGEDOWN:
+        PageForward(bRows);
+        return true;
+    case SB_THUMBPOSITION:
+    case SB_THUMBTRACK:
+        if (ThumbTarget(bRows, uCode, target) && target != (bRows ? m_nTopRow : m_nLeftCol))
+        {
+            ScrollTo(bRows, target, PaintScrolled);
+        }
+        return true;
+    case SB_TOP:
+        bRows ? ScrollToTop() : ScrollToLeft();
+        return true;
+    case SB_BOTTOM:
+        ScrollToEnd(bRows);
+        return true;
+    default:
+        return uCode == SB_ENDSCROLL;
+    }
+}
+
+/// The line that a place of the thumb asks for; false when nothing is to be done (any more).
+bool CHTMLGrid::ThumbTarget(bool bRows, UINT uCode, USHORT &nTarget)
+{
+    if (uCode == SB_THUMBTRACK && !m_bThumbTrack)
+    {
+        return false;
+    }
+    SCROLLINFO info = scrollInfo(SIF_ALL);
+    GetScrollInfo(m_hWnd, bRows ? SB_VERT : SB_HORZ, &info);
+    if (info.nTrackPos >= info.nMax)
+    {
+        ScrollToEnd(bRows);
+        return false;
+    }
+    const USHORT largest = bRows ? m_nMaxTopRow : m_nMaxLeftCol;
+    nTarget = largest;
+    if (info.nTrackPos == info.nMax - static_cast<int>(info.nPage) + 1)
+    {
+        return true;
+    }
+    LONGLONG sum = 0;
+    for (USHORT line = FirstFree(bRows); line < largest; ++line)
+    {
+        sum += Sizes(bRows)[line];
+        if (sum > info.nTrackPos)
+        {
+            nTarget = line;
+            break;
+        }
+    }
+    return true;
+}
+
+// --- Delayed scrolling -------------------------------------------------------------------------------------------
+
+void CHTMLGrid::SetDelayedScrolling(UINT nMilliseconds)
+{
+    if (nMilliseconds == 0)
+    {
+        KillTimer(m_hWnd, delayTimer);
+        m_nDelayMs = 0;
+        m_uDelayKind = 0;
+        m_nDelayCode = 0;
+        m_nDelayTimer = 0;
+        return;
+    }
+    if (const UINT_PTR timer = SetTimer(m_hWnd, delayTimer, nMilliseconds, nullptr))
+    {
+        m_nDelayMs = nMilliseconds;
+        m_nDelayTimer = timer;
+    }
+}
+
+UINT CHTMLGrid::GetDelayedScrolling() const
+{
+    return m_nDelayMs;
+}
+
+/// Only the last request of an interval stays.
+void CHTMLGrid::StartDelayedScrolling(UINT uKind, UINT uCode)
+{
+    m_uDelayKind = uKind;
+    m_nDelayCode = uCode;
+    if (m_nDelayTimer == 0)
+    {
+        m_nDelayTimer = SetTimer(m_hWnd, delayTimer, m_nDelayMs, nullptr);
+    }
+}
+
+void CHTMLGrid::ProcessDelayedScrolling()
+{
+    const UINT kind = std::exchange(m_uDelayKind, 0);
+    const UINT code = std::exchange(m_nDelayCode, 0);
+    if (kind == 0)
+    {
+        KillTimer(m_hWnd, delayTimer);
+        m_nDelayTimer = 0;
+    }
+    else if (kind == delayKey)
+    {
+        HandleNavigationKey(code);
+    }
+    else if (HandleScroll(kind == delayUp || kind == delayDown, code))
+    {
+        SendMessageW(m_hParent, GRID_SCROLLED, code, 0);
+    }
+}
+
+void CHTMLGrid::OnTimer(UINT_PTR nId, bool &handled)
+{
+    if (nId == delayTimer)
+    {
+        handled = true;
+        ProcessDelayedScrolling();
+    }
+}

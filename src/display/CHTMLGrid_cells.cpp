@@ -1,0 +1,467 @@
+// The grid's cells: their making, requests, texts, and the deletion of rows and columns.
+#include "display/CHTMLGrid.h"
+
+#include <algorithm>
+
+namespace
+{
+void eraseLines(zb::GridSizes &sizes, USHORT first, USHORT count)
+{
+    sizes.erase(sizes.begin() + first, sizes.begin() + first + count);
+}
+} // namespace
+
+DWORD CHTMLGrid::CellKey(USHORT nRow, USHORT nCol)
+{
+    return MAKELONG(nCol, nRow);
+}
+
+tagCELLINFO *CHTMLGrid::FindCell(USHORT nRow, USHORT nCol) const
+{
+    const auto found = m_Cells.find(CellKey(nRow, nCol));
+    return found == m_Cells.end() ? nullptr : found->second.get();
+}
+
+std::unique_ptr<tagCELLINFO> CHTMLGrid::NewCell() const
+{
+    auto cell = std::make_unique<tagCELLINFO>();
+    cell->SetFontQuality(m_bFontQuality);
+    return cell;
+}
+
+/// Null when the parent has none.
+std::unique_ptr<tagCELLINFO> CHTMLGrid::RequestCell(USHORT nRow, USHORT nCol)
+{
+    GRIDCELLREQUEST request{};
+    request.hdr = {m_hWnd, CellKey(nRow, nCol), GRID_GETCELL};
+    request.dwRowUserID = m_RowUserIDs[nRow];
+    request.nColWidth = GRID_NONE;
+    request.nRowHeight = GRID_NONE;
+    request.nFontQuality = m_bFontQuality;
+    SendMessageW(m_hParent, GRID_GETCELL, 0, reinterpret_cast<LPARAM>(&request));
+    if (request.pszHTML == nullptr)
+    {
+        return nullptr;
+    }
+    auto cell = std::make_unique<tagCELLINFO>();
+    cell->dwData = request.dwData;
+    cell->bSingleLine = request.bSingleLine != 0 ? 1 : 0;
+    cell->rcMargins = request.rcMargins;
+    cell->nIndent = request.nIndent;
+    cell->SetFontQuality(static_cast<BYTE>(request.nFontQuality));
+    cell->SetHTML(request.pszHTML);
+    cell->ParseHTML(m_hWnd);
+    if (request.nColWidth != GRID_NONE && nCol < m_nCols)
+    {
+        m_ColWidthsAsked[nCol] = request.nColWidth;
+    }
+    if (request.nRowHeight != GRID_NONE && nRow < m_nRows)
+    {
+        m_RowHeightsAsked[nRow] = request.nRowHeight;
+    }
+    return cell;
+}
+
+tagCELLINFO *CHTMLGrid::GetCell(USHORT nRow, USHORT nCol)
+{
+    if (nRow >= m_nRows || nCol >= m_nCols)
+    {
+        return nullptr;
+    }
+    if (tagCELLINFO *cell = FindCell(nRow, nCol))
+    {
+        return cell;
+    }
+    auto cell = RequestCell(nRow, nCol);
+    // A parent that sets the cell's text while it is asked has made it already; the answer wins.
+    return cell == nullptr ? FindCell(nRow, nCol) : (m_Cells[CellKey(nRow, nCol)] = std::move(cell)).get();
+}
+
+// --- Dimensions --------------------------------------------------------------------------------------------------
+
+void CHTMLGrid::CreateCells(USHORT nRows, USHORT nCols)
+{
+    if (nRows == 0 || nCols == 0)
+    {
+        return;
+    }
+    m_nRows = nRows;
+    m_nCols = nCols;
+    m_ColWidthsAsked.assign(nCols, GRID_NONE);
+    m_ColWidths.assign(nCols, 0);
+    m_RowHeightsAsked.assign(nRows, GRID_NONE);
+    m_RowHeights.assign(nRows, 0);
+    m_RowUserIDs.assign(nRows, 0);
+    for (USHORT row = 0; !m_bOnDemand && row < nRows; ++row)
+    {
+        for (USHORT col = 0; col < nCols; ++col)
+        {
+            m_Cells.emplace_hint(m_Cells.end(), CellKey(row, col), NewCell());
+        }
+    }
+}
+
+void CHTMLGrid::DestroyCells()
+{
+    if (m_nRows == 0 || m_nCols == 0)
+    {
+        return;
+    }
+    m_nCurCol = GRID_NONE;
+    m_nCurRow = GRID_NONE;
+    m_Selection = {};
+    m_pMovingFloater = nullptr;
+    m_Cells.clear();
+    m_nFloaters = 0;
+    m_bFloaterGaps = false;
+    m_nRows = m_nCols = m_nFixedRows = m_nFixedCols = 0;
+    m_nTopRow = m_nLeftCol = m_nMaxTopRow = m_nMaxLeftCol = 0;
+    m_dwTotalHeight = m_dwTotalWidth = 0;
+    m_nFixedHeight = m_nFixedWidth = 0;
+    for (zb::GridSizes *sizes : {&m_ColWidthsAsked, &m_ColWidths, &m_RowHeightsAsked, &m_RowHeights})
+    {
+        sizes->clear();
+    }
+    m_RowUserIDs.clear();
+    m_ScreenRows = {};
+    m_ScreenCols = {};
+}
+
+void CHTMLGrid::SetDimensions(USHORT nRows, USHORT nCols)
+{
+    DestroyCells();
+    CreateCells(nRows, nCols);
+    RefreshAll();
+}
+
+USHORT CHTMLGrid::GetRowCount() const
+{
+    return m_nRows;
+}
+
+USHORT CHTMLGrid::GetColCount() const
+{
+    return m_nCols;
+}
+
+void CHTMLGrid::MoveToFirstFreeCell()
+{
+    m_nTopRow = std::max(m_nTopRow, m_nFixedRows);
+    m_nLeftCol = std::max(m_nLeftCol, m_nFixedCols);
+    const bool any = m_nFixedRows < m_nRows && m_nFixedCols < m_nCols;
+    m_nCurRow = any ? m_nFixedRows : GRID_NONE;
+    m_nCurCol = any ? m_nFixedCols : GRID_NONE;
+    const USHORT right = any && m_bRowSelect ? static_cast<USHORT>(m_nCols - 1) : m_nCurCol;
+    m_Selection = {{m_nCurCol, m_nCurRow, right, m_nCurRow}, m_nCurCol, m_nCurRow};
+    RefreshAll();
+}
+
+void CHTMLGrid::SetFixedRowCount(USHORT nRows)
+{
+    m_nFixedRows = std::min(nRows, m_nRows);
+    MoveToFirstFreeCell();
+}
+
+void CHTMLGrid::SetFixedColCount(USHORT nCols)
+{
+    m_nFixedCols = std::min(nCols, m_nCols);
+    MoveToFirstFreeCell();
+}
+
+USHORT CHTMLGrid::GetFixedRowCount() const
+{
+    return m_nFixedRows;
+}
+
+USHORT CHTMLGrid::GetFixedColCount() const
+{
+    return m_nFixedCols;
+}
+
+// --- Content -----------------------------------------------------------------------------------------------------
+
+void CHTMLGrid::RefreshAll()
+{
+    RecalcGrid();
+    SetupScrollBars();
+    RecalcScreenCells(false, false);
+    UpdateScrollBars(SB_BOTH);
+    RepaintAll();
+}
+
+/// After a change of what is in the cell: a row as high as its text may move all others.
+void CHTMLGrid::RefreshCell(USHORT nRow, USHORT nCol)
+{
+    if (m_RowHeightsAsked[nRow] == GRID_NONE && !m_bRowHeightFixed)
+    {
+        RefreshAll();
+        return;
+    }
+    if (m_nUpdateLock > 0)
+    {
+        m_uDeferred |= DeferRepaint;
+        return;
+    }
+    m_rcUpdatedCells = {nCol, nRow, nCol, nRow};
+    SetPaintMode(PaintCell);
+    Invalidate(nullptr);
+}
+
+void CHTMLGrid::SetCellText(USHORT nCol, USHORT nRow, const WCHAR *pszHTML)
+{
+    SetCellText(nCol, nRow, pszHTML, m_bFontQuality, RECT{});
+}
+
+void CHTMLGrid::SetCellText(USHORT nCol, USHORT nRow, const WCHAR *pszHTML, BYTE bQuality)
+{
+    SetCellText(nCol, nRow, pszHTML, bQuality, RECT{});
+}
+
+void CHTMLGrid::SetCellText(USHORT nCol, USHORT nRow, const WCHAR *pszHTML, const RECT &margins)
+{
+    SetCellText(nCol, nRow, pszHTML, m_bFontQuality, margins);
+}
+
+void CHTMLGrid::SetCellText(USHORT nCol, USHORT nRow, const WCHAR *pszHTML, BYTE bQuality, const RECT &margins)
+{
+    if (pszHTML == nullptr || nRow >= m_nRows || nCol >= m_nCols)
+    {
+        return;
+    }
+    tagCELLINFO *cell = FindCell(nRow, nCol);
+    if (cell == nullptr && !m_bOnDemand)
+    {
+        return;
+    }
+    if (cell == nullptr)
+    {
+        cell = (m_Cells[CellKey(nRow, nCol)] = NewCell()).get();
+    }
+    cell->rcMargins = margins;
+    cell->SetFontQuality(bQuality);
+    cell->SetHTML(pszHTML);
+    cell->ParseHTML(m_hWnd);
+    cell->Measured = {};
+    RefreshCell(nRow, nCol);
+}
+
+void CHTMLGrid::UpdateCellText(USHORT nCol, USHORT nRow)
+{
+    if (!m_bOnDemand || nRow >= m_nRows || nCol >= m_nCols)
+    {
+        return;
+    }
+    if (tagCELLINFO *cell = FindCell(nRow, nCol))
+    {
+        ClearCellFloaters(nRow, nCol);
+        const GridFloaterMap fromAbove = cell->Floaters;
+        m_Cells.erase(CellKey(nRow, nCol));
+        // Floaters that begin above still lie over the new cell.
+        if (tagCELLINFO *renewed = fromAbove.empty() ? nullptr : GetCell(nRow, nCol))
+        {
+            renewed->Floaters = fromAbove;
+        }
+        else
+        {
+            m_bFloaterGaps = m_bFloaterGaps || !fromAbove.empty();
+        }
+    }
+    GetCell(nRow, nCol);
+    RefreshCell(nRow, nCol);
+}
+
+void CHTMLGrid::SetCellData(USHORT nCol, USHORT nRow, DWORD_PTR dwData)
+{
+    if (tagCELLINFO *cell = FindCell(nRow, nCol))
+    {
+        cell->dwData = dwData;
+    }
+}
+
+DWORD_PTR CHTMLGrid::GetCellData(USHORT nCol, USHORT nRow) const
+{
+    const tagCELLINFO *cell = FindCell(nRow, nCol);
+    return cell == nullptr ? 0 : cell->dwData;
+}
+
+void CHTMLGrid::SetRowUserID(USHORT nRow, DWORD dwID)
+{
+    if (nRow < m_nRows)
+    {
+        m_RowUserIDs[nRow] = dwID;
+    }
+}
+
+void CHTMLGrid::SetCellSingleLine(USHORT nCol, USHORT nRow, bool bSingle)
+{
+    if (tagCELLINFO *cell = FindCell(nRow, nCol))
+    {
+        cell->bSingleLine = bSingle ? 1 : 0;
+        RefreshCell(nRow, nCol);
+    }
+}
+
+WCHAR *CHTMLGrid::GetCellHotSpot(USHORT nCol, USHORT nRow, USHORT nIndex) const
+{
+    const tagCELLINFO *cell = FindCell(nRow, nCol);
+    if (cell == nullptr || nIndex >= cell->HotSpots.size())
+    {
+        return nullptr;
+    }
+    const std::u16string_view key = cell->HotSpots[nIndex].szKey;
+    auto text = std::make_unique<WCHAR[]>(key.size() + 1);
+    key.copy(text.get(), key.size());
+    return text.release();
+}
+
+// --- Deletion ----------------------------------------------------------------------------------------------------
+
+/// Takes the cells of the lines out and moves those behind them up, in one pass over the map.
+void CHTMLGrid::ShiftCells(bool bRows, USHORT nFirst, USHORT nCount)
+{
+    std::map<DWORD, std::unique_ptr<tagCELLINFO>> kept;
+    for (auto &[key, cell] : m_Cells)
+    {
+        USHORT row = HIWORD(key);
+        USHORT col = LOWORD(key);
+        USHORT &line = bRows ? row : col;
+        if (line >= nFirst && line < nFirst + nCount)
+        {
+            continue;
+        }
+        line = static_cast<USHORT>(line < nFirst ? line : line - nCount);
+        kept.emplace_hint(kept.end(), CellKey(row, col), std::move(cell));
+    }
+    m_Cells = std::move(kept);
+}
+
+/// Floaters that begin above rows that go and reach into them lose those rows.
+void CHTMLGrid::ShortenFloatersOver(USHORT nFirst, USHORT nCount)
+{
+    std::map<tagFLOATERINFO *, USHORT> lost;
+    for (auto at = m_Cells.lower_bound(CellKey(nFirst, 0)); at != m_Cells.end() && HIWORD(at->first) < nFirst + nCount;
+         ++at)
+    {
+        for (const auto &[id, floater] : at->second->Floaters)
+        {
+            const auto rows = zb::floaterBounds(ColumnCells(LOWORD(at->first)), HIWORD(at->first), *floater, m_nRows);
+            const int end = std::min(rows.last + 1, nFirst + nCount);
+            if (rows.first < nFirst)
+            {
+                lost[floater] = static_cast<USHORT>(end - nFirst);
+            }
+        }
+    }
+    for (const auto &[floater, rows] : lost)
+    {
+        floater->nRows = static_cast<USHORT>(floater->nRows - rows);
+    }
+}
+
+void CHTMLGrid::EraseRows(USHORT nFirst, USHORT nCount)
+{
+    for (int round = 0; round < nCount; ++round)
+    {
+        // Compared with what the rounds before have left. Kept.
+        m_nFixedRows = static_cast<USHORT>(m_nFixedRows - (nFirst + round < m_nFixedRows ? 1 : 0));
+    }
+    if (m_nFloaters > 0)
+    {
+        ShortenFloatersOver(nFirst, nCount);
+        for (USHORT row = nFirst; row < nFirst + nCount; ++row)
+        {
+            for (USHORT col = 0; col < m_nCols; ++col)
+            {
+                ClearCellFloaters(row, col);
+            }
+        }
+    }
+    ShiftCells(true, nFirst, nCount);
+    eraseLines(m_RowHeightsAsked, nFirst, nCount);
+    eraseLines(m_RowHeights, nFirst, nCount);
+    m_RowUserIDs.erase(m_RowUserIDs.begin() + nFirst, m_RowUserIDs.begin() + nFirst + nCount);
+    m_nRows = static_cast<USHORT>(m_nRows - nCount);
+    m_nFixedRows = std::min(m_nFixedRows, m_nRows);
+}
+
+void CHTMLGrid::EraseCols(USHORT nFirst, USHORT nCount)
+{
+    for (int round = 0; round < nCount; ++round)
+    {
+        m_nFixedCols = static_cast<USHORT>(m_nFixedCols - (nFirst + round < m_nFixedCols ? 1 : 0));
+    }
+    for (USHORT row = 0; m_nFloaters > 0 && row < m_nRows; ++row)
+    {
+        for (USHORT col = nFirst; col < nFirst + nCount; ++col)
+        {
+            ClearCellFloaters(row, col);
+        }
+    }
+    ShiftCells(false, nFirst, nCount);
+    eraseLines(m_ColWidthsAsked, nFirst, nCount);
+    eraseLines(m_ColWidths, nFirst, nCount);
+    m_nCols = static_cast<USHORT>(m_nCols - nCount);
+    m_nFixedCols = std::min(m_nFixedCols, m_nCols);
+}
+
+/// None stays none, and none is left where no line is.
+void CHTMLGrid::ClampAfterDeletion()
+{
+    m_nTopRow = std::min(m_nTopRow, m_nMaxTopRow);
+    m_nLeftCol = std::min(m_nLeftCol, m_nMaxLeftCol);
+    const auto clamp = [](USHORT &line, USHORT count)
+    {
+        if (line != GRID_NONE)
+        {
+            line = count == 0 ? GRID_NONE : std::min(line, static_cast<USHORT>(count - 1));
+        }
+    };
+    CellRange &cells = m_Selection.cells;
+    for (USHORT *row : {&m_nCurRow, &cells.nTop, &cells.nBottom, &m_Selection.nAnchorRow})
+    {
+        clamp(*row, m_nRows);
+    }
+    for (USHORT *col : {&m_nCurCol, &cells.nLeft, &cells.nRight, &m_Selection.nAnchorCol})
+    {
+        clamp(*col, m_nCols);
+    }
+}
+
+void CHTMLGrid::DeleteRows(USHORT nFirst, USHORT nCount)
+{
+    if (nFirst >= m_nRows || nCount == 0)
+    {
+        return;
+    }
+    EraseRows(nFirst, std::min(nCount, static_cast<USHORT>(m_nRows - nFirst)));
+    for (const auto &[key, cell] : m_Cells)
+    {
+        cell->bFloatersValid = 0;
+    }
+    m_ScreenRows = {};
+    RecalcGrid();
+    SetupScrollBars();
+    ClampAfterDeletion();
+    RecalcScreenCells(false, false);
+    RecalcMaxScrolls();
+    UpdateScrollBars(SB_BOTH);
+    RepaintAll();
+}
+
+void CHTMLGrid::DeleteCols(USHORT nFirst, USHORT nCount)
+{
+    if (nFirst >= m_nCols || nCount == 0)
+    {
+        return;
+    }
+    EraseCols(nFirst, std::min(nCount, static_cast<USHORT>(m_nCols - nFirst)));
+    m_ScreenRows = {};
+    m_ScreenCols = {};
+    RecalcGrid();
+    SetupScrollBars();
+    ClampAfterDeletion();
+    RecalcScreenCells(false, false);
+    RecalcMaxScrolls();
+    UpdateScrollBars(SB_BOTH);
+    RepaintAll();
+}
