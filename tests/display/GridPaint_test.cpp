@@ -176,7 +176,7 @@ class GridPaint : public GridTest
 
 TEST_F(GridPaint, partsOfPlainGridsEqualTheWhole)
 {
-    for (unsigned seed = 0; seed < 12; ++seed)
+    for (unsigned seed = 0; seed < 8; ++seed)
     {
         makePlain(24, 5, 200, 150);
         std::mt19937 random(seed + 100);
@@ -190,7 +190,7 @@ TEST_F(GridPaint, partsOfPlainGridsEqualTheWhole)
         }
         prepare(seed);
         grid->EndUpdate();
-        runRandomly(seed, 150);
+        runRandomly(seed, 130);
         if (HasFatalFailure())
         {
             return;
@@ -208,11 +208,11 @@ TEST_F(GridPaint, partsOfGridsOnDemandEqualTheWhole)
         request.pszHTML = random() % 9 == 0 ? nullptr : text.c_str();
         request.bSingleLine = random() % 5 == 0 ? 1 : 0;
     };
-    for (unsigned seed = 20; seed < 32; ++seed)
+    for (unsigned seed = 24; seed < 32; ++seed)
     {
         makeOnDemand(60, 4, 200, 150);
         prepare(seed);
-        runRandomly(seed, 150);
+        runRandomly(seed, 130);
         if (HasFatalFailure())
         {
             return;
