@@ -318,7 +318,7 @@ TEST_F(GridPaint, aFloaterHasItsStripAndItsSlot)
     EXPECT_EQ(screenPixel(6, 15 + 43), RGB(255, 0, 255));
     EXPECT_NE(screenPixel(1, 15 + 14), RGB(255, 0, 255));
     EXPECT_NE(screenPixel(1, 15 + 44), RGB(255, 0, 255));
-    EXPECT_EQ(screenPixel(7, 15 + 20), made.GetHwnd() == nullptr ? 0 : GetSysColor(COLOR_WINDOWFRAME));
+    EXPECT_EQ(screenPixel(7, 15 + 20), GetSysColor(COLOR_WINDOWFRAME));
     EXPECT_EQ(screenPixel(50, 40), RGB(255, 255, 0));
     made.SetFloaterOptions(false, false);
     settle();
