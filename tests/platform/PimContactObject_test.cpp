@@ -77,7 +77,10 @@ TEST_F(PimContactObject, everyTextStandsInItsPropertyAndComesBack)
     const Counted<IContact> contact = newItem<IContact>(app);
     for (std::size_t i = 0; i < std::size(textFields); ++i)
     {
-        EXPECT_EQ((contact.get()->*textFields[i].put)(Text(u"text " + utf16(std::to_string(i)))), S_OK);
+        // The call and its argument stand apart: GCC 12, with sanitizers on, loses the index where both are one.
+        const auto put = textFields[i].put;
+        const Text text(u"text " + utf16(std::to_string(i)));
+        EXPECT_EQ((contact.get()->*put)(text), S_OK);
     }
     EXPECT_EQ(oidOf(contact), 0);
     ASSERT_EQ(contact->Save(), S_OK);
