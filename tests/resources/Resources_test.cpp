@@ -52,14 +52,18 @@ DWORD wordAt(const void *bytes, std::size_t offset)
     return word;
 }
 
-/// A bitmap of the system's module for a screen of that density.
+/// The system's module, kept: what it gives lies in it.
+ZbResourceBytes resourceBytes()
+{
+    static const HMODULE module = LoadLibraryW(u"ZBResources.dll");
+    return reinterpret_cast<ZbResourceBytes>(GetProcAddressW(module, u"zbResourceBytes"));
+}
+
+/// A bitmap of it for a screen of that density.
 const void *pictureBytes(UINT number, int dotsPerInch, std::size_t *size)
 {
-    const HMODULE module = LoadLibraryW(u"ZBResources.dll");
-    const auto bytes = reinterpret_cast<ZbResourceBytes>(GetProcAddressW(module, u"zbResourceBytes"));
-    const void *found = bytes == nullptr ? nullptr : bytes(2, number, dotsPerInch, size);
-    FreeLibrary(module);
-    return found;
+    const ZbResourceBytes bytes = resourceBytes();
+    return bytes == nullptr ? nullptr : bytes(2, number, dotsPerInch, size);
 }
 } // namespace
 
@@ -191,9 +195,7 @@ TEST(ResourcePictures, ANumberWithoutAPictureAndOtherKindsAreErrors)
     std::size_t size = 7;
     EXPECT_EQ(pictureBytes(9999, 96, &size), nullptr);
     EXPECT_EQ(size, 0U);
-    const HMODULE module = LoadLibraryW(u"ZBResources.dll");
-    const auto bytes = reinterpret_cast<ZbResourceBytes>(GetProcAddressW(module, u"zbResourceBytes"));
+    const ZbResourceBytes bytes = resourceBytes();
     ASSERT_NE(bytes, nullptr);
     EXPECT_EQ(bytes(77, 213, 96, nullptr), nullptr);
-    FreeLibrary(module);
 }
