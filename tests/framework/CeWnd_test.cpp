@@ -344,6 +344,8 @@ TEST_F(CeWndTest, AControlsOwnProcedureStandsBehindTheObject)
     EXPECT_FALSE(CeWnd::IsCeWndProc(u"BUTTON"));
     Recorder second;
     EXPECT_TRUE(second.Create(u"BUTTON", parent, {0, 30, 40, 50}, u"Again", WS_CHILD)) << "the copy is there already";
+    DestroyWindow(parent);
+    EXPECT_EQ(second.GetHwnd(), nullptr);
 }
 
 TEST_F(CeWndTest, SuperclassingAnUnknownClassDoesNothingAndItsWindowFails)
