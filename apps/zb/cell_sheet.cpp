@@ -69,17 +69,12 @@ void fill(HDC context, const RECT &box, COLORREF color)
     DeleteObject(brush);
 }
 
-/// The parser of a cell, on the cell's background.
-void parse(CHTMLParser &parser, const std::u16string &body, HWND pictures)
+/// What the parser's text takes in that width.
+SIZE measured(HDC context, CHTMLParser &parser, int width)
 {
-    parser.SetFontQuality(ANTIALIASED_QUALITY);
-    parser.SetHTML(body.c_str());
-    parser.ParseHTML(pictures);
-}
-
-std::u16string onBackground(const SheetRow &row, const std::u16string &markup)
-{
-    return u"<BODY BGCOLOR=" + colorMarkup(row.back) + u">" + markup;
+    RECT box{0, 0, std::max(width, 1), tallest};
+    MeasureHTML(context, &box, 0, &parser);
+    return {box.right, box.bottom};
 }
 } // namespace
 
@@ -93,31 +88,28 @@ void CellSheet::add(SheetRow row)
     m_rows.push_back(std::move(row));
 }
 
+std::unique_ptr<CHTMLParser> CellSheet::parsed(const SheetRow &row, const std::u16string &markup) const
+{
+    const std::u16string whole = u"<BODY BGCOLOR=" + colorMarkup(row.back) + u">" + markup;
+    auto parser = std::make_unique<CHTMLParser>();
+    parser->SetFontQuality(ANTIALIASED_QUALITY);
+    parser->SetHTML(whole.c_str());
+    parser->ParseHTML(m_pictures.handle());
+    return parser;
+}
+
 int CellSheet::sideWidth(HDC context) const
 {
+    // Set to the right they would be as wide as their room, so they are measured as they stand.
     int widest = 0;
     for (const SheetRow &row : m_rows)
     {
         if (!row.side.empty())
         {
-            CHTMLParser parser;
-            const std::u16string markup = onBackground(row, row.side);
-            parse(parser, markup, m_pictures.handle());
-            RECT box{0, 0, m_width / 2, tallest};
-            MeasureHTML(context, &box, 0, &parser);
-            widest = std::max<int>(widest, box.right);
+            widest = std::max<int>(widest, measured(context, *parsed(row, row.side), m_width / 2).cx);
         }
     }
     return widest;
-}
-
-int CellSheet::textHeight(HDC context, const std::u16string &markup, int width) const
-{
-    CHTMLParser parser;
-    parse(parser, markup, m_pictures.handle());
-    RECT box{0, 0, std::max(width, 1), tallest};
-    MeasureHTML(context, &box, 0, &parser);
-    return box.bottom;
 }
 
 std::vector<CellSheet::Placed> CellSheet::place(HDC context, int textLeft) const
@@ -127,40 +119,29 @@ std::vector<CellSheet::Placed> CellSheet::place(HDC context, int textLeft) const
     for (const SheetRow &row : m_rows)
     {
         const int left = row.spread ? HIDPI_SCALEX(margin) : textLeft;
-        const int text = textHeight(context, onBackground(row, row.text), m_width - HIDPI_SCALEX(margin) - left);
-        const int side = row.side.empty() ? 0 : textHeight(context, onBackground(row, row.side), textLeft);
-        const int height = std::max(text, side) + 2 * HIDPI_SCALEY(row.padding);
-        all.push_back({top, height});
+        auto text = parsed(row, row.text);
+        const int textHeight = measured(context, *text, m_width - HIDPI_SCALEX(margin) - left).cy;
+        const int sideHeight = row.side.empty() ? 0 : measured(context, *parsed(row, row.side), textLeft).cy;
+        const int height = std::max(textHeight, sideHeight) + 2 * HIDPI_SCALEY(row.padding);
+        all.push_back({&row, std::move(text), top, height});
         top += height;
     }
     return all;
 }
 
-void CellSheet::drawCell(HDC context, const SheetRow &row, const std::u16string &markup, RECT box,
-                         const RECT *background) const
+void CellSheet::draw(HDC context, const Placed &placed, int side, int textLeft) const
 {
-    CHTMLParser parser;
-    const std::u16string whole = onBackground(row, markup);
-    parse(parser, whole, m_pictures.handle());
-    if (background != nullptr)
-    {
-        fill(context, *background, parser.GetBackColor(true));
-    }
-    DrawHTML(context, &box, 0, &parser, nullptr, 0);
-}
-
-void CellSheet::draw(HDC context, const SheetRow &row, const Placed &placed, int side, int textLeft) const
-{
+    const SheetRow &row = *placed.row;
     const int top = placed.top + HIDPI_SCALEY(row.padding);
     const int bottom = placed.top + placed.height;
     // Markup may name a background of its own: it is that of the whole row.
-    const RECT all{0, placed.top, m_width, bottom};
-    drawCell(context, row, row.text,
-             {row.spread ? HIDPI_SCALEX(margin) : textLeft, top, m_width - HIDPI_SCALEX(margin), bottom}, &all);
+    fill(context, {0, placed.top, m_width, bottom}, placed.text->GetBackColor(true));
+    RECT text{row.spread ? HIDPI_SCALEX(margin) : textLeft, top, m_width - HIDPI_SCALEX(margin), bottom};
+    DrawHTML(context, &text, 0, placed.text.get(), nullptr, 0);
     if (!row.side.empty())
     {
-        drawCell(context, row, u"<P ALIGN=RIGHT>" + row.side,
-                 {HIDPI_SCALEX(margin), top, HIDPI_SCALEX(margin) + side, bottom}, nullptr);
+        RECT box{HIDPI_SCALEX(margin), top, HIDPI_SCALEX(margin) + side, bottom};
+        DrawHTML(context, &box, 0, parsed(row, u"<P ALIGN=RIGHT>" + row.side).get(), nullptr, 0);
     }
     if (row.strip.has_value())
     {
@@ -192,9 +173,9 @@ bool CellSheet::write(const std::filesystem::path &file) const
     {
         return false;
     }
-    for (std::size_t n = 0; n < m_rows.size(); ++n)
+    for (const Placed &placed : places)
     {
-        draw(canvas.context(), m_rows[n], places[n], side, textLeft);
+        draw(canvas.context(), placed, side, textLeft);
     }
     canvas.release();
     return writePng(canvas.bitmap(), file);

@@ -1,10 +1,12 @@
 // A picture of marked-up cells, one row under the other: what `zb agenda` and `zb shot` draw.
 #pragma once
 
+#include "display/CHTMLParser.h"
 #include "platform/gdi.h"
 #include "zb/picture_window.h"
 
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -34,18 +36,19 @@ class CellSheet
     bool write(const std::filesystem::path &file) const;
 
   private:
+    /// A row with its text parsed, and where it lies.
     struct Placed
     {
+        const SheetRow *row;
+        std::unique_ptr<CHTMLParser> text;
         int top;
         int height;
     };
 
+    std::unique_ptr<CHTMLParser> parsed(const SheetRow &row, const std::u16string &markup) const;
     int sideWidth(HDC context) const;
     std::vector<Placed> place(HDC context, int textLeft) const;
-    /// `background` is filled with the colour of the cell's body first.
-    void drawCell(HDC context, const SheetRow &row, const std::u16string &markup, RECT box, const RECT *background) const;
-    void draw(HDC context, const SheetRow &row, const Placed &placed, int side, int textLeft) const;
-    int textHeight(HDC context, const std::u16string &markup, int width) const;
+    void draw(HDC context, const Placed &placed, int side, int textLeft) const;
 
     int m_width;
     PictureWindow m_pictures;

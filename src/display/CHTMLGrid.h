@@ -365,6 +365,8 @@ class ZBTOOLS_API CHTMLGrid : public CeWnd
                        tagCELLINFO *pCell, bool &bFill);
     void DrawAnyCell(HDC hdc, USHORT nRow, USHORT nCol, RECT rect, UINT uState, bool bFixed);
     void FillCell(HDC hdc, const RECT &rect, tagCELLINFO *pCell, UINT uState, bool bFixed);
+    template <typename Draw>
+    void ForEachCell(const CellRange &cells, POINT at, Draw draw);
     void DrawRange(HDC hdc, const CellRange &cells, POINT at);
     void DrawFloatersOf(HDC hdc, const CellRange &cells, POINT at);
     POINT PlaceOf(USHORT nCol, USHORT nRow) const;

@@ -238,8 +238,10 @@ void CHTMLGrid::UpdateScreen(HDC hdc)
     DrawFloatersOf(hdc, free, at);
 }
 
-/// Up to the edge of the bitmap; a cell that the edge cuts is drawn as if it were not.
-void CHTMLGrid::DrawRange(HDC hdc, const CellRange &cells, POINT at)
+/// Calls draw(row, col, rect) for the cells of a range whose first one lies at `at`, up to the edge of the bitmap; a cell
+/// that the edge cuts has its whole rectangle.
+template <typename Draw>
+void CHTMLGrid::ForEachCell(const CellRange &cells, POINT at, Draw draw)
 {
     LONG top = at.y;
     for (int row = cells.nTop; row <= cells.nBottom && row < m_nRows && top < m_BufferSize.cy; ++row)
@@ -249,43 +251,36 @@ void CHTMLGrid::DrawRange(HDC hdc, const CellRange &cells, POINT at)
         for (int col = cells.nLeft; col <= cells.nRight && col < m_nCols && left < m_BufferSize.cx; ++col)
         {
             const RECT rect = {left, top, left + m_ColWidths[static_cast<std::size_t>(col)], bottom};
-            const auto atRow = static_cast<USHORT>(row);
-            const auto atCol = static_cast<USHORT>(col);
-            if (row < m_nFixedRows || col < m_nFixedCols)
-            {
-                OnFixedCellDraw(hdc, atRow, atCol, rect);
-            }
-            else
-            {
-                OnCellDraw(hdc, atRow, atCol, rect, IsCellSelected(atRow, atCol) ? stateSelected : 0);
-            }
+            draw(static_cast<USHORT>(row), static_cast<USHORT>(col), rect);
             left = rect.right;
         }
         top = bottom;
     }
 }
 
+void CHTMLGrid::DrawRange(HDC hdc, const CellRange &cells, POINT at)
+{
+    ForEachCell(cells, at,
+                [this, hdc](USHORT row, USHORT col, const RECT &rect)
+                {
+                    if (row < m_nFixedRows || col < m_nFixedCols)
+                    {
+                        OnFixedCellDraw(hdc, row, col, rect);
+                    }
+                    else
+                    {
+                        OnCellDraw(hdc, row, col, rect, IsCellSelected(row, col) ? stateSelected : 0);
+                    }
+                });
+}
+
 /// On top of the cells.
 void CHTMLGrid::DrawFloatersOf(HDC hdc, const CellRange &cells, POINT at)
 {
-    if (m_nFloaters == 0)
+    if (m_nFloaters != 0)
     {
-        return;
-    }
-    LONG top = at.y;
-    for (int row = cells.nTop; row <= cells.nBottom && row < m_nRows && top < m_BufferSize.cy; ++row)
-    {
-        const LONG bottom = top + m_RowHeights[static_cast<std::size_t>(row)];
-        LONG left = at.x;
-        for (int col = cells.nLeft; col <= cells.nRight && col < m_nCols && left < m_BufferSize.cx; ++col)
-        {
-            const RECT rect = {left, top, left + m_ColWidths[static_cast<std::size_t>(col)], bottom};
-            const auto atRow = static_cast<USHORT>(row);
-            const auto atCol = static_cast<USHORT>(col);
-            OnCellFloatersDraw(hdc, atRow, atCol, rect, IsCellSelected(atRow, atCol) ? stateSelected : 0);
-            left = rect.right;
-        }
-        top = bottom;
+        ForEachCell(cells, at, [this, hdc](USHORT row, USHORT col, const RECT &rect)
+                    { OnCellFloatersDraw(hdc, row, col, rect, IsCellSelected(row, col) ? stateSelected : 0); });
     }
 }
 

@@ -77,7 +77,8 @@ std::vector<std::string> environmentOf(const ProgramOptions &options)
                                                  {"PATH", "/usr/bin:/bin"},
                                                  {"HOME", "/nonexistent"},
                                                  {"TERM", "xterm"}};
-    for (const char *const kept : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS", "TMPDIR", "LLVM_PROFILE_FILE"})
+    for (const char *const kept :
+         {"ASAN_OPTIONS", "LSAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS", "TMPDIR", "LLVM_PROFILE_FILE"})
     {
         if (const char *const value = std::getenv(kept))
         {

@@ -36,7 +36,6 @@ HFONT systemFont()
 
 std::u16string Control::text() const
 {
-    // Not through WM_GETTEXT: a host that has put its procedure before ours may answer that with something else.
     std::u16string text(static_cast<std::size_t>(GetWindowTextLengthW(m_window)) + 1, u'\0');
     text.resize(static_cast<std::size_t>(GetWindowTextW(m_window, text.data(), static_cast<int>(text.size()))));
     return text;
