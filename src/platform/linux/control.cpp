@@ -142,6 +142,7 @@ void registerSystemClasses()
                        registerButton();
                        registerEdit();
                        registerListBox();
+                       registerListView();
                    });
 }
 } // namespace zb::internal

@@ -144,4 +144,5 @@ void registerStatic();
 void registerButton();
 void registerEdit();
 void registerListBox();
+void registerListView();
 } // namespace zb::internal
