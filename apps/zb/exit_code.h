@@ -1,15 +1,9 @@
-// What zb says to the shell. Scripts rely on these numbers; docs/commands.md tells them.
+// What zb says to the shell; docs/commands.md tells it.
 #pragma once
+
+#include "common/exit_code.h"
 
 namespace zb::cli
 {
-enum ExitCode : int
-{
-    exitOk = 0,
-    exitIncomplete = 1, ///< done, but something of the input could not be taken
-    exitUsage = 2,      ///< unknown command or option, a bad value
-    exitDevice = 3,     ///< the device can't be opened, read or written
-    exitInput = 4,      ///< an input file is unreadable or no calendar
-    exitOutput = 5      ///< the output could not be written
-};
+using namespace zb::host;
 } // namespace zb::cli

@@ -1,21 +1,9 @@
 // Opening the device that a command works on.
 #pragma once
 
-#include "platform/device.h"
-
-#include <filesystem>
-#include <memory>
-#include <string>
+#include "common/open_device.h"
 
 namespace zb::cli
 {
-enum class Missing
-{
-    Make,  ///< a folder without a device becomes one
-    Refuse ///< it is an error
-};
-
-/// Null when it does not open; the reason is printed, and the command ends with exitDevice.
-std::unique_ptr<Device> openDevice(const std::filesystem::path &root, Missing missing,
-                                   const ScreenOptions &screen = {});
+using namespace zb::host;
 } // namespace zb::cli

@@ -181,11 +181,6 @@ bool Output::finish()
     return !m_failed;
 }
 
-void complain(std::string_view text)
-{
-    std::fprintf(stderr, "zb: %.*s\n", static_cast<int>(text.size()), text.data());
-}
-
 ProgressBar::ProgressBar(std::string label) : m_terminal(stderr), m_label(std::move(label))
 {
 }

@@ -4,6 +4,8 @@
 // to move the cursor or recolour the screen).
 #pragma once
 
+#include "common/complain.h"
+
 #include <cstdint>
 #include <cstdio>
 #include <string>
@@ -74,8 +76,7 @@ class Output
     bool m_failed = false;
 };
 
-/// "zb: text" on standard error.
-void complain(std::string_view text);
+using host::complain;
 
 /// A bar on standard error for work that takes long enough to wonder; only on a terminal.
 class ProgressBar

@@ -126,8 +126,14 @@ int CKelvoMBoxDialog::PlaceButtons(int nTop, int nWidth)
     ReleaseDC(m_hWnd, hdc);
     RECT gap{0, 0, 3, 14};
     MapDialogRect(m_hWnd, &gap);
-    const int all = std::accumulate(widths.begin(), widths.end(), 0) +
-                    gap.right * std::max(static_cast<int>(widths.size()) - 1, 0);
+    const int count = static_cast<int>(widths.size());
+    const int gaps = gap.right * std::max(count - 1, 0);
+    const int tooMuch = std::accumulate(widths.begin(), widths.end(), 0) + gaps - nWidth;
+    for (int &width : widths)
+    {
+        width -= tooMuch > 0 ? (tooMuch + count - 1) / count : 0; // narrow screens: all of them fit, none is cut
+    }
+    const int all = std::accumulate(widths.begin(), widths.end(), 0) + gaps;
     int left = std::max((nWidth - all) / 2, 0);
     for (std::size_t n = 0; n < buttons.size(); ++n)
     {
@@ -137,12 +143,25 @@ int CKelvoMBoxDialog::PlaceButtons(int nTop, int nWidth)
     return gap.bottom;
 }
 
-/// The text gets the height that it needs at the template's width; what stands below it moves down, and the dialog ends
+/// The template's width, or what a narrower screen has.
+int CKelvoMBoxDialog::ClientWidth() const
+{
+    RECT client{};
+    GetClientRect(m_hWnd, &client);
+    RECT window{};
+    GetWindowRect(m_hWnd, &window);
+    const int frame = window.right - window.left - client.right;
+    return std::min<int>(client.right, GetSystemMetrics(SM_CXSCREEN) - frame);
+}
+
+/// The text gets the height that it needs at the dialog's width; what stands below it moves down, and the dialog ends
 /// below the buttons.
 void CKelvoMBoxDialog::FitToText()
 {
+    const int width = ClientWidth();
     const HWND text = GetDlgItem(m_hWnd, textId);
     RECT place = PlaceIn(m_hWnd, text);
+    place.right = std::min<LONG>(place.right, width - place.left);
     RECT needed{0, 0, place.right - place.left, 0};
     const HDC hdc = GetDC(text);
     const HGDIOBJ former = SelectObject(hdc, reinterpret_cast<HFONT>(SendMessageW(m_hWnd, WM_GETFONT, 0, 0)));
@@ -157,12 +176,10 @@ void CKelvoMBoxDialog::FitToText()
     {
         const HWND check = GetDlgItem(m_hWnd, checkId);
         const RECT box = PlaceIn(m_hWnd, check);
-        MoveWindow(check, box.left, top, box.right - box.left, box.bottom - box.top, FALSE);
+        MoveWindow(check, box.left, top, std::min<LONG>(box.right, width - box.left) - box.left, box.bottom - box.top, FALSE);
         top += box.bottom - box.top + margin;
     }
-    RECT client{};
-    GetClientRect(m_hWnd, &client);
-    client.bottom = top + PlaceButtons(top, client.right) + margin;
+    RECT client{0, 0, width, top + PlaceButtons(top, width) + margin};
     AdjustWindowRectEx(&client, static_cast<DWORD>(GetWindowLongW(m_hWnd, GWL_STYLE)), FALSE,
                        static_cast<DWORD>(GetWindowLongW(m_hWnd, GWL_EXSTYLE)));
     SetWindowPos(m_hWnd, nullptr, 0, 0, client.right - client.left, client.bottom - client.top,

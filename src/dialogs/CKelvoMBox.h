@@ -30,6 +30,7 @@ class ZBTOOLS_API CKelvoMBoxDialog : public CeBaseDialog
     void OnCancel() override;
 
   private:
+    int ClientWidth() const;
     void FitToText();
     int PlaceButtons(int nTop, int nWidth);
     int ButtonWidth(HDC hdc, HWND hButton) const;

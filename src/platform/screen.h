@@ -22,6 +22,10 @@ ZBPLATFORM_API void keyUp(int key);
 /// A typed character, as WM_CHAR.
 ZBPLATFORM_API void typeCharacter(WCHAR character);
 
+/// Lets time go by without waiting: ticks (GetTickCount) and timers are that much further from now on. The date and
+/// the waits of threads stay. For who plays a script.
+ZBPLATFORM_API void skipTime(DWORD milliseconds);
+
 /// How the screen lies: 0 upright (higher than wide, or square), 1 on its side.
 ZBPLATFORM_API int screenOrientation();
 /// A copy of what the screen shows; the caller's (DeleteObject).

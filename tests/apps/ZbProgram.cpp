@@ -115,9 +115,10 @@ struct Streams
     int err;
 };
 
-pid_t start(const std::vector<std::string> &arguments, const ProgramOptions &options, const Streams &streams)
+pid_t start(const std::string &program, const std::vector<std::string> &arguments, const ProgramOptions &options,
+            const Streams &streams)
 {
-    std::vector<std::string> words = {ZB_PROGRAM};
+    std::vector<std::string> words = {program};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<std::string> environment = environmentOf(options);
     const std::vector<char *> argv = pointersTo(words);
@@ -134,7 +135,7 @@ pid_t start(const std::vector<std::string> &arguments, const ProgramOptions &opt
             ::setrlimit(RLIMIT_FSIZE, &limit);
             ::signal(SIGXFSZ, SIG_IGN); // writes fail instead
         }
-        ::execve(ZB_PROGRAM, argv.data(), envp.data());
+        ::execve(program.c_str(), argv.data(), envp.data());
         ::_exit(127);
     }
     return child;
@@ -205,7 +206,8 @@ void await(pid_t child, const ProgramOptions &options, ProgramResult &result)
 }
 } // namespace
 
-ProgramResult runZb(const std::vector<std::string> &arguments, const ProgramOptions &options)
+ProgramResult runProgram(const std::string &program, const std::vector<std::string> &arguments,
+                         const ProgramOptions &options)
 {
     const Capture in;
     const Capture out;
@@ -223,7 +225,7 @@ ProgramResult runZb(const std::vector<std::string> &arguments, const ProgramOpti
         options.outputFile.empty() ? -1 : ::open(options.outputFile.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
     streams.out = file >= 0 ? file : streams.out;
     ProgramResult result;
-    const pid_t child = start(arguments, options, streams);
+    const pid_t child = start(program, arguments, options, streams);
     if (screen)
     {
         screen->startReading();
@@ -236,6 +238,11 @@ ProgramResult runZb(const std::vector<std::string> &arguments, const ProgramOpti
         ::close(file);
     }
     return result;
+}
+
+ProgramResult runZb(const std::vector<std::string> &arguments, const ProgramOptions &options)
+{
+    return runProgram(ZB_PROGRAM, arguments, options);
 }
 
 std::string writeFile(const std::filesystem::path &file, const std::string &bytes)

@@ -1,4 +1,4 @@
-// The zb program run as a child, as a shell runs it.
+// The hosts run as children, as a shell runs them.
 #pragma once
 
 #include <filesystem>
@@ -34,6 +34,9 @@ struct ProgramOptions
     std::string outputFile;
 };
 
+/// A program by its path.
+ProgramResult runProgram(const std::string &program, const std::vector<std::string> &arguments,
+                         const ProgramOptions &options = {});
 ProgramResult runZb(const std::vector<std::string> &arguments, const ProgramOptions &options = {});
 
 /// Writes a file and returns its path.

@@ -4,8 +4,8 @@
 #include "platform/kernel.h"
 #include "platform/linux/civil_date.h"
 #include "platform/linux/device_state.h"
+#include "platform/linux/skipped_time.h"
 
-#include <chrono>
 #include <cmath>
 
 namespace
@@ -150,6 +150,5 @@ void GetSystemTime(SYSTEMTIME *time)
 
 DWORD GetTickCount()
 {
-    const auto now = std::chrono::steady_clock::now().time_since_epoch();
-    return static_cast<DWORD>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
+    return static_cast<DWORD>(zb::internal::timerNow() / 1'000'000);
 }

@@ -1,6 +1,7 @@
 #include "platform/linux/message_queue.h"
 
 #include "platform/clock.h"
+#include "platform/linux/skipped_time.h"
 #include "platform/linux/windows_paint.h"
 
 #include <algorithm>
@@ -220,7 +221,7 @@ bool MessageQueue::take(const MessageFilter &filter, bool remove, MSG &message)
         return true;
     }
     Timer *timer = earliestTimer(filter);
-    const Deadline now = timer == nullptr ? 0 : monotonicNow();
+    const Deadline now = timer == nullptr ? 0 : timerNow();
     if (timer == nullptr || timer->due > now)
     {
         return false;
@@ -304,8 +305,8 @@ MessageQueue::Outlook MessageQueue::listen(unsigned kinds, const MessageFilter &
     {
         if (const Timer *timer = earliestTimer(filter))
         {
-            outlook.nextTimer = timer->due;
-            outlook.ready = timer->due <= monotonicNow();
+            outlook.nextTimer = timer->due - skippedTime();
+            outlook.ready = timer->due <= timerNow();
         }
     }
     return outlook;
@@ -356,7 +357,7 @@ UINT_PTR MessageQueue::setTimer(HWND window, UINT_PTR id, UINT milliseconds, TIM
             }
             timer = &m_timers.emplace_back();
         }
-        *timer = Timer{window, id, interval, procedure, monotonicNow() + interval};
+        *timer = Timer{window, id, interval, procedure, timerNow() + interval};
         listening = (m_listening & wakeTimer) != 0;
     }
     if (listening)

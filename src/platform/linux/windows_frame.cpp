@@ -76,11 +76,21 @@ void paintCaption(HDC context, const FrameLook &look)
     }
 }
 
-/// Moves a window of the screen with the pen until that is lifted.
+bool coversScreen(const RECT &place)
+{
+    return place.left <= 0 && place.top <= 0 && place.right >= GetSystemMetrics(SM_CXSCREEN) &&
+           place.bottom >= GetSystemMetrics(SM_CYSCREEN);
+}
+
+/// Moves a window of the screen with the pen until that is lifted; one that fills the screen stays.
 void dragWindow(HWND window, POINT from)
 {
     RECT start{};
     GetWindowRect(window, &start);
+    if (coversScreen(start))
+    {
+        return;
+    }
     SetCapture(window);
     MSG message{};
     while (GetCapture() == window && GetMessageW(&message, nullptr, 0, 0) > 0)

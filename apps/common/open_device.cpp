@@ -1,12 +1,12 @@
-#include "zb/open_device.h"
+#include "common/open_device.h"
 
+#include "common/complain.h"
 #include "platform/clock.h"
-#include "zb/terminal.h"
 
 #include <cstdio>
 #include <cstdlib>
 
-namespace zb::cli
+namespace zb::host
 {
 namespace
 {
@@ -36,12 +36,14 @@ std::optional<LONGLONG> momentOf(const char *text)
 }
 } // namespace
 
-std::unique_ptr<Device> openDevice(const std::filesystem::path &root, Missing missing, const ScreenOptions &screen)
+std::unique_ptr<Device> openDevice(const std::filesystem::path &root, Missing missing, const ScreenOptions &screen,
+                                   const FontOptions &fonts)
 {
     DeviceOptions options;
     options.root = root;
     options.create = missing == Missing::Make;
     options.screen = screen;
+    options.fonts = fonts;
     if (const char *const now = std::getenv("ZB_NOW"); now != nullptr && *now != '\0')
     {
         const std::optional<LONGLONG> moment = momentOf(now);
@@ -70,4 +72,4 @@ std::unique_ptr<Device> openDevice(const std::filesystem::path &root, Missing mi
     }
     return nullptr;
 }
-} // namespace zb::cli
+} // namespace zb::host

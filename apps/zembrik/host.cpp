@@ -1,0 +1,128 @@
+#include "zembrik/host.h"
+
+#include "common/complain.h"
+#include "common/exit_code.h"
+#include "common/open_device.h"
+#include "framework/CeBaseDialog.h"
+#include "framework/HIDPI.h"
+#include "platform/text.h"
+#include "zembrik/frame_window.h"
+#include "zembrik/script_player.h"
+#include "zembrik/texts.h"
+
+#include <fstream>
+#include <iostream>
+#include <optional>
+
+namespace zb::screens
+{
+namespace
+{
+using namespace zb::host;
+
+std::string knownViews()
+{
+    std::string names;
+    for (const ViewKind &kind : viewKinds())
+    {
+        names += (names.empty() ? "" : ", ") + std::string(kind.name);
+    }
+    return names;
+}
+
+/// Before anything is opened: what the script says, and what the command line asks besides.
+Script scriptOf(const HostArguments &arguments)
+{
+    Script script;
+    if (arguments.script == "-")
+    {
+        script = readScript(std::cin, "standard input");
+    }
+    else if (!arguments.script.empty())
+    {
+        std::ifstream file(arguments.script);
+        if (!file)
+        {
+            throw ScriptError(arguments.script.string() + ": can't be read");
+        }
+        script = readScript(file, arguments.script.string());
+    }
+    if (!arguments.shot.empty())
+    {
+        script.push_back({0, ShotStep{arguments.shot}});
+    }
+    return script;
+}
+
+const ViewKind &chosenKind(const std::string &name)
+{
+    const ViewKind *kind = findViewKind(name.empty() ? toUtf8(rememberedText(shownViewSetting)) : name);
+    return kind == nullptr ? viewKinds().front() : *kind;
+}
+
+/// Up to WM_QUIT.
+void pump(FrameWindow &frame)
+{
+    MSG message{};
+    while (GetMessageW(&message, nullptr, 0, 0) > 0)
+    {
+        if (!CeBaseDialog::IsDialogMsg(&message) && !frame.takesKey(message))
+        {
+            TranslateMessage(&message);
+            DispatchMessageW(&message);
+        }
+    }
+}
+
+int runOpened(const HostArguments &arguments, Script script)
+{
+    HIDPI_InitScaling();
+    FrameWindow frame;
+    if (!frame.open() || !frame.show(chosenKind(arguments.view)))
+    {
+        complain("no window could be made");
+        return exitDevice;
+    }
+    std::optional<ScriptPlayer> player;
+    if (arguments.headless || !script.empty())
+    {
+        player.emplace(std::move(script), ScriptPlayer::Surroundings{[&frame] { return frame.isBusy(); },
+                                                                     arguments.headless, arguments.headless});
+    }
+    pump(frame);
+    frame.remember();
+    if (player && !player->failure().empty())
+    {
+        complain(player->failure());
+        return exitOutput;
+    }
+    return exitOk;
+}
+} // namespace
+
+int runHost(const HostArguments &arguments)
+{
+    if (!arguments.view.empty() && findViewKind(arguments.view) == nullptr)
+    {
+        complain("\"" + arguments.view + "\" is none of the views: " + knownViews());
+        return exitUsage;
+    }
+    Script script;
+    try
+    {
+        script = scriptOf(arguments);
+    }
+    catch (const ScriptError &error)
+    {
+        complain(error.what());
+        return exitInput;
+    }
+    ScreenOptions screen;
+    screen.width = arguments.width;
+    screen.height = arguments.height;
+    screen.dotsPerInch = arguments.dotsPerInch;
+    screen.dialogs = true;
+    const std::unique_ptr<Device> device = openDevice(arguments.device, Missing::Make, screen, {arguments.fonts});
+    return device == nullptr ? exitDevice : runOpened(arguments, std::move(script));
+}
+} // namespace zb::screens

@@ -1,0 +1,23 @@
+// Words of the resources, and what views remember.
+#pragma once
+
+#include "platform/types.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace zb::screens
+{
+/// The text of that number; empty without one.
+std::u16string text(UINT number);
+
+/// Name of the view that showed last.
+inline constexpr const WCHAR *shownViewSetting = u"View";
+
+/// Values of the host's screens in the settings, by name.
+std::optional<DWORD> rememberedNumber(const WCHAR *name);
+std::u16string rememberedText(const WCHAR *name);
+void rememberNumber(const WCHAR *name, DWORD value);
+void rememberText(const WCHAR *name, const std::u16string &value);
+} // namespace zb::screens

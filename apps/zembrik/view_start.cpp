@@ -1,0 +1,265 @@
+// The view "start": the date, and how much the device holds; two panes with a bar between them.
+#include "framework/CeSplitFrame.h"
+#include "framework/HIDPI.h"
+#include "platform/clock.h"
+#include "platform/locale.h"
+#include "platform/text.h"
+#include "records/CeDbEnum.h"
+#include "zembrik/markup_pane.h"
+#include "zembrik/numbers.h"
+#include "zembrik/texts.h"
+#include "zembrik/view.h"
+
+namespace zb::screens
+{
+namespace
+{
+constexpr UINT commandRefresh = firstViewCommand;
+constexpr const WCHAR *splitSetting = u"StartSplit"; // in parts of the length
+constexpr DWORD wholeLength = 10'000;
+constexpr int leastPane = 32; // at 96 dots an inch
+constexpr int barStep = 16;
+constexpr UINT_PTR midnightTimer = 0x5354;
+
+std::u16string dateText(const SYSTEMTIME &date, DWORD flags, const WCHAR *form)
+{
+    std::array<WCHAR, 100> words{};
+    GetDateFormatW(LOCALE_USER_DEFAULT, flags, &date, form, words.data(), static_cast<int>(words.size()));
+    return words.data();
+}
+
+/// The locale's long form without the weekday and what parts it from the rest.
+std::u16string longFormWithoutWeekday()
+{
+    std::array<WCHAR, 100> words{};
+    GetLocaleInfoW(LOCALE_USER_DEFAULT, LOCALE_SLONGDATE, words.data(), static_cast<int>(words.size()));
+    std::u16string form = words.data();
+    if (const std::size_t weekday = form.find(u"dddd"); weekday != std::u16string::npos)
+    {
+        form.erase(weekday, 4);
+    }
+    constexpr const WCHAR *between = u" ,\u060C\u3001";
+    form.erase(0, form.find_first_not_of(between));
+    form.erase(form.find_last_not_of(between) + 1);
+    return form;
+}
+
+std::u16string dateMarkup()
+{
+    SYSTEMTIME now{};
+    GetLocalTime(&now);
+    return u"<BODY BGCOLOR=#FFFFFF><FONT SIZE=13 COLOR=#1F4E8C><B>" + dateText(now, 0, u"dddd") +
+           u"</B></FONT><BR><FONT SIZE=3>" + dateText(now, 0, longFormWithoutWeekday().c_str());
+}
+
+DWORD recordsOf(std::u16string_view database)
+{
+    CeDbEnum walk;
+    CEDBASEINFO info{};
+    for (bool more = walk.First() && walk.Next(); more; more = walk.Next())
+    {
+        if (walk.GetInfo(info) && database == info.szDbaseName)
+        {
+            return info.dwNumRecords;
+        }
+    }
+    return 0;
+}
+
+std::u16string countMarkup()
+{
+    std::u16string markup = u"<BODY BGCOLOR=#FFFFFF><FONT SIZE=3>";
+    constexpr std::pair<UINT, std::u16string_view> rows[] = {{textAppointments, u"Appointments Database"},
+                                                             {textTasks, u"Tasks Database"},
+                                                             {textContacts, u"Contacts Database"}};
+    for (const auto &[label, database] : rows)
+    {
+        markup += text(label) + u"<P ALIGN=RIGHT><B>" + toUtf16(std::to_string(recordsOf(database))) + u"</B></P><BR>";
+    }
+    return markup;
+}
+
+/// Both ways to the nearest: what is remembered must lead back to itself, or the bar would creep from run to run.
+DWORD rounded(DWORD dividend, DWORD divisor)
+{
+    return (dividend + divisor / 2) / divisor;
+}
+
+/// Milliseconds up to the next day.
+UINT untilMidnight()
+{
+    SYSTEMTIME now{};
+    GetLocalTime(&now);
+    const UINT passed = ((now.wHour * 60U + now.wMinute) * 60U + now.wSecond) * 1000U + now.wMilliseconds;
+    return 24U * 60U * 60U * 1000U - passed;
+}
+
+/// The window of the view with what lies in it.
+class StartPanes final : public CeSplitFrame
+{
+  public:
+    explicit StartPanes(bool sideBySide) : CeSplitFrame(sideBySide), m_sideBySide(sideBySide)
+    {
+    }
+    ~StartPanes() override
+    {
+        DestroyWindow(m_hWnd);
+    }
+
+    bool open(HWND parent, const RECT &area, DWORD split)
+    {
+        if (!Create(parent, area) || !date.createIn(m_hWnd) || !counts.createIn(m_hWnd))
+        {
+            return false;
+        }
+        const int least = HIDPI_SCALEX(leastPane);
+        SetBarMins(least, least);
+        SetPanes(date, counts);
+        SetSplitter(static_cast<int>(rounded(length() * split, wholeLength)));
+        refresh();
+        return true;
+    }
+
+    /// Reads everything anew, and again when the day is over.
+    void refresh()
+    {
+        date.setMarkup(dateMarkup());
+        counts.setMarkup(countMarkup());
+        SetTimer(m_hWnd, midnightTimer, untilMidnight(), nullptr);
+    }
+
+    bool isSideBySide() const
+    {
+        return m_sideBySide;
+    }
+    /// Where the bar lies, in parts of the length.
+    DWORD split() const
+    {
+        return length() == 0 ? 0 : rounded(static_cast<DWORD>(GetSplitter()) * wholeLength, length());
+    }
+    /// By a step to the end or, below 0, to the beginning.
+    void moveBar(int step)
+    {
+        const int least = HIDPI_SCALEX(leastPane);
+        SetSplitter(std::clamp(GetSplitter() + step, least, std::max(static_cast<int>(length()) - 2 * least, least)));
+    }
+
+    void OnTimer(UINT_PTR id, bool &handled) override
+    {
+        if (id == midnightTimer)
+        {
+            handled = true;
+            refresh();
+            return;
+        }
+        CeSplitFrame::OnTimer(id, handled);
+    }
+
+    MarkupPane date;
+    MarkupPane counts;
+
+  private:
+    DWORD length() const
+    {
+        RECT client{};
+        GetClientRect(m_hWnd, &client);
+        return static_cast<DWORD>(m_sideBySide ? client.right : client.bottom);
+    }
+
+    bool m_sideBySide;
+};
+
+class StartView final : public View
+{
+  public:
+    bool create(HWND frame, const RECT &area) override
+    {
+        m_frame = frame;
+        return build(area, rememberedNumber(splitSetting).value_or(wholeLength / 3));
+    }
+
+    HWND window() const override
+    {
+        return m_panes->GetHwnd();
+    }
+
+    /// Side by side on a wide screen, else one above the other.
+    void place(const RECT &area) override
+    {
+        if (isWide(area) == m_panes->isSideBySide() || !build(area, m_panes->split()))
+        {
+            View::place(area);
+        }
+    }
+
+    void takeFocus() override
+    {
+        SetFocus(m_panes->counts);
+    }
+
+    void addCommands(HMENU menu) override
+    {
+        AppendMenuW(menu, MF_STRING, commandRefresh, text(textRefresh).c_str());
+    }
+
+    bool command(UINT id) override
+    {
+        if (id == commandRefresh)
+        {
+            m_panes->refresh();
+        }
+        return id == commandRefresh;
+    }
+
+    /// Tab goes from pane to pane; Ctrl and an arrow moves the bar.
+    bool key(const MSG &message) override
+    {
+        if (message.wParam == VK_TAB)
+        {
+            SetFocus(GetFocus() == m_panes->counts ? m_panes->date : m_panes->counts);
+            return true;
+        }
+        const bool back = message.wParam == VK_UP || message.wParam == VK_LEFT;
+        const bool on = message.wParam == VK_DOWN || message.wParam == VK_RIGHT;
+        if (GetKeyState(VK_CONTROL) < 0 && (back || on))
+        {
+            m_panes->moveBar(HIDPI_SCALEX(on ? barStep : -barStep));
+            return true;
+        }
+        return false;
+    }
+
+    void remember() override
+    {
+        rememberNumber(splitSetting, m_panes->split());
+    }
+
+  private:
+    static bool isWide(const RECT &area)
+    {
+        return area.right - area.left > area.bottom - area.top;
+    }
+
+    bool build(const RECT &area, DWORD split)
+    {
+        auto fresh = std::make_unique<StartPanes>(isWide(area));
+        if (!fresh->open(m_frame, area, std::min(split, wholeLength)))
+        {
+            return false;
+        }
+        const bool hadFocus = m_panes != nullptr && IsChild(m_panes->GetHwnd(), GetFocus()) != FALSE;
+        m_panes = std::move(fresh);
+        if (hadFocus)
+        {
+            takeFocus();
+        }
+        return true;
+    }
+
+    HWND m_frame = nullptr;
+    std::unique_ptr<StartPanes> m_panes;
+};
+
+const ViewRegistration registration({"start", textStart, 0, [] { return std::unique_ptr<View>(new StartView); }});
+} // namespace
+} // namespace zb::screens
