@@ -2,6 +2,7 @@
 #include "core/CRegistry.h"
 
 #include "core/CRegistry_file.h"
+#include "core/KelvoDirectory.h"
 #include "platform/device.h"
 #include "platform/kernel.h"
 #include "platform/text.h"
@@ -94,19 +95,7 @@ LONG nameAt(const std::vector<std::u16string> &names, DWORD index, WCHAR *buffer
 
 std::u16string SettingsBaseFolder()
 {
-    static std::mutex mutex;
-    static std::uint64_t readFor = 0;
-    static std::u16string folder;
-    const std::lock_guard guard(mutex);
-    if (readFor != zb::deviceGeneration())
-    {
-        WCHAR buffer[401] = {};
-        const bool told =
-            GetFromRegistrySZ(HKEY_CURRENT_USER, u"Software\\Kelvo\\Zembrik", u"Kelvo_Folder", buffer) == 0;
-        folder = told && buffer[0] != 0 ? std::u16string(buffer) : std::u16string(u"\\My Documents");
-        readFor = zb::deviceGeneration();
-    }
-    return folder;
+    return GetKelvoDirectory();
 }
 
 CRegistry::CRegistry() : CRegistry(RegistryTypeFile, nullptr, 1)

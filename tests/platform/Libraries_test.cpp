@@ -1,5 +1,6 @@
 // Finding, loading and freeing libraries by the device's names.
 #include "platform/kernel.h"
+#include "platform/modules.h"
 #include "support/PlatformThread.h"
 #include "support/TestDevice.h"
 
@@ -37,6 +38,25 @@ TEST_F(Libraries, AreFoundBesideTheProgram)
         EXPECT_NE(counterOf(module), nullptr);
         EXPECT_TRUE(FreeLibrary(module));
     }
+}
+
+TEST_F(Libraries, LoadedOnesAreFoundByNameAndByAnAddressInThem)
+{
+    ASSERT_NE(GetModuleHandleW(nullptr), nullptr);
+    EXPECT_EQ(GetModuleHandleW(nullptr), GetModuleHandleW(nullptr));
+    static const int here = 0;
+    EXPECT_EQ(zb::moduleAt(&here), GetModuleHandleW(nullptr)) << "this is the program";
+    EXPECT_EQ(zb::moduleAt(nullptr), nullptr);
+    EXPECT_NE(GetModuleHandleW(u"ZBPlatform.dll"), nullptr);
+    HMODULE module = LoadLibraryW(u"ZBTestModule.dll");
+    ASSERT_NE(module, nullptr);
+    EXPECT_EQ(GetModuleHandleW(u"ZBTestModule.dll"), module);
+    EXPECT_EQ(zb::moduleAt(GetProcAddressW(module, u"zbTestValue")), module);
+    EXPECT_TRUE(FreeLibrary(module));
+    EXPECT_FALSE(FreeLibrary(module)) << "asking did not count";
+    SetLastError(0);
+    EXPECT_EQ(GetModuleHandleW(u"No such.dll"), nullptr);
+    EXPECT_EQ(GetLastError(), ERROR_MOD_NOT_FOUND);
 }
 
 TEST_F(Libraries, GiveFunctionsAndData)

@@ -5,6 +5,7 @@
 #include "platform/kernel.h"
 #include "platform/linux/files_path.h"
 #include "platform/linux/thread_state.h"
+#include "platform/modules.h"
 #include "platform/text.h"
 
 #include <dlfcn.h>
@@ -195,6 +196,48 @@ HMODULE LoadLibraryW(const WCHAR *name)
     }
     modules().add(module);
     return static_cast<HMODULE>(module);
+}
+
+namespace
+{
+/// What the host's loader holds under this name already (null: the program), as a handle of ours that stays good.
+HMODULE loadedModule(const char *name)
+{
+    const Shield shield;
+    void *module = dlopen(name, RTLD_NOW | RTLD_LOCAL | RTLD_NOLOAD);
+    if (module != nullptr && modules().contains(module))
+    {
+        dlclose(module);
+    }
+    else if (module != nullptr)
+    {
+        modules().add(module);
+    }
+    return static_cast<HMODULE>(module);
+}
+} // namespace
+
+HMODULE GetModuleHandleW(const WCHAR *name)
+{
+    stopHere();
+    const HMODULE module = loadedModule(name == nullptr ? nullptr : zb::toUtf8(hostName(name)).c_str());
+    if (module == nullptr)
+    {
+        SetLastError(ERROR_MOD_NOT_FOUND);
+    }
+    return module;
+}
+
+HMODULE zb::moduleAt(const void *address)
+{
+    Dl_info info{};
+    if (dladdr(address, &info) == 0 || info.dli_fname == nullptr)
+    {
+        return nullptr;
+    }
+    // The program has no name that the loader would know it by.
+    const HMODULE module = loadedModule(info.dli_fname);
+    return module != nullptr ? module : loadedModule(nullptr);
 }
 
 BOOL FreeLibrary(HMODULE module)

@@ -1,6 +1,7 @@
 #include "platform/shell.h"
 
 #include "platform/kernel.h"
+#include "platform/text.h"
 
 BOOL SHInitDialog(SHINITDLGINFO *info)
 {
@@ -27,5 +28,32 @@ BOOL SHInitDialog(SHINITDLGINFO *info)
         SetWindowPos(info->hDlg, nullptr, 0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN),
                      SWP_NOZORDER | SWP_NOACTIVATE);
     }
+    return TRUE;
+}
+
+BOOL SHGetSpecialFolderPath(HWND, WCHAR *path, int folder, BOOL)
+{
+    const WCHAR *found = folder == CSIDL_PERSONAL ? u"\\My Documents" : folder == CSIDL_WINDOWS ? u"\\Windows" : nullptr;
+    if (path == nullptr || found == nullptr)
+    {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return FALSE;
+    }
+    wcscpy(path, found);
+    return TRUE;
+}
+
+BOOL InitCommonControlsEx(const INITCOMMONCONTROLSEX *controls)
+{
+    if (controls == nullptr || controls->dwSize != sizeof(INITCOMMONCONTROLSEX))
+    {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return FALSE;
+    }
+    return TRUE;
+}
+
+BOOL SHInitExtraControls()
+{
     return TRUE;
 }
