@@ -1,6 +1,7 @@
 // A picture of marked-up cells, one row under the other: what `zb agenda` and `zb shot` draw.
 #pragma once
 
+#include "common/markup_text.h"
 #include "display/CHTMLParser.h"
 #include "platform/gdi.h"
 #include "zb/picture_window.h"
@@ -13,6 +14,8 @@
 
 namespace zb::cli
 {
+using namespace zb::host;
+
 /// Colours are of COLORREF. Lengths are pixels of 96 dots an inch.
 struct SheetRow
 {
@@ -54,9 +57,4 @@ class CellSheet
     PictureWindow m_pictures;
     std::vector<SheetRow> m_rows;
 };
-
-/// Text of a user's as markup: nothing in it is taken for a tag.
-std::u16string plainMarkup(std::u16string_view text);
-/// "#RRGGBB".
-std::u16string colorMarkup(COLORREF color);
 } // namespace zb::cli

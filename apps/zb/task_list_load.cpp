@@ -1,7 +1,6 @@
 #include "zb/task_list_load.h"
 
 #include "platform/clock.h"
-#include "records/CCategoryColor.h"
 #include "tasks/DATATASKS.h"
 #include "zb/bad_usage.h"
 #include "zb/loader_window.h"
@@ -148,29 +147,6 @@ std::vector<TaskGroup> groupsOf(CTasksThread &loader)
     return groups;
 }
 } // namespace
-
-std::vector<std::u16string> categoryNames(const WCHAR *categories)
-{
-    std::vector<std::u16string> names;
-    std::u16string_view rest = categories == nullptr ? std::u16string_view() : std::u16string_view(categories);
-    while (!rest.empty())
-    {
-        const std::size_t end = std::min(rest.find(u", "), rest.size());
-        if (end != 0 && rest.front() != u'~')
-        {
-            names.emplace_back(rest.substr(0, end));
-        }
-        rest.remove_prefix(std::min(end + 2, rest.size()));
-    }
-    return names;
-}
-
-std::optional<COLORREF> categoriesColor(const WCHAR *categories)
-{
-    CCategoryColor::InitCategoryColors();
-    const COLORREF color = CCategoryColor::GetCategoryColorCR(categories);
-    return color == NO_CATEGORY_COLOR ? std::nullopt : std::optional(color);
-}
 
 TaskList loadTasks(const TaskListChoice &choice)
 {

@@ -1,6 +1,7 @@
 // A task list as its loader gives it, for a program without a screen.
 #pragma once
 
+#include "common/category_words.h"
 #include "platform/types.h"
 #include "tasks/CTasksThread.h"
 #include "zb/category_choice.h"
@@ -11,6 +12,8 @@
 
 namespace zb::cli
 {
+using namespace zb::host;
+
 /// What to show where the settings of the device don't decide it.
 struct TaskListChoice
 {
@@ -67,9 +70,4 @@ struct TaskList
 /// the screen. Throws BadUsage for a category or sort key that is none, std::runtime_error
 /// when the load does not come to its end.
 TaskList loadTasks(const TaskListChoice &choice);
-
-/// Names in a joined text, without the marks that loaders add ("~Birthday").
-std::vector<std::u16string> categoryNames(const WCHAR *categories);
-/// The colour of joined categories.
-std::optional<COLORREF> categoriesColor(const WCHAR *categories);
 } // namespace zb::cli

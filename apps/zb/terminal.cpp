@@ -61,13 +61,6 @@ std::string_view codeOf(Style style)
     return {};
 }
 
-/// Marks that change the direction of what follows, or hide: a subject must not reorder the line it stands on.
-bool isUnseen(char16_t ch)
-{
-    return ch < 0x20 || (ch >= 0x7F && ch < 0xA0) || ch == 0x2028 || ch == 0x2029 || (ch >= 0x202A && ch <= 0x202E) ||
-           (ch >= 0x2066 && ch <= 0x2069) || ch == 0xFEFF;
-}
-
 /// Code point at `at`, which moves behind it. The text is well-formed, or each bad byte stands for itself.
 char32_t decode(std::string_view text, std::size_t &at)
 {
@@ -115,13 +108,6 @@ std::string Terminal::coloured(std::string_view text, std::uint32_t color) const
     char code[32];
     std::snprintf(code, sizeof code, "\x1b[38;2;%u;%u;%um", color & 0xFFU, color >> 8U & 0xFFU, color >> 16U & 0xFFU);
     return code + std::string(text) + "\x1b[0m";
-}
-
-std::string visibleText(std::u16string_view text)
-{
-    std::u16string visible(text);
-    std::replace_if(visible.begin(), visible.end(), isUnseen, u' ');
-    return toUtf8(std::u16string_view(visible));
 }
 
 int columnsOf(std::string_view text)

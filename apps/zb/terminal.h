@@ -5,6 +5,7 @@
 #pragma once
 
 #include "common/complain.h"
+#include "common/visible_text.h"
 
 #include <cstdint>
 #include <cstdio>
@@ -13,6 +14,8 @@
 
 namespace zb::cli
 {
+using namespace zb::host;
+
 enum class Style
 {
     Plain,
@@ -54,8 +57,6 @@ class Terminal
     int m_width;
 };
 
-/// UTF-8 with control characters, line ends and direction marks turned into blanks.
-std::string visibleText(std::u16string_view text);
 /// Columns that a text takes: two for wide characters, none for combining ones.
 int columnsOf(std::string_view text);
 /// The text, or its beginning with "…" when it takes more than `columns`; below 1 column nothing.

@@ -1,13 +1,13 @@
-#include "zb/agenda_words.h"
+#include "common/agenda_words.h"
 
-#include "zb/days.h"
-#include "zb/terminal.h"
+#include "common/days.h"
+#include "common/visible_text.h"
 
 #include <algorithm>
 #include <set>
 #include <tuple>
 
-namespace zb::cli
+namespace zb::host
 {
 namespace
 {
@@ -166,4 +166,4 @@ std::size_t taskCountOf(const std::vector<AgendaRow> &rows)
     }
     return distinct.size();
 }
-} // namespace zb::cli
+} // namespace zb::host

@@ -1,4 +1,4 @@
-#include "zb/days.h"
+#include "common/days.h"
 
 #include "platform/clock.h"
 #include "platform/locale.h"
@@ -9,7 +9,7 @@
 #include <cstdlib>
 #include <map>
 
-namespace zb::cli
+namespace zb::host
 {
 namespace
 {
@@ -141,4 +141,4 @@ std::string timeText(const SYSTEMTIME &time)
     }
     return place->second;
 }
-} // namespace zb::cli
+} // namespace zb::host
