@@ -1,0 +1,97 @@
+#include "zembrik/item_card.h"
+
+#include "common/markup_text.h"
+#include "zembrik/list_texts.h"
+#include "zembrik/texts.h"
+
+namespace zb::screens
+{
+namespace
+{
+constexpr COLORREF headGround = RGB(0xE6, 0xEB, 0xF2);
+}
+
+bool ItemCard::createIn(HWND parent, const RECT &area, std::function<void()> closed)
+{
+    m_closed = std::move(closed);
+    if (!ListPane::createIn(parent, area))
+    {
+        return false;
+    }
+    hide();
+    return true;
+}
+
+void ItemCard::show(const std::u16string &title, const std::u16string &below, std::vector<std::u16string> values)
+{
+    m_head = u"<FONT SIZE=1 COLOR=#1F4E8C>‹ " + host::plainMarkup(text(textBack)) +
+             u"</FONT><BR><FONT SIZE=4 COLOR=#16202B><B>" + host::plainMarkup(title) + u"</B></FONT>";
+    m_head += below.empty() ? u"" : u"<BR><FONT SIZE=1 COLOR=#5C6875>" + host::plainMarkup(below) + u"</FONT>";
+    m_values = std::move(values);
+    setRows(static_cast<int>(m_values.size()) + 1);
+    setCurrent(0);
+    SetWindowPos(m_hWnd, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_SHOWWINDOW);
+    takeFocus();
+}
+
+bool ItemCard::isShown() const
+{
+    return IsWindowVisible(m_hWnd) != FALSE;
+}
+
+void ItemCard::hide()
+{
+    ShowWindow(m_hWnd, SW_HIDE);
+}
+
+bool ItemCard::key(const MSG &message)
+{
+    const bool back =
+        message.wParam == VK_ESCAPE || message.wParam == VK_BACK || (message.wParam == VK_RETURN && current() == 0);
+    if (back)
+    {
+        m_closed();
+    }
+    return back;
+}
+
+std::optional<ListRow> ItemCard::row(int index)
+{
+    if (index == 0)
+    {
+        return ListRow{m_head, headGround};
+    }
+    return ListRow{m_values.at(static_cast<std::size_t>(index) - 1)};
+}
+
+std::u16string ItemCard::emptyMarkup()
+{
+    return {};
+}
+
+void ItemCard::tapped(int index, int)
+{
+    if (index == 0)
+    {
+        m_closed();
+    }
+}
+
+std::u16string valueMarkup(std::u16string_view label, std::u16string_view value)
+{
+    std::u16string markup =
+        u"<FONT SIZE=0 COLOR=#5C6875>" + host::plainMarkup(label) + u"</FONT><BR><FONT SIZE=2 COLOR=#16202B>";
+    bool first = true;
+    while (!value.empty())
+    {
+        const std::size_t end = std::min(value.find(u'\n'), value.size());
+        std::u16string_view line = value.substr(0, end);
+        line.remove_suffix(line.ends_with(u'\r') ? 1 : 0);
+        // A line without anything would have no height.
+        markup += (first ? u"" : u"<BR>") + (line.empty() ? u" " : host::plainMarkup(line));
+        value.remove_prefix(std::min(end + 1, value.size()));
+        first = false;
+    }
+    return markup + u"</FONT>";
+}
+} // namespace zb::screens

@@ -1,0 +1,231 @@
+#include "zembrik/task_list.h"
+
+#include "platform/propdb.h"
+#include "records/CCategoryColor.h"
+#include "records/COutlook.h"
+#include "zembrik/item_objects.h"
+#include "zembrik/list_texts.h"
+#include "zembrik/task_rows.h"
+#include "zembrik/texts.h"
+
+namespace zb::screens
+{
+namespace
+{
+constexpr UINT_PTR reloadTimer = 0x544C;
+/// One import or one save changes several records: they are waited for, but not felt.
+constexpr UINT reloadDelay = 150;
+
+/// Completes a task, or opens it again. The databases tell the list of it.
+void setComplete(CEOID id, bool complete)
+{
+    COutlook outlook;
+    if (const Counted<ITask> task = itemOf<ITask>(outlook, id, IID_ITask))
+    {
+        task->put_Complete(complete ? VARIANT_TRUE : VARIANT_FALSE);
+        task->Save();
+    }
+}
+} // namespace
+
+bool TaskList::open(HWND parent, const RECT &area, std::function<void()> changed, std::function<void(CEOID)> opened)
+{
+    m_changed = std::move(changed);
+    m_opened = std::move(opened);
+    if (!createIn(parent, area))
+    {
+        return false;
+    }
+    m_loader.m_hWndHost = m_hWnd;
+    m_watch.Open(u"Tasks Database", 0, 0, m_hWnd);
+    reload();
+    return true;
+}
+
+TaskList::~TaskList()
+{
+    m_loader.Stop(TRUE);
+}
+
+void TaskList::reload()
+{
+    KillTimer(m_hWnd, reloadTimer);
+    m_reloadPending = m_loading;
+    if (!m_loading)
+    {
+        // A start that finds the last run's thread still at its end is tried again.
+        m_complete = false;
+        m_loading = m_loader.Start() != FALSE;
+        if (!m_loading)
+        {
+            m_reloadPending = true;
+            SetTimer(m_hWnd, reloadTimer, reloadDelay, nullptr);
+        }
+    }
+}
+
+void TaskList::listReady()
+{
+    const CEOID cursor = m_wanted != 0 ? m_wanted : currentTask();
+    m_complete = true;
+    setRows(m_loader.GetList().GetDisplayCount());
+    select(cursor);
+    m_changed();
+}
+
+bool TaskList::heard(UINT message, WPARAM, LPARAM)
+{
+    switch (message)
+    {
+    case loaderListComplete:
+        listReady();
+        return true;
+    case loaderDone:
+        m_loading = false;
+        if (m_reloadPending)
+        {
+            reload();
+        }
+        m_changed();
+        return true;
+    case DB_CEOID_CREATED:
+    case DB_CEOID_CHANGED:
+    case DB_CEOID_RECORD_DELETED:
+        m_reloadPending = true;
+        SetTimer(m_hWnd, reloadTimer, reloadDelay, nullptr);
+        return true;
+    default:
+        return message == loaderBegun;
+    }
+}
+
+void TaskList::OnTimer(UINT_PTR nId, bool &handled)
+{
+    handled = nId == reloadTimer;
+    if (handled)
+    {
+        reload();
+    }
+}
+
+// --- Rows
+
+DATATASKS *TaskList::task(int index) const
+{
+    return m_complete && index >= 0 && index < rows() ? m_loader.GetList().GetAt(index + 1) : nullptr;
+}
+
+std::optional<ListRow> TaskList::row(int index)
+{
+    const DATATASKS *const found = task(index);
+    return found == nullptr ? std::nullopt : std::optional(taskRow(*found, isTree(), m_loader.GetToday()));
+}
+
+std::u16string TaskList::emptyMarkup()
+{
+    const bool hidden = counts().total > 0;
+    return emptyMessage(text(textNoTasks), text(hidden ? textTasksHidden : textTasksNone));
+}
+
+CEOID TaskList::currentTask() const
+{
+    const DATATASKS *const found = task(current());
+    return found == nullptr || found->IsGroupHeader() ? 0 : found->m_oid;
+}
+
+void TaskList::select(CEOID id)
+{
+    m_wanted = id;
+    if (!m_complete || id == 0)
+    {
+        return;
+    }
+    m_wanted = 0;
+    for (int index = 0; index < rows(); ++index)
+    {
+        if (task(index)->m_oid == id)
+        {
+            return setCurrent(index);
+        }
+    }
+}
+
+// --- What the user does
+
+void TaskList::tapped(int index, int x)
+{
+    DATATASKS *const found = task(index);
+    if (found == nullptr)
+    {
+        return;
+    }
+    switch (taskPartAt(*found, isTree(), x))
+    {
+    case TaskPart::Arrow:
+        return expand(*found, !found->m_bExpanded);
+    case TaskPart::Check:
+        return toggle(index);
+    case TaskPart::Subject:
+        return m_opened(found->m_oid);
+    }
+}
+
+void TaskList::toggle(int index)
+{
+    if (DATATASKS *const found = task(index); found != nullptr && !found->IsGroupHeader())
+    {
+        const bool complete = found->m_bComplete == 0;
+        // The box shows it at once; the list follows when the record has told.
+        found->m_bComplete = complete ? 1 : 0;
+        refreshRow(index);
+        setComplete(found->m_oid, complete);
+    }
+}
+
+void TaskList::toggleCurrent()
+{
+    toggle(current());
+}
+
+void TaskList::openCurrent()
+{
+    DATATASKS *const found = task(current());
+    if (found != nullptr && found->IsGroupHeader())
+    {
+        expand(*found, !found->m_bExpanded);
+    }
+    else if (found != nullptr)
+    {
+        m_opened(found->m_oid);
+    }
+}
+
+void TaskList::expand(DATATASKS &row, bool open)
+{
+    m_loader.ExpandTreeNode(open, &row, true);
+    setRows(m_loader.GetList().GetDisplayCount());
+}
+
+bool TaskList::expandCurrent(bool open)
+{
+    DATATASKS *const found = task(current());
+    if (found == nullptr || !found->IsParentNode() || found->m_bExpanded == open)
+    {
+        return false;
+    }
+    expand(*found, open);
+    return true;
+}
+
+void TaskList::expandAll(bool open)
+{
+    if (m_complete)
+    {
+        const CEOID cursor = currentTask();
+        m_loader.ExpandAll(open);
+        m_loader.SortDataList();
+        setRows(m_loader.GetList().GetDisplayCount());
+        select(cursor);
+    }
+}
+} // namespace zb::screens

@@ -1,0 +1,189 @@
+#include "zembrik/task_rows.h"
+
+#include "common/markup_text.h"
+#include "framework/HIDPI.h"
+#include "platform/clock.h"
+#include "platform/locale.h"
+#include "records/CCategoryColor.h"
+#include "records/COutlook.h"
+#include "zembrik/item_card.h"
+#include "zembrik/item_objects.h"
+#include "zembrik/list_texts.h"
+#include "zembrik/texts.h"
+
+#include <array>
+
+namespace zb::screens
+{
+namespace
+{
+// In pixels at 96 dots an inch.
+constexpr int step = 18;  // of depth, and the room of an arrow
+constexpr int strip = 16; // in front of what is drawn
+constexpr int checkWidth = 26;
+
+constexpr COLORREF headGround = RGB(0xE6, 0xEB, 0xF2);
+constexpr COLORREF noCategory = RGB(0xB8, 0xC4, 0xD2);
+constexpr const WCHAR *dim = u"<FONT SIZE=0 COLOR=#5C6875>";
+constexpr const WCHAR *late = u"<FONT SIZE=0 COLOR=#B3261E>";
+constexpr const WCHAR *endFont = u"</FONT>";
+
+std::u16string plain(const WCHAR *words)
+{
+    return host::plainMarkup(words == nullptr ? std::u16string_view() : words);
+}
+
+std::u16string arrow(const DATATASKS &task)
+{
+    return task.m_bExpanded ? u"<IMG SRC=503> " : u"<IMG SRC=502> ";
+}
+
+/// "today", "tomorrow", "yesterday", or the locale's short date.
+std::u16string dayWords(double date, int today)
+{
+    switch (static_cast<int>(date) - today)
+    {
+    case -1:
+        return text(textYesterday);
+    case 0:
+        return text(textToday);
+    case 1:
+        return text(textTomorrow);
+    default:
+        return dateWords(date, false);
+    }
+}
+
+std::u16string flags(const DATATASKS &task)
+{
+    const std::pair<bool, int> pictures[] = {{task.m_nImportance == taskImportanceHigh, 211},
+                                             {task.m_nImportance == taskImportanceLow, 504},
+                                             {task.m_bReminder != 0, 213},
+                                             {task.m_bRecurring != 0, 212},
+                                             {task.m_nSensitivity != 0, 214},
+                                             {task.m_bHasNotes != 0, 207}};
+    std::u16string markup;
+    for (const auto &[set, picture] : pictures)
+    {
+        markup += set ? u" " + smallPicture(picture) : u"";
+    }
+    return markup;
+}
+
+std::u16string secondLine(const DATATASKS &task, int today)
+{
+    std::u16string line;
+    if (task.m_dtDue != noDate)
+    {
+        const std::u16string due = text(textDue) + u" " + dayWords(task.m_dtDue, today);
+        line = (task.m_bOverdue ? late : dim) + host::plainMarkup(due) + endFont;
+    }
+    if (task.m_pszCategories != nullptr && task.m_pszCategories[0] != 0)
+    {
+        line += dim + std::u16string(line.empty() ? u"" : u"  ·  ") + plain(task.m_pszCategories) + endFont;
+    }
+    return line;
+}
+
+std::u16string subject(const DATATASKS &task)
+{
+    const bool without = task.m_pszSubject == nullptr || task.m_pszSubject[0] == 0;
+    const std::u16string words = without ? host::plainMarkup(text(textNoSubject)) : plain(task.m_pszSubject);
+    if (task.m_bComplete != 0)
+    {
+        return u"<FONT SIZE=2 COLOR=#7A848F><S>" + words + u"</S></FONT>";
+    }
+    return (task.m_bParentOnly ? u"<FONT SIZE=2 COLOR=#7A848F>" : u"<FONT SIZE=2 COLOR=#16202B>") + words + endFont;
+}
+
+std::u16string priority(const DATATASKS &task)
+{
+    const std::u16string words = std::u16string(task.m_szPriorityLetter) + task.m_szPriorityNumber;
+    return words.empty() ? words : u"<FONT SIZE=0 COLOR=#1F4E8C><B>" + host::plainMarkup(words) + u"</B></FONT> ";
+}
+
+ListRow headerRow(const DATATASKS &group)
+{
+    ListRow row;
+    row.back = headGround;
+    row.markup = arrow(group) + u"<FONT SIZE=1 COLOR=#2B3A4C><B>" + plain(group.m_pszSubject) + u"</B></FONT>" +
+                 u"<P ALIGN=RIGHT><FONT SIZE=1 COLOR=#5C6875>" + decimal(group.NumChildren()) + u"</FONT></P>";
+    return row;
+}
+
+int indentOf(const DATATASKS &task, bool tree)
+{
+    return tree ? task.m_nDepth * HIDPI_SCALEX(step) : 0;
+}
+} // namespace
+
+ListRow taskRow(const DATATASKS &task, bool tree, int today)
+{
+    if (task.IsGroupHeader())
+    {
+        return headerRow(task);
+    }
+    const bool parent = tree && task.IsParentNode();
+    ListRow row;
+    CCategoryColor::InitCategoryColors();
+    const COLORREF color = CCategoryColor::GetCategoryColorCR(task.m_pszCategories);
+    row.strip = color == NO_CATEGORY_COLOR ? noCategory : color;
+    // The room of an arrow that is not there.
+    row.indent = indentOf(task, tree) + (tree && !parent ? HIDPI_SCALEX(step) : 0);
+    row.markup = (parent ? arrow(task) : std::u16string()) +
+                 (task.m_bComplete != 0 ? u"<IMG SRC=260> " : u"<IMG SRC=259> ") + priority(task) + subject(task) +
+                 flags(task);
+    const std::u16string second = secondLine(task, today);
+    row.markup += second.empty() ? second : u"<BR>" + second;
+    return row;
+}
+
+TaskPart taskPartAt(const DATATASKS &task, bool tree, int x)
+{
+    if (task.IsGroupHeader())
+    {
+        return TaskPart::Arrow;
+    }
+    const int from = HIDPI_SCALEX(strip) + indentOf(task, tree);
+    const int room = tree ? HIDPI_SCALEX(step) : 0;
+    if (x < from + room && task.IsParentNode())
+    {
+        return TaskPart::Arrow;
+    }
+    return x < from + room + HIDPI_SCALEX(checkWidth) ? TaskPart::Check : TaskPart::Subject;
+}
+
+std::optional<TaskDetails> taskDetails(CEOID id)
+{
+    COutlook outlook;
+    const Counted<ITask> task = itemOf<ITask>(outlook, id, IID_ITask);
+    if (!task)
+    {
+        return std::nullopt;
+    }
+    TaskDetails details;
+    details.title = bstrOf(*task.get(), &ITask::get_Subject);
+    VARIANT_BOOL complete = VARIANT_FALSE;
+    task->get_Complete(&complete);
+    details.below = complete != VARIANT_FALSE ? text(textCompleted) : std::u16string();
+    const auto add = [&details](UINT label, const std::u16string &value)
+    {
+        if (!value.empty())
+        {
+            details.values.push_back(valueMarkup(text(label), value));
+        }
+    };
+    const auto date = [&task](HRESULT (ITask::*get)(DATE *))
+    {
+        DATE value = PIM_NO_DATE;
+        ((*task.get()).*get)(&value);
+        return value == PIM_NO_DATE ? std::u16string() : dateWords(value, true);
+    };
+    add(textStarts, date(&ITask::get_StartDate));
+    add(textDue, date(&ITask::get_DueDate));
+    add(textCompleted, date(&ITask::get_DateCompleted));
+    add(textCategories, bstrOf<IPOutlookItem>(*task.get(), &IPOutlookItem::get_Categories));
+    add(textNotes, bstrOf<IPOutlookItem>(*task.get(), &IPOutlookItem::get_Body));
+    return details;
+}
+} // namespace zb::screens

@@ -1,0 +1,33 @@
+// What the rows of a task list say, and where in them a tap does what. Threads: the main thread.
+#pragma once
+
+#include "tasks/DATATASKS.h"
+#include "zembrik/list_pane.h"
+
+#include <optional>
+#include <vector>
+
+namespace zb::screens
+{
+/// Parts of a row from left to right, as a tap meets them.
+enum class TaskPart
+{
+    Arrow, ///< opens and closes what is below
+    Check,
+    Subject
+};
+
+/// In a tree every row keeps room for the arrow, so that the boxes of one depth stand below each other.
+ListRow taskRow(const DATATASKS &task, bool tree, int today);
+/// x in pixels of the pane.
+TaskPart taskPartAt(const DATATASKS &task, bool tree, int x);
+
+/// What a task holds, as rows of its card; empty when it is gone.
+struct TaskDetails
+{
+    std::u16string title;
+    std::u16string below;
+    std::vector<std::u16string> values;
+};
+std::optional<TaskDetails> taskDetails(CEOID id);
+} // namespace zb::screens

@@ -1,0 +1,250 @@
+// The view "tasks": the task list with its groups or tree, and the card of one task.
+#include "core/CRegistry.h"
+#include "zembrik/item_objects.h"
+#include "zembrik/list_texts.h"
+#include "zembrik/task_list.h"
+#include "zembrik/task_rows.h"
+#include "zembrik/texts.h"
+#include "zembrik/view.h"
+
+#include <array>
+
+namespace zb::screens
+{
+namespace
+{
+constexpr const WCHAR *taskSetting = u"TasksCurrent";
+
+constexpr UINT commandOpen = firstViewCommand;
+constexpr UINT commandToggle = firstViewCommand + 1;
+constexpr UINT commandShowCompleted = firstViewCommand + 2;
+constexpr UINT commandShowUndated = firstViewCommand + 3;
+constexpr UINT commandExpandAll = firstViewCommand + 4;
+constexpr UINT commandCollapseAll = firstViewCommand + 5;
+constexpr UINT commandGroup = firstViewCommand + 10; // and the grouping
+constexpr UINT commandSort = firstViewCommand + 30;  // and the place in the table
+
+/// In the order of the groupings' numbers.
+constexpr std::array<UINT, 9> groupTexts = {textGroupNone,   textGroupCategory, textGroupImportance,
+                                            textGroupLetter, textGroupProgress, textGroupCompletion,
+                                            textGroupDue,    textGroupManager,  textGroupTree};
+
+struct SortChoice
+{
+    UINT text;
+    ULONG key;
+};
+constexpr std::array<SortChoice, 5> sorts = {{{textSortPriority, taskSortPriority},
+                                              {textSortDue, taskSortDueDate},
+                                              {textSortSubject, taskSortSubject},
+                                              {textSortLetter, taskSortLetter},
+                                              {textSortCategory, taskSortCategory}}};
+
+void store(const WCHAR *name, DWORD value)
+{
+    CRegistry settings;
+    settings.OpenKey(HKEY_CURRENT_USER, CTasksThread::DEFAULT_SETTINGS_KEY);
+    settings.SetValue(name, value);
+}
+
+TaskListSettings settings()
+{
+    return TaskListSettings::read(CTasksThread::DEFAULT_SETTINGS_KEY);
+}
+
+void append(HMENU menu, UINT id, UINT words, bool checked = false, bool enabled = true)
+{
+    AppendMenuW(menu, MF_STRING | (checked ? MF_CHECKED : 0U) | (enabled ? 0U : MF_GRAYED), id, text(words).c_str());
+}
+
+class TasksView final : public View
+{
+  public:
+    ~TasksView() override
+    {
+        DestroyWindow(m_pane);
+    }
+
+    bool create(HWND frame, const RECT &area) override
+    {
+        m_frame = frame;
+        const auto opened = [this](CEOID id) { showCard(id); };
+        if (!m_pane.Create(frame, area, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN))
+        {
+            return false;
+        }
+        RECT all{0, 0, area.right - area.left, area.bottom - area.top};
+        m_list.select(rememberedNumber(taskSetting).value_or(0));
+        return m_list.open(
+                   m_pane, all, [this] { listChanged(); }, opened) &&
+               m_card.createIn(m_pane, all, [this] { closeCard(); });
+    }
+
+    HWND window() const override
+    {
+        return m_pane.GetHwnd();
+    }
+
+    void place(const RECT &area) override
+    {
+        View::place(area);
+        for (const HWND child : {m_list.GetHwnd(), m_card.GetHwnd()})
+        {
+            MoveWindow(child, 0, 0, area.right - area.left, area.bottom - area.top, TRUE);
+        }
+    }
+
+    void takeFocus() override
+    {
+        if (m_card.isShown())
+        {
+            m_card.takeFocus();
+        }
+        else
+        {
+            m_list.takeFocus();
+        }
+    }
+
+    std::u16string title() const override
+    {
+        const LONG open = m_list.counts().shown;
+        return text(textTasksTitle) + (open == 0 ? u"" : u" (" + decimal(open) + u")");
+    }
+
+    void addCommands(HMENU menu) override
+    {
+        const TaskListSettings now = settings();
+        const bool task = m_list.currentTask() != 0 && !m_card.isShown();
+        append(menu, commandOpen, textOpen, false, task);
+        append(menu, commandToggle, textToggleDone, false, task);
+        AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
+        const HMENU groups = CreatePopupMenu();
+        for (UINT group = 0; group < groupTexts.size(); ++group)
+        {
+            append(groups, commandGroup + group, groupTexts[group], now.GroupBy == group);
+        }
+        AppendMenuW(menu, MF_POPUP | MF_STRING, reinterpret_cast<UINT_PTR>(groups), text(textGroupBy).c_str());
+        const HMENU orders = CreatePopupMenu();
+        for (UINT n = 0; n < sorts.size(); ++n)
+        {
+            append(orders, commandSort + n, sorts[n].text, now.TV_Sort0 == sorts[n].key);
+        }
+        AppendMenuW(menu, MF_POPUP | MF_STRING, reinterpret_cast<UINT_PTR>(orders), text(textSortBy).c_str());
+        append(menu, commandShowCompleted, textShowCompleted, now.bShowCompleted != 0);
+        append(menu, commandShowUndated, textShowUndated, now.bShowUndated != 0);
+        append(menu, commandExpandAll, textExpandAll, false, m_list.isGrouped());
+        append(menu, commandCollapseAll, textCollapseAll, false, m_list.isGrouped());
+    }
+
+    bool command(UINT id) override
+    {
+        if (id >= commandGroup && id < commandGroup + groupTexts.size())
+        {
+            return change(u"GroupBy", id - commandGroup);
+        }
+        if (id >= commandSort && id < commandSort + sorts.size())
+        {
+            return change(u"TV_Sort0", sorts[id - commandSort].key);
+        }
+        switch (id)
+        {
+        case commandOpen:
+            m_list.openCurrent();
+            return true;
+        case commandToggle:
+            m_list.toggleCurrent();
+            return true;
+        case commandShowCompleted:
+            return change(u"bShowCompleted", settings().bShowCompleted == 0 ? 1 : 0);
+        case commandShowUndated:
+            return change(u"bShowUndated", settings().bShowUndated == 0 ? 1 : 0);
+        case commandExpandAll:
+        case commandCollapseAll:
+            m_list.expandAll(id == commandExpandAll);
+            return true;
+        default:
+            return false;
+        }
+    }
+
+    /// Enter opens, Space completes, the arrows to the sides open and close what is below.
+    bool key(const MSG &message) override
+    {
+        if (m_card.isShown())
+        {
+            return m_card.key(message);
+        }
+        switch (message.wParam)
+        {
+        case VK_RETURN:
+            m_list.openCurrent();
+            return true;
+        case VK_SPACE:
+            m_list.toggleCurrent();
+            return true;
+        case VK_LEFT:
+        case VK_RIGHT:
+            return m_list.expandCurrent(message.wParam == VK_RIGHT);
+        default:
+            return false;
+        }
+    }
+
+    bool isBusy() const override
+    {
+        return m_list.isBusy();
+    }
+
+    void remember() override
+    {
+        rememberNumber(taskSetting, m_list.currentTask());
+    }
+
+    UINT help() const override
+    {
+        return textTasksHelp;
+    }
+
+  private:
+    bool change(const WCHAR *name, DWORD value)
+    {
+        store(name, value);
+        m_list.reload();
+        return true;
+    }
+
+    void listChanged()
+    {
+        const std::u16string fresh = title();
+        if (fresh != m_title)
+        {
+            m_title = fresh;
+            SetWindowTextW(m_frame, fresh.c_str());
+        }
+    }
+
+    void showCard(CEOID id)
+    {
+        if (std::optional<TaskDetails> details = taskDetails(id))
+        {
+            m_card.show(details->title, details->below, std::move(details->values));
+        }
+    }
+
+    void closeCard()
+    {
+        m_card.hide();
+        m_list.takeFocus();
+    }
+
+    HWND m_frame = nullptr;
+    std::u16string m_title;
+    CeWnd m_pane;
+    TaskList m_list;
+    ItemCard m_card;
+};
+
+const ViewRegistration registration({"tasks", textTasksTitle, 50, [] { return std::unique_ptr<View>(new TasksView); }});
+} // namespace
+} // namespace zb::screens
