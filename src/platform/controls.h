@@ -196,3 +196,91 @@ inline constexpr WORD LBN_SELCHANGE = 1;
 inline constexpr WORD LBN_DBLCLK = 2;
 inline constexpr WORD LBN_SETFOCUS = 4;
 inline constexpr WORD LBN_KILLFOCUS = 5;
+
+// --- Combo box ("COMBOBOX"): one row of a list that drops down, or a text that may be one of them -------------------------
+
+inline constexpr DWORD CBS_SIMPLE = 0x0001U;       ///< an edit with its list below it, always shown
+inline constexpr DWORD CBS_DROPDOWN = 0x0002U;     ///< an edit with a list that drops down
+inline constexpr DWORD CBS_DROPDOWNLIST = 0x0003U; ///< the chosen row in place of the edit
+inline constexpr DWORD CBS_TYPEMASK = 0x0003U;
+inline constexpr DWORD CBS_AUTOHSCROLL = 0x0040U; ///< changes nothing: a text that doesn't fit is always scrolled
+inline constexpr DWORD CBS_SORT = 0x0100U;        ///< as LBS_SORT
+inline constexpr DWORD CBS_HASSTRINGS = 0x0200U;
+inline constexpr DWORD CBS_NOINTEGRALHEIGHT = 0x0400U; ///< the list is as high as was asked for, not cut to whole rows
+inline constexpr DWORD CBS_DISABLENOSCROLL = 0x0800U;
+inline constexpr DWORD CBS_UPPERCASE = 0x2000U;
+inline constexpr DWORD CBS_LOWERCASE = 0x4000U;
+
+// The height that a combo box with a list that drops down is given counts for both: its own is that of its field, the
+// rest is what the list may take (at least three rows of it, up to the edge of the screen; it opens upwards where there
+// is more room). Rows count from 0; -1 (CB_ERR) answers what can't be done. Messages are silent but for
+// CB_SHOWDROPDOWN; WM_SETTEXT fails where there is no edit.
+//
+// Keys: up and down, page and end keys go from row to row; F4 or Alt with up or down opens and closes, and so does
+// Space where there is no edit. With the extended interface Down opens instead, and F4 does nothing. In the open list
+// Enter chooses, Escape brings back what was there before, letters go to rows; leaving by Tab keeps the row that keys
+// have come to. A tap beside the open list closes it and does nothing else.
+inline constexpr LRESULT CB_ERR = -1;
+inline constexpr LRESULT CB_OKAY = 0;
+inline constexpr UINT CB_GETEDITSEL = 0x0140; ///< as EM_GETSEL
+inline constexpr UINT CB_LIMITTEXT = 0x0141;  ///< as EM_LIMITTEXT
+inline constexpr UINT CB_SETEDITSEL = 0x0142; ///< first and last place in the halves of lParam; -1 as in EM_SETSEL
+inline constexpr UINT CB_ADDSTRING = 0x0143;
+inline constexpr UINT CB_DELETESTRING = 0x0144;
+inline constexpr UINT CB_GETCOUNT = 0x0146;
+inline constexpr UINT CB_GETCURSEL = 0x0147; ///< -1, too, when the text was typed and is none of the rows
+inline constexpr UINT CB_GETLBTEXT = 0x0148;
+inline constexpr UINT CB_GETLBTEXTLEN = 0x0149;
+inline constexpr UINT CB_INSERTSTRING = 0x014A;
+inline constexpr UINT CB_RESETCONTENT = 0x014B; ///< empties the edit, too
+inline constexpr UINT CB_FINDSTRING = 0x014C;
+inline constexpr UINT CB_SELECTSTRING = 0x014D;
+inline constexpr UINT CB_SETCURSEL = 0x014E; ///< -1 empties the edit
+inline constexpr UINT CB_SHOWDROPDOWN = 0x014F; ///< wParam whether
+inline constexpr UINT CB_GETITEMDATA = 0x0150;
+inline constexpr UINT CB_SETITEMDATA = 0x0151;
+inline constexpr UINT CB_GETDROPPEDCONTROLRECT = 0x0152; ///< lParam a RECT: field and open list together, on the screen
+inline constexpr UINT CB_SETITEMHEIGHT = 0x0153; ///< of the field's inside (wParam -1) or of all rows (0); 1 to 255 pixels
+inline constexpr UINT CB_GETITEMHEIGHT = 0x0154;
+inline constexpr UINT CB_SETEXTENDEDUI = 0x0155;
+inline constexpr UINT CB_GETEXTENDEDUI = 0x0156;
+inline constexpr UINT CB_GETDROPPEDSTATE = 0x0157;
+inline constexpr UINT CB_FINDSTRINGEXACT = 0x0158;
+inline constexpr UINT CB_GETTOPINDEX = 0x015B;
+inline constexpr UINT CB_SETTOPINDEX = 0x015C;
+inline constexpr UINT CB_GETDROPPEDWIDTH = 0x015F; ///< of the list; never less than that of the field
+inline constexpr UINT CB_SETDROPPEDWIDTH = 0x0160;
+inline constexpr UINT CB_INITSTORAGE = 0x0161;
+inline constexpr WORD CBN_SELCHANGE = 1; ///< by keys or pen: of an open list always when a row was chosen, even the same
+inline constexpr WORD CBN_DBLCLK = 2;    ///< CBS_SIMPLE alone
+inline constexpr WORD CBN_SETFOCUS = 3;
+inline constexpr WORD CBN_KILLFOCUS = 4;
+inline constexpr WORD CBN_EDITCHANGE = 5; ///< the user has changed the text, after CBN_EDITUPDATE, which comes before it shows
+inline constexpr WORD CBN_EDITUPDATE = 6;
+inline constexpr WORD CBN_DROPDOWN = 7; ///< about to open: the time to fill it
+inline constexpr WORD CBN_CLOSEUP = 8;
+/// A row of the open list was chosen (then CBN_CLOSEUP and CBN_SELCHANGE follow), or it was left.
+inline constexpr WORD CBN_SELENDOK = 9;
+inline constexpr WORD CBN_SELENDCANCEL = 10;
+
+// --- Scroll bar ("SCROLLBAR") ---------------------------------------------------------------------------------------
+
+inline constexpr DWORD SBS_HORZ = 0x0000U;
+inline constexpr DWORD SBS_VERT = 0x0001U;
+
+// It tells its parent by WM_HSCROLL or WM_VSCROLL (lParam its handle) what is wanted: taps on arrows and track, which
+// repeat while the pen is held, the thumb being drawn (SB_THUMBTRACK, then SB_THUMBPOSITION), keys; each time
+// SB_ENDSCROLL comes last. The position changes only when the parent sets it, by SetScrollInfo with SB_CTL or these.
+// One with nothing to scroll stays and looks disabled.
+inline constexpr UINT SBM_SETPOS = 0x00E0; ///< wParam the position, lParam whether to draw; the former one
+inline constexpr UINT SBM_GETPOS = 0x00E1;
+inline constexpr UINT SBM_SETRANGE = 0x00E2; ///< wParam lowest, lParam highest; the former position
+inline constexpr UINT SBM_GETRANGE = 0x00E3; ///< wParam and lParam each point to an int
+inline constexpr UINT SBM_ENABLE_ARROWS = 0x00E4; ///< wParam ESB_...: an arrow that is off does nothing
+inline constexpr UINT SBM_SETRANGEREDRAW = 0x00E6;
+inline constexpr UINT SBM_SETSCROLLINFO = 0x00E9; ///< wParam whether to draw, lParam a SCROLLINFO; the position afterwards
+inline constexpr UINT SBM_GETSCROLLINFO = 0x00EA;
+inline constexpr WPARAM ESB_ENABLE_BOTH = 0;
+inline constexpr WPARAM ESB_DISABLE_LTUP = 1;
+inline constexpr WPARAM ESB_DISABLE_RTDN = 2;
+inline constexpr WPARAM ESB_DISABLE_BOTH = 3;

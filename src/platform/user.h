@@ -97,6 +97,8 @@ inline constexpr DWORD WS_CHILD = 0x40000000U;
 inline constexpr DWORD WS_POPUP = 0x80000000U;
 inline constexpr DWORD WS_EX_TOPMOST = 0x00000008U;
 inline constexpr DWORD WS_EX_CLIENTEDGE = 0x00000200U;
+/// Of a child: keys of the dialog that it lies in go from control to control inside it, too.
+inline constexpr DWORD WS_EX_CONTROLPARENT = 0x00010000U;
 inline constexpr DWORD WS_EX_NOACTIVATE = 0x08000000U;
 
 inline constexpr UINT CS_DBLCLKS = 0x0008;
@@ -352,6 +354,7 @@ ZBPLATFORM_API HDC GetWindowDC(HWND window);
 
 inline constexpr int SB_HORZ = 0;
 inline constexpr int SB_VERT = 1;
+inline constexpr int SB_CTL = 2; ///< the window is itself a scroll bar (controls.h)
 inline constexpr int SB_BOTH = 3;
 inline constexpr WORD SB_LINEUP = 0;
 inline constexpr WORD SB_LINEDOWN = 1;
@@ -419,6 +422,7 @@ inline constexpr int VK_DOWN = 0x28;
 inline constexpr int VK_DELETE = 0x2E;
 inline constexpr int VK_F1 = 0x70;
 inline constexpr int VK_F2 = 0x71;
+inline constexpr int VK_F4 = 0x73;
 inline constexpr int VK_F10 = 0x79;
 inline constexpr int VK_F23 = 0x86;
 /// The high bit is set while the key is down.

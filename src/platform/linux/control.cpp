@@ -143,6 +143,9 @@ void registerSystemClasses()
                        registerEdit();
                        registerListBox();
                        registerListView();
+                       registerComboBox();
+                       registerScrollBar();
+                       registerTabControl();
                    });
 }
 } // namespace zb::internal

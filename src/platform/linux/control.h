@@ -145,4 +145,7 @@ void registerButton();
 void registerEdit();
 void registerListBox();
 void registerListView();
+void registerComboBox();
+void registerScrollBar();
+void registerTabControl();
 } // namespace zb::internal

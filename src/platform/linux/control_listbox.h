@@ -37,6 +37,17 @@ class ListBox : public Control
         return m_top;
     }
     static POINT pointOf(LPARAM place);
+    /// Keys and characters as the list itself takes them.
+    void takeKey(int key);
+    void typed(WCHAR character);
+    /// Whether a blank would go on with what was typed a moment ago.
+    bool isTypingAhead() const;
+    /// The pen has moved, or time has passed while it is held.
+    virtual void followPen();
+    /// Keys or pen have changed what is chosen.
+    virtual void tellChange();
+    /// Runs followPen() again soon, or no more.
+    void followAgain(bool again) const;
 
   private:
     struct Item
@@ -80,13 +91,9 @@ class ListBox : public Control
     LRESULT selectRange(LONGLONG first, LONGLONG last, bool selected);
     LRESULT copySelected(int most, int *rows) const;
 
-    void takeKey(int key);
-    void typed(WCHAR character);
     void moveTo(int row, bool extend, bool keep);
     void chooseByPen(int row);
-    void followPen();
     void releasePen();
-    void tellChange();
     void tellIfAsked(WORD code) const;
 
     void measure();

@@ -115,6 +115,23 @@ void ListBox::moveTo(int row, bool extend, bool keep)
     tellChange();
 }
 
+bool ListBox::isTypingAhead() const
+{
+    return !m_typed.empty() && GetTickCount() - m_typedTime <= typeAhead;
+}
+
+void ListBox::followAgain(bool again) const
+{
+    if (again)
+    {
+        SetTimer(window(), penTimer, penTime, nullptr);
+    }
+    else
+    {
+        KillTimer(window(), penTimer);
+    }
+}
+
 void ListBox::typed(WCHAR character)
 {
     if (character < u' ' || count() == 0 || (character == u' ' && (m_typed.empty() || hasMany())))
@@ -212,14 +229,7 @@ void ListBox::followPen()
     const bool outside = m_pen.y < 0 || m_pen.y >= all.bottom;
     const int row = m_pen.y < 0 ? m_top - 1 : m_top + static_cast<int>(std::min(m_pen.y, all.bottom)) / m_rowHeight;
     const int target = std::clamp(row, 0, count() - 1);
-    if (outside)
-    {
-        SetTimer(window(), penTimer, penTime, nullptr);
-    }
-    else
-    {
-        KillTimer(window(), penTimer);
-    }
+    followAgain(outside);
     if (!hasMany() ? target != m_current : isExtended() && target != m_caret)
     {
         moveTo(target, hasMany(), false);

@@ -18,20 +18,38 @@ bool canTake(HWND control)
     return hasStyle(control, WS_VISIBLE) && !hasStyle(control, WS_DISABLED);
 }
 
+bool holdsControls(HWND window)
+{
+    return (GetWindowLongW(window, GWL_EXSTYLE) & static_cast<LONG_PTR>(WS_EX_CONTROLPARENT)) != 0;
+}
+
+void addControls(HWND dialog, std::vector<HWND> &all)
+{
+    for (HWND control = GetWindow(dialog, GW_CHILD); control != nullptr; control = GetWindow(control, GW_HWNDNEXT))
+    {
+        if (!holdsControls(control))
+        {
+            all.push_back(control);
+        }
+        else if (canTake(control))
+        {
+            addControls(control, all);
+        }
+    }
+}
+
+/// Those of a child that holds controls itself stand in its place.
 std::vector<HWND> controlsOf(HWND dialog)
 {
     std::vector<HWND> all;
-    for (HWND control = GetWindow(dialog, GW_CHILD); control != nullptr; control = GetWindow(control, GW_HWNDNEXT))
-    {
-        all.push_back(control);
-    }
+    addControls(dialog, all);
     return all;
 }
 
-/// The child of the dialog that holds the window.
+/// The control of the dialog that holds the window.
 HWND controlWith(HWND dialog, HWND window)
 {
-    while (window != nullptr && GetParent(window) != dialog)
+    while (window != nullptr && GetParent(window) != dialog && !holdsControls(GetParent(window)))
     {
         window = GetParent(window);
     }

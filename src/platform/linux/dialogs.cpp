@@ -144,14 +144,6 @@ RECT placeOnScreen(const DialogTemplate &shape, const DialogState &state, HWND p
     return {corner.x, corner.y, corner.x + width, corner.y + height};
 }
 
-std::optional<DialogTemplate> shapeOf(const void *bytes)
-{
-    const std::size_t known = sizeOfLockedResource(bytes);
-    return bytes == nullptr
-               ? std::nullopt
-               : readDialogTemplate(static_cast<const BYTE *>(bytes), known != 0 ? known : longestTemplate);
-}
-
 HWND makeWindow(const DialogTemplate &shape, DialogState &state, HWND parent, HINSTANCE instance)
 {
     const RECT place = placeOnScreen(shape, state, parent);
@@ -191,39 +183,6 @@ HWND assemble(const DialogTemplate &shape, HWND parent, DLGPROC procedure, HINST
     return dialog;
 }
 
-HWND makeDialog(HINSTANCE instance, const void *bytes, HWND parent, DLGPROC procedure, LPARAM parameter, bool modal)
-{
-    registerSystemClasses();
-    const std::optional<DialogTemplate> shape = shapeOf(bytes);
-    if (!shape.has_value() || procedure == nullptr)
-    {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return nullptr;
-    }
-    const HWND dialog = assemble(*shape, parent, procedure, instance, modal);
-    if (dialog == nullptr)
-    {
-        return nullptr;
-    }
-    const HWND first = GetNextDlgTabItem(dialog, nullptr, FALSE);
-    const bool wantsFocus =
-        SendMessageW(dialog, WM_INITDIALOG, reinterpret_cast<WPARAM>(first), parameter) != 0;
-    if (IsWindow(dialog) == FALSE)
-    {
-        return nullptr;
-    }
-    if (wantsFocus && first != nullptr && IsWindow(first) != FALSE)
-    {
-        SetFocus(first);
-    }
-    const DialogState *state = dialogState(dialog);
-    if (((shape->style & WS_VISIBLE) != 0 || modal) && !state->ended)
-    {
-        ShowWindow(dialog, SW_SHOW);
-    }
-    return dialog;
-}
-
 /// The window of the screen that a modal dialog stands before.
 HWND ownerOf(HWND parent)
 {
@@ -235,7 +194,7 @@ HWND ownerOf(HWND parent)
     return parent;
 }
 
-void runModal(HWND dialog)
+void runModal(HWND dialog, const std::function<bool(MSG &)> &takeFirst)
 {
     MSG message{};
     while (IsWindow(dialog) != FALSE && !dialogState(dialog)->ended)
@@ -245,7 +204,7 @@ void runModal(HWND dialog)
             PostQuitMessage(static_cast<int>(message.wParam));
             return;
         }
-        if (IsDialogMessageW(dialog, &message) == FALSE)
+        if ((takeFirst == nullptr || !takeFirst(message)) && IsDialogMessageW(dialog, &message) == FALSE)
         {
             TranslateMessage(&message);
             DispatchMessageW(&message);
@@ -325,6 +284,69 @@ DialogState *dialogState(HWND dialog)
                : nullptr;
 }
 
+std::optional<DialogTemplate> dialogTemplateAt(const void *bytes)
+{
+    const std::size_t known = sizeOfLockedResource(bytes);
+    return bytes == nullptr
+               ? std::nullopt
+               : readDialogTemplate(static_cast<const BYTE *>(bytes), known != 0 ? known : longestTemplate);
+}
+
+HWND makeDialog(const DialogTemplate &shape, HINSTANCE instance, HWND parent, DLGPROC procedure, LPARAM parameter, bool modal)
+{
+    registerSystemClasses();
+    const HWND dialog = assemble(shape, parent, procedure, instance, modal);
+    if (dialog == nullptr)
+    {
+        return nullptr;
+    }
+    const HWND first = GetNextDlgTabItem(dialog, nullptr, FALSE);
+    const bool wantsFocus =
+        SendMessageW(dialog, WM_INITDIALOG, reinterpret_cast<WPARAM>(first), parameter) != 0;
+    if (IsWindow(dialog) == FALSE)
+    {
+        return nullptr;
+    }
+    if (wantsFocus && first != nullptr && IsWindow(first) != FALSE)
+    {
+        SetFocus(first);
+    }
+    const DialogState *state = dialogState(dialog);
+    if (((shape.style & WS_VISIBLE) != 0 || modal) && !state->ended)
+    {
+        ShowWindow(dialog, SW_SHOW);
+    }
+    return dialog;
+}
+
+LONG_PTR runModalDialog(HWND parent, const std::function<HWND(HWND owner)> &make, const std::function<bool(MSG &)> &takeFirst)
+{
+    const HWND owner = ownerOf(parent);
+    const bool wasEnabled = owner != nullptr && IsWindowEnabled(owner) != FALSE;
+    const HWND dialog = make(owner);
+    if (dialog == nullptr)
+    {
+        return -1;
+    }
+    if (wasEnabled)
+    {
+        EnableWindow(owner, FALSE);
+    }
+    runModal(dialog, takeFirst);
+    if (wasEnabled)
+    {
+        // Before the dialog goes, so that its owner can become the active window.
+        EnableWindow(owner, TRUE);
+    }
+    const DialogState *state = dialogState(dialog);
+    const LONG_PTR result = state == nullptr ? -1 : state->result;
+    if (IsWindow(dialog) != FALSE)
+    {
+        DestroyWindow(dialog);
+    }
+    return result;
+}
+
 void registerDialogClass()
 {
     WNDCLASSW type{};
@@ -336,6 +358,7 @@ void registerDialogClass()
 }
 } // namespace zb::internal
 
+using namespace zb;
 using namespace zb::internal;
 
 LRESULT DefDlgProcW(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
@@ -358,38 +381,29 @@ LRESULT DefDlgProcW(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam)
     return dialogDefault(dialog, message, wParam, lParam);
 }
 
+namespace
+{
+HWND makeOf(HINSTANCE instance, const void *bytes, HWND parent, DLGPROC procedure, LPARAM parameter, bool modal)
+{
+    const std::optional<DialogTemplate> shape = dialogTemplateAt(bytes);
+    if (!shape.has_value() || procedure == nullptr)
+    {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return nullptr;
+    }
+    return makeDialog(*shape, instance, parent, procedure, parameter, modal);
+}
+} // namespace
+
 HWND CreateDialogIndirectParamW(HINSTANCE instance, const void *bytes, HWND parent, DLGPROC procedure, LPARAM parameter)
 {
-    return makeDialog(instance, bytes, parent, procedure, parameter, false);
+    return makeOf(instance, bytes, parent, procedure, parameter, false);
 }
 
 LONG_PTR DialogBoxIndirectParamW(HINSTANCE instance, const void *bytes, HWND parent, DLGPROC procedure,
                                  LPARAM parameter)
 {
-    const HWND owner = ownerOf(parent);
-    const bool wasEnabled = owner != nullptr && IsWindowEnabled(owner) != FALSE;
-    const HWND dialog = makeDialog(instance, bytes, owner, procedure, parameter, true);
-    if (dialog == nullptr)
-    {
-        return -1;
-    }
-    if (wasEnabled)
-    {
-        EnableWindow(owner, FALSE);
-    }
-    runModal(dialog);
-    if (wasEnabled)
-    {
-        // Before the dialog goes, so that its owner can become the active window.
-        EnableWindow(owner, TRUE);
-    }
-    const DialogState *state = dialogState(dialog);
-    const LONG_PTR result = state == nullptr ? -1 : state->result;
-    if (IsWindow(dialog) != FALSE)
-    {
-        DestroyWindow(dialog);
-    }
-    return result;
+    return runModalDialog(parent, [&](HWND owner) { return makeOf(instance, bytes, owner, procedure, parameter, true); });
 }
 
 BOOL EndDialog(HWND dialog, LONG_PTR result)

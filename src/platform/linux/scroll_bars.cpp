@@ -1,13 +1,13 @@
 #include "platform/linux/scroll_bars.h"
 
+#include "platform/controls.h"
+
 #include <algorithm>
 
 namespace zb::internal
 {
 namespace
 {
-constexpr UINT firstRepeat = 300; // milliseconds
-constexpr UINT nextRepeats = 60;
 constexpr UINT_PTR repeatTimer = 0xFFE1;
 
 /// What can be scrolled: from low to this.
@@ -19,24 +19,6 @@ int highest(const ScrollBar &bar)
 LONGLONG scaled(LONGLONG value, LONGLONG by, LONGLONG of)
 {
     return of == 0 ? 0 : (value * by + of / 2) / of;
-}
-
-/// The part of a bar at an offset along it.
-WORD codeAt(const BarLayout &layout, int offset)
-{
-    if (offset < layout.arrow)
-    {
-        return SB_LINEUP;
-    }
-    if (offset >= layout.length - layout.arrow)
-    {
-        return SB_LINEDOWN;
-    }
-    if (offset < layout.thumbStart)
-    {
-        return SB_PAGEUP;
-    }
-    return offset >= layout.thumbStart + layout.thumbLength ? SB_PAGEDOWN : SB_THUMBTRACK;
 }
 
 /// The pen on a bar from down to up.
@@ -62,10 +44,11 @@ class Tracking
             return;
         }
         SetCapture(m_window);
+        showPressed(m_code);
         if (m_code != SB_THUMBTRACK)
         {
             send(m_code, 0);
-            SetTimer(m_window, repeatTimer, firstRepeat, nullptr);
+            SetTimer(m_window, repeatTimer, firstScrollRepeat, nullptr);
         }
         MSG message{};
         while (IsWindow(m_window) != FALSE && GetCapture() == m_window && GetMessageW(&message, nullptr, 0, 0) > 0)
@@ -135,7 +118,7 @@ class Tracking
 
     void repeat()
     {
-        SetTimer(m_window, repeatTimer, nextRepeats, nullptr);
+        SetTimer(m_window, repeatTimer, nextScrollRepeats, nullptr);
         // A page scroll stops when the thumb has come under the pen.
         if (measure() && codeAt(m_layout, m_offset) == m_code)
         {
@@ -166,6 +149,7 @@ class Tracking
             return;
         }
         KillTimer(m_window, repeatTimer);
+        showPressed(-1);
         if (GetCapture() == m_window)
         {
             ReleaseCapture();
@@ -175,6 +159,18 @@ class Tracking
             send(SB_THUMBPOSITION, *m_lastTracked);
         }
         send(SB_ENDSCROLL, 0);
+    }
+
+    void showPressed(int code) const
+    {
+        if (const auto object = peekWindow(m_window))
+        {
+            {
+                const std::lock_guard guard(treeLock());
+                object->bars[m_vertical ? SB_VERT : SB_HORZ].pressed = code;
+            }
+            SendMessageW(m_window, WM_NCPAINT, 1, 0);
+        }
     }
 
     void send(WORD code, int position) const
@@ -194,6 +190,23 @@ class Tracking
     std::optional<int> m_lastTracked;
 };
 } // namespace
+
+WORD codeAt(const BarLayout &layout, int offset)
+{
+    if (offset < layout.arrow)
+    {
+        return SB_LINEUP;
+    }
+    if (offset >= layout.length - layout.arrow)
+    {
+        return SB_LINEDOWN;
+    }
+    if (offset < layout.thumbStart)
+    {
+        return SB_PAGEUP;
+    }
+    return offset >= layout.thumbStart + layout.thumbLength ? SB_PAGEDOWN : SB_THUMBTRACK;
+}
 
 BarLayout layoutOf(const ScrollBar &bar, int length, int breadth)
 {
@@ -222,6 +235,52 @@ int positionAt(const ScrollBar &bar, const BarLayout &layout, int thumbStart)
     const int offset = std::clamp(thumbStart - layout.arrow, 0, std::max(room, 0));
     return bar.low +
            static_cast<int>(scaled(offset, static_cast<LONGLONG>(highest(bar)) - bar.low, std::max(room, 1)));
+}
+
+void takeOver(ScrollBar &bar, const SCROLLINFO &info)
+{
+    if ((info.fMask & SIF_RANGE) != 0)
+    {
+        bar.low = info.nMin;
+        bar.high = std::max(info.nMin, info.nMax);
+    }
+    if ((info.fMask & SIF_PAGE) != 0)
+    {
+        bar.page = static_cast<int>(std::min<UINT>(info.nPage, 0x7FFFFFFF));
+    }
+    bar.page = static_cast<int>(
+        std::clamp<LONGLONG>(bar.page, 0, static_cast<LONGLONG>(bar.high) - bar.low + 1));
+    if ((info.fMask & SIF_POS) != 0)
+    {
+        bar.position = info.nPos;
+    }
+    bar.position = std::clamp(bar.position, bar.low, highest(bar));
+}
+
+void readInto(const ScrollBar &bar, SCROLLINFO &info)
+{
+    if ((info.fMask & SIF_RANGE) != 0)
+    {
+        info.nMin = bar.low;
+        info.nMax = bar.high;
+    }
+    if ((info.fMask & SIF_PAGE) != 0)
+    {
+        info.nPage = static_cast<UINT>(bar.page);
+    }
+    if ((info.fMask & SIF_POS) != 0)
+    {
+        info.nPos = bar.position;
+    }
+    if ((info.fMask & SIF_TRACKPOS) != 0)
+    {
+        info.nTrackPos = bar.track;
+    }
+}
+
+bool canScroll(const ScrollBar &bar)
+{
+    return highest(bar) > bar.low;
 }
 
 FrameLayout layoutOf(const WindowObject &object)
@@ -313,12 +372,15 @@ void paintBar(HDC context, const Box &box, bool vertical, const ScrollBar &bar)
     RECT first = part(0, layout.arrow);
     RECT last = part(layout.length - layout.arrow, layout.length);
     const UINT state = dead ? DFCS_INACTIVE : 0;
-    DrawFrameControl(context, &first, DFC_SCROLL, (vertical ? DFCS_SCROLLUP : DFCS_SCROLLLEFT) | state);
-    DrawFrameControl(context, &last, DFC_SCROLL, (vertical ? DFCS_SCROLLDOWN : DFCS_SCROLLRIGHT) | state);
+    const auto pressed = [&bar](WORD code) { return bar.pressed == code ? DFCS_PUSHED : 0U; };
+    DrawFrameControl(context, &first, DFC_SCROLL,
+                     (vertical ? DFCS_SCROLLUP : DFCS_SCROLLLEFT) | state | pressed(SB_LINEUP));
+    DrawFrameControl(context, &last, DFC_SCROLL,
+                     (vertical ? DFCS_SCROLLDOWN : DFCS_SCROLLRIGHT) | state | pressed(SB_LINEDOWN));
     if (!dead)
     {
         RECT thumb = part(layout.thumbStart, layout.thumbStart + layout.thumbLength);
-        DrawFrameControl(context, &thumb, DFC_BUTTON, DFCS_BUTTONPUSH);
+        DrawFrameControl(context, &thumb, DFC_BUTTON, DFCS_BUTTONPUSH | pressed(SB_THUMBTRACK));
     }
 }
 
@@ -342,26 +404,6 @@ bool isBar(int bar)
     }
     SetLastError(ERROR_INVALID_PARAMETER);
     return false;
-}
-
-void takeOver(ScrollBar &bar, const SCROLLINFO &info)
-{
-    if ((info.fMask & SIF_RANGE) != 0)
-    {
-        bar.low = info.nMin;
-        bar.high = std::max(info.nMin, info.nMax);
-    }
-    if ((info.fMask & SIF_PAGE) != 0)
-    {
-        bar.page = static_cast<int>(std::min<UINT>(info.nPage, 0x7FFFFFFF));
-    }
-    bar.page = static_cast<int>(
-        std::clamp<LONGLONG>(bar.page, 0, static_cast<LONGLONG>(bar.high) - bar.low + 1));
-    if ((info.fMask & SIF_POS) != 0)
-    {
-        bar.position = info.nPos;
-    }
-    bar.position = std::clamp(bar.position, bar.low, highest(bar));
 }
 
 /// Shows or hides a bar; whether that changed anything.
@@ -390,6 +432,10 @@ using namespace zb::internal;
 
 int SetScrollInfo(HWND window, int bar, const SCROLLINFO *info, BOOL redraw)
 {
+    if (bar == SB_CTL)
+    {
+        return static_cast<int>(SendMessageW(window, SBM_SETSCROLLINFO, static_cast<WPARAM>(redraw), reinterpret_cast<LPARAM>(info)));
+    }
     const auto object = findWindow(window);
     if (object == nullptr || info == nullptr || !isBar(bar))
     {
@@ -404,7 +450,7 @@ int SetScrollInfo(HWND window, int bar, const SCROLLINFO *info, BOOL redraw)
         position = one.position;
         if ((info->fMask & (SIF_RANGE | SIF_PAGE)) != 0)
         {
-            const bool useful = highest(one) > one.low;
+            const bool useful = canScroll(one);
             one.disabled = !useful && (info->fMask & SIF_DISABLENOSCROLL) != 0;
             sizeChanged = setShown(*object, bar, useful || one.disabled);
         }
@@ -418,35 +464,27 @@ int SetScrollInfo(HWND window, int bar, const SCROLLINFO *info, BOOL redraw)
 
 BOOL GetScrollInfo(HWND window, int bar, SCROLLINFO *info)
 {
+    if (bar == SB_CTL)
+    {
+        return static_cast<BOOL>(SendMessageW(window, SBM_GETSCROLLINFO, 0, reinterpret_cast<LPARAM>(info)));
+    }
     const auto object = findWindow(window);
     if (object == nullptr || info == nullptr || !isBar(bar))
     {
         return FALSE;
     }
     const std::lock_guard guard(treeLock());
-    const ScrollBar &one = object->bars[bar];
-    if ((info->fMask & SIF_RANGE) != 0)
-    {
-        info->nMin = one.low;
-        info->nMax = one.high;
-    }
-    if ((info->fMask & SIF_PAGE) != 0)
-    {
-        info->nPage = static_cast<UINT>(one.page);
-    }
-    if ((info->fMask & SIF_POS) != 0)
-    {
-        info->nPos = one.position;
-    }
-    if ((info->fMask & SIF_TRACKPOS) != 0)
-    {
-        info->nTrackPos = one.track;
-    }
+    readInto(object->bars[bar], *info);
     return TRUE;
 }
 
 BOOL ShowScrollBar(HWND window, int bar, BOOL show)
 {
+    if (bar == SB_CTL)
+    {
+        ShowWindow(window, show != FALSE ? SW_SHOW : SW_HIDE);
+        return IsWindow(window);
+    }
     const auto object = findWindow(window);
     if (object == nullptr || (bar != SB_BOTH && !isBar(bar)))
     {

@@ -46,6 +46,16 @@ struct BarLayout
 BarLayout layoutOf(const ScrollBar &bar, int length, int breadth);
 /// The position that a thumb held at `thumbStart` stands for.
 int positionAt(const ScrollBar &bar, const BarLayout &layout, int thumbStart);
+/// The part of a bar at an offset along it: SB_LINEUP to SB_PAGEDOWN, or SB_THUMBTRACK.
+WORD codeAt(const BarLayout &layout, int offset);
+/// What is asked for, held within its limits.
+void takeOver(ScrollBar &bar, const SCROLLINFO &info);
+void readInto(const ScrollBar &bar, SCROLLINFO &info);
+/// Whether there is more than one position.
+bool canScroll(const ScrollBar &bar);
+/// Milliseconds until a tap that is held repeats, and between repetitions.
+inline constexpr UINT firstScrollRepeat = 300;
+inline constexpr UINT nextScrollRepeats = 60;
 void paintBar(HDC context, const Box &box, bool vertical, const ScrollBar &bar);
 /// Follows the pen from WM_NCLBUTTONDOWN on a bar until it is lifted, sending WM_HSCROLL or WM_VSCROLL.
 void trackBar(HWND window, bool vertical, POINT point);

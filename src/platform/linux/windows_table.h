@@ -30,7 +30,7 @@ struct WindowClass
     std::atomic<int> windows{0};
 };
 
-/// One of a window's own scroll bars.
+/// A scroll bar: one of a window's own, or a control.
 struct ScrollBar
 {
     int low = 0;
@@ -39,6 +39,7 @@ struct ScrollBar
     int position = 0;
     int track = 0; ///< where the pen holds the thumb
     bool disabled = false;
+    int pressed = -1; ///< the arrow, track or thumb under the pen, by its SB_ code
 };
 
 class WindowObject final : public HandleObject
