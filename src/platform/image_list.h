@@ -1,7 +1,7 @@
 // Image lists: a strip of pictures of one size in one object.
 //
 // The caller owns a list until ImageList_Destroy. Bitmaps that are added are copied; soft edges stay soft. Threads: one
-// at a time. False, -1 or null with last error 6 for a list that is none, 87 for an index or size out of range.
+// at a time; drags: any. False, -1 or null with last error 6 for a list that is none, 87 for an index or size out of range.
 #pragma once
 
 #include "platform/gdi.h"
@@ -38,3 +38,25 @@ ZBPLATFORM_API BOOL ImageList_Draw(HIMAGELIST list, int index, HDC context, int 
 /// `flags` are not looked at.
 ZBPLATFORM_API HIMAGELIST ImageList_LoadImage(HINSTANCE module, const WCHAR *name, int width, int grow, COLORREF key,
                                               UINT type, UINT flags);
+
+// --- Drags: a picture over the screen -----------------------------------------------------------------------------------
+//
+// One picture at a time lies over everything that windows show, in a layer of its own: windows draw below it as if it
+// were not there, it leaves no traces, and captureScreen has both. Its place counts from the corner of the window that
+// the drag has entered, else from the screen's.
+
+/// Takes a copy of the picture; the hot spot is the point of it that follows the pen. Not shown before it is told where
+/// (ImageList_DragEnter) or that it is to be shown. False while another drag goes on.
+ZBPLATFORM_API BOOL ImageList_BeginDrag(HIMAGELIST list, int index, int hotSpotX, int hotSpotY);
+/// Ends it and takes the picture away; nothing without a drag.
+ZBPLATFORM_API void ImageList_EndDrag();
+/// Shows it at a point that counts from the window's corner (null: the screen's), from now on. False without a drag, or
+/// with last error 1400 for a window that is gone.
+ZBPLATFORM_API BOOL ImageList_DragEnter(HWND window, int x, int y);
+/// Hides it, and counts from the screen again.
+ZBPLATFORM_API BOOL ImageList_DragLeave(HWND window);
+ZBPLATFORM_API BOOL ImageList_DragMove(int x, int y);
+ZBPLATFORM_API BOOL ImageList_DragShowNolock(BOOL show);
+/// The list of the one picture that is dragged, the drag's own, ended with it; null without a drag. Both points are left
+/// as they are when there is none, and may be null.
+ZBPLATFORM_API HIMAGELIST ImageList_GetDragImage(POINT *place, POINT *hotSpot);

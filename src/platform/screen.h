@@ -28,6 +28,6 @@ ZBPLATFORM_API void skipTime(DWORD milliseconds);
 
 /// How the screen lies: 0 upright (higher than wide, or square), 1 on its side.
 ZBPLATFORM_API int screenOrientation();
-/// A copy of what the screen shows; the caller's (DeleteObject).
+/// A copy of what the screen shows, with a picture that is being dragged over it; the caller's (DeleteObject).
 ZBPLATFORM_API HBITMAP captureScreen();
 } // namespace zb

@@ -4,7 +4,9 @@
 #include "support/ScreenWindow.h"
 #include "support/TextStage.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <utility>
 
 namespace
 {

@@ -2,6 +2,7 @@
 #include "platform/image_list.h"
 
 #include "platform/kernel.h"
+#include "platform/linux/drag_image.h"
 #include "platform/linux/icons.h"
 #include "platform/linux/pictures.h"
 #include "platform/resources.h"
@@ -112,6 +113,23 @@ std::shared_ptr<const Surface> iconPicture(const ImageList &list, const Surface 
     return picture;
 }
 } // namespace
+
+HIMAGELIST zb::internal::listOfOne(HIMAGELIST list, int index)
+{
+    const auto found = listOf(list);
+    if (found == nullptr)
+    {
+        return nullptr;
+    }
+    if (!isIndex(*found, index))
+    {
+        refuse();
+        return nullptr;
+    }
+    auto made = std::make_shared<ImageList>(found->width(), found->height(), ILC_COLOR32 | ILC_MASK);
+    made->pictures.push_back(found->pictures[static_cast<std::size_t>(index)]);
+    return static_cast<HIMAGELIST>(insertHandle(std::move(made)));
+}
 
 HIMAGELIST ImageList_Create(int width, int height, UINT flags, int initial, int grow)
 {

@@ -1,5 +1,6 @@
 // Pen and keys on their way from the screen to the windows.
 #include "platform/clock.h"
+#include "platform/linux/drag_image.h"
 #include "platform/linux/input_state.h"
 #include "platform/linux/menu_state.h"
 #include "platform/linux/scroll_bars.h"
@@ -249,6 +250,7 @@ HBITMAP zb::captureScreen()
     const HBITMAP copy = CreateCompatibleBitmap(screen, width, height);
     const HGDIOBJ former = SelectObject(memory, copy);
     BitBlt(memory, 0, 0, width, height, screen, 0, 0, SRCCOPY);
+    internal::drawDragged(memory);
     SelectObject(memory, former);
     DeleteDC(memory);
     ReleaseDC(nullptr, screen);
