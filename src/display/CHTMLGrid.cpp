@@ -34,6 +34,7 @@ CHTMLGrid::~CHTMLGrid()
     {
         DestroyWindow(m_hWnd);
     }
+    EndDragImages();
     ClearBitmapCache();
     DestroyBitmapBuffer();
     DeleteObject(m_hBackBrush);
@@ -101,6 +102,15 @@ LRESULT CHTMLGrid::OnMessage(UINT uMsg, WPARAM wParam, LPARAM lParam, bool &hand
     case WM_KILLFOCUS:
         OnKillFocus(reinterpret_cast<HWND>(wParam), handled);
         break;
+    case WM_CANCELMODE:
+        CancelPen();
+        break;
+    case WM_CAPTURECHANGED:
+        if (reinterpret_cast<HWND>(lParam) != m_hWnd && (m_bPenDown || m_bDragging))
+        {
+            CancelPen();
+        }
+        break;
     case GRID_QUERYDROP:
         handled = true;
         return OnDragQuery(*reinterpret_cast<POINT *>(wParam), reinterpret_cast<tagGRIDDRAG *>(lParam)) ? 1 : 0;
@@ -148,6 +158,7 @@ void CHTMLGrid::OnSetFocus(HWND, bool &)
 
 void CHTMLGrid::OnKillFocus(HWND, bool &)
 {
+    FinishDragOperation();
 }
 
 void CHTMLGrid::OnContextMenuNotify(NMHDR *, bool &)

@@ -19,6 +19,7 @@
 // Threads: the window's own.
 #pragma once
 
+#include "display/CHTMLToolTip.h"
 #include "display/GridLayout.h"
 #include "display/GridRecords.h"
 #include "display/GridSlots.h"
@@ -52,14 +53,23 @@ class ZBTOOLS_API CHTMLGrid : public CeWnd
     virtual LRESULT OnHotspotNotify(tagNM_GRIDVIEW *pNotify, bool &handled);
     /// Answers with the bitmap in dwCookie; `handled` says whether there was one.
     virtual void OnInlineImageNotify(NM_HTMLVIEW *pNotify, bool &handled);
+    /// Of the window that a drag may end in: fills in the cell there. The point is the screen's.
     virtual bool OnDragQuery(POINT point, tagGRIDDRAG *pDrag);
+    /// The pen of a drag is at a point of the client area: what lies there, and whether it takes the drop.
+    virtual void OnDragOver(POINT point, HWND &hWnd, tagGRIDDRAG *pDrag, bool &allowed);
+    /// May the current cell, whose column is x and whose row is y, be dragged?
+    virtual bool OnDragStart(POINT cell);
+    /// What comes to the edit box over a cell.
+    virtual LRESULT OnProcessEditMessage(UINT uMsg, WPARAM wParam, LPARAM lParam);
 
     LRESULT ProcessMessage(UINT uMsg, WPARAM wParam, LPARAM lParam, bool &handled) override;
+    LRESULT OnCommand(WPARAM wParam, LPARAM lParam, bool &handled) override;
     LRESULT OnEraseBkgnd(HDC hdc, bool &handled) override;
     void OnKeyDown(UINT nKey, UINT nRepeat, UINT nFlags, bool &handled) override;
     void OnKeyUp(UINT nKey, UINT nRepeat, UINT nFlags, bool &handled) override;
     void OnLButtonDown(WPARAM uKeys, POINT point, bool &handled) override;
     void OnLButtonUp(WPARAM uKeys, POINT point, bool &handled) override;
+    void OnMouseMove(WPARAM uKeys, POINT point, bool &handled) override;
     void OnPaint(bool &handled) override;
     void OnSize(UINT nType, int cx, int cy, bool &handled) override;
     void OnTimer(UINT_PTR nId, bool &handled) override;
@@ -249,6 +259,8 @@ class ZBTOOLS_API CHTMLGrid : public CeWnd
     bool GetAllowAutoScroll() const;
     void SetDragAllowed(bool bAllow);
     bool GetDragAllowed() const;
+    /// Opens an edit box over the cell when the parent agrees; its size is that of the selection.
+    void EnableCellEdit(USHORT nCol, USHORT nRow);
 
   protected:
     /// What the next paint has to do.
@@ -391,7 +403,9 @@ class ZBTOOLS_API CHTMLGrid : public CeWnd
     USHORT FirstLineToShow(bool bRows, USHORT nLine, LONG nAvailable);
     bool HandleScroll(bool bRows, UINT uCode);
     void StepByBar(bool bRows, bool bForward);
-    bool ThumbTarget(bool bRows, UINT uCode, USHORT &nTarget);
+    void FollowThumb(bool bRows, UINT uCode);
+    USHORT ThumbTarget(bool bRows, bool &atEnd);
+    void ShowScrollTip(USHORT nRow);
     void RefreshVertRange();
     LONG AvailableFor(bool bRows) const;
 
@@ -401,13 +415,61 @@ class ZBTOOLS_API CHTMLGrid : public CeWnd
     void SaveSelection();
     void MoveCurrentBy(bool bRows, bool bForward);
     bool HandleNavigationKey(UINT nKey);
-    void NavigateEnd();
-    void NavigateHome();
-    void NavigateBy(bool bRows, bool bForward);
-    void SelectTapped(USHORT nCol, USHORT nRow);
-    bool SendHotSpot(UINT uCode, POINT point, USHORT nCol, USHORT nRow);
-    const HOTSPOT *HotSpotAt(USHORT nCol, USHORT nRow, POINT point, DWORD dwFloater);
+    bool NavigateEnd();
+    bool NavigateHome();
+    bool NavigateBy(bool bRows, bool bForward);
+
+    // Pen: taps.
+    void BeginTap(POINT point);
+    void CountTap();
+    bool ArmFloater(POINT point, bool &kept);
+    bool SelectTapped(USHORT nCol, USHORT nRow, bool bShift, bool &changed);
+    void TestHotSpot(POINT point, USHORT nCol, USHORT nRow);
+    bool SendHotSpot(UINT uCode, POINT point, USHORT nCol, USHORT nRow, DWORD dwFloater);
+    const HOTSPOT *HotSpotAt(USHORT nCol, USHORT nRow, POINT point, DWORD dwFloater) const;
+    tagNM_GRIDVIEW TapRecord(UINT uCode, POINT point, USHORT nCol, USHORT nRow, DWORD dwFloater) const;
     LRESULT NotifyParent(UINT uCode, POINT point, USHORT nCol, USHORT nRow, DWORD dwFloater);
+    void ClearPen();
+    void CancelPen();
+    void CancelEdit();
+
+    // Pen: sweeps, floaters, drags.
+    bool StartsSweep(POINT point) const;
+    void SweepTo(POINT point);
+    bool UpdateSelection(POINT point);
+    void SelectFromAnchor(USHORT nCol, USHORT nRow);
+    void FinishSweep(POINT point);
+    void CheckDragScroll(POINT point);
+    void StartScrollTimer(BYTE nDirection);
+    void StopScrollTimer();
+    void HoldPen();
+    void AutoScroll();
+    void MoveArmedFloater(POINT point);
+    void MoveFloaterTo(POINT point);
+    tagFLOATERINFO *FloaterUnderPen() const;
+    bool AskFloaterMove(POINT from, POINT &to);
+    void LetFloaterGo();
+    bool StartsDrag(POINT point) const;
+    void StartDrag(POINT point);
+    void DragTo(POINT point);
+    void Drop(POINT point);
+    void FinishDragOperation();
+    POINT ScreenPointOfDrag(POINT point) const;
+    void ShowDragTip(tagGRIDDRAG *pDrag);
+    void StartDragImages(POINT cell);
+    void EndDragImages();
+
+    // Tool tips.
+    CHTMLToolTip &ToolTip(std::unique_ptr<CHTMLToolTip> &tip);
+    void ShowTipAt(std::unique_ptr<CHTMLToolTip> &tip, POINT point, ToolTipCorner corner);
+    LRESULT AskTip(CHTMLToolTip &tip, UINT uMessage, const void *request);
+
+    // Editing.
+    static LRESULT EditWndProc(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam);
+    bool MakeEditBox(USHORT nCol, USHORT nRow);
+    void EndEdit();
+    void StepKeyTimers(UINT_PTR nTimer);
+    bool NavigateTo(USHORT nCol, USHORT nRow);
 
     HWND m_hParent = nullptr;
     HWND m_hTipParent = nullptr;
@@ -504,9 +566,45 @@ class ZBTOOLS_API CHTMLGrid : public CeWnd
     bool m_bShowFocus = false;
     bool m_bAutoScroll = true;
     bool m_bDragAllowed = false;
+    USHORT m_nLastTapCol = GRID_NONE;
+    USHORT m_nLastTapRow = GRID_NONE;
+    /// 1: a tap within the time of a double one, 2: the second within it.
+    BYTE m_nTapCount = 0;
+    POINT m_ptLast{};
+    POINT m_ptDown{};
     bool m_bPenDown = false;
+    /// A hot spot, SHIFT or a gesture has taken the tap.
     bool m_bTapConsumed = false;
+    /// It came down on a fixed cell, from which nothing is swept or dragged.
+    bool m_bPenOnFixed = false;
+    bool m_bSweeping = false;
+    BYTE m_nScrollDir = 0;
+    UINT_PTR m_nScrollTimer = 0;
+
     bool m_bFloaterArmed = false;
+    bool m_bFloaterStripHit = false;
+    bool m_bFloaterMoved = false;
+    /// Where in the floater the strip was hit; GRID_NONE when it was not.
+    POINT m_ptFloaterGrab{};
+    /// Rows between the floater's first and the one that was hit.
+    USHORT m_nGrabbedRow = 0;
     DWORD m_dwFloaterID = 0;
     tagFLOATERINFO *m_pMovingFloater = nullptr;
+
+    bool m_bDragging = false;
+    HIMAGELIST m_hDragImages = nullptr;
+    HWND m_hPrevCapture = nullptr;
+
+    HWND m_hEdit = nullptr;
+    WNDPROC m_pfnEditProc = nullptr;
+    bool m_bEditClosing = false;
+    USHORT m_nEditCol = GRID_NONE;
+    USHORT m_nEditRow = GRID_NONE;
+    HWND m_hFocusBeforeEdit = nullptr;
+
+    POINT m_ptSelectTip{};
+    std::unique_ptr<CHTMLToolTip> m_pSelectTip;
+    std::unique_ptr<CHTMLToolTip> m_pFloaterTip;
+    std::unique_ptr<CHTMLToolTip> m_pDragTip;
+    std::unique_ptr<CHTMLToolTip> m_pScrollTip;
 };

@@ -1,10 +1,13 @@
 // The grid's scroll bars, what they ask for, and requests that wait for a timer.
 #include "display/CHTMLGrid.h"
 
+#include "framework/HIDPI.h"
+
 #include <algorithm>
 
 namespace
 {
+constexpr int tipDistance = 5;
 constexpr UINT_PTR delayTimer = 85;
 // Kinds of delayed requests.
 constexpr UINT delayUp = 1;
@@ -216,7 +219,6 @@ void CHTMLGrid::StepByBar(bool bRows, bool bForward)
 /// False for a code that is none.
 bool CHTMLGrid::HandleScroll(bool bRows, UINT uCode)
 {
-    USHORT target = 0;
     switch (uCode)
     {
     case SB_LINEUP:
@@ -231,10 +233,7 @@ bool CHTMLGrid::HandleScroll(bool bRows, UINT uCode)
         return true;
     case SB_THUMBPOSITION:
     case SB_THUMBTRACK:
-        if (ThumbTarget(bRows, uCode, target) && target != (bRows ? m_nTopRow : m_nLeftCol))
-        {
-            ScrollTo(bRows, target, PaintScrolled);
-        }
+        FollowThumb(bRows, uCode);
         return true;
     case SB_TOP:
         bRows ? ScrollToTop() : ScrollToLeft();
@@ -242,30 +241,52 @@ bool CHTMLGrid::HandleScroll(bool bRows, UINT uCode)
     case SB_BOTTOM:
         ScrollToEnd(bRows);
         return true;
+    case SB_ENDSCROLL:
+        if (m_pScrollTip != nullptr)
+        {
+            m_pScrollTip->HideToolTip();
+        }
+        return true;
     default:
-        return uCode == SB_ENDSCROLL;
+        return false;
     }
 }
 
-/// The line that a place of the thumb asks for; false when nothing is to be done (any more).
-bool CHTMLGrid::ThumbTarget(bool bRows, UINT uCode, USHORT &nTarget)
+/// A tip may follow the thumb where the rows don't.
+void CHTMLGrid::FollowThumb(bool bRows, UINT uCode)
 {
-    if (uCode == SB_THUMBTRACK && !m_bThumbTrack)
+    const bool scrolls = uCode != SB_THUMBTRACK || m_bThumbTrack;
+    const bool tip = bRows && m_bScrollTip;
+    if (!scrolls && !tip)
     {
-        return false;
+        return;
     }
-    SCROLLINFO info = scrollInfo(SIF_ALL);
-    GetScrollInfo(m_hWnd, bRows ? SB_VERT : SB_HORZ, &info);
-    if (info.nTrackPos >= info.nMax)
+    bool atEnd = false;
+    const USHORT target = ThumbTarget(bRows, atEnd);
+    if (tip)
+    {
+        ShowScrollTip(target);
+    }
+    if (scrolls && atEnd)
     {
         ScrollToEnd(bRows);
-        return false;
     }
-    const USHORT largest = bRows ? m_nMaxTopRow : m_nMaxLeftCol;
-    nTarget = largest;
-    if (info.nTrackPos == info.nMax - static_cast<int>(info.nPage) + 1)
+    else if (scrolls && target != (bRows ? m_nTopRow : m_nLeftCol))
     {
-        return true;
+        ScrollTo(bRows, target, PaintScrolled);
+    }
+}
+
+/// The line that the place of the thumb asks for.
+USHORT CHTMLGrid::ThumbTarget(bool bRows, bool &atEnd)
+{
+    SCROLLINFO info = scrollInfo(SIF_ALL);
+    GetScrollInfo(m_hWnd, bRows ? SB_VERT : SB_HORZ, &info);
+    const USHORT largest = bRows ? m_nMaxTopRow : m_nMaxLeftCol;
+    atEnd = info.nTrackPos >= info.nMax;
+    if (atEnd || info.nTrackPos == info.nMax - static_cast<int>(info.nPage) + 1)
+    {
+        return largest;
     }
     LONGLONG sum = 0;
     for (USHORT line = FirstFree(bRows); line < largest; ++line)
@@ -273,11 +294,22 @@ bool CHTMLGrid::ThumbTarget(bool bRows, UINT uCode, USHORT &nTarget)
         sum += Sizes(bRows)[line];
         if (sum > info.nTrackPos)
         {
-            nTarget = line;
-            break;
+            return line;
         }
     }
-    return true;
+    return largest;
+}
+
+void CHTMLGrid::ShowScrollTip(USHORT nRow)
+{
+    if (!ToolTip(m_pScrollTip).IsShown())
+    {
+        RECT client{};
+        GetClientRect(m_hWnd, &client);
+        ShowTipAt(m_pScrollTip, {client.right, HIDPI_SCALEY(tipDistance)}, ToolTipCorner::RightTop);
+    }
+    const NMHDR header = {m_hWnd, nRow, GRID_GETSCROLLTIP};
+    AskTip(*m_pScrollTip, GRID_GETSCROLLTIP, &header);
 }
 
 // --- Delayed scrolling -------------------------------------------------------------------------------------------
@@ -332,14 +364,5 @@ void CHTMLGrid::ProcessDelayedScrolling()
     else if (HandleScroll(kind == delayUp || kind == delayDown, code))
     {
         SendMessageW(m_hParent, GRID_SCROLLED, code, 0);
-    }
-}
-
-void CHTMLGrid::OnTimer(UINT_PTR nId, bool &handled)
-{
-    if (nId == delayTimer)
-    {
-        handled = true;
-        ProcessDelayedScrolling();
     }
 }

@@ -129,6 +129,7 @@ void CHTMLGrid::DestroyCells()
 
 void CHTMLGrid::SetDimensions(USHORT nRows, USHORT nCols)
 {
+    CancelEdit();
     DestroyCells();
     CreateCells(nRows, nCols);
     RefreshAll();
