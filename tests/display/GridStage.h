@@ -9,6 +9,7 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <map>
 
 namespace zb::test
 {
@@ -88,6 +89,48 @@ class GridTest : public ::testing::Test
         const bool isShown = grid->GetCellRect(col, row, rect);
         return (isShown ? "" : "no ") + describe(rect);
     }
+    std::vector<std::string> takeLog()
+    {
+        return std::exchange(log, {});
+    }
+    std::string selection()
+    {
+        USHORT left = 0;
+        USHORT top = 0;
+        USHORT right = 0;
+        USHORT bottom = 0;
+        grid->GetSelection(left, top, right, bottom);
+        return top == GRID_NONE ? "none" : cell(left, top) + ' ' + cell(right, bottom);
+    }
+    std::string current()
+    {
+        return grid->GetCol() == GRID_NONE ? "none" : cell(grid->GetCol(), grid->GetRow());
+    }
+    /// Down, over the other points, and up at the last of them, everything dispatched on the way.
+    void draw(const std::vector<POINT> &points, bool up = true)
+    {
+        zb::penDown(points.front().x, points.front().y);
+        settle();
+        for (std::size_t i = 1; i < points.size(); ++i)
+        {
+            zb::penMove(points[i].x, points[i].y);
+            settle();
+        }
+        if (up)
+        {
+            zb::penUp(points.back().x, points.back().y);
+            settle();
+        }
+    }
+    void tick(UINT_PTR timer)
+    {
+        SendMessageW(*grid, WM_TIMER, timer, 0);
+        settle();
+    }
+    void press(int key)
+    {
+        SendMessageW(*grid, WM_KEYDOWN, static_cast<WPARAM>(key), 1);
+    }
     Picture shown()
     {
         const HBITMAP screen = captureScreen();
@@ -97,6 +140,13 @@ class GridTest : public ::testing::Test
     }
     /// Of a window's WM_NOTIFY records, their codes.
     std::vector<int> notified;
+    /// Everything else that the grid told or asked since the last takeLog(): number and cells, columns first.
+    std::vector<std::string> log;
+    /// Answers to requests of the pen, and texts that they get; without one, 0 and none.
+    std::map<UINT, LRESULT> answers;
+    std::map<UINT, std::u16string> texts;
+    std::function<void(UINT)> onAsked;
+    std::u16string editedText;
     std::vector<GRIDCELLREQUEST> asked;
     std::vector<Scrolled> scrolled;
     std::vector<DWORD> askedFloaters;
@@ -114,6 +164,83 @@ class GridTest : public ::testing::Test
     std::unique_ptr<TestGrid> grid;
 
   private:
+    static std::string cell(unsigned col, unsigned row)
+    {
+        return std::to_string(col) + ',' + std::to_string(row);
+    }
+    /// col << 16 | row
+    static std::string word(DWORD packed)
+    {
+        return cell(HIWORD(packed), LOWORD(packed));
+    }
+    std::string describeRequest(UINT message, WPARAM wParam, LPARAM lParam)
+    {
+        const std::string number = std::to_string(message) + ' ';
+        const auto &span = *reinterpret_cast<GRIDSPANREQUEST *>(lParam);
+        switch (message)
+        {
+        case GRID_GETSELECTIONTIP:
+        case GRID_GETFLOATERTIP:
+            return number + word(span.dwFirst) + ' ' + word(span.dwSecond);
+        case GRID_CANMOVEFLOATER:
+            EXPECT_EQ(wParam, span.hdr.idFrom);
+            return number + std::to_string(wParam) + ' ' + word(span.dwFirst) + ' ' + word(span.dwSecond);
+        case GRID_FLOATERMOVED:
+            EXPECT_EQ(wParam, span.hdr.idFrom);
+            return number + std::to_string(wParam) + ' ' + word(span.dwFirst);
+        case GRID_GETSCROLLTIP:
+            return number + std::to_string(span.hdr.idFrom);
+        case GRID_CANDRAG:
+        {
+            EXPECT_EQ(reinterpret_cast<HWND>(wParam), grid->GetHwnd());
+            const auto &at = *reinterpret_cast<POINT *>(lParam);
+            return number + cell(static_cast<unsigned>(at.x), static_cast<unsigned>(at.y));
+        }
+        case GRID_GETDRAGIMAGES:
+        {
+            const auto &at = *reinterpret_cast<POINT *>(span.hdr.idFrom);
+            return number + cell(static_cast<unsigned>(at.x), static_cast<unsigned>(at.y));
+        }
+        case GRID_CANDROP:
+        case GRID_GETDRAGTIP:
+        case GRID_DROP:
+        {
+            const auto &drag = *reinterpret_cast<tagGRIDDRAG *>(lParam);
+            return number + cell(drag.nCol, drag.nRow) + (message == GRID_DROP && wParam == 0 ? " refused" : "");
+        }
+        case GRID_CANEDIT:
+        {
+            const auto &record = *reinterpret_cast<tagNM_GRIDVIEW *>(wParam);
+            return number + cell(record.nCol, record.nRow) + ' ' + std::to_string(static_cast<int>(record.hdr.code));
+        }
+        case GRID_EDITED:
+        {
+            const auto &record = *reinterpret_cast<tagNM_GRIDVIEW *>(lParam);
+            EXPECT_EQ(wParam, record.dwCookie);
+            editedText = record.szData;
+            return number + cell(record.nCol, record.nRow) + ' ' + std::to_string(wParam);
+        }
+        case GRID_CELLMOVED:
+            return number + cell(static_cast<unsigned>(wParam), static_cast<unsigned>(lParam));
+        default:
+            return number;
+        }
+    }
+    bool answerPen(UINT message, WPARAM wParam, LPARAM lParam, LRESULT &result)
+    {
+        log.push_back(describeRequest(message, wParam, lParam));
+        if (const auto text = texts.find(message); text != texts.end())
+        {
+            *reinterpret_cast<WCHAR **>(wParam) = heapText(text->second);
+        }
+        if (onAsked)
+        {
+            onAsked(message);
+        }
+        const auto found = answers.find(message);
+        result = found == answers.end() ? 0 : found->second;
+        return true;
+    }
     bool answer(UINT message, WPARAM wParam, LPARAM lParam, LRESULT &result)
     {
         switch (message)
@@ -145,7 +272,9 @@ class GridTest : public ::testing::Test
             result = testHotSpots ? 1 : 0;
             return true;
         default:
-            return false;
+            return (message > GRID_GETCELL && message <= GRID_EDITED) || message == GRID_CELLMOVED
+                       ? answerPen(message, wParam, lParam, result)
+                       : false;
         }
     }
 };
