@@ -1,6 +1,6 @@
 // The control that shows lists, agendas and the columns of days and weeks: a table of cells of marked-up text, with
-// fixed rows and columns, rows as high as their text, a selection, and floaters, blocks of markup that lie over a run of
-// rows and share the width of their column.
+// fixed rows and columns, rows as high as their text, a selection, and floaters, blocks of markup that lie over a run
+// of rows and share the width of their column.
 //
 // A grid is defined by its operations and by the messages with which it asks its parent for content and reports to it
 // (GridRecords.h). It runs in one of two modes, fixed when it is made:

@@ -43,7 +43,8 @@ bool CHTMLGrid::StartsDrag(POINT point) const
 
 bool CHTMLGrid::OnDragStart(POINT cell)
 {
-    return SendMessageW(m_hParent, GRID_CANDRAG, reinterpret_cast<WPARAM>(m_hWnd), reinterpret_cast<LPARAM>(&cell)) != 0;
+    return SendMessageW(m_hParent, GRID_CANDRAG, reinterpret_cast<WPARAM>(m_hWnd), reinterpret_cast<LPARAM>(&cell)) !=
+           0;
 }
 
 void CHTMLGrid::StartDrag(POINT point)

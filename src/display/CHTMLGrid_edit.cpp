@@ -39,6 +39,7 @@ void CHTMLGrid::EnableCellEdit(USHORT nCol, USHORT nRow)
     {
         return;
     }
+    // Past the end, too: an input panel covers what lies further down.
     const USHORT top = m_Selection.cells.nTop;
     MakeRowTopMost(top == GRID_NONE ? nRow : top, true);
     MakeCellVisible(nCol, nRow, false);
@@ -173,6 +174,12 @@ void CHTMLGrid::EndEdit()
     record.nRow = m_nEditRow;
     record.nCol = m_nEditCol;
     SendMessageW(m_hParent, GRID_EDITED, text.size(), reinterpret_cast<LPARAM>(&record));
+    // Rows that went up for the box come back; not under a pen that has just come down on one of them.
+    const USHORT largest = std::max(m_nMaxTopRow, m_nFixedRows);
+    if (m_nTopRow > largest && m_hWnd != nullptr && GetFocus() != m_hWnd)
+    {
+        ScrollTo(true, largest, PaintAll);
+    }
 }
 
 /// The edit box tells its own changes; nobody needs them.

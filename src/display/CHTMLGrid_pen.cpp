@@ -133,7 +133,8 @@ void CHTMLGrid::CountTap()
     SetTimer(m_hWnd, doubleTapTimer, doubleTapTime, nullptr);
 }
 
-/// True when there is a floater under the pen; the selection stays then. `kept` is set off its strip, by which it moves.
+/// True when there is a floater under the pen; the selection stays then. `kept` is set off its strip, by which it
+/// moves.
 bool CHTMLGrid::ArmFloater(POINT point, bool &kept)
 {
     USHORT col = GRID_NONE;
@@ -186,7 +187,8 @@ bool CHTMLGrid::SelectTapped(USHORT nCol, USHORT nRow, bool bShift, bool &change
 void CHTMLGrid::TestHotSpot(POINT point, USHORT nCol, USHORT nRow)
 {
     const DWORD floater = m_dwFloaterID;
-    if (NotifyParent(NM_TESTHOTSPOT, point, nCol, nRow, floater) == 0 || HotSpotAt(nCol, nRow, point, floater) == nullptr)
+    if (NotifyParent(NM_TESTHOTSPOT, point, nCol, nRow, floater) == 0 ||
+        HotSpotAt(nCol, nRow, point, floater) == nullptr)
     {
         return;
     }

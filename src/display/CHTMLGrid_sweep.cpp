@@ -274,8 +274,8 @@ void CHTMLGrid::ShowTipAt(std::unique_ptr<CHTMLToolTip> &tip, POINT point, ToolT
 LRESULT CHTMLGrid::AskTip(CHTMLToolTip &tip, UINT uMessage, const void *request)
 {
     WCHAR *text = nullptr;
-    const LRESULT result = SendMessageW(m_hParent, uMessage, reinterpret_cast<WPARAM>(&text),
-                                        reinterpret_cast<LPARAM>(request));
+    const LRESULT result =
+        SendMessageW(m_hParent, uMessage, reinterpret_cast<WPARAM>(&text), reinterpret_cast<LPARAM>(request));
     const std::unique_ptr<WCHAR, void (*)(void *)> owned(text, std::free);
     tip.UpdateToolTip(text, false);
     return result;

@@ -3,6 +3,8 @@
 #include "display/GridRecords.h"
 #include "framework/HIDPI.h"
 
+#include <algorithm>
+
 namespace
 {
 constexpr const WCHAR *tipClass = u"HTMLTOOLTIPCLASS";
@@ -38,6 +40,7 @@ void CHTMLToolTip::ShowToolTip(POINT point, ToolTipCorner corner)
     m_ptAnchor = point;
     m_nCorner = corner;
     m_bWanted = true;
+    Place();
     SetWindowPos(m_hWnd, HWND_TOP, 0, 0, 0, 0, SWP_SHOWWINDOW | SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
 }
 
@@ -61,31 +64,16 @@ SIZE CHTMLToolTip::MeasureText(bool bWide)
 
 /// At the anchor, moved into the parent. Of one that is larger than the parent the right and the bottom show, since the
 /// edges are looked at in the order top, bottom, left, right.
-RECT CHTMLToolTip::PlaceOf(const SIZE &size) const
+void CHTMLToolTip::Place()
 {
     const bool right = m_nCorner == ToolTipCorner::RightTop || m_nCorner == ToolTipCorner::RightBottom;
     const bool bottom = m_nCorner == ToolTipCorner::LeftBottom || m_nCorner == ToolTipCorner::RightBottom;
-    const POINT at = {m_ptAnchor.x - (right ? size.cx : 0), m_ptAnchor.y - (bottom ? size.cy : 0)};
-    RECT place = {at.x, at.y, at.x + size.cx, at.y + size.cy};
     RECT client{};
     GetClientRect(GetParent(m_hWnd), &client);
-    if (place.top < client.top)
-    {
-        OffsetRect(&place, 0, client.top - place.top);
-    }
-    if (place.bottom > client.bottom)
-    {
-        OffsetRect(&place, 0, client.bottom - place.bottom);
-    }
-    if (place.left < client.left)
-    {
-        OffsetRect(&place, client.left - place.left, 0);
-    }
-    if (place.right > client.right)
-    {
-        OffsetRect(&place, client.right - place.right, 0);
-    }
-    return place;
+    const LONG top = std::max(m_ptAnchor.y - (bottom ? m_Size.cy : 0), client.top);
+    const LONG left = std::max(m_ptAnchor.x - (right ? m_Size.cx : 0), client.left);
+    MoveWindow(m_hWnd, std::min(left, client.right - m_Size.cx), std::min(top, client.bottom - m_Size.cy), m_Size.cx,
+               m_Size.cy, TRUE);
 }
 
 void CHTMLToolTip::UpdateToolTip(const WCHAR *pszText, bool bWide)
@@ -97,9 +85,8 @@ void CHTMLToolTip::UpdateToolTip(const WCHAR *pszText, bool bWide)
     }
     m_Parser.SetHTML(pszText);
     m_Parser.ParseHTML(m_hWnd);
-    m_rcWindow = PlaceOf(MeasureText(bWide));
-    MoveWindow(m_hWnd, m_rcWindow.left, m_rcWindow.top, m_rcWindow.right - m_rcWindow.left,
-               m_rcWindow.bottom - m_rcWindow.top, TRUE);
+    m_Size = MeasureText(bWide);
+    Place();
     InvalidateRect(m_hWnd, nullptr, FALSE);
     if (m_bWanted)
     {
@@ -162,6 +149,5 @@ void CHTMLToolTip::OnLButtonUp(WPARAM uKeys, POINT point, bool &handled)
     handled = true;
     const HWND parent = GetParent(m_hWnd);
     MapWindowPoints(m_hWnd, parent, &point, 1);
-    SendMessageW(parent, WM_LBUTTONUP, uKeys,
-                 MAKELONG(static_cast<WORD>(point.x), static_cast<WORD>(point.y)));
+    SendMessageW(parent, WM_LBUTTONUP, uKeys, MAKELONG(static_cast<WORD>(point.x), static_cast<WORD>(point.y)));
 }

@@ -27,9 +27,10 @@ class ZBTOOLS_API CHTMLToolTip : public CeWnd
     using CeWnd::Create;
     /// Hidden, until ShowToolTip. False when the window can't be made.
     bool Create(HWND hParent);
-    /// On top of the parent's other children.
+    /// On top of the parent's other children, with the text that it has.
     void ShowToolTip(POINT point, ToolTipCorner corner);
-    /// Parses, measures and places anew; bWide leaves more room around the text. Null hides the tip until the next text.
+    /// Parses, measures and places anew; bWide leaves more room around the text. Null hides the tip until the next
+    /// text.
     void UpdateToolTip(const WCHAR *pszText, bool bWide);
     void HideToolTip();
     /// Between ShowToolTip and HideToolTip, also while there is no text.
@@ -46,14 +47,13 @@ class ZBTOOLS_API CHTMLToolTip : public CeWnd
 
   private:
     SIZE MeasureText(bool bWide);
-    RECT PlaceOf(const SIZE &size) const;
+    void Place();
 
     CHTMLParser m_Parser;
     HotSpotArray m_HotSpots;
     POINT m_ptAnchor{};
     ToolTipCorner m_nCorner = ToolTipCorner::LeftTop;
-    /// In the parent's client area.
-    RECT m_rcWindow{};
+    SIZE m_Size{};
     bool m_bWanted = false;
     bool m_bClassCounted = false;
 };

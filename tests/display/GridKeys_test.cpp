@@ -39,8 +39,8 @@ TEST_F(GridKeys, inModeZeroTheyScrollByLinesAndPages)
         const char *top;
     };
     // Above the bar, 137 pixels: nine rows and a part. A page puts the last whole one on top.
-    const Case cases[] = {{VK_DOWN, "0,1"}, {VK_DOWN, "0,2"},  {VK_UP, "0,1"},   {VK_RIGHT, "1,1"}, {VK_RIGHT, "2,1"},
-                          {VK_LEFT, "1,1"}, {VK_NEXT, "1,9"}, {VK_PRIOR, "1,0"}, {VK_END, "1,31"}, {VK_HOME, "1,0"}};
+    const Case cases[] = {{VK_DOWN, "0,1"}, {VK_DOWN, "0,2"}, {VK_UP, "0,1"},    {VK_RIGHT, "1,1"}, {VK_RIGHT, "2,1"},
+                          {VK_LEFT, "1,1"}, {VK_NEXT, "1,9"}, {VK_PRIOR, "1,0"}, {VK_END, "1,31"},  {VK_HOME, "1,0"}};
     for (const Case &one : cases)
     {
         press(one.key);

@@ -209,7 +209,8 @@ TEST_F(GridPen, aSweepBeginsBeyondTwelvePixelsEitherWay)
         bool swept;
     };
     four().SetMultiSelect(true, false);
-    for (const Case &one : {Case{12, 0, false}, Case{13, 0, true}, Case{-12, 12, false}, Case{0, 13, true}, Case{0, -13, true}})
+    for (const Case &one :
+         {Case{12, 0, false}, Case{13, 0, true}, Case{-12, 12, false}, Case{0, 13, true}, Case{0, -13, true}})
     {
         notified.clear();
         draw({at(1, 2), moved(at(1, 2), one.x, one.y)});
@@ -273,7 +274,8 @@ TEST_F(GridPen, whereDragsAreAllowedOnlyMovesAlongTheRowsSweep)
         const char *ends;
     };
     // 15 is the least height of a row.
-    for (const Case &one : {Case{3, 40, "sweep"}, Case{5, 16, "sweep"}, Case{6, 16, "tap"}, Case{5, 15, "tap"}, Case{20, 0, "drag"}})
+    for (const Case &one :
+         {Case{3, 40, "sweep"}, Case{5, 16, "sweep"}, Case{6, 16, "tap"}, Case{5, 15, "tap"}, Case{20, 0, "drag"}})
     {
         tick(84); // no double taps here
         notified.clear();
