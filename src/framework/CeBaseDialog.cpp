@@ -1,6 +1,7 @@
 #include "framework/CeBaseDialog.h"
 
 #include "framework/CeGetAppWindow.h"
+#include "framework/FailedMessage.h"
 #include "platform/dialog.h"
 #include "platform/kernel.h"
 #include "platform/resources.h"
@@ -12,7 +13,16 @@ CeSet<HWND> CeBaseDialog::m_setModeless;
 
 namespace
 {
-constexpr UINT iconError = 0x10;
+/// Called inside a catch block.
+void ReportFailure(HWND hDlg, UINT uMsg)
+{
+    zb::rethrowThreadExit();
+    const FailedMessage failed(hDlg, uMsg);
+    if (failed.IsToBeTold())
+    {
+        MessageBoxW(nullptr, u"Window message terminated abnormally by an exception", u"Fatal", MB_ICONERROR);
+    }
+}
 
 /// The bytes of a dialog template; null without it.
 const void *LoadTemplate(const WCHAR *pszTemplate, HINSTANCE hInstance)
@@ -100,19 +110,39 @@ LRESULT CeBaseDialog::ProcessMessage(UINT uMsg, WPARAM wParam, LPARAM lParam, bo
     case WM_NOTIFY:
         return m_bInInit ? 0 : CeMsgWnd::ProcessMessage(uMsg, wParam, lParam, handled);
     case WM_INITDIALOG:
-    {
         handled = true;
-        m_bInInit = true;
-        const LRESULT result = OnInitDialog(reinterpret_cast<HWND>(wParam), lParam);
-        m_bInInit = false;
-        return result;
-    }
+        return Init(reinterpret_cast<HWND>(wParam), lParam);
     case WM_COMMAND:
         return Command(wParam, lParam, handled);
     case WM_CTLCOLORSTATIC:
         return OnCtlColorStatic(reinterpret_cast<HDC>(wParam), reinterpret_cast<HWND>(lParam), handled);
     default:
         return CeMsgWnd::ProcessMessage(uMsg, wParam, lParam, handled);
+    }
+}
+
+LRESULT CeBaseDialog::Init(HWND hFocus, LPARAM lParam)
+{
+    const HWND hDlg = m_hWnd;
+    // The dialog may end in here, and with it this object.
+    const auto end = [this, hDlg]
+    {
+        if (IsObjectOf(hDlg))
+        {
+            m_bInInit = false;
+        }
+    };
+    m_bInInit = true;
+    try
+    {
+        const LRESULT result = OnInitDialog(hFocus, lParam);
+        end();
+        return result;
+    }
+    catch (...)
+    {
+        end();
+        throw;
     }
 }
 
@@ -179,7 +209,14 @@ LONG_PTR CeBaseDialog::DlgProc(HWND hDlg, UINT uMsg, WPARAM wParam, LPARAM lPara
     {
         auto *self = reinterpret_cast<CeBaseDialog *>(lParam);
         SetWindowLongW(hDlg, GWL_USERDATA, lParam);
-        self->OnFirstMessage(hDlg);
+        try
+        {
+            self->OnFirstMessage(hDlg);
+        }
+        catch (...)
+        {
+            ReportFailure(hDlg, uMsg);
+        }
         self->m_hWnd = hDlg;
     }
     auto *self = reinterpret_cast<CeBaseDialog *>(GetWindowLongW(hDlg, GWL_USERDATA));
@@ -200,13 +237,19 @@ LONG_PTR CeBaseDialog::Dispatch(HWND hDlg, UINT uMsg, WPARAM wParam, LPARAM lPar
     }
     catch (...)
     {
-        zb::rethrowThreadExit();
-        MessageBoxW(nullptr, u"Window message terminated abnormally by an exception", u"Fatal", iconError);
+        ReportFailure(hDlg, uMsg);
     }
     if (uMsg == WM_DESTROY && GetWindowLongW(hDlg, GWL_USERDATA) != 0)
     {
-        Forget(hDlg);
-        OnFinalMessage(hDlg);
+        try
+        {
+            Forget(hDlg);
+            OnFinalMessage(hDlg);
+        }
+        catch (...)
+        {
+            ReportFailure(hDlg, uMsg);
+        }
         return 0;
     }
     if (uMsg == WM_INITDIALOG || uMsg == WM_CTLCOLORSTATIC)

@@ -41,6 +41,7 @@ class ZBTOOLS_API CeBaseDialog : public CeWnd
 
   private:
     static LONG_PTR DlgProc(HWND hDlg, UINT uMsg, WPARAM wParam, LPARAM lParam);
+    LRESULT Init(HWND hFocus, LPARAM lParam);
     LRESULT Command(WPARAM wParam, LPARAM lParam, bool &handled);
     LONG_PTR Dispatch(HWND hDlg, UINT uMsg, WPARAM wParam, LPARAM lParam);
     void Forget(HWND hDlg);

@@ -96,3 +96,23 @@ void CeBaseWnd::CenterWindow(HWND hWndCenter)
     const int top = std::max<int>(bounds.top, std::min<int>((around.top + around.bottom - height) / 2, bounds.bottom - height));
     SetWindowPos(m_hWnd, nullptr, left, top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
+
+bool CeBaseWnd::SHSipPreference(SIPSTATE state)
+{
+    return ::SHSipPreference(m_hWnd, state) != FALSE;
+}
+
+bool CeBaseWnd::SHDoneButton(DWORD dwState)
+{
+    return ::SHDoneButton(m_hWnd, dwState) != FALSE;
+}
+
+bool CeBaseWnd::SHSetNavBarText(const WCHAR *pszText)
+{
+    return ::SHSetNavBarText(m_hWnd, pszText) != FALSE;
+}
+
+bool CeBaseWnd::SHFullScreen(DWORD dwState)
+{
+    return ::SHFullScreen(m_hWnd, dwState) != FALSE;
+}

@@ -5,7 +5,7 @@
 
 #include "core/CeString.h"
 #include "core/api.h"
-#include "platform/user.h"
+#include "platform/shell.h"
 
 class ZBTOOLS_API CeBaseWnd
 {
@@ -43,6 +43,12 @@ class ZBTOOLS_API CeBaseWnd
     CeString CopyWindowText() const;
     /// Over the middle of another window (of its owner or parent without one), and wholly on the screen.
     void CenterWindow(HWND hWndCenter = nullptr);
+
+    // The shell's calls of these names (platform/shell.h) for this window.
+    bool SHSipPreference(SIPSTATE state);
+    bool SHDoneButton(DWORD dwState);
+    bool SHSetNavBarText(const WCHAR *pszText);
+    bool SHFullScreen(DWORD dwState);
 
     HWND m_hWnd = nullptr;
 

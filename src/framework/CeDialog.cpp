@@ -51,12 +51,13 @@ LRESULT CeDialog::OnInitDialog(HWND hFocus, LPARAM lParam)
     RECT client{};
     GetClientRect(m_hWnd, &client);
     m_content = {client.right, client.bottom};
-    const LRESULT result = CeBaseDialog::OnInitDialog(hFocus, lParam);
+    m_offset = {0, 0}; // of the dialog that this object was before
     if (m_nSHInitFlags == 0)
     {
         SetDefaultWidthHeight();
     }
-    return result;
+    // Centring goes by the size that the dialog has then.
+    return CeBaseDialog::OnInitDialog(hFocus, lParam);
 }
 
 void CeDialog::SetDefaultWidthHeight()

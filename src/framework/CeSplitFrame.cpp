@@ -3,6 +3,7 @@
 #include "framework/HIDPI.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace
 {
@@ -87,7 +88,9 @@ void CeSplitFrame::SetBarSize(int nSize)
 
 int CeSplitFrame::GetSplitter() const
 {
-    return static_cast<int>(m_dSplitter);
+    // A size that changes back gives a number that is a hair below the former one.
+    constexpr double hair = 1e-6;
+    return static_cast<int>(m_dSplitter + hair);
 }
 
 int CeSplitFrame::GetDocked() const
@@ -108,7 +111,7 @@ void CeSplitFrame::EndUpdate()
 
 void CeSplitFrame::SetSplitter(int nPos)
 {
-    m_nDocked = SPLIT_BOTH;
+    const bool wasDocked = std::exchange(m_nDocked, SPLIT_BOTH) != SPLIT_BOTH;
     ShowPanes();
     if (m_bSetting)
     {
@@ -118,6 +121,10 @@ void CeSplitFrame::SetSplitter(int nPos)
     const LONG pen = nPos + m_nBarSize + StartOf(m_rcClient) + m_nOffset1 + 1;
     bool handled = false;
     OnMouseMove(simulatedMove, m_bVertical ? POINT{pen, 0} : POINT{0, pen}, handled);
+    if (wasDocked)
+    {
+        Layout(); // also when the bar is where it was, or may not go there
+    }
 }
 
 void CeSplitFrame::SetDocked(int nDocked)
@@ -188,7 +195,10 @@ void CeSplitFrame::Layout()
     }
     if (m_nDocked != SPLIT_BOTH)
     {
-        const RECT all = Between(StartOf(m_rcClient) + m_nOffset1, EndOf(m_rcClient) - m_nOffset2);
+        const LONG start = StartOf(m_rcClient) + m_nOffset1;
+        const LONG end = EndOf(m_rcClient) - m_nOffset2;
+        const LONG least = m_nDocked == SPLIT_FIRST ? m_nMin1 : m_nMin2;
+        const RECT all = Between(start, std::max(end, start + least));
         MovePanes(all, all);
     }
     else
@@ -261,6 +271,17 @@ void CeSplitFrame::OnMouseMove(WPARAM uKeys, POINT point, bool &handled)
         m_ptDrag = point;
         OnTimer(simulatedMove, handled);
     }
+}
+
+LRESULT CeSplitFrame::OnMessage(UINT uMsg, WPARAM wParam, LPARAM lParam, bool &handled)
+{
+    if (uMsg == WM_CAPTURECHANGED && m_bDragging)
+    {
+        // A menu or dialog that came up has taken the pen: the bar is let go where it is.
+        m_bDragging = false;
+        Layout();
+    }
+    return CeWnd::OnMessage(uMsg, wParam, lParam, handled);
 }
 
 void CeSplitFrame::OnTimer(UINT_PTR, bool &handled)

@@ -26,7 +26,8 @@ class ZBTOOLS_API CeSplitFrame : public CeWnd
     void ResetSplitter();
     /// What is left free before pane 1 and behind pane 2.
     void SetOffsets(int nOffset1, int nOffset2);
-    /// The least that each pane keeps when the pen moves the bar.
+    /// The least that each pane keeps: the pen moves the bar no further, and a pane that is alone is no smaller (the
+    /// frame cuts it).
     void SetBarMins(int nMin1, int nMin2);
     void SetDocked(int nDocked);
     int GetDocked() const;
@@ -45,6 +46,7 @@ class ZBTOOLS_API CeSplitFrame : public CeWnd
     void OnMouseMove(WPARAM uKeys, POINT point, bool &handled) override;
     void OnTimer(UINT_PTR nId, bool &handled) override;
     void OnOrientationChange(UINT nType, int cx, int cy, bool &handled) override;
+    LRESULT OnMessage(UINT uMsg, WPARAM wParam, LPARAM lParam, bool &handled) override;
 
   private:
     LONG StartOf(const RECT &rect) const;

@@ -1,6 +1,7 @@
 #include "framework/CeWnd.h"
 
 #include "core/debuglog.h"
+#include "framework/FailedMessage.h"
 #include "platform/clock.h"
 #include "platform/kernel.h"
 #include "platform/locale.h"
@@ -8,12 +9,11 @@
 
 #include <array>
 #include <string>
+#include <utility>
 
 namespace
 {
 constexpr const WCHAR *genericClass = u"CeWnd:GENERIC";
-constexpr UINT iconError = 0x10;
-
 std::u16string SuperclassName(const WCHAR *pszClass)
 {
     return u"CeWnd:" + std::u16string(pszClass);
@@ -22,6 +22,11 @@ std::u16string SuperclassName(const WCHAR *pszClass)
 /// Tells the user that a window's operation has failed beyond repair. Called inside a catch block.
 void ReportFatal(HWND hWnd, UINT uMsg)
 {
+    const FailedMessage failed(hWnd, uMsg);
+    if (!failed.IsToBeTold())
+    {
+        return;
+    }
     DisplayMemory(DEBUG_LOG_PATH, u"Exception");
     OutputDebugStringW(u"Exception");
     OutputDebugStringW(u"\n\r");
@@ -35,16 +40,30 @@ void ReportFatal(HWND hWnd, UINT uMsg)
     std::array<WCHAR, 512> text{};
     wsprintfW(text.data(), u"%s (0x%04x) terminated abnormally by an exception at %s. Closing program.", title.data(),
               uMsg, time.data());
-    MessageBoxW(nullptr, text.data(), u"Fatal", iconError);
+    MessageBoxW(nullptr, text.data(), u"Fatal", MB_ICONERROR);
     PostQuitMessage(0);
+}
+
+/// Runs a part of an operation; what it throws goes no further.
+template <typename Work>
+void Guarded(HWND hWnd, UINT uMsg, const Work &work)
+{
+    try
+    {
+        work();
+    }
+    catch (...)
+    {
+        zb::rethrowThreadExit();
+        ReportFatal(hWnd, uMsg);
+    }
 }
 } // namespace
 
 CeWnd::~CeWnd()
 {
     // A window that outlives its object must not follow it.
-    if (m_hWnd != nullptr && IsWindow(m_hWnd) != FALSE &&
-        reinterpret_cast<CeWnd *>(GetWindowLongW(m_hWnd, GWL_USERDATA)) == this)
+    if (m_hWnd != nullptr && IsObjectOf(m_hWnd))
     {
         Unsubclass();
     }
@@ -54,6 +73,7 @@ bool CeWnd::Create(const WCHAR *pszClass, const WCHAR *pszText, DWORD dwStyle, D
                    int cy, HWND hParent, void *hMenu, HINSTANCE hInstance)
 {
     std::u16string name = genericClass;
+    m_pfnSuper = nullptr; // of a window that could not be made
     if (pszClass == nullptr || *pszClass == 0)
     {
         CreateGenericWndClass(hInstance);
@@ -96,7 +116,7 @@ bool CeWnd::Subclass(HWND hWnd)
         return false;
     }
     m_hWnd = hWnd;
-    SetWindowLongW(hWnd, GWL_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    m_nFormerWord = SetWindowLongW(hWnd, GWL_USERDATA, reinterpret_cast<LONG_PTR>(this));
     m_pfnSuper = reinterpret_cast<WNDPROC>(SetWindowLongW(hWnd, GWL_WNDPROC, reinterpret_cast<LONG_PTR>(WndProc)));
     return true;
 }
@@ -108,10 +128,15 @@ HWND CeWnd::Unsubclass()
     return hWnd;
 }
 
+bool CeWnd::IsObjectOf(HWND hWnd) const
+{
+    return IsWindow(hWnd) != FALSE && reinterpret_cast<CeWnd *>(GetWindowLongW(hWnd, GWL_USERDATA)) == this;
+}
+
 void CeWnd::Release(HWND hWnd)
 {
     SetWindowLongW(hWnd, GWL_WNDPROC, reinterpret_cast<LONG_PTR>(m_pfnSuper != nullptr ? m_pfnSuper : DefWindowProcW));
-    SetWindowLongW(hWnd, GWL_USERDATA, 0);
+    SetWindowLongW(hWnd, GWL_USERDATA, std::exchange(m_nFormerWord, 0));
     m_pfnSuper = nullptr;
     m_hWnd = nullptr;
 }
@@ -185,7 +210,7 @@ LRESULT CeWnd::StartWndProc(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam)
     }
     SetWindowLongW(hWnd, GWL_WNDPROC, reinterpret_cast<LONG_PTR>(WndProc));
     SetWindowLongW(hWnd, GWL_USERDATA, reinterpret_cast<LONG_PTR>(self));
-    self->OnFirstMessage(hWnd);
+    Guarded(hWnd, uMsg, [self, hWnd] { self->OnFirstMessage(hWnd); });
     self->m_hWnd = hWnd;
     return WndProc(hWnd, uMsg, wParam, lParam);
 }
@@ -203,38 +228,37 @@ LRESULT CeWnd::WndProc(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam)
 LRESULT CeWnd::Dispatch(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam)
 {
     LRESULT result = 0;
-    try
+    Guarded(hWnd, uMsg,
+            [&]
+            {
+                SetMessage(hWnd, uMsg, wParam, lParam);
+                bool handled = false;
+                result = ProcessMessage(uMsg, wParam, lParam, handled);
+                // An operation may have ended the window, and with it this object.
+                if (!handled && IsObjectOf(hWnd))
+                {
+                    // Operations that pumped messages have left the fields of a later one.
+                    SetMessage(hWnd, uMsg, wParam, lParam);
+                    result = Default();
+                }
+            });
+    // Also behind an operation that failed: whoever waits for the final message must get it.
+    if (uMsg == WM_DESTROY && IsObjectOf(hWnd))
     {
-        m_hMsgWnd = hWnd;
-        m_uMsg = uMsg;
-        m_wParam = wParam;
-        m_lParam = lParam;
-        bool handled = false;
-        result = ProcessMessage(uMsg, wParam, lParam, handled);
-        // An operation may have ended the window, and with it this object.
-        if (uMsg != WM_DESTROY && GetWindowLongW(hWnd, GWL_USERDATA) == 0)
-        {
-            return result;
-        }
-        if (!handled)
-        {
-            // Operations that pumped messages have left the fields of a later one.
-            m_hMsgWnd = hWnd;
-            m_uMsg = uMsg;
-            m_wParam = wParam;
-            m_lParam = lParam;
-            result = Default();
-        }
-        if (uMsg == WM_DESTROY)
-        {
-            Release(hWnd);
-            OnFinalMessage(hWnd);
-        }
-    }
-    catch (...)
-    {
-        zb::rethrowThreadExit();
-        ReportFatal(hWnd, uMsg);
+        Guarded(hWnd, uMsg,
+                [&]
+                {
+                    Release(hWnd);
+                    OnFinalMessage(hWnd);
+                });
     }
     return result;
+}
+
+void CeWnd::SetMessage(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam)
+{
+    m_hMsgWnd = hWnd;
+    m_uMsg = uMsg;
+    m_wParam = wParam;
+    m_lParam = lParam;
 }

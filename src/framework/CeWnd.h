@@ -6,6 +6,7 @@
 // thing that an object hears, so it may delete itself there.
 //
 // What an operation throws never reaches the window manager: it is told to the user and the program is asked to end.
+// What fails while that is told is not told as well.
 // Threads: the window's own.
 #pragma once
 
@@ -45,9 +46,16 @@ class ZBTOOLS_API CeWnd : public CeBaseWnd, public CeMsgWnd
     /// Whether windows of the class are driven by objects.
     static bool IsCeWndProc(const WCHAR *pszClass, HINSTANCE hInstance = nullptr);
 
+  protected:
+    /// Whether the window still sends its messages here; looks at nothing of the object, which may be gone.
+    bool IsObjectOf(HWND hWnd) const;
+
   private:
     static LRESULT StartWndProc(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam);
     static LRESULT WndProc(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam);
     LRESULT Dispatch(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam);
+    void SetMessage(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam);
     void Release(HWND hWnd);
+
+    LONG_PTR m_nFormerWord = 0; ///< the user word of a window that was there before
 };

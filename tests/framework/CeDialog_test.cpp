@@ -54,6 +54,15 @@ class Probe : public CeDialog
         handled = true;
         return 55;
     }
+    std::vector<std::pair<WPARAM, LPARAM>> *nextControl = nullptr;
+    LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam, bool &handled) override
+    {
+        if (message == 40 && nextControl != nullptr)
+        {
+            nextControl->emplace_back(wParam, lParam);
+        }
+        return CeDialog::OnMessage(message, wParam, lParam, handled);
+    }
     LRESULT OnNotify(WPARAM, LPARAM, bool &handled) override
     {
         calls.push_back("notify");
@@ -134,13 +143,43 @@ TEST_F(CeDialogTest, NothingReachesItWhileItIsInitialised)
     dialog.atInit = [&dialog]
     {
         EXPECT_TRUE(dialog.isInInit());
-        SendMessageW(dialog, WM_COMMAND, other, 0);
-        SendMessageW(dialog, WM_NOTIFY, 0, 0);
+        EXPECT_EQ(SendMessageW(dialog, WM_COMMAND, other, 0), 0);
+        EXPECT_EQ(SendMessageW(dialog, WM_NOTIFY, 0, 0), 0);
     };
     ASSERT_TRUE(dialog.Create(usable, nullptr, module));
     EXPECT_EQ(dialog.calls, Calls{"init"});
     EXPECT_FALSE(dialog.isInInit());
     DestroyWindow(dialog);
+}
+
+TEST_F(CeDialogTest, ButItsEndIsHeardThen)
+{
+    for (const int id : {IDOK, IDCANCEL})
+    {
+        Probe dialog;
+        dialog.atInit = [&dialog, id] { SendMessageW(dialog, WM_COMMAND, static_cast<WPARAM>(id), 0); };
+        EXPECT_EQ(dialog.DoModal(usable, nullptr, module), id);
+        EXPECT_EQ(dialog.calls, (Calls{"init", id == IDOK ? "ok" : "cancel", "final"}));
+    }
+}
+
+TEST_F(CeDialogTest, WhatADialogLeavesToItsDefaultsEndsIt)
+{
+    class Plain : public CeBaseDialog
+    {
+      public:
+        LRESULT OnInitDialog(HWND focus, LPARAM lParam) override
+        {
+            EXPECT_NE(CeBaseDialog::OnInitDialog(focus, lParam), 0) << "the first control is to get the focus";
+            bool handled = false;
+            EXPECT_EQ(OnCtlColorStatic(nullptr, nullptr, handled), 0);
+            EXPECT_FALSE(handled);
+            PostMessageW(m_hWnd, WM_COMMAND, IDOK, 0);
+            return 1;
+        }
+    };
+    Plain dialog;
+    EXPECT_EQ(dialog.DoModal(usable, nullptr, module), IDOK);
 }
 
 TEST_F(CeDialogTest, AModalDialogIsCentredAndEndsWithOkOrCancel)
@@ -223,12 +262,19 @@ TEST_F(CeDialogTest, AnInputPanelsNextKeyMovesTheFocus)
 {
     Probe dialog;
     ASSERT_TRUE(dialog.Create(usable, nullptr, module));
-    SetFocus(GetDlgItem(dialog, IDCANCEL));
-    SendMessageW(dialog, WM_COMMAND, MAKELONG(IDCANCEL + 0, 0), 0); // Cancel itself stays Cancel
-    EXPECT_EQ(dialog.calls.back(), "cancel");
-    SetFocus(GetDlgItem(dialog, other));
+    ShowWindow(dialog, SW_SHOW);
+    const HWND from = GetDlgItem(dialog, other);
+    const HWND next = GetWindow(from, 2);
+    ASSERT_NE(next, nullptr);
+    SetFocus(from);
+    std::vector<std::pair<WPARAM, LPARAM>> moves;
+    dialog.nextControl = &moves;
     SendMessageW(dialog, WM_COMMAND, MAKELONG(other, 0xFFFF), 0);
-    EXPECT_EQ(dialog.calls.back(), "cancel") << "no command";
+    EXPECT_EQ(moves, (std::vector<std::pair<WPARAM, LPARAM>>{{reinterpret_cast<WPARAM>(next), TRUE}}));
+    EXPECT_EQ(GetFocus(), next);
+    EXPECT_EQ(dialog.calls, Calls{"init"}) << "no command";
+    SendMessageW(dialog, WM_COMMAND, MAKELONG(IDCANCEL, 0xFFFF), 0); // Cancel itself stays Cancel
+    EXPECT_EQ(dialog.calls.back(), "cancel");
     DestroyWindow(dialog);
 }
 
@@ -291,4 +337,65 @@ TEST_F(CeDialogTest, ADefaultSizeMakesItScroll)
     GetWindowRect(GetDlgItem(dialog, 12), &after);
     EXPECT_EQ(after.top, before.top) << "with room for all it comes back";
     DestroyWindow(dialog);
+}
+
+TEST_F(CeDialogTest, EachSideMayHaveADefaultSizeAndAModalOneIsCentredWithIt)
+{
+    Probe natural;
+    ASSERT_TRUE(natural.Create(usable, nullptr, module));
+    RECT whole{};
+    GetWindowRect(natural, &whole);
+    DestroyWindow(natural);
+    const int width = whole.right - whole.left;
+    const int height = whole.bottom - whole.top;
+    const struct
+    {
+        int cx, cy, width, height;
+    } cases[] = {{0, 0, width, height},
+                 {150, 0, 150, height + GetSystemMetrics(SM_CYHSCROLL)},
+                 {0, 80, width + GetSystemMetrics(SM_CXVSCROLL), 80},
+                 {150, 90, 150, 90}};
+    for (const auto &one : cases)
+    {
+        Probe dialog;
+        dialog.SetDefaultSize(one.cx, one.cy);
+        RECT place{};
+        dialog.atInit = [&]
+        {
+            GetWindowRect(dialog, &place);
+            PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+        };
+        dialog.DoModal(usable, nullptr, module);
+        EXPECT_EQ(place.right - place.left, one.width) << one.cx << " " << one.cy;
+        EXPECT_EQ(place.bottom - place.top, one.height) << one.cx << " " << one.cy;
+        EXPECT_LE(std::abs(place.left + place.right - 640), 1);
+        EXPECT_LE(std::abs(place.top + place.bottom - 480), 1);
+    }
+    Probe placed(SHIDIF_SIZEDLGFULLSCREEN);
+    placed.SetDefaultSize(150, 90);
+    ASSERT_TRUE(placed.Create(usable, nullptr, module));
+    RECT place{};
+    GetWindowRect(placed, &place);
+    EXPECT_EQ(place.right, 640) << "the shell's flags win";
+    DestroyWindow(placed);
+}
+
+TEST_F(CeDialogTest, AnObjectMayBeADialogOnceMoreAndBeginsUnscrolled)
+{
+    Probe dialog;
+    dialog.SetDefaultSize(0, 80);
+    RECT first{};
+    for (int round = 0; round < 2; ++round)
+    {
+        ASSERT_TRUE(dialog.Create(usable, nullptr, module));
+        RECT place{};
+        GetWindowRect(GetDlgItem(dialog, 12), &place);
+        if (round == 0)
+        {
+            first = place;
+        }
+        EXPECT_EQ(place.top, first.top);
+        SendMessageW(dialog, WM_VSCROLL, SB_LINEDOWN, 0);
+        DestroyWindow(dialog);
+    }
 }

@@ -1,5 +1,5 @@
 // Windows as objects: which operation a message reaches, the default behind it, and exceptions.
-#include "framework/CeWnd.h"
+#include "framework/MessageRecorder.h"
 #include "platform/controls.h"
 #include "platform/kernel.h"
 #include "platform/screen.h"
@@ -8,181 +8,38 @@
 
 #include <gtest/gtest.h>
 
-#include <sstream>
-#include <stdexcept>
+#include <cstring>
 
 namespace
 {
+using zb::test::Calls;
 using zb::test::pair;
+using zb::test::Recorder;
 using zb::test::settle;
 
-/// Writes down each operation with its arguments; does nothing else.
-class Recorder : public CeWnd
+#if defined(__x86_64__)
+/// Where an operation stands in the table of its class, counted behind the destructor, which takes two places.
+template <typename Operation>
+std::ptrdiff_t slotOf(Operation operation)
 {
-  public:
-    std::vector<std::string> calls;
-    bool claims = false; ///< every operation says that it has dealt with the message
-    LRESULT answer = 0;
-    std::function<void(UINT)> meanwhile;
-
-    LRESULT Default() override
-    {
-        calls.push_back("Default");
-        return CeWnd::Default();
-    }
-    void OnChar(UINT c, UINT repeat, UINT flags, bool &handled) override
-    {
-        note(handled, "OnChar", c, repeat, flags);
-    }
-    void OnClose(bool &handled) override
-    {
-        note(handled, "OnClose");
-    }
-    LRESULT OnCreate(const CREATESTRUCTW *create, bool &handled) override
-    {
-        note(handled, "OnCreate", create->cx, create->cy);
-        return answer;
-    }
-    LRESULT OnCommand(WPARAM wParam, LPARAM lParam, bool &handled) override
-    {
-        note(handled, "OnCommand", wParam, lParam);
-        return answer;
-    }
-    LRESULT OnNotify(WPARAM wParam, LPARAM lParam, bool &handled) override
-    {
-        note(handled, "OnNotify", wParam, lParam);
-        return answer;
-    }
-    void OnDestroy(bool &handled) override
-    {
-        note(handled, "OnDestroy");
-    }
-    void OnEnable(bool enable, bool &handled) override
-    {
-        note(handled, "OnEnable", enable);
-    }
-    LRESULT OnEraseBkgnd(HDC hdc, bool &handled) override
-    {
-        note(handled, "OnEraseBkgnd", reinterpret_cast<std::uintptr_t>(hdc));
-        return answer;
-    }
-    void OnKeyDown(UINT key, UINT repeat, UINT flags, bool &handled) override
-    {
-        note(handled, "OnKeyDown", key, repeat, flags);
-    }
-    void OnKeyUp(UINT key, UINT repeat, UINT flags, bool &handled) override
-    {
-        note(handled, "OnKeyUp", key, repeat, flags);
-    }
-    void OnLButtonDblClk(WPARAM keys, POINT point, bool &handled) override
-    {
-        note(handled, "OnLButtonDblClk", keys, point.x, point.y);
-    }
-    void OnLButtonDown(WPARAM keys, POINT point, bool &handled) override
-    {
-        note(handled, "OnLButtonDown", keys, point.x, point.y);
-    }
-    void OnLButtonUp(WPARAM keys, POINT point, bool &handled) override
-    {
-        note(handled, "OnLButtonUp", keys, point.x, point.y);
-    }
-    void OnMouseMove(WPARAM keys, POINT point, bool &handled) override
-    {
-        note(handled, "OnMouseMove", keys, point.x, point.y);
-    }
-    void OnMove(int x, int y, bool &handled) override
-    {
-        note(handled, "OnMove", x, y);
-    }
-    void OnPaint(bool &handled) override
-    {
-        note(handled, "OnPaint");
-    }
-    void OnShowWindow(bool show, LPARAM status, bool &handled) override
-    {
-        note(handled, "OnShowWindow", show, status);
-    }
-    void OnSize(UINT type, int cx, int cy, bool &handled) override
-    {
-        CeWnd::OnSize(type, cx, cy, handled);
-        note(handled, "OnSize", type, cx, cy);
-    }
-    void OnTimer(UINT_PTR id, bool &handled) override
-    {
-        note(handled, "OnTimer", id);
-    }
-    void OnSettingChange(UINT flags, LPARAM lParam, bool &handled) override
-    {
-        note(handled, "OnSettingChange", flags, lParam);
-    }
-    void OnOrientationChange(UINT type, int cx, int cy, bool &handled) override
-    {
-        note(handled, "OnOrientationChange", type, cx, cy);
-    }
-    LRESULT OnMessage(UINT message, WPARAM wParam, LPARAM lParam, bool &handled) override
-    {
-        note(handled, "OnMessage", message, wParam, lParam);
-        return answer;
-    }
-    void OnFirstMessage(HWND window) override
-    {
-        calls.push_back(m_hWnd == nullptr && IsWindow(window) ? "OnFirstMessage" : "OnFirstMessage too late");
-    }
-    void OnFinalMessage(HWND) override
-    {
-        calls.push_back(m_hWnd == nullptr ? "OnFinalMessage" : "OnFinalMessage too early");
-    }
-
-    bool make(DWORD style = WS_POPUP, const WCHAR *className = nullptr)
-    {
-        return Create(className, u"Title", style, 0, 10, 20, 100, 50, nullptr);
-    }
-    /// The calls since the last time.
-    std::vector<std::string> taken()
-    {
-        return std::exchange(calls, {});
-    }
-    UINT message() const
-    {
-        return m_uMsg;
-    }
-
-  private:
-    template <typename... Arguments>
-    void note(bool &handled, const char *name, Arguments... arguments)
-    {
-        std::ostringstream text;
-        text << name;
-        ((text << " " << arguments), ...);
-        calls.push_back(text.str());
-        handled = claims;
-        if (meanwhile)
-        {
-            meanwhile(m_uMsg);
-        }
-    }
-};
-
-using Calls = std::vector<std::string>;
+    std::ptrdiff_t parts[2];
+    static_assert(sizeof parts == sizeof operation);
+    std::memcpy(parts, &operation, sizeof parts);
+    return (parts[0] - 1) / static_cast<std::ptrdiff_t>(sizeof(void *)) - 1;
+}
+#endif
 
 class CeWndTest : public ::testing::Test
 {
   protected:
-    static zb::DeviceOptions options(std::vector<std::u16string> &shown)
+    static zb::DeviceOptions options()
     {
         zb::DeviceOptions options;
         options.screen = {300, 400, 96};
-        options.messageBox = [&shown](std::u16string_view text, std::u16string_view caption, UINT flags)
-        {
-            shown.push_back(std::u16string(caption) + u"|" + std::u16string(text));
-            EXPECT_EQ(flags, 0x10U);
-            return IDOK;
-        };
         return options;
     }
 
-    std::vector<std::u16string> shown;
-    zb::test::TestDevice device{options(shown)};
+    zb::test::TestDevice device{options()};
 };
 } // namespace
 
@@ -213,6 +70,7 @@ TEST_F(CeWndTest, EveryMessageReachesItsOperationWithItsArguments)
                  {514, 0, pair(3, 4), "OnLButtonUp 0 3 4", 0},
                  {512, 1, pair(3, 4), "OnMouseMove 1 3 4", 0},
                  {3, 0, pair(30, 40), "OnMove 30 40", 0},
+                 {3, 0, pair(-30, -40), "OnMove -30 -40", 0},
                  {15, 0, 0, "OnPaint", 0},
                  {24, 1, 3, "OnShowWindow 1 3", 0},
                  {5, 0, pair(90, 40), "OnSize 0 90 40", 0},
@@ -224,6 +82,107 @@ TEST_F(CeWndTest, EveryMessageReachesItsOperationWithItsArguments)
         EXPECT_EQ(SendMessageW(window, one.message, one.wParam, one.lParam), one.result) << one.message;
         EXPECT_EQ(window.taken(), Calls{one.call}) << one.message;
     }
+}
+
+#if defined(__x86_64__)
+TEST_F(CeWndTest, TheOperationsStandInTheOrderThatHostsExpect)
+{
+    const std::ptrdiff_t slots[] = {
+        slotOf(&CeMsgWnd::Default),         slotOf(&CeMsgWnd::ProcessMessage), slotOf(&CeMsgWnd::OnChar),
+        slotOf(&CeMsgWnd::OnClose),         slotOf(&CeMsgWnd::OnCreate),       slotOf(&CeMsgWnd::OnCommand),
+        slotOf(&CeMsgWnd::OnNotify),        slotOf(&CeMsgWnd::OnDestroy),      slotOf(&CeMsgWnd::OnEnable),
+        slotOf(&CeMsgWnd::OnEraseBkgnd),    slotOf(&CeMsgWnd::OnKeyDown),      slotOf(&CeMsgWnd::OnKeyUp),
+        slotOf(&CeMsgWnd::OnLButtonDblClk), slotOf(&CeMsgWnd::OnLButtonDown),  slotOf(&CeMsgWnd::OnLButtonUp),
+        slotOf(&CeMsgWnd::OnMouseMove),     slotOf(&CeMsgWnd::OnMove),         slotOf(&CeMsgWnd::OnPaint),
+        slotOf(&CeMsgWnd::OnShowWindow),    slotOf(&CeMsgWnd::OnSize),         slotOf(&CeMsgWnd::OnTimer),
+        slotOf(&CeMsgWnd::OnSettingChange), slotOf(&CeMsgWnd::OnOrientationChange),
+        slotOf(&CeMsgWnd::OnMessage),       slotOf(&CeMsgWnd::OnFirstMessage), slotOf(&CeMsgWnd::OnFinalMessage)};
+    std::ptrdiff_t expected = 0;
+    for (const std::ptrdiff_t slot : slots)
+    {
+        EXPECT_EQ(slot, ++expected);
+    }
+    EXPECT_EQ(expected, 26);
+}
+#endif
+
+TEST_F(CeWndTest, AnObjectHasTwoPartsTheWindowBeforeTheMessages)
+{
+    CeWnd window;
+    EXPECT_EQ(static_cast<void *>(static_cast<CeBaseWnd *>(&window)), static_cast<void *>(&window));
+    EXPECT_GT(static_cast<void *>(static_cast<CeMsgWnd *>(&window)), static_cast<void *>(&window));
+}
+
+TEST_F(CeWndTest, OperationsDoNothingOfThemselves)
+{
+    class Bare : public CeWnd
+    {
+      public:
+        int defaults = 0;
+        LRESULT Default() override
+        {
+            ++defaults;
+            return 5;
+        }
+    };
+    Bare window;
+    const UINT messages[] = {WM_CHAR,   WM_CLOSE,   WM_CREATE,        WM_COMMAND,     WM_NOTIFY,    WM_ENABLE,    WM_ERASEBKGND,
+                             WM_KEYDOWN, WM_KEYUP,  WM_LBUTTONDBLCLK, WM_LBUTTONDOWN, WM_LBUTTONUP, WM_MOUSEMOVE, WM_MOVE,
+                             WM_PAINT,  WM_SHOWWINDOW, WM_SIZE,       WM_TIMER,       WM_SETTINGCHANGE, WM_USER,  WM_DESTROY};
+    for (const UINT message : messages)
+    {
+        bool handled = true;
+        EXPECT_EQ(window.ProcessMessage(message, 0, 0, handled), 0) << message;
+        EXPECT_FALSE(handled) << message;
+    }
+    ASSERT_TRUE(window.Create(nullptr, {0, 0, 10, 10}, WS_POPUP));
+    window.defaults = 0;
+    EXPECT_EQ(SendMessageW(window, WM_USER, 0, 0), 5) << "what nobody handled has the default's result";
+    EXPECT_EQ(window.defaults, 1);
+    DestroyWindow(window);
+}
+
+TEST_F(CeWndTest, AWindowGetsItsObjectAsParameterAndCantRefuseToBeMade)
+{
+    class Refusing : public CeWnd
+    {
+      public:
+        void *parameter = nullptr;
+        LRESULT OnCreate(const CREATESTRUCTW *create, bool &handled) override
+        {
+            parameter = create->lpCreateParams;
+            handled = true;
+            return -1;
+        }
+    };
+    Refusing window;
+    EXPECT_TRUE(window.Create(nullptr, {0, 0, 10, 10}, WS_POPUP));
+    EXPECT_EQ(window.parameter, &window);
+    DestroyWindow(window);
+}
+
+TEST_F(CeWndTest, CreationFailsWhenTheWindowIsNotTheObjects)
+{
+    class Leaving : public CeWnd
+    {
+      public:
+        HWND left = nullptr;
+        LRESULT OnCreate(const CREATESTRUCTW *, bool &) override
+        {
+            left = Unsubclass();
+            return 0;
+        }
+    };
+    Leaving window;
+    EXPECT_FALSE(window.Create(nullptr, {0, 0, 10, 10}, WS_POPUP));
+    EXPECT_TRUE(IsWindow(window.left));
+    DestroyWindow(window.left);
+    Recorder child;
+    EXPECT_FALSE(child.Create(u"BUTTON", window.left, {0, 0, 10, 10})) << "its parent is gone";
+    ASSERT_TRUE(child.make());
+    SendMessageW(child, BM_SETCHECK, 1, 0);
+    EXPECT_EQ(SendMessageW(child, BM_GETCHECK, 0, 0), 0) << "the button's procedure is forgotten";
+    DestroyWindow(child);
 }
 
 TEST_F(CeWndTest, APointIsNotSignExtended)
@@ -359,6 +318,36 @@ TEST_F(CeWndTest, SuperclassingAnUnknownClassDoesNothingAndItsWindowFails)
     EXPECT_FALSE(window.make(WS_POPUP, u"NoSuchClass"));
 }
 
+TEST_F(CeWndTest, TheCopyOfAClassIsNoGlobalOneAndStandsBeforeItsProcedure)
+{
+    WNDCLASSW type{};
+    type.style = 0x4000 | CS_DBLCLKS;
+    type.cbWndExtra = 24;
+    type.lpfnWndProc = [](HWND window, UINT message, WPARAM wParam, LPARAM lParam) -> LRESULT
+    { return message == WM_USER ? 31 : DefWindowProcW(window, message, wParam, lParam); };
+    type.lpszClassName = u"Original";
+    ASSERT_NE(::RegisterClassW(&type), 0);
+    WNDPROC former = nullptr;
+    bool registered = false;
+    EXPECT_TRUE(CeWnd::RegisterWndSuperclass(u"Original", &former, &registered));
+    EXPECT_TRUE(registered);
+    EXPECT_EQ(former, type.lpfnWndProc);
+    WNDCLASSW copy{};
+    ASSERT_TRUE(GetClassInfoW(nullptr, u"CeWnd:Original", &copy));
+    EXPECT_EQ(copy.style, CS_DBLCLKS);
+    EXPECT_EQ(copy.cbWndExtra, 24);
+    EXPECT_TRUE(CeWnd::RegisterWndSuperclass(u"Original", &former, &registered));
+    EXPECT_FALSE(registered) << "once";
+    Recorder window;
+    ASSERT_TRUE(window.make(WS_POPUP, u"Original"));
+    EXPECT_EQ(SendMessageW(window, WM_USER, 0, 0), 31);
+    const HWND left = window.Unsubclass();
+    EXPECT_EQ(SendMessageW(left, WM_USER, 0, 0), 31) << "the class's own procedure is back";
+    DestroyWindow(left);
+    UnregisterClassW(u"CeWnd:Original", nullptr);
+    UnregisterClassW(u"Original", nullptr);
+}
+
 TEST_F(CeWndTest, APlainWindowUsesTheGenericClassOnce)
 {
     Recorder window;
@@ -399,29 +388,10 @@ TEST_F(CeWndTest, SubclassingStandsBeforeAWindowAndGoesAgain)
     EXPECT_EQ(outer.Unsubclass(), inner.window);
     EXPECT_EQ(outer.GetHwnd(), nullptr);
     SetWindowLongW(inner.window, GWL_USERDATA, word);
+    ASSERT_TRUE(outer.Subclass(inner.window));
+    outer.Unsubclass();
+    EXPECT_EQ(GetWindowLongW(inner.window, GWL_USERDATA), word) << "with what stood there";
     EXPECT_FALSE(outer.Subclass(nullptr));
-}
-
-TEST_F(CeWndTest, AnExceptionIsToldLoggedAndAsksTheProgramToEnd)
-{
-    Recorder window;
-    ASSERT_TRUE(window.make());
-    window.meanwhile = [](UINT message)
-    {
-        if (message == WM_COMMAND)
-        {
-            throw std::runtime_error("trouble");
-        }
-    };
-    SendMessageW(window, WM_COMMAND, 1, 2);
-    // 09:00 UTC in Berlin.
-    EXPECT_EQ(shown, (std::vector<std::u16string>{
-                         u"Fatal|Title (0x0111) terminated abnormally by an exception at 10:00:00. Closing program."}));
-    MSG message{};
-    EXPECT_EQ(GetMessageW(&message, nullptr, 0, 0), 0);
-    EXPECT_EQ(message.wParam, 0U);
-    EXPECT_TRUE(std::filesystem::exists(device.files() / "My Documents" / "ZembrikDebugLog.txt"));
-    EXPECT_TRUE(IsWindow(window));
 }
 
 TEST_F(CeWndTest, ATurnedScreenIsToldWithTheNextSize)
@@ -467,4 +437,41 @@ TEST_F(CeWndTest, StylesScrollBarsTitleAndPlaceByShortForms)
     GetWindowRect(window, &place);
     EXPECT_EQ(place.left, 0) << "its corner stays on the screen";
     EXPECT_EQ(place.top, 0);
+}
+
+TEST_F(CeWndTest, TheShellIsAskedForTheWindow)
+{
+    Recorder window;
+    EXPECT_FALSE(window.SHSipPreference(SIP_UP)) << "no window yet";
+    EXPECT_EQ(GetLastError(), 1400U);
+    ASSERT_TRUE(window.make(WS_POPUP | WS_CAPTION));
+    const struct
+    {
+        int state;
+        bool wanted;
+    } panel[] = {{0, true}, {3, true}, {1, false}, {3, false}, {0, true}, {2, false}};
+    for (const auto &[state, wanted] : panel)
+    {
+        EXPECT_TRUE(window.SHSipPreference(static_cast<SIPSTATE>(state)));
+        EXPECT_EQ(zb::isInputPanelWanted(), wanted) << state;
+    }
+    EXPECT_FALSE(window.SHSipPreference(static_cast<SIPSTATE>(9)));
+    EXPECT_EQ(GetLastError(), 87U);
+    EXPECT_TRUE(window.SHDoneButton(SHDB_SHOW));
+    EXPECT_NE(GetWindowLongW(window, GWL_STYLE) & static_cast<LONG_PTR>(WS_SYSMENU), 0);
+    EXPECT_TRUE(window.SHDoneButton(SHDB_HIDE));
+    EXPECT_EQ(GetWindowLongW(window, GWL_STYLE) & static_cast<LONG_PTR>(WS_SYSMENU), 0);
+    EXPECT_FALSE(window.SHDoneButton(9));
+    EXPECT_TRUE(window.SHSetNavBarText(u"Tasks"));
+    EXPECT_EQ(window.CopyWindowText(), CeString(u"Tasks"));
+    EXPECT_TRUE(window.SHSetNavBarText(nullptr));
+    EXPECT_EQ(window.CopyWindowText(), CeString(u""));
+    EXPECT_TRUE(window.SHFullScreen(SHFS_HIDETASKBAR | SHFS_HIDESIPBUTTON | SHFS_HIDESTARTICON));
+    EXPECT_FALSE(window.SHFullScreen(0));
+    EXPECT_FALSE(window.SHFullScreen(0x40));
+    DestroyWindow(window);
+    Recorder plain;
+    ASSERT_TRUE(plain.make());
+    EXPECT_TRUE(plain.SHDoneButton(SHDB_SHOW));
+    EXPECT_EQ(GetWindowLongW(plain, GWL_STYLE) & static_cast<LONG_PTR>(WS_SYSMENU), 0) << "no title, no place for it";
 }

@@ -101,6 +101,11 @@ TEST_F(ChildLayout, SiblingsMoveAlong)
     EXPECT_TRUE(lies(child, 90, 40, 150, 64));
     EXPECT_TRUE(lies(label, 55, 42, 85, 62));
     EXPECT_TRUE(lies(button, 154, 38, 170, 54));
+    manager.UnManage(child.window);
+    manager.Manage(child.window, CHILD_KEEP_RIGHT | 0x2000);
+    resize(manager, 260, 130);
+    EXPECT_TRUE(lies(label, 65, 42, 95, 62)) << "either bit";
+    EXPECT_TRUE(lies(button, 154, 38, 170, 54)) << "and without the other one it stays";
 }
 
 TEST_F(ChildLayout, AChildThatWouldGetSmallerThanItsFrameStopsTheWholeLayout)
@@ -115,6 +120,60 @@ TEST_F(ChildLayout, AChildThatWouldGetSmallerThanItsFrameStopsTheWholeLayout)
     EXPECT_TRUE(lies(other, 0, 60, 10, 70));
     resize(manager, 115, 100);
     EXPECT_TRUE(lies(child, 20, 10, 35, 50));
+}
+
+TEST_F(ChildLayout, TheHeightStopsItAsWell)
+{
+    const ScreenWindow child(white, WS_CHILD | WS_VISIBLE | WS_BORDER | WS_HSCROLL, 20, 10, 100, 40, parent.window);
+    CeChildMgr manager(parent.window);
+    manager.Manage(child.window, CHILD_GROW_HEIGHT);
+    resize(manager, 200, 74); // a height of 14
+    EXPECT_TRUE(lies(child, 20, 10, 120, 50));
+    resize(manager, 200, 75);
+    EXPECT_TRUE(lies(child, 20, 10, 120, 25));
+}
+
+TEST_F(ChildLayout, ACollisionKeepsAllChildrenAndHereThereIsNone)
+{
+    class Careful : public CeChildMgr
+    {
+      public:
+        using CeChildMgr::CeChildMgr;
+        bool collides = true;
+        bool DetectCollision() override
+        {
+            EXPECT_FALSE(CeChildMgr::DetectCollision());
+            return collides;
+        }
+    };
+    const ScreenWindow child(white, WS_CHILD | WS_VISIBLE, 20, 10, 100, 40, parent.window);
+    Careful manager(parent.window);
+    manager.Manage(child.window, CHILD_KEEP_RIGHT);
+    resize(manager, 300, 100);
+    EXPECT_TRUE(lies(child, 20, 10, 120, 50));
+    manager.collides = false;
+    resize(manager, 300, 100);
+    EXPECT_TRUE(lies(child, 120, 10, 220, 50));
+}
+
+TEST_F(ChildLayout, TheSizesThatRulesGiveAreToldWithoutMovingAnything)
+{
+    const CeChildMgr manager(parent.window);
+    CeChildInfo child;
+    child.rcOriginal = {20, 10, 120, 50};
+    child.rcParent = {0, 0, 200, 100};
+    const struct
+    {
+        UINT flags;
+        int cx, cy;
+    } cases[] = {{0, 0, 0}, {0x0002, 0, 0}, {0x0010, 150, 0}, {0x0020, 0, 60}, {0x0040, 125, 0}, {0x0080, 0, 48}};
+    for (const auto &one : cases)
+    {
+        child.uFlags = one.flags;
+        const SIZE size = manager.CalcSize(child, 250, 120);
+        EXPECT_EQ(size.cx, one.cx) << one.flags;
+        EXPECT_EQ(size.cy, one.cy) << one.flags;
+    }
 }
 
 TEST_F(ChildLayout, MinimisedWindowsAndLostOnesAreLeftAlone)
@@ -216,6 +275,24 @@ TEST_F(SplitFrame, TheBarKeepsItsProportion)
     EXPECT_EQ(frame.GetSplitter(), 30) << "turned there and back";
     size(150, 100);
     EXPECT_EQ(frame.GetSplitter(), 30) << "the width alone changes nothing";
+    // In doubles: however it is turned, nothing is lost on the way.
+    for (const int height : {7, 33, 3, 479, 61, 100})
+    {
+        size(150, height);
+        EXPECT_EQ(frame.GetSplitter(), 30 * height / 100) << height;
+    }
+}
+
+TEST_F(SplitFrame, TheMiddleIsTruncatedAndTheFramesSizeGoesOnToTheDefault)
+{
+    size(200, 101);
+    frame.ResetSplitter();
+    EXPECT_EQ(frame.GetSplitter(), 50);
+    bool handled = true;
+    frame.OnSize(0, 200, 101, handled);
+    EXPECT_FALSE(handled);
+    frame.OnSize(0, 0, 0, handled);
+    EXPECT_EQ(frame.GetSplitter(), 50) << "an empty area says nothing";
 }
 
 TEST_F(SplitFrame, DockingHidesAPaneAndComesBackToTheOldSplitter)
@@ -232,6 +309,40 @@ TEST_F(SplitFrame, DockingHidesAPaneAndComesBackToTheOldSplitter)
     EXPECT_TRUE(IsWindowVisible(one.window));
     EXPECT_TRUE(lies(one, 0, 0, 200, 26));
     EXPECT_TRUE(lies(two, 0, 34, 200, 100));
+    frame.SetDocked(SPLIT_FIRST);
+    size(200, 200);
+    frame.SetDocked(SPLIT_BOTH);
+    EXPECT_EQ(frame.GetSplitter(), 60) << "in proportion, though nobody saw it meanwhile";
+    EXPECT_TRUE(lies(two, 0, 64, 200, 200));
+}
+
+TEST_F(SplitFrame, PlacingTheSplitterEndsDocking)
+{
+    frame.SetSplitter(30);
+    frame.SetDocked(SPLIT_FIRST);
+    frame.SetSplitter(30); // where it was
+    EXPECT_EQ(frame.GetDocked(), SPLIT_BOTH);
+    EXPECT_TRUE(IsWindowVisible(two.window));
+    EXPECT_TRUE(lies(one, 0, 0, 200, 26));
+    EXPECT_TRUE(lies(two, 0, 34, 200, 100));
+    frame.BeginUpdate();
+    frame.SetDocked(SPLIT_SECOND);
+    EXPECT_FALSE(IsWindowVisible(one.window));
+    EXPECT_TRUE(lies(two, 0, 34, 200, 100)) << "held back";
+    frame.EndUpdate();
+    EXPECT_TRUE(lies(two, 0, 0, 200, 100));
+}
+
+TEST_F(SplitFrame, APaneAloneKeepsOffsetsAndItsMinimum)
+{
+    frame.SetOffsets(10, 5);
+    frame.SetBarMins(20, 30);
+    frame.SetDocked(SPLIT_FIRST);
+    EXPECT_TRUE(lies(one, 0, 10, 200, 95));
+    size(200, 32);
+    EXPECT_TRUE(lies(one, 0, 10, 200, 30)) << "20, though there is room for 17";
+    frame.SetDocked(SPLIT_SECOND);
+    EXPECT_TRUE(lies(two, 0, 10, 200, 40));
 }
 
 TEST_F(SplitFrame, ThePenMovesTheBar)
@@ -269,6 +380,34 @@ TEST_F(SplitFrame, ThePenCantGoBelowTheMinimums)
     settle();
 }
 
+TEST_F(SplitFrame, WhoTakesThePenEndsTheDragging)
+{
+    zb::penDown(100, 50);
+    settle();
+    zb::penMove(100, 75);
+    settle();
+    SetCapture(one.window);
+    EXPECT_TRUE(lies(one, 0, 0, 200, 66)) << "the bar has its place again";
+    zb::penMove(100, 30);
+    settle();
+    ReleaseCapture();
+    zb::penMove(100, 72);
+    settle();
+    EXPECT_EQ(frame.GetSplitter(), 70);
+    zb::penUp(100, 72);
+    settle();
+    EXPECT_EQ(frame.GetSplitter(), 70);
+}
+
+TEST_F(SplitFrame, ATapOnADockedFrameDragsNothing)
+{
+    frame.SetDocked(SPLIT_FIRST);
+    bool handled = false;
+    frame.OnLButtonDown(0, {10, 10}, handled);
+    EXPECT_TRUE(handled);
+    EXPECT_EQ(GetCapture(), nullptr);
+}
+
 TEST_F(SplitFrame, AnUpdateHoldsTheLayoutBack)
 {
     frame.BeginUpdate();
@@ -298,6 +437,11 @@ TEST_F(SplitFrame, AnUprightBarSplitsTheWidth)
     upright.SetPanes(left.window, right.window);
     EXPECT_TRUE(lies(left, 0, 0, 96, 100));
     EXPECT_TRUE(lies(right, 104, 0, 200, 100));
+    upright.SetSplitter(60);
+    SetWindowPos(upright, nullptr, 0, 0, 100, 200, SWP_NOMOVE | SWP_NOZORDER);
+    EXPECT_EQ(upright.GetSplitter(), 30) << "30 of 100, turned";
+    EXPECT_TRUE(lies(left, 0, 0, 26, 200));
+    EXPECT_TRUE(lies(right, 34, 0, 100, 200));
     DestroyWindow(upright);
 }
 
@@ -308,7 +452,21 @@ TEST_F(SplitFrame, TheBarIsBlackWhileItIsHeld)
     EXPECT_NE(idle, RGB(0, 0, 0));
     zb::penDown(100, 50);
     settle();
-    EXPECT_EQ(zb::test::screenPixel(100, 50), RGB(0, 0, 0));
+    // Two bar sizes, from 46 to 53, with 2 pixels free at each end.
+    const struct
+    {
+        int x, y;
+        bool bar;
+    } points[] = {{100, 46, true}, {100, 53, true}, {2, 50, true}, {197, 50, true}, {1, 50, false}, {198, 50, false}};
+    for (const auto &[x, y, bar] : points)
+    {
+        EXPECT_EQ(zb::test::screenPixel(x, y) == RGB(0, 0, 0), bar) << x << ", " << y;
+    }
+    EXPECT_EQ(zb::test::screenPixel(100, 45), RGB(255, 0, 0));
+    EXPECT_EQ(zb::test::screenPixel(100, 54), RGB(0, 0, 255));
     zb::penUp(100, 50);
     settle();
+    frame.SetDocked(SPLIT_FIRST);
+    settle();
+    EXPECT_EQ(zb::test::screenPixel(100, 50), RGB(255, 0, 0)) << "no bar beside a pane alone";
 }
