@@ -20,8 +20,8 @@ inline constexpr int DWL_DLGPROC = static_cast<int>(sizeof(LONG_PTR));
 inline constexpr int DWL_USER = static_cast<int>(2 * sizeof(LONG_PTR));
 
 /// Makes the dialog and its controls, then sends WM_INITDIALOG (wParam the control that would get the focus, lParam the
-/// parameter). Null when the template is not valid or a control can't be made (last error 1407 for a class that there
-/// is not).
+/// parameter). Null when the template is not valid, a control can't be made (last error 1407 for a class that there is
+/// not, or a dialog's own that is not driven by DefDlgProcW), or the dialog has ended itself meanwhile.
 ZBPLATFORM_API HWND CreateDialogIndirectParamW(HINSTANCE instance, const void *bytes, HWND parent, DLGPROC procedure,
                                                LPARAM parameter);
 /// The same, with the parent disabled, until EndDialog. The result that was given there; -1 when it can't be made.

@@ -289,7 +289,9 @@ ZBPLATFORM_API HWND GetWindow(HWND window, UINT which);
 ZBPLATFORM_API HWND GetDlgItem(HWND parent, int id);
 ZBPLATFORM_API int GetDlgCtrlID(HWND window);
 ZBPLATFORM_API BOOL IsChild(HWND parent, HWND window);
-/// The former parent. The window keeps its numbers, which now count from the new one; null puts it on the screen.
+/// The former parent. The window keeps its numbers, which now count from the new one; null puts it on the screen. Null
+/// and last error 87 where the window would lie in itself, in one that goes, or deeper than 100 levels with what it
+/// holds.
 ZBPLATFORM_API HWND SetParent(HWND window, HWND parent);
 ZBPLATFORM_API BOOL BringWindowToTop(HWND window);
 /// The topmost shown window at a point of the screen, never a disabled child; null where there is only background.

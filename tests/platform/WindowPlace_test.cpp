@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+
 namespace
 {
 using zb::test::ScreenWindow;
@@ -336,6 +338,34 @@ TEST_F(WindowPlace, AWindowMovesToAnotherParent)
     EXPECT_EQ(GetLastError(), 87U);
     EXPECT_EQ(SetParent(child.window, nullptr), other.window);
     EXPECT_TRUE(is(child.place(), 5, 5, 15, 15));
+}
+
+TEST_F(WindowPlace, NeitherCirclesNorTowersComeFromNewParents)
+{
+    constexpr std::size_t levels = 60;
+    std::vector<std::unique_ptr<ScreenWindow>> towers[2];
+    for (auto &tower : towers)
+    {
+        for (std::size_t level = 0; level < levels; ++level)
+        {
+            const HWND below = level == 0 ? nullptr : tower.back()->window;
+            tower.push_back(
+                std::make_unique<ScreenWindow>(red, level == 0 ? WS_POPUP : WS_CHILD, 0, 0, 10, 10, below));
+        }
+    }
+    const HWND top = towers[0][59]->window; // level 59, counted from 0
+    SetLastError(0);
+    EXPECT_EQ(SetParent(towers[0][5]->window, towers[0][40]->window), nullptr) << "in itself";
+    EXPECT_EQ(GetLastError(), 87U);
+    SetLastError(0);
+    EXPECT_EQ(SetParent(towers[1][18]->window, top), nullptr) << "60, and 41 below it";
+    EXPECT_EQ(GetLastError(), 87U);
+    EXPECT_EQ(SetParent(towers[1][19]->window, top), towers[1][18]->window);
+    EXPECT_EQ(ScreenWindow(red, WS_CHILD, 0, 0, 10, 10, towers[1][59]->window).window, nullptr) << "level 101";
+    EXPECT_EQ(SetParent(top, towers[0][57]->window), towers[0][58]->window);
+    const ScreenWindow one(red, WS_CHILD, 0, 0, 10, 10, towers[1][59]->window);
+    EXPECT_NE(one.window, nullptr) << "one level has come free";
+    EXPECT_EQ(ScreenWindow(red, WS_CHILD, 0, 0, 10, 10, one.window).window, nullptr);
 }
 
 TEST_F(WindowPlace, CallsForWindowsThatAreGoneAreRefused)

@@ -1,5 +1,6 @@
 // Windows under load: many threads that send to each other, windows that end in the middle of their own messages, and
 // thousands of random steps that leave nothing behind.
+#include "platform/linux/handle_count.h"
 #include "support/PlatformThread.h"
 #include "support/ScreenWindow.h"
 #include "support/TestDevice.h"
@@ -171,6 +172,8 @@ TEST(WindowStress, RandomStepsLeaveNothingBehind)
     type.lpfnWndProc = DefWindowProcW;
     type.lpszClassName = u"Stress";
     ASSERT_NE(RegisterClassW(&type), 0);
+    PeekMessageW(nullptr, nullptr, 0, 0, 0); // the thread has its queue
+    const zb::internal::HandleCount before = zb::internal::countHandles();
     std::mt19937 random(7);
     const auto below = [&random](int limit) { return static_cast<int>(random() % static_cast<unsigned>(limit)); };
     std::vector<HWND> all;
@@ -178,7 +181,7 @@ TEST(WindowStress, RandomStepsLeaveNothingBehind)
     {
         std::erase_if(all, [](HWND window) { return IsWindow(window) == FALSE; });
         const HWND any = all.empty() ? nullptr : all[static_cast<std::size_t>(below(static_cast<int>(all.size())))];
-        switch (below(8))
+        switch (below(11))
         {
         case 0:
         case 1:
@@ -213,6 +216,27 @@ TEST(WindowStress, RandomStepsLeaveNothingBehind)
             SetFocus(any);
             SetWindowPos(any, below(2) != 0 ? HWND_TOP : HWND_BOTTOM, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
             break;
+        case 7:
+            SetTimer(any, static_cast<UINT_PTR>(below(5)) + 1, 1, nullptr);
+            break;
+        case 8:
+            if (const HDC context = GetDC(any))
+            {
+                const RECT box{0, 0, below(100), below(100)};
+                DrawFrameControl(context, &box, DFC_BUTTON, DFCS_BUTTONPUSH);
+                if (below(10) == 0)
+                {
+                    DestroyWindow(any); // the context is the caller's all the same
+                }
+                ReleaseDC(any, context);
+            }
+            break;
+        case 9:
+        {
+            const RECT box{below(50), below(50), below(100), below(100)};
+            InvalidateRect(any, &box, TRUE);
+            break;
+        }
         default:
             settle();
             break;
@@ -226,6 +250,12 @@ TEST(WindowStress, RandomStepsLeaveNothingBehind)
         }
         all.pop_back();
     }
+    settle();
+    const zb::internal::HandleCount after = zb::internal::countHandles();
+    EXPECT_EQ(after.windows, before.windows);
+    EXPECT_EQ(after.contexts, before.contexts);
+    EXPECT_EQ(after.timers, before.timers);
+    EXPECT_EQ(after, before);
     EXPECT_TRUE(UnregisterClassW(u"Stress", nullptr)) << "the class has windows left";
     EXPECT_EQ(GetForegroundWindow(), nullptr);
     EXPECT_EQ(WindowFromPoint({10, 10}), nullptr);

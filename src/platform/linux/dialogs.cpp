@@ -16,6 +16,7 @@ constexpr const WCHAR *dialogClass = u"#32770";
 /// Of a template that is no resource: its writer vouches for it, and none is longer.
 constexpr std::size_t longestTemplate = 0xFFFF;
 constexpr int systemFontHeight = 13;
+constexpr DWORD errorCannotFindClass = 1407;
 
 HFONT fontOf(const DialogTemplate &shape)
 {
@@ -117,11 +118,14 @@ bool makeItem(HWND dialog, const DialogState &state, const DialogItem &item, HIN
         return false;
     }
     SendMessageW(control, WM_SETFONT, reinterpret_cast<WPARAM>(state.font), FALSE);
-    if ((SendMessageW(control, WM_GETDLGCODE, 0, 0) & DLGC_DEFPUSHBUTTON) != 0)
+    const LRESULT code = SendMessageW(control, WM_GETDLGCODE, 0, 0);
+    // What controls send while they are made may have ended the dialog.
+    DialogState *kept = dialogState(dialog);
+    if (kept != nullptr && (code & DLGC_DEFPUSHBUTTON) != 0)
     {
-        dialogState(dialog)->defaultButton = item.id;
+        kept->defaultButton = item.id;
     }
-    return true;
+    return kept != nullptr;
 }
 
 /// From the template's place to the screen's, by its styles.
@@ -167,12 +171,21 @@ HWND assemble(const DialogTemplate &shape, HWND parent, DLGPROC procedure, HINST
         DeleteObject(state->font);
         return nullptr;
     }
-    const DialogState &kept = *state;
-    SetWindowLongW(dialog, stateWord, reinterpret_cast<LONG_PTR>(state.release()));
+    const DialogState measures = *state; // the state itself goes with the dialog, at any message
+    SetWindowLongW(dialog, stateWord, reinterpret_cast<LONG_PTR>(state.get()));
+    if (dialogState(dialog) != state.get())
+    {
+        // Its class is none of dialogs: nothing would ever come to the procedure.
+        DeleteObject(state->font);
+        DestroyWindow(dialog);
+        SetLastError(errorCannotFindClass);
+        return nullptr;
+    }
+    state.release();
     SetWindowLongW(dialog, DWL_DLGPROC, reinterpret_cast<LONG_PTR>(procedure));
-    SendMessageW(dialog, WM_SETFONT, reinterpret_cast<WPARAM>(kept.font), FALSE);
+    SendMessageW(dialog, WM_SETFONT, reinterpret_cast<WPARAM>(measures.font), FALSE);
     const bool all = std::ranges::all_of(shape.items, [&](const DialogItem &item)
-                                         { return makeItem(dialog, kept, item, instance); });
+                                         { return makeItem(dialog, measures, item, instance); });
     if (!all)
     {
         const DWORD error = GetLastError();
@@ -194,10 +207,16 @@ HWND ownerOf(HWND parent)
     return parent;
 }
 
+bool isRunning(HWND dialog)
+{
+    const DialogState *state = dialogState(dialog);
+    return state != nullptr && !state->ended;
+}
+
 void runModal(HWND dialog, const std::function<bool(MSG &)> &takeFirst)
 {
     MSG message{};
-    while (IsWindow(dialog) != FALSE && !dialogState(dialog)->ended)
+    while (isRunning(dialog))
     {
         if (GetMessageW(&message, nullptr, 0, 0) <= 0)
         {
@@ -312,11 +331,11 @@ HWND makeDialog(const DialogTemplate &shape, HINSTANCE instance, HWND parent, DL
         SetFocus(first);
     }
     const DialogState *state = dialogState(dialog);
-    if (((shape.style & WS_VISIBLE) != 0 || modal) && !state->ended)
+    if (((shape.style & WS_VISIBLE) != 0 || modal) && state != nullptr && !state->ended)
     {
         ShowWindow(dialog, SW_SHOW);
     }
-    return dialog;
+    return IsWindow(dialog) != FALSE ? dialog : nullptr;
 }
 
 LONG_PTR runModalDialog(HWND parent, const std::function<HWND(HWND owner)> &make, const std::function<bool(MSG &)> &takeFirst)

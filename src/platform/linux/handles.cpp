@@ -185,7 +185,9 @@ std::shared_ptr<HandleObject> removeHandle(HANDLE handle, HandleKind kind, bool 
     return object;
 }
 
-void removeAllHandles(HandleKind kind)
+namespace
+{
+std::vector<HANDLE> allHandles(HandleKind kind)
 {
     std::vector<HANDLE> found;
     std::uint32_t used = 0;
@@ -202,9 +204,20 @@ void removeAllHandles(HandleKind kind)
             found.push_back(valueOf(slot->generation, index));
         }
     }
-    for (HANDLE handle : found)
+    return found;
+}
+} // namespace
+
+void removeAllHandles(HandleKind kind)
+{
+    for (HANDLE handle : allHandles(kind))
     {
         removeHandle(handle, kind);
     }
+}
+
+std::size_t liveHandles(HandleKind kind)
+{
+    return allHandles(kind).size();
 }
 } // namespace zb::internal

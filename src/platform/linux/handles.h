@@ -73,6 +73,8 @@ std::shared_ptr<HandleObject> findHandle(HANDLE handle);
 std::shared_ptr<HandleObject> removeHandle(HANDLE handle, HandleKind kind, bool *closed = nullptr);
 /// Closes all handles of a kind (files and databases when a device goes away).
 void removeAllHandles(HandleKind kind);
+/// How many of a kind are open.
+std::size_t liveHandles(HandleKind kind);
 
 template <typename T>
 std::shared_ptr<T> findAs(HANDLE handle, HandleKind kind)

@@ -379,4 +379,10 @@ bool MessageQueue::hasTimer(HWND window, UINT_PTR id, TIMERPROC procedure)
     const Timer *timer = findTimer(window, id);
     return timer != nullptr && timer->procedure == procedure;
 }
+
+std::size_t MessageQueue::timers()
+{
+    const std::lock_guard guard(m_lock);
+    return m_timers.size();
+}
 } // namespace zb::internal

@@ -117,6 +117,7 @@ class MessageQueue
     UINT_PTR setTimer(HWND window, UINT_PTR id, UINT milliseconds, TIMERPROC procedure);
     bool killTimer(HWND window, UINT_PTR id);
     bool hasTimer(HWND window, UINT_PTR id, TIMERPROC procedure);
+    std::size_t timers();
 
   private:
     struct Timer

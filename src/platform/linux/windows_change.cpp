@@ -223,6 +223,51 @@ bool changeAll(std::vector<WINDOWPOS> wishes)
     return all;
 }
 
+/// How many levels of windows hang below it; they were let in one by one, so never too many.
+int heightBelow(const WindowObject &object)
+{
+    int height = 0;
+    for (const HWND child : object.children)
+    {
+        if (const auto below = peekWindow(child))
+        {
+            height = std::max(height, 1 + heightBelow(*below));
+        }
+    }
+    return height;
+}
+
+void setLevel(WindowObject &object, int level)
+{
+    object.level = level;
+    for (const HWND child : object.children)
+    {
+        if (const auto below = peekWindow(child))
+        {
+            setLevel(*below, level + 1);
+        }
+    }
+}
+
+/// Whether a window may hang below another one: that is not going, not below itself, and not too deep for all of it.
+bool canHangBelow(const WindowObject *parent, HWND parentHandle, HWND window, const WindowObject &object)
+{
+    if (parent == nullptr)
+    {
+        return true;
+    }
+    for (HWND above = parentHandle; above != nullptr;)
+    {
+        if (above == window)
+        {
+            return false;
+        }
+        const auto one = peekWindow(above);
+        above = one == nullptr ? nullptr : one->parent;
+    }
+    return !parent->destroying && parent->level + 1 + heightBelow(object) <= deepestLevel;
+}
+
 struct DeferredChanges
 {
     std::vector<WINDOWPOS> wishes;
@@ -359,16 +404,11 @@ HWND SetParent(HWND window, HWND parent)
     {
         return nullptr;
     }
-    if (parent != nullptr && isWithin(parent, window))
-    {
-        SetLastError(ERROR_INVALID_PARAMETER);
-        return nullptr;
-    }
     Repaints repaints;
     HWND former = nullptr;
     {
         const std::lock_guard guard(treeLock());
-        if (above != nullptr && (above->destroying || above->level + 1 >= deepestLevel))
+        if (!canHangBelow(above.get(), parent, window, *object))
         {
             SetLastError(ERROR_INVALID_PARAMETER);
             return nullptr;
@@ -385,7 +425,7 @@ HWND SetParent(HWND window, HWND parent)
         }
         object->parent = parent;
         object->isChild = parent != nullptr;
-        object->level = above == nullptr ? 0 : above->level + 1;
+        setLevel(*object, above == nullptr ? 0 : above->level + 1);
         std::vector<HWND> &siblings = above == nullptr ? screenWindows() : above->children;
         siblings.insert(siblings.begin(), window);
         repaint(window, object, before, true, repaints);
