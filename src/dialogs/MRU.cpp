@@ -8,6 +8,8 @@
 #include <cstring>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace
 {
@@ -35,14 +37,40 @@ DWORD CountOf(const std::u16string &path)
     return QueryKey(HKEY_CURRENT_USER, path.c_str(), &keys, &values) == 0 ? values : 0;
 }
 
+/// Nothing for a value that is not there or is no text.
 std::optional<std::u16string> EntryOf(const std::u16string &path, DWORD number)
 {
-    CRegistry registry(RegistryTypeRegistry);
-    std::array<WCHAR, 4096> text{};
-    const bool read = registry.OpenKey(HKEY_CURRENT_USER, path.c_str()) == 0 &&
-                      registry.QueryValue(NameOf(number).c_str(), text.data(),
-                                          static_cast<DWORD>(text.size() * sizeof(WCHAR))) == 0;
-    return read ? std::optional<std::u16string>(text.data()) : std::nullopt;
+    HKEY key = nullptr;
+    if (RegOpenKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, 0, &key) != 0)
+    {
+        return std::nullopt;
+    }
+    const std::u16string name = NameOf(number);
+    DWORD type = REG_NONE;
+    DWORD bytes = 0;
+    LONG result = RegQueryValueExW(key, name.c_str(), nullptr, &type, nullptr, &bytes);
+    std::u16string text(bytes / sizeof(WCHAR) + 1, 0);
+    if (result == 0 && type == REG_SZ)
+    {
+        result = RegQueryValueExW(key, name.c_str(), nullptr, &type, reinterpret_cast<BYTE *>(text.data()), &bytes);
+    }
+    RegCloseKey(key);
+    return result == 0 && type == REG_SZ ? std::optional<std::u16string>(text.c_str()) : std::nullopt;
+}
+
+/// Writes what could be read under the numbers from 1 and deletes the rest: numbers without a gap, since saving goes by
+/// their count. In this order no text is ever missing, whenever it is cut short.
+void Renumber(const std::u16string &path, const std::vector<std::u16string> &entries, DWORD count)
+{
+    DWORD number = 0;
+    for (const std::u16string &entry : entries)
+    {
+        SetToRegistrySZ(HKEY_CURRENT_USER, path.c_str(), NameOf(++number).c_str(), entry.c_str());
+    }
+    while (number < count)
+    {
+        DeleteRegistryValue(HKEY_CURRENT_USER, path.c_str(), NameOf(++number).c_str());
+    }
 }
 
 WCHAR *CopyOf(const std::u16string &text)
@@ -65,18 +93,23 @@ void MRU(HWND dialog, const WCHAR *name, int control, bool combo)
     }
     const std::u16string path = PathOf(name);
     const DWORD count = CountOf(path);
+    std::vector<std::u16string> entries;
     for (DWORD number = 1; number <= count; ++number)
     {
-        if (const auto entry = EntryOf(path, number))
+        if (auto entry = EntryOf(path, number))
         {
-            SendMessageW(list, combo ? comboAdd : listAdd, 0, reinterpret_cast<LPARAM>(entry->c_str()));
-        }
-        else
-        {
-            DeleteRegistryValue(HKEY_CURRENT_USER, path.c_str(), NameOf(number).c_str());
+            entries.push_back(std::move(*entry));
         }
     }
-    if (count != 0)
+    if (entries.size() < count)
+    {
+        Renumber(path, entries, count);
+    }
+    for (const std::u16string &entry : entries)
+    {
+        SendMessageW(list, combo ? comboAdd : listAdd, 0, reinterpret_cast<LPARAM>(entry.c_str()));
+    }
+    if (!entries.empty())
     {
         ShowWindow(list, SW_SHOW);
     }
@@ -98,7 +131,12 @@ void MRUSave(const WCHAR *name, const WCHAR *text)
             return;
         }
     }
-    SetToRegistrySZ(HKEY_CURRENT_USER, path.c_str(), NameOf(count + 1).c_str(), text);
+    DWORD fresh = count + 1;
+    while (EntryOf(path, fresh))
+    {
+        ++fresh; // somebody else's list has gaps
+    }
+    SetToRegistrySZ(HKEY_CURRENT_USER, path.c_str(), NameOf(fresh).c_str(), text);
 }
 
 void MRUStrings(const WCHAR *name, WCHAR ***strings, int *count)

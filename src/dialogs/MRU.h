@@ -8,7 +8,7 @@
 #include "platform/user.h"
 
 /// Fills a combo box (emptied first) or list box of a dialog, and shows it when there are entries. An entry that can't
-/// be read is deleted.
+/// be read is deleted, and those behind it move up.
 ZBTOOLS_API void MRU(HWND dialog, const WCHAR *name, int control, bool combo);
 /// Adds a text at the end, unless it is empty or in the list.
 ZBTOOLS_API void MRUSave(const WCHAR *name, const WCHAR *text);

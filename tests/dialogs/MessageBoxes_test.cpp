@@ -1,11 +1,13 @@
 // Messages by number, questions that can be silenced, and lists of what was typed before.
 #include "core/CRegistry.h"
+#include "core/ShowError.h"
 #include "dialogs/CKelvoMBox.h"
 #include "dialogs/CShowError.h"
 #include "dialogs/MRU.h"
 #include "platform/controls.h"
 #include "platform/dialog.h"
 #include "platform/kernel.h"
+#include "platform/resources.h"
 #include "platform/screen.h"
 #include "support/ScreenWindow.h"
 #include "support/TestDevice.h"
@@ -22,6 +24,7 @@ constexpr DWORD question = 41081;
 constexpr DWORD yes = 40410;
 constexpr DWORD no = 44338;
 constexpr DWORD unused = 44124;
+constexpr DWORD longText = 40003; // of the tests' module: 300 characters
 
 struct Shown
 {
@@ -173,7 +176,59 @@ TEST_F(MessageBoxes, TheSecondButtonKeepsNothing)
             press(dialog, 1002);
         });
     EXPECT_EQ(CKelvoMBox::MakeKelvoMBox(nullptr, u"Text", u"Title", u"a", u"b", u"c", &check), 1);
-    EXPECT_EQ(check, 1) << "and CKelvoMBox stores nothing for it";
+    EXPECT_EQ(check, 1);
+    answer(
+        [](HWND dialog)
+        {
+            press(dialog, 1004);
+            SendMessageW(dialog, WM_COMMAND, 1002, 0); // its place is hidden, its number is heard
+        });
+    EXPECT_EQ(ask(u"Second"), 0);
+    DWORD stored = 0;
+    EXPECT_NE(GetFromRegistry(HKEY_CURRENT_USER, ignoreKey, u"Second", &stored), 0) << "nothing was stored";
+}
+
+TEST_F(MessageBoxes, TheDialogIsNumber103AndItsButtonsHaveThreeWords)
+{
+    const HWND dialog = CreateDialogIndirectParamW(
+        nullptr, LockResource(LoadResource(nullptr, FindResourceW(nullptr, MAKEINTRESOURCEW(103), RT_DIALOG))), nullptr,
+        [](HWND, UINT, WPARAM, LPARAM) -> LONG_PTR { return 0; }, 0);
+    ASSERT_NE(dialog, nullptr);
+    EXPECT_EQ(textOf(dialog, 1001), u"Button1");
+    EXPECT_EQ(textOf(dialog, 1002), u"Button2");
+    EXPECT_EQ(textOf(dialog, 1003), u"Button3");
+    EXPECT_NE(GetDlgItem(dialog, 1004), nullptr);
+    DestroyWindow(dialog);
+}
+
+TEST_F(MessageBoxes, TextsOfAQuestionHave249CharactersAtMost)
+{
+    const HINSTANCE module = LoadLibraryW(u"ZBTestModule");
+    WCHAR any[8];
+    LoadStringW(nullptr, question, any, 8); // the system's resources are loaded with the first text
+    zb::setApplicationResources(module);
+    std::u16string shownText;
+    answer(
+        [&shownText](HWND dialog)
+        {
+            WCHAR text[512] = {};
+            GetDlgItemTextW(dialog, 1000, text, 512);
+            shownText = text;
+            SendMessageW(dialog, WM_COMMAND, 1001, 0);
+        });
+    CKelvoMBox::MessageBoxW(nullptr, nullptr, longText, longText, longText, 0, nullptr, false);
+    zb::setApplicationResources(nullptr);
+    FreeLibrary(module);
+    EXPECT_EQ(shownText, std::u16string(249, u'x'));
+}
+
+TEST_F(MessageBoxes, TheShortestMessageHasNoCaption)
+{
+    ShowError(u"It failed.", showErrorFlags);
+    ASSERT_EQ(shown.size(), 1U);
+    EXPECT_EQ(shown[0].text, u"It failed.");
+    EXPECT_EQ(shown[0].caption, u"");
+    EXPECT_EQ(shown[0].flags, 0x40010U);
 }
 
 TEST_F(MessageBoxes, AStoredValueOutsideTheThreeAsksAgain)
@@ -238,9 +293,9 @@ TEST_F(MessageBoxes, WhatWasTypedIsKeptOnceInOrder)
     CRegistry registry(RegistryTypeRegistry);
     ASSERT_EQ(registry.OpenKey(HKEY_CURRENT_USER, path), 0);
     WCHAR text[32] = {};
-    EXPECT_EQ(registry.QueryValue(u"1", text, sizeof text), 0);
+    EXPECT_EQ(registry.QueryValue(u"1", text, 32), 0);
     EXPECT_EQ(std::u16string(text), u"first");
-    EXPECT_EQ(registry.QueryValue(u"2", text, sizeof text), 0);
+    EXPECT_EQ(registry.QueryValue(u"2", text, 32), 0);
     EXPECT_EQ(std::u16string(text), u"second");
 }
 
@@ -283,6 +338,56 @@ TEST_F(MessageBoxes, ListsAndCombosAreFilledAndShown)
     list.told.clear();
     MRU(parent.window, u"Find", 77, true);
     EXPECT_EQ(list.told, (Told{{331, u""}, {323, u"one"}, {323, u"two"}}));
+}
+
+TEST_F(MessageBoxes, EntriesThatDifferInCaseAreTwoAndLongOnesStayWhole)
+{
+    const std::u16string longest(5000, u'x');
+    MRUSave(u"Find", u"one");
+    MRUSave(u"Find", u"One");
+    MRUSave(u"Find", longest.c_str());
+    MRUSave(u"Find", longest.c_str());
+    const ScreenWindow parent(RGB(1, 1, 1), WS_POPUP | WS_VISIBLE, 0, 0, 100, 100);
+    ListWindow list(parent.window);
+    MRU(parent.window, u"Find", 77, false);
+    EXPECT_EQ(list.told, (Told{{384, u"one"}, {384, u"One"}, {384, longest}}));
+}
+
+TEST_F(MessageBoxes, AListOfNothingReadableStaysHidden)
+{
+    SetToRegistry(HKEY_CURRENT_USER, u"Software\\Kelvo\\Zembrik\\Menus\\Find\\MRU", u"1", 5);
+    const ScreenWindow parent(RGB(1, 1, 1), WS_POPUP | WS_VISIBLE, 0, 0, 100, 100);
+    ListWindow list(parent.window);
+    MRU(parent.window, u"Find", 77, true);
+    EXPECT_EQ(list.told, (Told{{331, u""}}));
+    EXPECT_FALSE(IsWindowVisible(list.window.window));
+}
+
+TEST_F(MessageBoxes, NothingIsLostBehindAnEntryThatIsDeleted)
+{
+    const WCHAR *path = u"Software\\Kelvo\\Zembrik\\Menus\\Find\\MRU";
+    for (const WCHAR *text : {u"one", u"two", u"three", u"four"})
+    {
+        MRUSave(u"Find", text);
+    }
+    SetToRegistry(HKEY_CURRENT_USER, path, u"2", 5);
+    const ScreenWindow parent(RGB(1, 1, 1), WS_POPUP | WS_VISIBLE, 0, 0, 100, 100);
+    ListWindow list(parent.window);
+    MRU(parent.window, u"Find", 77, false);
+    MRUSave(u"Find", u"five");
+    MRU(parent.window, u"Find", 77, true);
+    const Told all{{384, u"one"}, {384, u"three"}, {384, u"four"}, {331, u""},
+                   {323, u"one"}, {323, u"three"}, {323, u"four"}, {323, u"five"}};
+    EXPECT_EQ(list.told, all);
+    DeleteRegistryValue(HKEY_CURRENT_USER, path, u"2"); // by somebody who leaves a gap
+    MRUSave(u"Find", u"six");
+    WCHAR text[201] = {};
+    CRegistry registry(RegistryTypeRegistry);
+    ASSERT_EQ(registry.OpenKey(HKEY_CURRENT_USER, path), 0);
+    EXPECT_EQ(registry.QueryValue(u"4", text, 200), 0);
+    EXPECT_EQ(std::u16string(text), u"five") << "not written over";
+    EXPECT_EQ(registry.QueryValue(u"5", text, 200), 0);
+    EXPECT_EQ(std::u16string(text), u"six");
 }
 
 TEST_F(MessageBoxes, AnEntryThatCantBeReadIsDeleted)

@@ -36,6 +36,12 @@ extern "C" const WCHAR *zbResourceString(UINT id, const char *language, std::siz
         *length = asked.size();
         return asked.c_str();
     }
+    if (id == 40003)
+    {
+        static const std::u16string longer(300, u'x');
+        *length = longer.size();
+        return longer.c_str();
+    }
     for (const Entry &entry : entries)
     {
         if (entry.id == id)
