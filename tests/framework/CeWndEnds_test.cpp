@@ -3,9 +3,9 @@
 #include "framework/MessageRecorder.h"
 #include "platform/controls.h"
 #include "platform/kernel.h"
-#include "platform/linux/handle_count.h"
 #include "platform/resources.h"
 #include "platform/screen.h"
+#include "support/OpenHandles.h"
 #include "support/ScreenWindow.h"
 #include "support/TestDevice.h"
 

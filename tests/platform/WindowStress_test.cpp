@@ -1,6 +1,6 @@
 // Windows under load: many threads that send to each other, windows that end in the middle of their own messages, and
 // thousands of random steps that leave nothing behind.
-#include "platform/linux/handle_count.h"
+#include "support/OpenHandles.h"
 #include "support/PlatformThread.h"
 #include "support/ScreenWindow.h"
 #include "support/TestDevice.h"
@@ -134,7 +134,10 @@ TEST(WindowStress, AWindowMayEndInAnyOfItsMessages)
         const SCROLLINFO info{sizeof(SCROLLINFO), SIF_ALL, 0, 99, 10, 0, 0};
         SetScrollInfo(window, SB_VERT, &info, TRUE);
         SetFocus(window);
-        SetTimer(window, 1, 1, nullptr);
+        if (window != nullptr)
+        {
+            SetTimer(window, 1, 1, nullptr); // of none it would be the thread's
+        }
         zb::penDown(20, 20);
         zb::penMove(25, 25);
         zb::penUp(25, 25);
@@ -217,12 +220,15 @@ TEST(WindowStress, RandomStepsLeaveNothingBehind)
             SetWindowPos(any, below(2) != 0 ? HWND_TOP : HWND_BOTTOM, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
             break;
         case 7:
-            SetTimer(any, static_cast<UINT_PTR>(below(5)) + 1, 1, nullptr);
+            if (any != nullptr)
+            {
+                SetTimer(any, static_cast<UINT_PTR>(below(5)) + 1, 1, nullptr);
+            }
             break;
         case 8:
             if (const HDC context = GetDC(any))
             {
-                const RECT box{0, 0, below(100), below(100)};
+                RECT box{0, 0, below(100), below(100)};
                 DrawFrameControl(context, &box, DFC_BUTTON, DFCS_BUTTONPUSH);
                 if (below(10) == 0)
                 {

@@ -69,8 +69,39 @@ class Control
     LRESULT takeCommon(UINT message, WPARAM wParam, LPARAM lParam);
 
   private:
+    friend class ControlAtWork;
+
     HWND m_window;
     HFONT m_font = nullptr;
+    int m_atWork = 0;      ///< messages that it is dealing with, one inside another
+    bool m_ended = false;  ///< its window is gone
+};
+
+/// Keeps a control for as long as it deals with a message: what it tells its parent meanwhile may end its window.
+class ControlAtWork
+{
+  public:
+    explicit ControlAtWork(Control &control) : m_control(control)
+    {
+        ++m_control.m_atWork;
+    }
+    ~ControlAtWork()
+    {
+        if (--m_control.m_atWork == 0 && m_control.m_ended)
+        {
+            delete &m_control;
+        }
+    }
+    ControlAtWork(const ControlAtWork &) = delete;
+    ControlAtWork &operator=(const ControlAtWork &) = delete;
+    /// The control goes with the outermost message.
+    void end()
+    {
+        m_control.m_ended = true;
+    }
+
+  private:
+    Control &m_control;
 };
 
 /// A bitmap the size of the window's client area that is brought to the screen when it goes.
@@ -113,10 +144,11 @@ LRESULT controlProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam
     {
         return DefWindowProcW(window, message, wParam, lParam);
     }
+    ControlAtWork work(*control);
     if (message == WM_NCDESTROY)
     {
         SetWindowLongW(window, 0, 0);
-        delete control;
+        work.end();
         return 0;
     }
     return control->take(message, wParam, lParam);
