@@ -1,5 +1,6 @@
 #include "framework/CeWnd.h"
 
+#include "core/SharedState.h"
 #include "core/debuglog.h"
 #include "framework/FailedMessage.h"
 #include "platform/clock.h"
@@ -17,6 +18,11 @@ constexpr const WCHAR *genericClass = u"CeWnd:GENERIC";
 std::u16string SuperclassName(const WCHAR *pszClass)
 {
     return u"CeWnd:" + std::u16string(pszClass);
+}
+
+HINSTANCE InstanceOr(HINSTANCE hInstance)
+{
+    return hInstance != nullptr ? hInstance : CeGetAppInstance();
 }
 
 /// Tells the user that a window's operation has failed beyond repair. Called inside a catch block.
@@ -149,7 +155,7 @@ bool CeWnd::RegisterClassW(const WCHAR *pszName, UINT uStyle, int cbClsExtra, in
     type.lpfnWndProc = StartWndProc;
     type.cbClsExtra = cbClsExtra;
     type.cbWndExtra = cbWndExtra;
-    type.hInstance = hInstance;
+    type.hInstance = InstanceOr(hInstance);
     type.hIcon = hIcon;
     type.hCursor = hCursor;
     type.hbrBackground = hBrush != nullptr ? hBrush : GetStockObject(WHITE_BRUSH);
@@ -184,7 +190,7 @@ bool CeWnd::RegisterWndSuperclass(const WCHAR *pszClass, WNDPROC *former, bool *
     constexpr UINT globalClass = 0x4000;
     type.style &= ~globalClass;
     type.lpfnWndProc = StartWndProc;
-    type.hInstance = hInstance;
+    type.hInstance = InstanceOr(hInstance);
     type.lpszClassName = name.c_str();
     *registered = ::RegisterClassW(&type) != 0;
     return *registered;

@@ -33,7 +33,7 @@ class ZBTOOLS_API CeWnd : public CeBaseWnd, public CeMsgWnd
     HWND Unsubclass();
 
     /// Registers a class for objects of this kind; one of the same name is given up first, so a later call wins. The
-    /// brush of the background is white without one.
+    /// brush of the background is white without one, the instance the program's.
     static bool RegisterClassW(const WCHAR *pszName, UINT uStyle = 0, int cbClsExtra = 0, int cbWndExtra = 0,
                                void *hIcon = nullptr, void *hCursor = nullptr, void *hBrush = nullptr,
                                const WCHAR *pszMenu = nullptr, HINSTANCE hInstance = nullptr);

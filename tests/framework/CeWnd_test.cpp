@@ -1,4 +1,5 @@
 // Windows as objects: which operation a message reaches, the default behind it, and exceptions.
+#include "core/SharedState.h"
 #include "framework/MessageRecorder.h"
 #include "platform/controls.h"
 #include "platform/kernel.h"
@@ -336,6 +337,7 @@ TEST_F(CeWndTest, TheCopyOfAClassIsNoGlobalOneAndStandsBeforeItsProcedure)
     ASSERT_TRUE(GetClassInfoW(nullptr, u"CeWnd:Original", &copy));
     EXPECT_EQ(copy.style, CS_DBLCLKS);
     EXPECT_EQ(copy.cbWndExtra, 24);
+    EXPECT_EQ(copy.hInstance, CeGetAppInstance());
     EXPECT_TRUE(CeWnd::RegisterWndSuperclass(u"Original", &former, &registered));
     EXPECT_FALSE(registered) << "once";
     Recorder window;
@@ -363,6 +365,7 @@ TEST_F(CeWndTest, ASecondRegistrationReplacesTheFirst)
     ASSERT_TRUE(GetClassInfoW(nullptr, u"Mine", &type));
     EXPECT_EQ(type.style, CS_DBLCLKS);
     EXPECT_EQ(type.hbrBackground, GetStockObject(0));
+    EXPECT_EQ(type.hInstance, CeGetAppInstance());
     ASSERT_TRUE(CeWnd::RegisterClassW(u"Mine", 0, 0, 12));
     ASSERT_TRUE(GetClassInfoW(nullptr, u"Mine", &type));
     EXPECT_EQ(type.style, 0U);
