@@ -153,8 +153,8 @@ void FrameWindow::refreshCommands(HMENU menu)
 
 void FrameWindow::about()
 {
-    CKelvoMBox::MakeKelvoMBox(m_hWnd, text(textAbout).c_str(), text(textProgram).c_str(), text(textClose).c_str(), nullptr,
-                              nullptr, nullptr);
+    CKelvoMBox::MakeKelvoMBox(m_hWnd, text(textAbout).c_str(), text(textProgram).c_str(), text(textClose).c_str(),
+                              nullptr, nullptr, nullptr);
 }
 
 void FrameWindow::help()

@@ -7,6 +7,8 @@
 #include "platform/user.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <utility>
 
 namespace zb::screens
 {
@@ -29,6 +31,11 @@ void fill(HDC hdc, const RECT &box, COLORREF color)
     const COLORREF former = SetBkColor(hdc, color);
     ExtTextOutW(hdc, 0, 0, ETO_OPAQUE, &box, nullptr, 0, nullptr);
     SetBkColor(hdc, former);
+}
+/// The row that a drag is over; -1 behind the last one.
+int targetOf(const tagGRIDDRAG &drag)
+{
+    return drag.nRow == GRID_NONE ? -1 : drag.nRow;
 }
 } // namespace
 
@@ -150,6 +157,64 @@ bool ListPane::heard(UINT, WPARAM, LPARAM)
     return false;
 }
 
+// --- Drags
+
+void ListPane::allowDrags(bool allow)
+{
+    m_grid.SetDragAllowed(allow);
+}
+
+bool ListPane::canDrag(int)
+{
+    return false;
+}
+
+std::optional<std::u16string> ListPane::dropTip(int, int)
+{
+    return std::nullopt;
+}
+
+void ListPane::dropped(int, int)
+{
+}
+
+std::optional<std::u16string> ListPane::tipOver(const tagGRIDDRAG &drag)
+{
+    return m_dragged < 0 ? std::nullopt : dropTip(m_dragged, targetOf(drag));
+}
+
+std::optional<LRESULT> ListPane::answerDrag(UINT message, WPARAM wParam, LPARAM lParam)
+{
+    const auto *drag = reinterpret_cast<const tagGRIDDRAG *>(lParam);
+    switch (message)
+    {
+    case GRID_CANDRAG:
+    {
+        const int row = static_cast<int>(reinterpret_cast<const POINT *>(lParam)->y);
+        m_dragged = row < rows() && canDrag(row) ? row : -1;
+        return m_dragged >= 0 ? 1 : 0;
+    }
+    case GRID_CANDROP:
+        return reinterpret_cast<HWND>(wParam) == m_grid.GetHwnd() && tipOver(*drag) ? 1 : 0;
+    case GRID_GETDRAGTIP:
+    {
+        const std::u16string words = tipOver(*drag).value_or(std::u16string());
+        auto *copy = static_cast<WCHAR *>(std::malloc((words.size() + 1) * sizeof(WCHAR)));
+        std::copy_n(words.c_str(), copy == nullptr ? 0 : words.size() + 1, copy);
+        *reinterpret_cast<WCHAR **>(wParam) = copy;
+        return 0;
+    }
+    case GRID_DROP:
+        if (const int row = std::exchange(m_dragged, -1); wParam != 0 && row >= 0)
+        {
+            dropped(row, targetOf(*drag));
+        }
+        return 0;
+    default:
+        return std::nullopt;
+    }
+}
+
 // --- What the grid asks
 
 void ListPane::giveRow(GRIDCELLREQUEST &request)
@@ -233,6 +298,11 @@ LRESULT ListPane::OnMessage(UINT uMsg, WPARAM wParam, LPARAM lParam, bool &handl
         handled = true;
         giveRow(*reinterpret_cast<GRIDCELLREQUEST *>(lParam));
         return 0;
+    }
+    if (const std::optional<LRESULT> answer = answerDrag(uMsg, wParam, lParam))
+    {
+        handled = true;
+        return *answer;
     }
     handled = heard(uMsg, wParam, lParam);
     return handled ? 0 : CeWnd::OnMessage(uMsg, wParam, lParam, handled);

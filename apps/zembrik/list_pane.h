@@ -69,17 +69,26 @@ class ListPane : public CeWnd
     virtual std::u16string emptyMarkup() = 0;
     /// A tap; x in pixels of the pane.
     virtual void tapped(int index, int x) = 0;
+    /// Lets the pen pull rows onto others, as far as the three below allow it.
+    void allowDrags(bool allow);
+    virtual bool canDrag(int index);
+    /// What the tip says while row `index` is held over row `target`, -1 behind the last one; nothing refuses.
+    virtual std::optional<std::u16string> dropTip(int index, int target);
+    virtual void dropped(int index, int target);
     /// Any other message to the pane: those of a loader or of the databases. False for one that it does not know.
     virtual bool heard(UINT message, WPARAM wParam, LPARAM lParam);
 
   private:
     static int drawGround(tagDRAWITEMSTRUCT *item, tagCELLINFO *cell);
     void giveRow(GRIDCELLREQUEST &request);
+    std::optional<LRESULT> answerDrag(UINT message, WPARAM wParam, LPARAM lParam);
+    std::optional<std::u16string> tipOver(const tagGRIDDRAG &drag);
 
     CHTMLGrid m_grid;
     int m_rows = -1; ///< never set
     bool m_uniform = false;
     std::u16string m_text;
+    int m_dragged = -1;
 };
 
 /// A picture of the system, no higher than the words beside it.

@@ -80,4 +80,9 @@ inline constexpr UINT textHomeAddress = 60369;
 inline constexpr UINT textOtherAddress = 60370;
 inline constexpr UINT textBirthday = 60371;
 inline constexpr UINT textAnniversary = 60372;
+
+inline constexpr UINT textNest = 60373;
+inline constexpr UINT textLift = 60374;
+inline constexpr UINT textBelowTask = 60375;
+inline constexpr UINT textToTheTop = 60376;
 } // namespace zb::screens

@@ -32,7 +32,8 @@ bool readSize(const std::string &text, HostArguments &arguments)
     const auto number = [](std::string_view part, int &value)
     {
         const auto [end, fault] = std::from_chars(part.data(), part.data() + part.size(), value);
-        return fault == std::errc() && end == part.data() + part.size() && value >= smallestSide && value <= largestSide;
+        return fault == std::errc() && end == part.data() + part.size() && value >= smallestSide &&
+               value <= largestSide;
     };
     const std::string_view all = text;
     return number(all.substr(0, sign), arguments.width) && number(all.substr(sign + 1), arguments.height);

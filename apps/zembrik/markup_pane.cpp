@@ -9,8 +9,8 @@ namespace zb::screens
 {
 namespace
 {
-constexpr int margin = 8;     // at 96 dots an inch
-constexpr int focusMark = 3;  // width of the stripe at the left
+constexpr int margin = 8;    // at 96 dots an inch
+constexpr int focusMark = 3; // width of the stripe at the left
 constexpr int lineStep = 16;
 constexpr int tallest = 32000;
 constexpr int wheelStep = 120;
@@ -178,8 +178,8 @@ void MarkupPane::OnLButtonDown(WPARAM, POINT, bool &handled)
 
 void MarkupPane::OnKeyDown(UINT nKey, UINT, UINT, bool &handled)
 {
-    static const std::map<UINT, WORD> steps = {{VK_UP, SB_LINEUP},      {VK_DOWN, SB_LINEDOWN}, {VK_PRIOR, SB_PAGEUP},
-                                               {VK_NEXT, SB_PAGEDOWN},  {VK_SPACE, SB_PAGEDOWN}, {VK_HOME, SB_TOP},
+    static const std::map<UINT, WORD> steps = {{VK_UP, SB_LINEUP},     {VK_DOWN, SB_LINEDOWN},  {VK_PRIOR, SB_PAGEUP},
+                                               {VK_NEXT, SB_PAGEDOWN}, {VK_SPACE, SB_PAGEDOWN}, {VK_HOME, SB_TOP},
                                                {VK_END, SB_BOTTOM}};
     if (const auto step = steps.find(nKey); step != steps.end())
     {

@@ -114,9 +114,9 @@ class Reader
     static const std::map<std::string, Verb> &verbs()
     {
         static const std::map<std::string, Verb> all = {
-            {"pen", &Reader::pen},   {"tap", &Reader::tap},     {"hold", &Reader::hold},
-            {"key", &Reader::key},   {"type", &Reader::type},   {"wheel", &Reader::wheel},
-            {"wait", &Reader::wait}, {"shot", &Reader::shot},   {"quit", &Reader::quit}};
+            {"pen", &Reader::pen},   {"tap", &Reader::tap},   {"hold", &Reader::hold},
+            {"key", &Reader::key},   {"type", &Reader::type}, {"wheel", &Reader::wheel},
+            {"wait", &Reader::wait}, {"shot", &Reader::shot}, {"quit", &Reader::quit}};
         return all;
     }
     static std::string allVerbs()

@@ -18,11 +18,11 @@ struct Plain
 const std::map<std::string, Plain, std::less<>> &plainKeys()
 {
     static const std::map<std::string, Plain, std::less<>> keys = {
-        {"enter", {VK_RETURN, u'\r'}}, {"escape", {VK_ESCAPE, 0x1B}}, {"tab", {VK_TAB, u'\t'}},
-        {"backspace", {VK_BACK, u'\b'}}, {"space", {VK_SPACE, u' '}}, {"delete", {VK_DELETE, 0}},
-        {"left", {VK_LEFT, 0}},        {"right", {VK_RIGHT, 0}},      {"up", {VK_UP, 0}},
-        {"down", {VK_DOWN, 0}},        {"pageup", {VK_PRIOR, 0}},     {"pagedown", {VK_NEXT, 0}},
-        {"home", {VK_HOME, 0}},        {"end", {VK_END, 0}}};
+        {"enter", {VK_RETURN, u'\r'}},   {"escape", {VK_ESCAPE, 0x1B}}, {"tab", {VK_TAB, u'\t'}},
+        {"backspace", {VK_BACK, u'\b'}}, {"space", {VK_SPACE, u' '}},   {"delete", {VK_DELETE, 0}},
+        {"left", {VK_LEFT, 0}},          {"right", {VK_RIGHT, 0}},      {"up", {VK_UP, 0}},
+        {"down", {VK_DOWN, 0}},          {"pageup", {VK_PRIOR, 0}},     {"pagedown", {VK_NEXT, 0}},
+        {"home", {VK_HOME, 0}},          {"end", {VK_END, 0}}};
     return keys;
 }
 

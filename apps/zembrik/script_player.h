@@ -1,8 +1,8 @@
 // Plays a script on the main thread, also while a menu or a dialog runs a loop of its own.
 //
 // A step is done as soon as nothing waits any more: no message, no paint, no work of the view in the background. "wait"
-// lets the time of timers and ticks go by at once where nobody looks at the screen, and really waits where somebody does.
-// Threads: the main thread. One at a time.
+// lets the time of timers and ticks go by at once where nobody looks at the screen, and really waits where somebody
+// does. Threads: the main thread. One at a time.
 #pragma once
 
 #include "platform/user.h"

@@ -1,8 +1,10 @@
 #include "zembrik/task_list.h"
 
+#include "common/markup_text.h"
 #include "platform/propdb.h"
 #include "records/CCategoryColor.h"
 #include "records/COutlook.h"
+#include "tasks/TaskHierarchy.h"
 #include "zembrik/item_objects.h"
 #include "zembrik/list_texts.h"
 #include "zembrik/task_rows.h"
@@ -69,6 +71,7 @@ void TaskList::listReady()
     const CEOID cursor = m_wanted != 0 ? m_wanted : currentTask();
     m_complete = true;
     setRows(m_loader.GetList().GetDisplayCount());
+    allowDrags(isTree());
     select(cursor);
     m_changed();
 }
@@ -227,5 +230,89 @@ void TaskList::expandAll(bool open)
         setRows(m_loader.GetList().GetDisplayCount());
         select(cursor);
     }
+}
+
+// --- The tree
+
+/// Below another task, or with -1 to the top. The links are saved at once.
+bool TaskList::move(int index, int parent)
+{
+    const DATATASKS *const child = task(index);
+    const DATATASKS *const above = task(parent);
+    if (child == nullptr || !isTree())
+    {
+        return false;
+    }
+    const CEOID id = child->m_oid;
+    if (above == nullptr)
+    {
+        m_loader.RemoveTreeNode(nullptr, index + 1, false);
+    }
+    else
+    {
+        _HIERSTRUCT link;
+        link.m_oid = id;
+        link.m_oidParent = above->m_oid;
+        link.m_bExpanded = 1;
+        m_loader.AddTreeNode(&link, index + 1, parent + 1);
+    }
+    m_loader.SaveHTData();
+    m_loader.SortDataList();
+    setRows(m_loader.GetList().GetDisplayCount());
+    select(id);
+    return true;
+}
+
+bool TaskList::nestCurrent()
+{
+    const DATATASKS *const found = task(current());
+    for (int above = current() - 1; found != nullptr && above >= 0 && task(above)->m_nDepth >= found->m_nDepth; --above)
+    {
+        if (task(above)->m_nDepth == found->m_nDepth)
+        {
+            return move(current(), above);
+        }
+    }
+    return false;
+}
+
+bool TaskList::liftCurrent()
+{
+    const DATATASKS *const found = task(current());
+    if (found == nullptr || found->m_pParent == nullptr || !isTree())
+    {
+        return false;
+    }
+    int above = current();
+    while (above >= 0 && task(above) != found->m_pParent->m_pParent)
+    {
+        --above;
+    }
+    return move(current(), above);
+}
+
+bool TaskList::canDrag(int index)
+{
+    return isTree() && task(index) != nullptr;
+}
+
+/// Onto what lies below itself a task can't go, and not where it is.
+std::optional<std::u16string> TaskList::dropTip(int index, int target)
+{
+    DATATASKS *child = task(index);
+    DATATASKS *above = task(target);
+    if (child == nullptr || child == above || child->m_pParent == above ||
+        (above != nullptr && CTasksThread::IsDescendant(child, above) != 0))
+    {
+        return std::nullopt;
+    }
+    const std::u16string where = above == nullptr ? text(textToTheTop) : text(textBelowTask) + u" ";
+    const std::u16string name = above == nullptr || above->m_pszSubject == nullptr ? u"" : above->m_pszSubject;
+    return u"<BODY BGCOLOR=#FFF8DC><FONT SIZE=0>" + host::plainMarkup(where + name);
+}
+
+void TaskList::dropped(int index, int target)
+{
+    move(index, target);
 }
 } // namespace zb::screens

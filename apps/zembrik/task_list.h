@@ -48,6 +48,10 @@ class TaskList final : public ListPane
     /// Opens or closes what is below the cursor; false where there is nothing of that kind.
     bool expandCurrent(bool open);
     void expandAll(bool open);
+    /// In the tree: hangs the task under the cursor below the one above it of its own depth, or moves it out to the
+    /// depth of its parent. False where there is nothing of that kind.
+    bool nestCurrent();
+    bool liftCurrent();
     /// What a tap on the words does.
     void openCurrent();
 
@@ -57,6 +61,9 @@ class TaskList final : public ListPane
     std::optional<ListRow> row(int index) override;
     std::u16string emptyMarkup() override;
     void tapped(int index, int x) override;
+    bool canDrag(int index) override;
+    std::optional<std::u16string> dropTip(int index, int target) override;
+    void dropped(int index, int target) override;
     bool heard(UINT message, WPARAM wParam, LPARAM lParam) override;
 
   private:
@@ -64,6 +71,7 @@ class TaskList final : public ListPane
     void listReady();
     void expand(DATATASKS &task, bool open);
     void toggle(int index);
+    bool move(int index, int parent);
 
     mutable CTasksThread m_loader;
     CeDb m_watch;

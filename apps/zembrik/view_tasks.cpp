@@ -21,6 +21,8 @@ constexpr UINT commandShowCompleted = firstViewCommand + 2;
 constexpr UINT commandShowUndated = firstViewCommand + 3;
 constexpr UINT commandExpandAll = firstViewCommand + 4;
 constexpr UINT commandCollapseAll = firstViewCommand + 5;
+constexpr UINT commandNest = firstViewCommand + 6;
+constexpr UINT commandLift = firstViewCommand + 7;
 constexpr UINT commandGroup = firstViewCommand + 10; // and the grouping
 constexpr UINT commandSort = firstViewCommand + 30;  // and the place in the table
 
@@ -133,6 +135,8 @@ class TasksView final : public View
         AppendMenuW(menu, MF_POPUP | MF_STRING, reinterpret_cast<UINT_PTR>(orders), text(textSortBy).c_str());
         append(menu, commandShowCompleted, textShowCompleted, now.bShowCompleted != 0);
         append(menu, commandShowUndated, textShowUndated, now.bShowUndated != 0);
+        append(menu, commandNest, textNest, false, task && m_list.isTree());
+        append(menu, commandLift, textLift, false, task && m_list.isTree());
         append(menu, commandExpandAll, textExpandAll, false, m_list.isGrouped());
         append(menu, commandCollapseAll, textCollapseAll, false, m_list.isGrouped());
     }
@@ -159,6 +163,12 @@ class TasksView final : public View
             return change(u"bShowCompleted", settings().bShowCompleted == 0 ? 1 : 0);
         case commandShowUndated:
             return change(u"bShowUndated", settings().bShowUndated == 0 ? 1 : 0);
+        case commandNest:
+            m_list.nestCurrent();
+            return true;
+        case commandLift:
+            m_list.liftCurrent();
+            return true;
         case commandExpandAll:
         case commandCollapseAll:
             m_list.expandAll(id == commandExpandAll);
@@ -168,7 +178,8 @@ class TasksView final : public View
         }
     }
 
-    /// Enter opens, Space completes, the arrows to the sides open and close what is below.
+    /// Enter opens, Space completes, the arrows to the sides open and close what is below; with Ctrl they move a task
+    /// in the tree.
     bool key(const MSG &message) override
     {
         if (m_card.isShown())
@@ -185,6 +196,10 @@ class TasksView final : public View
             return true;
         case VK_LEFT:
         case VK_RIGHT:
+            if (GetKeyState(VK_CONTROL) < 0)
+            {
+                return message.wParam == VK_RIGHT ? m_list.nestCurrent() : m_list.liftCurrent();
+            }
             return m_list.expandCurrent(message.wParam == VK_RIGHT);
         default:
             return false;

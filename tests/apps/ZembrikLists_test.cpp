@@ -2,6 +2,7 @@
 #include "apps/ZembrikScreens.h"
 
 #include <fstream>
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <set>
 
@@ -155,6 +156,49 @@ TEST_F(ZembrikLists, GroupsOpenAndCloseByPenAndByKeys)
     EXPECT_EQ(grouped("tap 100 " + std::to_string(top + 10)), closed);
     EXPECT_EQ(grouped("key F2\nkey E"), open) << "open all";
     EXPECT_EQ(grouped("key F2\nkey L"), closed);
+}
+
+TEST_F(ZembrikLists, InTheTreeTasksAreNestedByPenAndByKeys)
+{
+    importTasks(task("1", "Apples") + task("2", "Bread") + task("3", "Cheese"));
+    // Subjects with how many lie above each.
+    const auto tree = [this]
+    {
+        std::string told;
+        const std::function<void(const nlohmann::json &, int)> tell = [&](const nlohmann::json &tasks, int depth)
+        {
+            for (const auto &one : tasks)
+            {
+                told += one["subject"].get<std::string>().substr(0, 1) + std::to_string(depth);
+                tell(one.value("tasks", nlohmann::json::array()), depth + 1);
+            }
+        };
+        const nlohmann::json list = zb({"tasks", "--tree"});
+        for (const auto &group : list["groups"])
+        {
+            tell(group["tasks"], 0);
+        }
+        return told;
+    };
+    const std::string asTree = "key F2\nkey G\nkey T\nwait 300\n";
+    const auto row = [](int index) { return std::to_string(top + 10 + 32 * index); };
+    after("tasks", asTree + "key Down\nkey Ctrl+Right");
+    EXPECT_EQ(tree(), "A0B1C0");
+    after("tasks", "key Ctrl+Left");
+    EXPECT_EQ(tree(), "A0B0C0") << "the cursor went along";
+    const auto pull = [&](int from, int to)
+    {
+        return "pen down 100 " + row(from) + "\npen move 130 " + row(from) + "\npen move 130 " + row(to) +
+               "\npen up 130 " + row(to);
+    };
+    after("tasks", pull(2, 1));
+    EXPECT_EQ(tree(), "A0B0C1");
+    after("tasks", pull(1, 0));
+    EXPECT_EQ(tree(), "A0B1C2") << "with all that lies below it";
+    after("tasks", pull(0, 2));
+    EXPECT_EQ(tree(), "A0B1C2") << "nothing goes below itself";
+    after("tasks", pull(2, 5));
+    EXPECT_EQ(tree(), "A0B1C0") << "behind the last row is the top";
 }
 
 TEST_F(ZembrikLists, TheCursorIsRemembered)
