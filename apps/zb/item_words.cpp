@@ -13,18 +13,6 @@ namespace zb::cli
 {
 namespace
 {
-/// "9:30"; nothing for a text that is no time.
-std::optional<int> minuteOf(const std::string &text)
-{
-    int hour = 0;
-    int minute = 0;
-    int length = 0;
-    const bool whole = std::sscanf(text.c_str(), "%2d:%2d%n", &hour, &minute, &length) == 2 &&
-                       static_cast<std::size_t>(length) == text.size();
-    const bool exists = hour >= 0 && hour < 24 && minute >= 0 && minute < 60;
-    return whole && exists ? std::optional(hour * 60 + minute) : std::nullopt;
-}
-
 std::string takeText(BSTR text)
 {
     std::string taken = text == nullptr ? std::string() : visibleText(std::u16string_view(text, SysStringLen(text)));
@@ -71,6 +59,17 @@ ItemText::~ItemText()
     SysFreeString(m_text);
 }
 
+std::optional<int> minuteFromText(const std::string &text)
+{
+    int hour = 0;
+    int minute = 0;
+    int length = 0;
+    const bool whole = std::sscanf(text.c_str(), "%2d:%2d%n", &hour, &minute, &length) == 2 &&
+                       static_cast<std::size_t>(length) == text.size();
+    const bool exists = hour >= 0 && hour < 24 && minute >= 0 && minute < 60;
+    return whole && exists ? std::optional(hour * 60 + minute) : std::nullopt;
+}
+
 std::optional<Moment> momentFromText(const std::string &text, int today)
 {
     std::size_t split = text.find(' ');
@@ -80,7 +79,7 @@ std::optional<Moment> momentFromText(const std::string &text, int today)
     {
         return day ? std::optional(Moment{static_cast<DATE>(*day), false}) : std::nullopt;
     }
-    const std::optional<int> minute = minuteOf(text.substr(split + 1));
+    const std::optional<int> minute = minuteFromText(text.substr(split + 1));
     return minute ? std::optional(Moment{*day + *minute / 1440.0, true}) : std::nullopt;
 }
 
@@ -93,6 +92,29 @@ Moment momentOption(const std::string &text, const char *option)
                        " is neither a day (2026-11-21, today, +3) nor a day and a time (2026-11-21 9:30)");
     }
     return *moment;
+}
+
+Counted<IPOutlookItem> itemOf(COutlook &outlook, CEOID id)
+{
+    Counted<IDispatch> found;
+    if (outlook.GetItemFromOid(id, found.out()) != S_OK)
+    {
+        throw BadUsage("the device has no item " + std::to_string(id));
+    }
+    found->AddRef();
+    return Counted<IPOutlookItem>(static_cast<IPOutlookItem *>(found.get()));
+}
+
+Counted<IAppointment> occurrenceOf(IAppointment &series, DATE day)
+{
+    Counted<IRecurrencePattern> pattern;
+    Counted<IAppointment> occurrence;
+    series.GetRecurrencePattern(pattern.out());
+    if (!pattern || pattern->GetOccurrence(day, occurrence.out()) != S_OK)
+    {
+        throw BadUsage("the appointment does not take place on that day");
+    }
+    return occurrence;
 }
 
 std::string titleOf(IPOutlookItem &item)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/pim_objects.h"
+#include "records/COutlook.h"
 
 #include <optional>
 #include <string>
@@ -32,8 +33,23 @@ struct Moment
 };
 /// A day (see days.h), or one with a blank or "T" and a time behind it: "2026-03-04 10:30", "tomorrow 9:00".
 std::optional<Moment> momentFromText(const std::string &text, int today);
+/// Minutes after midnight of "9:30"; nothing for a text that is no time.
+std::optional<int> minuteFromText(const std::string &text);
 /// Throws BadUsage for a text that is none.
 Moment momentOption(const std::string &text, const char *option);
+
+/// Throws BadUsage when the device has no such item.
+Counted<IPOutlookItem> itemOf(COutlook &outlook, CEOID id);
+/// The appointment of a series on a day; throws BadUsage when there is none.
+Counted<IAppointment> occurrenceOf(IAppointment &series, DATE day);
+/// The item by another of its interfaces; empty when it is of another kind.
+template <typename Item>
+Counted<Item> as(IDispatch &item, const GUID &id)
+{
+    void *found = nullptr;
+    item.QueryInterface(id, &found);
+    return Counted<Item>(static_cast<Item *>(found));
+}
 
 /// The subject, or the name that it is filed under.
 std::string titleOf(IPOutlookItem &item);

@@ -1,7 +1,6 @@
 // zb delete and zb done: single items.
-#include "platform/text.h"
 #include "records/COutlook.h"
-#include "tasks/TaskSubject.h"
+#include "tasks/TaskRegeneration.h"
 #include "zb/bad_usage.h"
 #include "zb/exit_code.h"
 #include "zb/item_words.h"
@@ -10,32 +9,10 @@
 #include "zb/open_device.h"
 #include "zb/terminal.h"
 
-#include <cstdlib>
-
 namespace zb::cli
 {
 namespace
 {
-/// Throws BadUsage when there is no such item.
-Counted<IPOutlookItem> itemOf(COutlook &outlook, CEOID id)
-{
-    Counted<IDispatch> found;
-    if (outlook.GetItemFromOid(id, found.out()) != S_OK)
-    {
-        throw BadUsage("the device has no item " + std::to_string(id));
-    }
-    found->AddRef();
-    return Counted<IPOutlookItem>(static_cast<IPOutlookItem *>(found.get()));
-}
-
-template <typename Item>
-Counted<Item> as(IPOutlookItem &item, const GUID &id)
-{
-    void *found = nullptr;
-    item.QueryInterface(id, &found);
-    return Counted<Item>(static_cast<Item *>(found));
-}
-
 bool isSeries(IPOutlookItem &item)
 {
     VARIANT_BOOL recurring = VARIANT_FALSE;
@@ -43,40 +20,56 @@ bool isSeries(IPOutlookItem &item)
     {
         appointment->get_IsRecurring(&recurring);
     }
+    else if (const auto task = as<ITask>(item, IID_ITask))
+    {
+        task->get_IsRecurring(&recurring);
+    }
     return recurring != VARIANT_FALSE;
 }
 
-/// One day of a series; throws BadUsage for an item that is none, or has none then.
-Counted<IPOutlookItem> dayOfSeries(IPOutlookItem &item, const std::string &day)
+/// The one occurrence that a repeating task has: on its due date, else its start date.
+DATE dayOfTask(ITask &task)
+{
+    DATE day = PIM_NO_DATE;
+    task.get_DueDate(&day);
+    if (day == PIM_NO_DATE)
+    {
+        task.get_StartDate(&day);
+    }
+    return day;
+}
+
+/// One day of a series goes; throws BadUsage for an item that is none, or has none then.
+HRESULT deleteDay(IPOutlookItem &item, const std::string &day, bool dryRun)
 {
     if (!isSeries(item))
     {
-        throw BadUsage("--day goes with repeating appointments alone");
+        throw BadUsage("--day goes with repeating appointments and tasks alone");
     }
-    Counted<IRecurrencePattern> pattern;
-    Counted<IAppointment> occurrence;
-    as<IAppointment>(item, IID_IAppointment)->GetRecurrencePattern(pattern.out());
-    if (pattern->GetOccurrence(momentOption(day, "--day").date, occurrence.out()) != S_OK)
+    const DATE wanted = momentOption(day, "--day").date;
+    if (const auto task = as<ITask>(item, IID_ITask))
     {
-        throw BadUsage("the appointment does not take place on that day");
+        const DATE only = dayOfTask(*task.get());
+        if (only != wanted)
+        {
+            throw BadUsage("a repeating task has one day at a time, and this one is at " + isoText(only, false));
+        }
+        return dryRun ? S_OK : task->SkipRecurrence();
     }
-    occurrence->AddRef();
-    return Counted<IPOutlookItem>(occurrence.get());
+    const Counted<IAppointment> occurrence = occurrenceOf(*as<IAppointment>(item, IID_IAppointment).get(), wanted);
+    return dryRun ? S_OK : occurrence->Delete();
 }
 
-/// Throws BadUsage for a task that comes again some days after it was done: what is to happen then is no field of the
-/// object.
-void refuseRegenerating(const std::string &subject)
+/// Completes it, or moves it on; `copy` gets the id of the completed task that one leaves which comes again.
+HRESULT complete(ITask &task, CEOID &copy)
 {
-    WCHAR letter[5] = {};
-    WCHAR number[5] = {};
-    int days = 0;
-    std::free(CTask::ParseExtraFromSubjectInt(toUtf16(subject).c_str(), letter, number, days));
-    if (days > 0)
+    const HRESULT comesAgain = completeRegenerating(task, &copy);
+    if (comesAgain != S_FALSE)
     {
-        throw BadUsage("this task comes again " + std::to_string(days) +
-                       " days after it was done; zb can't complete such tasks");
+        return comesAgain;
     }
+    task.put_Complete(VARIANT_TRUE);
+    return task.Save();
 }
 } // namespace
 
@@ -88,25 +81,26 @@ int runDelete(const DeleteArguments &arguments)
         return exitDevice;
     }
     COutlook outlook;
-    Counted<IPOutlookItem> item = itemOf(outlook, arguments.id);
-    const bool series = isSeries(*item.get());
-    if (!arguments.day.empty())
-    {
-        item = dayOfSeries(*item.get(), arguments.day);
-    }
-    else if (series && !arguments.yes && !arguments.dryRun)
-    {
-        throw BadUsage("\"" + titleOf(*item.get()) + "\" repeats: --day names one day of it, --yes deletes all of it");
-    }
+    const Counted<IPOutlookItem> item = itemOf(outlook, arguments.id);
+    const bool oneDay = !arguments.day.empty();
     const std::string title = titleOf(*item.get());
     const std::string kind = kindWord(*item.get());
-    const int code = arguments.dryRun ? exitOk : exitCodeOf(item->Delete());
-    if (code != exitOk)
+    if (!oneDay && isSeries(*item.get()) && !arguments.yes && !arguments.dryRun)
+    {
+        throw BadUsage("\"" + title + "\" repeats: --day names one day of it, --yes deletes all of it");
+    }
+    const HRESULT result = oneDay             ? deleteDay(*item.get(), arguments.day, arguments.dryRun)
+                           : arguments.dryRun ? S_OK
+                                              : item->Delete();
+    if (oneDay && result == PIM_E_NO_OCCURRENCE)
+    {
+        throw BadUsage("this is the last day of the series; --yes deletes all of it");
+    }
+    if (const int code = exitCodeOf(result); code != exitOk)
     {
         return code;
     }
     Output output;
-    const bool oneDay = !arguments.day.empty();
     output.line(arguments.json ? text(Json{{"version", jsonVersion},
                                            {"id", arguments.id},
                                            {"kind", kind},
@@ -133,33 +127,35 @@ int runDone(const DoneArguments &arguments)
         throw BadUsage("item " + std::to_string(arguments.id) + " is no task");
     }
     const std::string title = titleOf(*item.get());
-    if (!arguments.undo)
+    CEOID copy = 0;
+    if (arguments.undo)
     {
-        refuseRegenerating(title);
+        task->put_Complete(VARIANT_FALSE);
     }
-    task->put_Complete(arguments.undo ? VARIANT_FALSE : VARIANT_TRUE);
-    if (const int code = exitCodeOf(task->Save()); code != exitOk)
+    const HRESULT done = arguments.undo ? task->Save() : complete(*task.get(), copy);
+    if (const int code = exitCodeOf(done); code != exitOk)
     {
         return code;
     }
-    VARIANT_BOOL complete = VARIANT_FALSE;
+    VARIANT_BOOL isComplete = VARIANT_FALSE;
     DATE due = PIM_NO_DATE;
-    task->get_Complete(&complete);
+    task->get_Complete(&isComplete);
     task->get_DueDate(&due);
     const std::string dueText = isoText(due, false);
-    const bool movedOn = !arguments.undo && complete == VARIANT_FALSE;
+    const bool movedOn = !arguments.undo && isComplete == VARIANT_FALSE;
     Output output;
     if (arguments.json)
     {
         Json result{{"version", jsonVersion}, {"id", arguments.id}, {"title", title}};
-        result["complete"] = complete != VARIANT_FALSE;
+        result["complete"] = isComplete != VARIANT_FALSE;
         result["due"] = dueText.empty() ? Json() : Json(dueText);
+        result["copy"] = copy == 0 ? Json() : Json(copy);
         output.line(text(result));
     }
     else
     {
         output.line(movedOn ? "\"" + title + "\" is due again " + dueText
-                            : "\"" + title + "\" is " + (complete != VARIANT_FALSE ? "completed" : "open"));
+                            : "\"" + title + "\" is " + (isComplete != VARIANT_FALSE ? "completed" : "open"));
     }
     return output.finish() ? exitOk : exitOutput;
 }

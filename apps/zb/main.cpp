@@ -3,7 +3,9 @@
 #include "contacts/ContactListSettings.h"
 #include "zb/bad_usage.h"
 #include "zb/commands.h"
+#include "zb/item_options.h"
 #include "zb/items.h"
+#include "zb/option_words.h"
 #include "zb/terminal.h"
 
 #include <CLI/CLI.hpp>
@@ -21,28 +23,6 @@ constexpr const char *exitCodes =
     "Exit codes: 0 done; 1 done, but something of the input could not be taken; 2 wrong usage; 3 the device can't be\n"
     "opened, read or written; 4 an input file is unreadable or no calendar; 5 the output can't be written.\n"
     "The device is --device, else ZB_DEVICE, else $XDG_DATA_HOME/zembrik, else ~/.local/share/zembrik.";
-
-using Words = std::map<std::string, DWORD>;
-
-/// Turns the words of a map, which has to outlive the command line, into its numbers.
-CLI::Validator words(const Words &map)
-{
-    const auto translate = [&map](std::string &word)
-    {
-        if (const auto found = map.find(word); found != map.end())
-        {
-            word = std::to_string(found->second);
-            return std::string();
-        }
-        std::string known;
-        for (const auto &[name, number] : map)
-        {
-            known += (known.empty() ? "" : ", ") + name;
-        }
-        return "\"" + word + "\" is none of " + known;
-    };
-    return CLI::Validator(translate, "");
-}
 
 /// All commands with their options; each leaves what to run in `run`.
 class CommandLine
@@ -66,6 +46,7 @@ class CommandLine
         addSettings();
         addCategories();
         addAdd();
+        addEdit();
         addDelete();
         addDone();
     }
@@ -164,16 +145,6 @@ class CommandLine
             ->required();
         addPicture(*command, m_shot.picture)->required();
         command->callback([this] { m_run = [this] { return runShot(m_shot); }; });
-    }
-
-    /// A flag and its opposite that leave the choice open when neither is given; of several the last counts.
-    static void addChoice(CLI::App &command, const std::string &names, std::optional<bool> &choice,
-                          const std::string &help)
-    {
-        command
-            .add_flag_function(
-                names, [&choice](std::int64_t count) { choice = count > 0; }, help)
-            ->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
     }
 
     static void addCategoryChoice(CLI::App &command, CategoryChoice &choice)
@@ -413,104 +384,11 @@ class CommandLine
             });
     }
 
-    /// What appointments and tasks share.
-    void addItemOptions(CLI::App &command)
-    {
-        static const Words repetitions = {{"daily", static_cast<ULONG>(olRecursDaily)},
-                                          {"weekly", static_cast<ULONG>(olRecursWeekly)},
-                                          {"monthly", static_cast<ULONG>(olRecursMonthly)},
-                                          {"yearly", static_cast<ULONG>(olRecursYearly)}};
-        command.add_flag("--private", m_add.isPrivate, "Nobody else's business");
-        CLI::Option *const repeat =
-            command.add_option("--repeat", m_add.repeat, "daily, weekly, monthly, yearly, from the first day on");
-        repeat->type_name("HOW")->transform(words(repetitions));
-        command.add_option("--every", m_add.every, "Days, weeks or months between")
-            ->type_name("N")
-            ->check(CLI::Range(1, 999))
-            ->needs(repeat);
-        CLI::Option *const times = command.add_option("--times", m_add.times, "How many times in all");
-        times->type_name("N")->check(CLI::Range(1, 9999))->needs(repeat);
-        command.add_option("--until", m_add.until, "The last day on which it may take place")
-            ->type_name("DAY")
-            ->needs(repeat)
-            ->excludes(times);
-    }
-
-    void addAddEvent(CLI::App &add)
-    {
-        static const Words statuses = {{"free", static_cast<ULONG>(olFree)},
-                                       {"tentative", static_cast<ULONG>(olTentative)},
-                                       {"busy", static_cast<ULONG>(olBusy)},
-                                       {"out", static_cast<ULONG>(olOutOfOffice)}};
-        CLI::App *const command = addAddWord(add, "event", "An appointment", olAppointmentItem);
-        command->add_option("subject", m_add.subject, "What it is about")->type_name("SUBJECT")->required();
-        command->add_option("--start", m_add.start, "A day and a time (2026-11-21 9:30); a day alone means whole days")
-            ->type_name("WHEN")
-            ->required();
-        CLI::Option *const end = command->add_option("--end", m_add.end, "Likewise; whole days: the last of them");
-        end->type_name("WHEN");
-        command->add_option("--minutes", m_add.minutes, "Its length, 60 without")
-            ->type_name("N")
-            ->check(CLI::NonNegativeNumber)
-            ->excludes(end);
-        command->add_option("--location", m_add.location, "Where it is")->type_name("TEXT");
-        command->add_option("--status", m_add.busy, "free, tentative, busy, out (of office)")
-            ->type_name("STATUS")
-            ->transform(words(statuses));
-        command->add_option("--reminder", m_add.reminder, "Minutes before the start")
-            ->type_name("N")
-            ->check(CLI::Range(0, static_cast<int>(PIM_LONGEST_REMINDER)));
-        addItemOptions(*command);
-    }
-
-    void addAddTask(CLI::App &add)
-    {
-        static const Words importances = {{"low", 0}, {"normal", 1}, {"high", 2}};
-        CLI::App *const command = addAddWord(add, "task", "A task", olTaskItem);
-        command->add_option("subject", m_add.subject, "What is to be done, with its priority in front (A1: Pay)")
-            ->type_name("SUBJECT")
-            ->required();
-        command->add_option("--start", m_add.start, "The day on which it may begin")->type_name("DAY");
-        command->add_option("--due", m_add.due, "The day by which it is to be done")->type_name("DAY");
-        command->add_option("--importance", m_add.importance, "low, normal, high")
-            ->type_name("IMPORTANCE")
-            ->transform(words(importances));
-        addItemOptions(*command);
-    }
-
-    void addAddContact(CLI::App &add)
-    {
-        CLI::App *const command = addAddWord(add, "contact", "A contact", olContactItem);
-        command->add_option("name", m_add.subject, "What it is filed under; made from the other names without")
-            ->type_name("NAME");
-        m_add.contact.resize(contactTexts().size());
-        for (std::size_t i = 0; i < contactTexts().size(); ++i)
-        {
-            command->add_option(contactTexts()[i].option, m_add.contact[i], contactTexts()[i].help)->type_name("TEXT");
-        }
-        command->add_option("--birthday", m_add.birthday, "A day")->type_name("DAY");
-        command->add_option("--anniversary", m_add.anniversary, "A day")->type_name("DAY");
-    }
-
-    CLI::App *addAddWord(CLI::App &add, const char *word, const char *help, int kind)
-    {
-        CLI::App *const command = add.add_subcommand(word, help);
-        command->add_option("--notes", m_add.notes, "Notes")->type_name("TEXT");
-        command->add_option("--category", m_add.categories, "A category, made where there is none; several times")
-            ->type_name("NAME")
-            ->take_all();
-        command->add_flag("--json", m_add.json, "Print JSON");
-        command->callback([this, kind] { m_add.kind = kind; });
-        return command;
-    }
-
     void addAdd()
     {
         CLI::App *const command = m_app.add_subcommand("add", "Add an appointment, a task or a contact; print its id");
         command->require_subcommand(1);
-        addAddEvent(*command);
-        addAddTask(*command);
-        addAddContact(*command);
+        addNewItemWords(*command, m_add);
         command->callback(
             [this]
             {
@@ -519,11 +397,25 @@ class CommandLine
             });
     }
 
+    void addEdit()
+    {
+        CLI::App *const command =
+            m_app.add_subcommand("edit", "Change an appointment, a task or a contact; an empty text takes one away");
+        command->require_subcommand(1);
+        addChangedItemWords(*command, m_edit);
+        command->callback(
+            [this]
+            {
+                m_edit.device = m_device;
+                m_run = [this] { return runEdit(m_edit); };
+            });
+    }
+
     void addDelete()
     {
         CLI::App *const command = m_app.add_subcommand("delete", "Delete an item, or one day of a series");
         command->add_option("id", m_delete.id, "Id of the item")->type_name("ID")->required();
-        command->add_option("--day", m_delete.day, "This day of a repeating appointment alone")->type_name("DAY");
+        command->add_option("--day,--occurrence", m_delete.day, "This day of what repeats alone")->type_name("DAY");
         command->add_flag("--yes", m_delete.yes, "Also a whole series");
         command->add_flag("--dry-run", m_delete.dryRun, "Tell what would go, and keep it");
         command->add_flag("--json", m_delete.json, "Print JSON");
@@ -563,7 +455,8 @@ class CommandLine
     ShowArguments m_show;
     SettingsArguments m_settings;
     CategoriesArguments m_categories;
-    AddArguments m_add;
+    ItemArguments m_add;
+    ItemArguments m_edit;
     DeleteArguments m_delete;
     DoneArguments m_done;
     std::function<int()> m_run;

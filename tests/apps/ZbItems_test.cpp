@@ -102,9 +102,46 @@ TEST_F(ZbItemsTest, aDoneTaskIsCompletedAndARepeatingOneMovesOn)
     EXPECT_EQ(zb({"done", again}, now()).out, "\"Water\" is completed\n");
     const std::string undated = std::to_string(add({"task", "Some day"}));
     EXPECT_TRUE(json({"done", undated, "--json"}, now())["due"].is_null());
-    const std::string mow = std::to_string(add({"task", "A1|7: Mow", "--due", "2026-03-03"}));
-    EXPECT_NE(refusal({"done", mow}, 2).find("7 days"), std::string::npos);
     refusal({"done", "999999"}, 2);
+}
+
+TEST_F(ZbItemsTest, aTaskThatComesAgainLeavesACompletedCopy)
+{
+    const std::string mow = std::to_string(
+        add({"task", "A1|7: Mow", "--start", "2026-02-25", "--due", "2026-02-27", "--category", "Garden"}));
+    const Json done = json({"done", mow, "--json"}, now());
+    EXPECT_EQ(done["complete"], false);
+    EXPECT_EQ(done["due"], "2026-03-09");
+    ASSERT_TRUE(done["copy"].is_number());
+    const Json tasks = json({"tasks", "--group", "none", "--sort", "due", "--completed", "--json"}, now());
+    const Json &rows = tasks["groups"][0]["tasks"];
+    ASSERT_EQ(rows.size(), 2U) << tasks;
+    EXPECT_EQ(rows[0]["id"], done["copy"]);
+    EXPECT_EQ(rows[0]["subject"], "Mow");
+    EXPECT_EQ(rows[0]["priority"], "");
+    EXPECT_EQ(rows[0]["completed"], "2026-03-02");
+    EXPECT_EQ(rows[0]["categories"], Json({"Garden"}));
+    EXPECT_EQ(rows[1]["priority"], "A1");
+    EXPECT_EQ(rows[1]["repeatDays"], 7);
+    EXPECT_EQ(rows[1]["start"], "2026-03-07");
+    EXPECT_EQ(rows[1]["complete"], false);
+    EXPECT_TRUE(json({"done", done["copy"].dump(), "--json"}, now())["copy"].is_null());
+    EXPECT_EQ(zb({"done", mow}, now()).out, "\"A1|7: Mow\" is due again 2026-03-09\n");
+}
+
+TEST_F(ZbItemsTest, aRepeatingTaskLosesTheDayThatItHas)
+{
+    const std::string id =
+        std::to_string(add({"task", "Water", "--due", "2026-03-03", "--repeat", "weekly", "--times", "2"}));
+    EXPECT_NE(refusal({"delete", id}, 2).find("--yes"), std::string::npos);
+    EXPECT_NE(refusal({"delete", id, "--day", "2026-03-10"}, 2).find("2026-03-03"), std::string::npos);
+    EXPECT_EQ(json({"delete", id, "--day", "tomorrow", "--dry-run", "--json"}, now())["deleted"], false);
+    EXPECT_EQ(json({"delete", id, "--occurrence", "tomorrow", "--json"}, now())["oneDay"], true);
+    EXPECT_NE(refusal({"delete", id, "--day", "2026-03-10"}, 2).find("last day"), std::string::npos);
+    const Json tasks = json({"tasks", "--group", "none", "--json"}, now());
+    EXPECT_EQ(tasks["groups"][0]["tasks"][0]["due"], "2026-03-10");
+    EXPECT_EQ(zb({"delete", id, "--yes"}, now()).out, "deleted task \"Water\"\n");
+    EXPECT_EQ(json({"tasks", "--json"}, now())["counts"]["total"], 0);
 }
 
 TEST_F(ZbItemsTest, anAddedContactIsListed)
