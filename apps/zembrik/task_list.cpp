@@ -5,6 +5,7 @@
 #include "records/CCategoryColor.h"
 #include "records/COutlook.h"
 #include "tasks/TaskHierarchy.h"
+#include "tasks/TaskRegeneration.h"
 #include "zembrik/item_objects.h"
 #include "zembrik/list_texts.h"
 #include "zembrik/task_rows.h"
@@ -18,11 +19,14 @@ constexpr UINT_PTR reloadTimer = 0x544C;
 /// One import or one save changes several records: they are waited for, but not felt.
 constexpr UINT reloadDelay = 150;
 
-/// Completes a task, or opens it again. The databases tell the list of it.
+/// Completes a task, which may leave a completed copy and come again, or opens it again. The databases tell the list of
+/// it.
 void setComplete(CEOID id, bool complete)
 {
     COutlook outlook;
-    if (const Counted<ITask> task = itemOf<ITask>(outlook, id, IID_ITask))
+    const Counted<ITask> task = itemOf<ITask>(outlook, id, IID_ITask);
+    CEOID copy = 0;
+    if (task && (!complete || completeRegenerating(*task.get(), &copy) == S_FALSE))
     {
         task->put_Complete(complete ? VARIANT_TRUE : VARIANT_FALSE);
         task->Save();

@@ -117,6 +117,15 @@ TEST_F(ZembrikLists, TheBoxCompletesATaskByPenAndByKeys)
     EXPECT_EQ(count(hint, plainStrip, 0, top, 40, bottom), 0) << "nothing is left to show";
 }
 
+TEST_F(ZembrikLists, ATaskThatComesAgainLeavesACompletedCopy)
+{
+    importTasks(task("1", "A1|7: Mow", "DUE;VALUE=DATE:20261119\r\n"));
+    after("tasks", "key Space");
+    EXPECT_EQ(openTasks(), std::set<std::string>{"Mow"}) << "due again";
+    const nlohmann::json all = zb({"tasks", "--completed"});
+    EXPECT_EQ(all["groups"][0]["tasks"].size(), 2U);
+}
+
 TEST_F(ZembrikLists, CompletedTasksShowOnRequestAndCanBeOpenedAgain)
 {
     importTasks(task("1", "Apples", "STATUS:COMPLETED\r\nCOMPLETED:20261119T080000Z\r\n"));
