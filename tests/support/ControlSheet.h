@@ -31,17 +31,12 @@ class ControlSheet : public ::testing::TestWithParam<int>
             GTEST_SKIP() << "no DejaVu Sans here";
         }
         DeviceOptions options;
-        prepare(options);
         options.screen = {dots(sheetWidth), dots(sheetHeight), GetParam()};
         options.fonts.files = {faces / "DejaVuSans.ttf", faces / "DejaVuSans-Bold.ttf"};
         device = std::make_unique<TestDevice>(options);
         sheet = std::make_unique<ScreenWindow>(RGB(0xE8, 0xF0, 0xE8), WS_POPUP | WS_VISIBLE, 0, 0, dots(sheetWidth),
                                                dots(sheetHeight));
         settle();
-    }
-    /// For a clock or a locale of its own.
-    virtual void prepare(DeviceOptions & /*options*/)
-    {
     }
     int dots(int pixels) const
     {

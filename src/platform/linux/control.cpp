@@ -143,6 +143,7 @@ void registerSystemClasses()
                        registerEdit();
                        registerListBox();
                        registerListView();
+                       registerDatePicker();
                        registerComboBox();
                        registerScrollBar();
                        registerTabControl();

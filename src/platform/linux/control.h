@@ -177,6 +177,7 @@ void registerButton();
 void registerEdit();
 void registerListBox();
 void registerListView();
+void registerDatePicker();
 void registerComboBox();
 void registerScrollBar();
 void registerTabControl();
