@@ -1,0 +1,198 @@
+#include "zembrik/calendar_list.h"
+
+#include "common/days.h"
+#include "platform/clock.h"
+#include "platform/locale.h"
+#include "platform/pim.h"
+
+#include <algorithm>
+
+namespace zb::screens
+{
+namespace
+{
+using namespace zb::host;
+
+constexpr UINT_PTR changeTimer = 1;
+constexpr UINT_PTR midnightTimer = 2;
+/// Changes come in flocks: one load for all of one.
+constexpr UINT changeDelay = 40; // milliseconds
+
+/// Milliseconds up to the next day.
+UINT untilMidnight()
+{
+    SYSTEMTIME now{};
+    GetLocalTime(&now);
+    const UINT passed = ((now.wHour * 60U + now.wMinute) * 60U + now.wSecond) * 1000U + now.wMilliseconds;
+    return 24U * 60U * 60U * 1000U - passed;
+}
+
+bool isChange(UINT message)
+{
+    return message == DB_CEOID_CREATED || message == DB_CEOID_RECORD_DELETED || message == DB_CEOID_CHANGED ||
+           message == DB_CEOID_DATABASE_DELETED;
+}
+} // namespace
+
+CalendarList::CalendarList(DWORD CalendarSettings::*showTasks, Listener listener)
+    : m_showTasks(showTasks), m_listener(std::move(listener))
+{
+}
+
+CalendarList::~CalendarList()
+{
+    m_loader.m_hWndHost = nullptr;
+    m_loader.Stop(FALSE);
+    m_watched.clear();
+    if (m_hWnd != nullptr)
+    {
+        DestroyWindow(m_hWnd);
+    }
+}
+
+bool CalendarList::open()
+{
+    if (!Create(nullptr, nullptr, 0, 0, 0, 0, 0, 0, nullptr))
+    {
+        return false;
+    }
+    m_loader.m_hWndHost = m_hWnd;
+    // Headers of days are the views' own.
+    m_loader.SetNoHeaderDates(true);
+    m_today = today();
+    awaitMidnight();
+    return true;
+}
+
+void CalendarList::awaitMidnight()
+{
+    SetTimer(m_hWnd, midnightTimer, untilMidnight(), nullptr);
+}
+
+/// The settings of all calendar lists; of the tasks only those of this view count.
+CalendarSettings CalendarList::settings() const
+{
+    CalendarSettings settings = CalendarSettings::read(CCalendarThread::DEFAULT_SETTINGS_KEY);
+    settings.CAV_FilterAppointments = CalendarFilter::Range;
+    const DWORD shows = settings.*m_showTasks;
+    settings.AV_ShowTasks = settings.WV_ShowTasks = settings.DV_ShowTasks = 0;
+    settings.MV_ShowTasks = settings.MVD_ShowTasks = 0;
+    settings.*m_showTasks = shows;
+    return settings;
+}
+
+/// A database that is not there yet is tried again with the next load.
+void CalendarList::watch()
+{
+    for (const WCHAR *name : {appointmentsDatabase, tasksDatabase, contactsDatabase})
+    {
+        if (CeDb &database = m_watched[name]; !database.IsOpen())
+        {
+            database.Open(name, 0, 0, m_hWnd);
+        }
+    }
+}
+
+void CalendarList::load(int first, int last)
+{
+    m_first = std::max(first, firstListedDay);
+    m_last = std::min(last, lastListedDay);
+    if (m_running)
+    {
+        m_waiting = true;
+        return;
+    }
+    start();
+}
+
+void CalendarList::reload()
+{
+    load(m_first, m_last);
+}
+
+void CalendarList::start()
+{
+    KillTimer(m_hWnd, changeTimer);
+    watch();
+    m_waiting = false;
+    m_runFirst = m_first;
+    m_runLast = m_last;
+    const SYSTEMTIME first = dateOf(m_first);
+    const SYSTEMTIME last = dateOf(m_last);
+    m_loader.m_ownSettings = settings();
+    m_loader.SetRestrict(&first, &last);
+    m_running = m_loader.Start() != FALSE;
+}
+
+void CalendarList::take()
+{
+    std::vector<AgendaRow> rows;
+    const std::string zone = deviceZoneName();
+    CePtrList<DATACALENDAR *> &list = m_loader.GetList();
+    rows.reserve(static_cast<std::size_t>(list.GetCount()));
+    for (int n = list.GetBase(); n <= list.GetLastIndex(); ++n)
+    {
+        // Birthdays come for the whole years of the range, and long events from their first day on.
+        if (const DATACALENDAR &row = *list.GetAt(n); row.m_nDay >= m_runFirst && row.m_nDay <= m_runLast)
+        {
+            addAgendaRow(rows, row, zone);
+        }
+    }
+    m_rows = std::move(rows);
+    m_shownFirst = m_runFirst;
+    m_shownLast = m_runLast;
+}
+
+std::span<const AgendaRow> CalendarList::rowsOf(int day) const
+{
+    const auto found = std::ranges::equal_range(m_rows, day, {}, &AgendaRow::day);
+    return {found.begin(), found.end()};
+}
+
+LRESULT CalendarList::OnMessage(UINT uMsg, WPARAM, LPARAM, bool &handled)
+{
+    if (uMsg == loaderListComplete && !m_waiting)
+    {
+        handled = true;
+        m_loader.SortDataList(true);
+        take();
+        m_listener.loaded();
+    }
+    else if (uMsg == loaderDone)
+    {
+        handled = true;
+        m_running = false;
+        if (m_waiting)
+        {
+            start();
+        }
+    }
+    else if (isChange(uMsg))
+    {
+        handled = true;
+        m_waiting = true;
+        SetTimer(m_hWnd, changeTimer, changeDelay, nullptr);
+    }
+    return 0;
+}
+
+void CalendarList::OnTimer(UINT_PTR id, bool &handled)
+{
+    handled = true;
+    if (id == changeTimer)
+    {
+        KillTimer(m_hWnd, changeTimer);
+        reload();
+    }
+    else if (id == midnightTimer)
+    {
+        awaitMidnight();
+        if (const int now = today(); now != m_today)
+        {
+            m_today = now;
+            m_listener.dayChanged();
+            reload();
+        }
+    }
+}
+} // namespace zb::screens

@@ -1,0 +1,51 @@
+// A grid that the pen scrolls by what it shows: rows follow the pen, go on when it leaves in a hurry, and a stroke to a
+// side leafs. A tap stays a tap.
+//
+// Threads: the window's own.
+#pragma once
+
+#include "display/CHTMLGrid.h"
+
+#include <functional>
+
+namespace zb::screens
+{
+class FlickGrid : public CHTMLGrid
+{
+  public:
+    /// -1 back, 1 on.
+    using Leaf = std::function<void(int)>;
+    void setLeaf(Leaf leaf)
+    {
+        m_leaf = std::move(leaf);
+    }
+    /// The row of the grid that lies at the top, and what the pen has left over of it.
+    void OnLButtonDown(WPARAM uKeys, POINT point, bool &handled) override;
+    void OnMouseMove(WPARAM uKeys, POINT point, bool &handled) override;
+    void OnLButtonUp(WPARAM uKeys, POINT point, bool &handled) override;
+    void OnTimer(UINT_PTR nId, bool &handled) override;
+    LRESULT OnMessage(UINT uMsg, WPARAM wParam, LPARAM lParam, bool &handled) override;
+
+  private:
+    enum class Stroke
+    {
+        None,
+        Undecided, ///< the pen is down and has hardly moved
+        Rows,
+        Side,
+        Others ///< the grid's own affair: a floater is being moved
+    };
+    void begin(POINT point);
+    bool scrollBy(LONG pixels);
+    void glide();
+    void stop();
+
+    Leaf m_leaf;
+    Stroke m_stroke = Stroke::None;
+    POINT m_from{};
+    LONG m_rest = 0;  ///< pixels that no whole row has taken yet
+    LONG m_lastY = 0;
+    DWORD m_lastTick = 0;
+    LONG m_speed = 0; ///< pixels in a tenth of a second
+};
+} // namespace zb::screens
