@@ -22,7 +22,7 @@ prepare_packages() {
 
 build_packages=(g++ cmake ninja-build ccache mold pkg-config libsqlite3-dev libicu-dev libical-dev libcli11-dev
     nlohmann-json3-dev tzdata libpixman-1-dev libfreetype-dev libharfbuzz-dev libfontconfig-dev libsdl2-dev
-    libsdl2-image-dev librsvg2-bin fonts-dejavu-core fonts-wine)
+    libsdl2-image-dev libdbus-1-dev librsvg2-bin fonts-dejavu-core fonts-wine)
 test_packages=(libgtest-dev)
 
 # Compiler output shared between build folders; the precompiled headers need these allowances.

@@ -6,6 +6,9 @@
 
 namespace zb::internal
 {
+/// The notification that reminds of a task, by its number; 0 or missing when there is none.
+inline constexpr CEPROPID taskNotification = MakePropId(0x0002, CEVT_I4);
+
 inline FILETIME midnightOf(const FILETIME &time)
 {
     const LONGLONG ticks = ticksOf(time);

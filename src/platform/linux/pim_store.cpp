@@ -3,6 +3,8 @@
 #include "platform/clock.h"
 #include "platform/device.h"
 #include "platform/kernel.h"
+#include "platform/linux/pim_item_fields.h"
+#include "platform/notify.h"
 #include "platform/text.h"
 
 namespace zb::internal
@@ -178,7 +180,32 @@ HRESULT PimStore::write(PimKind kind, const RecordProperties &properties, CEOID 
 HRESULT PimStore::remove(PimKind kind, CEOID oid)
 {
     const HANDLE database = handle(kind);
-    return database != nullptr && CeDeleteRecord(database, oid) != FALSE ? S_OK : lastResult();
+    if (database == nullptr)
+    {
+        return lastResult();
+    }
+    if (kind != PimKind::Task)
+    {
+        return CeDeleteRecord(database, oid) != FALSE ? S_OK : lastResult();
+    }
+    // The alarm of a task goes with it.
+    BulkWrite bulk;
+    StoredItem item;
+    const HRESULT found = read(kind, oid, item);
+    const HRESULT result = CeDeleteRecord(database, oid) != FALSE ? S_OK : lastResult();
+    if (SUCCEEDED(result) && SUCCEEDED(found))
+    {
+        clearNotificationOf(item);
+    }
+    return bulk.commit() || FAILED(result) ? result : lastResult();
+}
+
+void clearNotificationOf(const StoredItem &task)
+{
+    if (const LONG number = task.number(taskNotification, 0); number != 0)
+    {
+        CeClearUserNotification(notificationHandle(static_cast<DWORD>(number)));
+    }
 }
 
 HRESULT PimStore::all(PimKind kind, std::vector<CEOID> &oids)

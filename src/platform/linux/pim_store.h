@@ -56,6 +56,9 @@ class StoredItem
     WORD m_count = 0;
 };
 
+/// Clears the alarm that a task's record names, if any; one that is gone already is no error.
+void clearNotificationOf(const StoredItem &task);
+
 /// The error of the last call, as a result; E_FAIL when none was told.
 HRESULT lastResult();
 

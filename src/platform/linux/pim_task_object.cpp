@@ -411,6 +411,13 @@ HRESULT TaskObject::encode(const TaskValues &values, const TaskValues &before, c
     {
         setBlob(properties, itemCategories, saved.categories);
     }
+    // Only by this change: whoever else keeps an alarm there knows why.
+    const bool silenced = (saved.complete && !before.complete) || (before.reminder && !saved.reminder);
+    if (silenced && record.number(taskNotification, 0) != 0)
+    {
+        clearNotificationOf(record);
+        properties.set(taskNotification, LONG{0});
+    }
     if (saved.team != before.team)
     {
         properties.set(taskOfTeam, static_cast<SHORT>(saved.team ? 1 : 0));
