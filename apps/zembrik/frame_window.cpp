@@ -32,7 +32,9 @@ UINT moveEntries(HMENU from, HMENU to)
 }
 } // namespace
 
-FrameWindow::FrameWindow() = default;
+FrameWindow::FrameWindow(std::function<void(const std::u16string &)> titled) : m_titled(std::move(titled))
+{
+}
 
 FrameWindow::~FrameWindow()
 {
@@ -92,8 +94,10 @@ bool FrameWindow::show(const ViewKind &kind)
 
 void FrameWindow::titleChanged()
 {
-    const std::u16string title = m_view->title();
-    SetWindowTextW(m_hWnd, title.empty() ? text(m_kind->title).c_str() : title.c_str());
+    std::u16string title = m_view->title();
+    title = title.empty() ? text(m_kind->title) : title;
+    SetWindowTextW(m_hWnd, title.c_str());
+    m_titled(title);
 }
 
 bool FrameWindow::isBusy() const

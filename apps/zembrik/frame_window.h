@@ -8,12 +8,15 @@
 #include "framework/CeWnd.h"
 #include "zembrik/view.h"
 
+#include <functional>
+
 namespace zb::screens
 {
 class FrameWindow final : public CeWnd
 {
   public:
-    FrameWindow();
+    /// `titled` hears each new title.
+    explicit FrameWindow(std::function<void(const std::u16string &)> titled);
     ~FrameWindow() override;
 
     /// Fills the screen. False when there is no window to be had. WM_QUIT is posted when the user closes it.
@@ -49,6 +52,7 @@ class FrameWindow final : public CeWnd
     void help();
     RECT area() const;
 
+    std::function<void(const std::u16string &)> m_titled;
     HMENU m_menu = nullptr;
     int m_ownEntries = 0; ///< of the right menu, from its end
     const ViewKind *m_kind = nullptr;

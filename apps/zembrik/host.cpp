@@ -5,6 +5,7 @@
 #include "common/open_device.h"
 #include "framework/CeBaseDialog.h"
 #include "framework/HIDPI.h"
+#include "platform/screen.h"
 #include "platform/text.h"
 #include "zembrik/frame_window.h"
 #include "zembrik/script_player.h"
@@ -19,6 +20,8 @@ namespace zb::screens
 namespace
 {
 using namespace zb::host;
+
+constexpr const WCHAR *programName = u"Zembrik";
 
 std::string knownViews()
 {
@@ -74,14 +77,36 @@ void pump(FrameWindow &frame)
     }
 }
 
-int runOpened(const HostArguments &arguments, Script script)
+/// All that waits, paints included: what the window shows first is whole.
+void settle()
+{
+    MSG message{};
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE)
+    {
+        DispatchMessageW(&message);
+    }
+}
+
+int runOpened(const HostArguments &arguments, Script script, ScreenWindow *window)
 {
     HIDPI_InitScaling();
-    FrameWindow frame;
+    const auto setTitle = [window](const std::u16string &title)
+    {
+        if (window != nullptr)
+        {
+            window->setTitle(title + u" - " + programName);
+        }
+    };
+    FrameWindow frame(setTitle);
     if (!frame.open() || !frame.show(chosenKind(arguments.view)))
     {
         complain("no window could be made");
         return exitDevice;
+    }
+    if (window != nullptr)
+    {
+        settle();
+        window->show();
     }
     std::optional<ScriptPlayer> player;
     if (arguments.headless || !script.empty())
@@ -122,7 +147,23 @@ int runHost(const HostArguments &arguments)
     screen.height = arguments.height;
     screen.dotsPerInch = arguments.dotsPerInch;
     screen.dialogs = true;
-    const std::unique_ptr<Device> device = openDevice(arguments.device, Missing::Make, screen, {arguments.fonts});
-    return device == nullptr ? exitDevice : runOpened(arguments, std::move(script));
+    try
+    {
+        // The window is made while the device opens, and ends before it.
+        std::unique_ptr<ScreenWindow> window;
+        if (!arguments.headless)
+        {
+            window = openScreenWindow({programName, arguments.width, arguments.height, arguments.dotsPerInch});
+        }
+        const std::unique_ptr<Device> device = openDevice(arguments.device, Missing::Make, screen, {arguments.fonts});
+        const int code = device == nullptr ? exitDevice : runOpened(arguments, std::move(script), window.get());
+        window.reset();
+        return code;
+    }
+    catch (const ScreenWindowError &error)
+    {
+        complain(error.what());
+        return exitDevice;
+    }
 }
 } // namespace zb::screens

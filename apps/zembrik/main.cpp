@@ -2,42 +2,22 @@
 #include "common/complain.h"
 #include "common/exit_code.h"
 #include "zembrik/host.h"
+#include "zembrik/screen_size_text.h"
 
 #include <CLI/CLI.hpp>
 
-#include <charconv>
 #include <exception>
+#include <tuple>
 
 namespace
 {
 using namespace zb::host;
 using zb::screens::HostArguments;
 
-constexpr int smallestSide = 160;
-constexpr int largestSide = 8192;
-
 constexpr const char *footer =
     "Exit codes: 0 done; 2 wrong usage; 3 the device can't be opened or shown; 4 the script is unreadable or wrong;\n"
     "5 a picture can't be written. docs/zembrik.md tells the lines of scripts.\n"
     "The device is --device, else ZB_DEVICE, else $XDG_DATA_HOME/zembrik, else ~/.local/share/zembrik.";
-
-/// "480x640"; false for anything else.
-bool readSize(const std::string &text, HostArguments &arguments)
-{
-    const std::size_t sign = text.find('x');
-    if (sign == std::string::npos)
-    {
-        return false;
-    }
-    const auto number = [](std::string_view part, int &value)
-    {
-        const auto [end, fault] = std::from_chars(part.data(), part.data() + part.size(), value);
-        return fault == std::errc() && end == part.data() + part.size() && value >= smallestSide &&
-               value <= largestSide;
-    };
-    const std::string_view all = text;
-    return number(all.substr(0, sign), arguments.width) && number(all.substr(sign + 1), arguments.height);
-}
 
 void addOptions(CLI::App &app, HostArguments &arguments)
 {
@@ -47,12 +27,14 @@ void addOptions(CLI::App &app, HostArguments &arguments)
            "--size",
            [&arguments](const std::string &text)
            {
-               if (!readSize(text, arguments))
+               const auto size = zb::screens::screenSizeOf(text);
+               if (!size)
                {
                    throw CLI::ValidationError("--size", "needs a size such as 480x640, sides from " +
-                                                            std::to_string(smallestSide) + " to " +
-                                                            std::to_string(largestSide));
+                                                            std::to_string(zb::screens::smallestSide) + " to " +
+                                                            std::to_string(zb::screens::largestSide));
                }
+               std::tie(arguments.width, arguments.height) = *size;
            },
            "Pixels of the screen, 480x640 when nothing is said")
         ->type_name("WxH");

@@ -1,6 +1,7 @@
 #include "zembrik/script.h"
 
 #include "platform/text.h"
+#include "zembrik/screen_size_text.h"
 #include "zembrik/script_keys.h"
 
 #include <charconv>
@@ -114,9 +115,10 @@ class Reader
     static const std::map<std::string, Verb> &verbs()
     {
         static const std::map<std::string, Verb> all = {
-            {"pen", &Reader::pen},   {"tap", &Reader::tap},   {"hold", &Reader::hold},
-            {"key", &Reader::key},   {"type", &Reader::type}, {"wheel", &Reader::wheel},
-            {"wait", &Reader::wait}, {"shot", &Reader::shot}, {"quit", &Reader::quit}};
+            {"pen", &Reader::pen},   {"tap", &Reader::tap},     {"hold", &Reader::hold},
+            {"key", &Reader::key},   {"type", &Reader::type},   {"wheel", &Reader::wheel},
+            {"wait", &Reader::wait}, {"shot", &Reader::shot},   {"size", &Reader::size},
+            {"quit", &Reader::quit}, {"rotate", &Reader::rotate}};
         return all;
     }
     static std::string allVerbs()
@@ -200,6 +202,21 @@ class Reader
     void shot(Line &line)
     {
         put(ShotStep{line.rest("the file")});
+    }
+    void size(Line &line)
+    {
+        const std::string text = line.rest("the size");
+        const auto size = screenSizeOf(text);
+        if (!size)
+        {
+            throw LineError("a size is such as 480x640, sides from " + std::to_string(smallestSide) + " to " +
+                            std::to_string(largestSide) + ", not \"" + text + "\"");
+        }
+        put(SizeStep{size->first, size->second});
+    }
+    void rotate(Line &)
+    {
+        put(SizeStep{0, 0});
     }
     void quit(Line &)
     {

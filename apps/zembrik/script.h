@@ -48,13 +48,19 @@ struct ShotStep
 {
     std::filesystem::path file;
 };
+/// The screen gets another size; 0 for both turns it.
+struct SizeStep
+{
+    int width;
+    int height;
+};
 struct QuitStep
 {
 };
 struct ScriptStep
 {
     int line; ///< of the script, from 1
-    std::variant<PenStep, KeyStep, TypeStep, WheelStep, WaitStep, ShotStep, QuitStep> action;
+    std::variant<PenStep, KeyStep, TypeStep, WheelStep, WaitStep, ShotStep, SizeStep, QuitStep> action;
 };
 using Script = std::vector<ScriptStep>;
 

@@ -154,6 +154,20 @@ void ScriptPlayer::act(const ShotStep &shot)
     }
 }
 
+void ScriptPlayer::act(const SizeStep &size)
+{
+    const int width = GetSystemMetrics(SM_CXSCREEN);
+    const int height = GetSystemMetrics(SM_CYSCREEN);
+    if (size.width == 0)
+    {
+        setScreenSize(height, width);
+    }
+    else
+    {
+        setScreenSize(size.width, size.height);
+    }
+}
+
 void ScriptPlayer::act(const QuitStep &)
 {
     m_next = m_script.size();

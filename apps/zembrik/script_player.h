@@ -52,6 +52,7 @@ class ScriptPlayer
     void act(const WheelStep &wheel);
     void act(const WaitStep &wait);
     void act(const ShotStep &shot);
+    void act(const SizeStep &size);
     void act(const QuitStep &quit);
 
     Script m_script;

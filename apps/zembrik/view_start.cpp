@@ -79,7 +79,7 @@ std::u16string countMarkup()
     return markup;
 }
 
-/// Both ways to the nearest: what is remembered must lead back to itself, or the bar would creep from run to run.
+/// To the nearest.
 DWORD rounded(DWORD dividend, DWORD divisor)
 {
     return (dividend + divisor / 2) / divisor;
@@ -115,7 +115,7 @@ class StartPanes final : public CeSplitFrame
         const int least = HIDPI_SCALEX(leastPane);
         SetBarMins(least, least);
         SetPanes(date, counts);
-        SetSplitter(static_cast<int>(rounded(length() * split, wholeLength)));
+        setSplit(split);
         refresh();
         return true;
     }
@@ -132,10 +132,18 @@ class StartPanes final : public CeSplitFrame
     {
         return m_sideBySide;
     }
-    /// Where the bar lies, in parts of the length.
+    void setSplit(DWORD split)
+    {
+        m_split = split;
+        SetSplitter(placeOf(split));
+    }
+    /// Where the bar lies, in parts of the length. What was set last unless somebody has moved the bar since: on a small
+    /// screen the place alone would tell it less well from time to time, and the bar would creep.
     DWORD split() const
     {
-        return length() == 0 ? 0 : rounded(static_cast<DWORD>(GetSplitter()) * wholeLength, length());
+        const int place = GetSplitter();
+        return length() == 0 || place == placeOf(m_split) ? m_split
+                                                          : rounded(static_cast<DWORD>(place) * wholeLength, length());
     }
     /// By a step to the end or, below 0, to the beginning.
     void moveBar(int step)
@@ -166,7 +174,13 @@ class StartPanes final : public CeSplitFrame
         return static_cast<DWORD>(m_sideBySide ? client.right : client.bottom);
     }
 
+    int placeOf(DWORD split) const
+    {
+        return static_cast<int>(rounded(length() * split, wholeLength));
+    }
+
     bool m_sideBySide;
+    DWORD m_split = 0;
 };
 
 class StartView final : public View
@@ -186,9 +200,11 @@ class StartView final : public View
     /// Side by side on a wide screen, else one above the other.
     void place(const RECT &area) override
     {
-        if (isWide(area) == m_panes->isSideBySide() || !build(area, m_panes->split()))
+        const DWORD split = m_panes->split();
+        if (isWide(area) == m_panes->isSideBySide() || !build(area, split))
         {
             View::place(area);
+            m_panes->setSplit(split);
         }
     }
 
@@ -247,11 +263,13 @@ class StartView final : public View
         {
             return false;
         }
-        const bool hadFocus = m_panes != nullptr && IsChild(m_panes->GetHwnd(), GetFocus()) != FALSE;
+        const HWND focus = GetFocus();
+        const bool hadFocus = m_panes != nullptr && IsChild(m_panes->GetHwnd(), focus) != FALSE;
+        const bool onDate = hadFocus && focus == m_panes->date;
         m_panes = std::move(fresh);
         if (hadFocus)
         {
-            takeFocus();
+            SetFocus(onDate ? m_panes->date : m_panes->counts);
         }
         return true;
     }

@@ -29,9 +29,13 @@ class ZembrikTest : public ::testing::Test
     {
         return m_folder.path() / "device";
     }
-    /// As it is called, with device, faces and clock.
-    ProgramResult run(std::vector<std::string> words, const std::string &input = {}) const
+    /// As it is called, with device, faces and clock. In the input "@" stands for the test's folder.
+    ProgramResult run(std::vector<std::string> words, std::string input = {}, const std::string &display = {}) const
     {
+        for (std::size_t at = input.find('@'); at != std::string::npos; at = input.find('@'))
+        {
+            input.replace(at, 1, m_folder.path().string());
+        }
         words.insert(words.end(), {"--device", device().string()});
         for (const std::filesystem::path &face : m_fonts.files)
         {
@@ -41,15 +45,15 @@ class ZembrikTest : public ::testing::Test
         options.environment["ZB_NOW"] = "2026-11-20T09:00Z";
         options.environment["LC_ALL"] = "en_GB.UTF-8";
         options.input = input;
+        if (!display.empty())
+        {
+            options.environment["DISPLAY"] = display;
+        }
         return runProgram(ZEMBRIK_PROGRAM, words, options);
     }
-    /// Plays lines without a window; "@" in them stands for the test's folder.
-    ProgramResult play(std::string lines, std::vector<std::string> words = {"--size", "240x320"}) const
+    /// Plays lines without a window.
+    ProgramResult play(const std::string &lines, std::vector<std::string> words = {"--size", "240x320"}) const
     {
-        for (std::size_t at = lines.find('@'); at != std::string::npos; at = lines.find('@'))
-        {
-            lines.replace(at, 1, m_folder.path().string());
-        }
         words.insert(words.end(), {"--headless", "--script", "-"});
         return run(words, lines);
     }

@@ -127,6 +127,18 @@ TEST_F(ZembrikScreens, PanesLieSideBySideOnAWideScreen)
     EXPECT_EQ(count(wide, captionColor, middle, 60, middle + 8, 200), 3 * 140);
 }
 
+TEST_F(ZembrikScreens, ATurnedOrResizedScreenLooksAsIfItHadBegunSo)
+{
+    const Picture upright = after("", {"--size", "240x320"});
+    const Picture wide = after("", {"--size", "320x240"});
+    EXPECT_EQ(after("rotate"), wide);
+    EXPECT_EQ(after("rotate\nrotate"), upright);
+    EXPECT_EQ(after("size 320x240\nsize 1000x500\nsize 240x320"), upright);
+    EXPECT_EQ(after("key F2\nrotate"), wide) << "an open menu ends";
+    EXPECT_EQ(after("key F2\nkey A\nrotate\nkey Enter"), wide) << "an open box stays, and can be left";
+    EXPECT_EQ(after("key Tab\nrotate\nkey Tab\nkey Tab\nrotate"), after("key Tab")) << "the focus stays where it was";
+}
+
 TEST_F(ZembrikScreens, WhatItCountsIsReadAnewByItsCommand)
 {
     const Picture none = after("");

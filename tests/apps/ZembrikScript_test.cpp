@@ -15,7 +15,7 @@ class ZembrikScript : public zb::test::ZembrikTest
 TEST_F(ZembrikScript, WrongLinesAreToldByTheirNumbersAndNothingIsDone)
 {
     const std::pair<const char *, const char *> wrong[] = {
-        {"jump 1 2", "\"jump\" is none of hold, key, pen, quit"},
+        {"jump 1 2", "\"jump\" is none of hold, key, pen, quit, rotate, shot, size, tap, type, wait, wheel"},
         {"pen 1 2", "down, move or up, not \"1\""},
         {"pen down 1", "y is missing"},
         {"pen down x 2", "x is a number from -32767 to 32767, not \"x\""},
@@ -33,6 +33,10 @@ TEST_F(ZembrikScript, WrongLinesAreToldByTheirNumbersAndNothingIsDone)
         {"wheel 101", "from -100 to 100"},
         {"wait -1", "from 0 to 600000"},
         {"shot", "the file is missing"},
+        {"size 240", "a size is such as 480x640, sides from 160 to 8192, not \"240\""},
+        {"size 159x300", "not \"159x300\""},
+        {"size 300x8193", "not \"300x8193\""},
+        {"rotate 90", "\"90\" is too much"},
         {"quit now", "\"now\" is too much"},
     };
     std::string lines = "shot @/first.png\n# a comment\n\n";

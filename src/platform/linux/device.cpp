@@ -11,6 +11,7 @@
 #include "platform/linux/handles.h"
 #include "platform/linux/host_settings.h"
 #include "platform/linux/registry_store.h"
+#include "platform/linux/screen_size.h"
 #include "platform/linux/store.h"
 #include "platform/pim.h"
 
@@ -42,12 +43,15 @@ OpenState &openState()
 }
 
 std::atomic<std::uint64_t> generation{0};
+/// What the screen has become since it was opened: width in the upper half, height in the lower; 0 while it is as it was.
+std::atomic<std::uint64_t> changedSize{0};
 
 void publish(std::shared_ptr<const DeviceState> state)
 {
     const std::lock_guard guard(openState().mutex);
     static std::uint64_t openings = 0;
     generation.store(state != nullptr ? ++openings : 0, std::memory_order_release);
+    changedSize.store(0);
     openState().state = std::move(state);
 }
 
@@ -239,7 +243,18 @@ std::string currentLocale()
 ScreenOptions currentScreen()
 {
     const auto device = currentDevice();
-    return device == nullptr ? ScreenOptions{} : device->screen;
+    ScreenOptions screen = device == nullptr ? ScreenOptions{} : device->screen;
+    if (const std::uint64_t size = changedSize.load(std::memory_order_relaxed); size != 0)
+    {
+        screen.width = static_cast<int>(size >> 32U);
+        screen.height = static_cast<int>(size & 0xFFFFFFFFU);
+    }
+    return screen;
+}
+
+void changeScreenSize(int width, int height)
+{
+    changedSize.store(static_cast<std::uint64_t>(width) << 32U | static_cast<std::uint32_t>(height));
 }
 
 FontOptions currentFonts()

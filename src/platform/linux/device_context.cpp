@@ -142,9 +142,11 @@ std::shared_ptr<Surface> screenSurface()
 {
     const std::lock_guard guard(screen().lock);
     const std::uint64_t generation = deviceGeneration();
-    if (screen().surface == nullptr || screen().generation != generation)
+    const ScreenOptions options = currentScreen();
+    const bool fits = screen().surface != nullptr && screen().surface->width() == options.width &&
+                      screen().surface->height() == options.height;
+    if (!fits || screen().generation != generation)
     {
-        const ScreenOptions options = currentScreen();
         screen().surface = Surface::create(options.width, options.height, Surface::Kind::Color);
         screen().generation = generation;
     }

@@ -36,9 +36,21 @@ class DeviceContext final : public HandleObject
     {
         return m_kind == Kind::Memory;
     }
+    /// For reading and drawing: from here on the context counts as one that may have drawn.
     Surface &surface() const
     {
+        m_touched = true;
         return *m_surface;
+    }
+    /// Whether surface() was asked for.
+    bool isTouched() const
+    {
+        return m_touched;
+    }
+    /// What of the surface the context may draw on, its clip aside.
+    const Region &system() const
+    {
+        return m_system;
     }
     POINT origin() const
     {
@@ -95,6 +107,7 @@ class DeviceContext final : public HandleObject
     Region &ownClip();
 
     Kind m_kind;
+    mutable bool m_touched = false;
     std::shared_ptr<Surface> m_surface;
     std::shared_ptr<Surface> m_own; ///< a memory context's surface while the stock bitmap is selected
     POINT m_origin{0, 0};

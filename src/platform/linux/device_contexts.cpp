@@ -4,6 +4,7 @@
 #include "platform/kernel.h"
 #include "platform/linux/device_context.h"
 #include "platform/linux/device_state.h"
+#include "platform/linux/screen_link.h"
 
 #include <utility>
 
@@ -38,6 +39,10 @@ bool endContext(HDC context, bool memory)
     if (removeHandle(context, HandleKind::DeviceContext) == nullptr)
     {
         return false;
+    }
+    if (!memory && found->isTouched())
+    {
+        screenDrawn(found->surface(), found->system());
     }
     found->releaseBitmap();
     return true;

@@ -1,5 +1,6 @@
 #include "platform/linux/input_state.h"
 
+#include "platform/linux/screen_link.h"
 #include "platform/linux/windows_place.h"
 
 namespace zb::internal
@@ -128,6 +129,7 @@ HWND moveFocus(HWND window)
         rememberFocus(window);
         SendMessageW(window, WM_SETFOCUS, reinterpret_cast<WPARAM>(former), 0);
     }
+    focusMoved();
     return former;
 }
 } // namespace

@@ -172,6 +172,16 @@ void zb::penUp(int x, int y)
     noteDown(nullptr);
 }
 
+void zb::turnWheelAt(int steps, int x, int y)
+{
+    {
+        PenState &state = pen();
+        const std::lock_guard guard(state.lock);
+        state.place = {x, y};
+    }
+    turnWheel(steps);
+}
+
 void zb::turnWheel(int steps)
 {
     constexpr int stepSize = 120;

@@ -1,30 +1,18 @@
 #include "platform/linux/picture_codecs.h"
 
 #include "platform/kernel.h"
+#include "platform/linux/beside.h"
 
 #include <dlfcn.h>
-#include <filesystem>
 
 namespace zb::internal
 {
 namespace
 {
-void *openBeside()
-{
-    Dl_info info{};
-    static const char here = 0;
-    if (dladdr(&here, &info) == 0 || info.dli_fname == nullptr)
-    {
-        return nullptr;
-    }
-    const std::filesystem::path folder = std::filesystem::path(info.dli_fname).parent_path();
-    return dlopen((folder / "libZBPictures.so").c_str(), RTLD_NOW | RTLD_LOCAL);
-}
-
 /// Loaded once and kept.
 PictureCodecs *load()
 {
-    void *library = openBeside();
+    void *library = openBeside("libZBPictures.so");
     if (library == nullptr)
     {
         return nullptr;

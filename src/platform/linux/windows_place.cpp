@@ -2,6 +2,7 @@
 
 #include "platform/linux/device_context.h"
 #include "platform/linux/device_state.h"
+#include "platform/linux/screen_link.h"
 
 #include <algorithm>
 
@@ -343,6 +344,7 @@ void Repaints::tell()
                     std::fill(screen->row(y) + box.x1, screen->row(y) + box.x2, color);
                 }
             }
+            screenDrawn(*screen, m_bare);
         }
     }
     for (const PlacedWindow &window : m_windows)

@@ -1,0 +1,61 @@
+// The screen's window by SDL.
+#pragma once
+
+#include "platform/linux/screen_backend.h"
+
+#include <SDL2/SDL.h>
+
+#include <atomic>
+#include <future>
+#include <thread>
+#include <vector>
+
+namespace zb::internal
+{
+class SdlScreen final : public ScreenBackend
+{
+  public:
+    SdlScreen(ScreenPlatform &platform, ScreenRequest request);
+    ~SdlScreen() override;
+
+    std::string awaitStart() override;
+    void wake() override;
+
+  private:
+    // All below on the window's thread.
+    void run();
+    std::string open();
+    void loop();
+    void take(const SDL_Event &event);
+    void takeWindow(const SDL_WindowEvent &event);
+    void takeKey(const SDL_KeyboardEvent &event);
+    void takeWheel(const SDL_MouseWheelEvent &event);
+    void followWishes();
+    void followEditing(const ScreenWishes &wishes);
+    void pen(PenAction action, int x, int y);
+    void releaseAll();
+    void measure();
+    void present(bool all);
+    void draw(SDL_Surface &surface, const ScreenPixels &pixels);
+
+    ScreenPlatform &m_platform;
+    ScreenRequest m_request;
+    std::promise<std::string> m_started;
+    std::atomic<Uint32> m_wakeEvent{0};
+    std::atomic<bool> m_ends{false};
+
+    SDL_Window *m_window = nullptr;
+    bool m_shown = false;
+    bool m_penDown = false;
+    int m_zoom = 1;         ///< pixels of the window for one of the screen, each way
+    double m_density = 1.0; ///< pixels of the window for one of the desktop's units
+    std::vector<int> m_keysDown;
+    std::vector<Uint32> m_line;
+    std::thread m_thread; ///< the last one: it uses all the others
+};
+
+/// The VK_ number of a key; 0 for one that the screen does not know.
+int keyNumber(const SDL_Keysym &key);
+/// What the key types where no text is edited: a control character, or a plain one as on its cap; 0 for none.
+char16_t keyCharacter(const SDL_Keysym &key, bool editing);
+} // namespace zb::internal

@@ -1,0 +1,121 @@
+#include "apps/Desktop.h"
+
+#include "apps/ZbProgram.h"
+
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <thread>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace zb::test
+{
+namespace
+{
+/// The number that the server writes when it is ready; empty when it ends before.
+std::string readDisplay(int pipe)
+{
+    constexpr int patience = 60'000; // milliseconds
+    std::string number;
+    pollfd waiting{pipe, POLLIN, 0};
+    for (char ch = 0; ::poll(&waiting, 1, patience) > 0 && ::read(pipe, &ch, 1) == 1 && ch != '\n';)
+    {
+        number += ch;
+    }
+    return number;
+}
+
+/// A word of the file's header, which is 32 bits, highest byte first.
+std::uint32_t headerWord(const std::string &bytes, std::size_t index)
+{
+    std::uint32_t value = 0;
+    for (std::size_t n = 0; n < 4; ++n)
+    {
+        value = value << 8U | static_cast<unsigned char>(bytes.at(4 * index + n));
+    }
+    return value;
+}
+} // namespace
+
+Desktop::Desktop()
+{
+    std::array<int, 2> ends{};
+    if (::pipe2(ends.data(), O_CLOEXEC) != 0)
+    {
+        return;
+    }
+    const std::string folder = m_folder.path().string();
+    m_server = ::fork();
+    if (m_server == 0)
+    {
+        ::dup2(ends[1], 3); // without O_CLOEXEC
+        const int nowhere = ::open("/dev/null", O_RDWR);
+        ::dup2(nowhere, STDOUT_FILENO);
+        ::dup2(nowhere, STDERR_FILENO);
+        ::execlp("Xvfb", "Xvfb", "-displayfd", "3", "-screen", "0", "800x700x24", "-fbdir", folder.c_str(), "-nolisten",
+                 "tcp", static_cast<char *>(nullptr));
+        ::_exit(127);
+    }
+    ::close(ends[1]);
+    if (const std::string number = readDisplay(ends[0]); !number.empty())
+    {
+        m_display = ":" + number;
+    }
+    ::close(ends[0]);
+}
+
+Desktop::~Desktop()
+{
+    if (m_server > 0)
+    {
+        ::kill(m_server, SIGTERM);
+        ::waitpid(m_server, nullptr, 0);
+    }
+}
+
+/// The server keeps its pixels in a file: a header of words, a table of colours, and rows of blue, green, red and a byte.
+Picture Desktop::shot(int left, int top, int width, int height) const
+{
+    constexpr std::size_t colorSize = 12;
+    const std::string bytes = readFile(m_folder.path() / "Xvfb_screen0");
+    const std::size_t start = headerWord(bytes, 0) + headerWord(bytes, 19) * colorSize;
+    const std::size_t row = headerWord(bytes, 12);
+    Picture picture{width, height, {}};
+    for (int y = top; y < top + height; ++y)
+    {
+        for (int x = left; x < left + width; ++x)
+        {
+            const std::size_t at = start + static_cast<std::size_t>(y) * row + static_cast<std::size_t>(x) * 4;
+            const auto part = [&bytes, at](std::size_t n) { return std::uint32_t{static_cast<unsigned char>(bytes.at(at + n))}; };
+            picture.pixels.push_back(part(2) << 16U | part(1) << 8U | part(0));
+        }
+    }
+    return picture;
+}
+
+bool Desktop::act(const std::vector<std::string> &words) const
+{
+    ProgramOptions options;
+    options.environment["DISPLAY"] = m_display;
+    return runProgram("/usr/bin/xdotool", words, options).exitCode == 0;
+}
+
+bool eventually(const std::function<bool()> &condition)
+{
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point end = Clock::now() + std::chrono::minutes(1);
+    while (!condition())
+    {
+        if (Clock::now() > end)
+        {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return true;
+}
+} // namespace zb::test
