@@ -93,7 +93,7 @@ void drawLine(HDC hdc, const RECT &box, const std::u16string &text, int size, CO
     SetTextColor(hdc, former);
 }
 
-void drawChip(HDC hdc, const RECT &box, const std::u16string &text, COLORREF color, COLORREF ink)
+void drawChip(HDC hdc, const RECT &box, const std::u16string &text, COLORREF color, int size)
 {
     const LONG strip = std::min<LONG>(HIDPI_SCALEX(chipStrip), box.right - box.left);
     const bool words = box.right - box.left >= HIDPI_SCALEX(leastWords);
@@ -101,7 +101,7 @@ void drawChip(HDC hdc, const RECT &box, const std::u16string &text, COLORREF col
     if (words)
     {
         fillBox(hdc, {box.left, box.top, box.left + strip, box.bottom}, color);
-        drawLine(hdc, {box.left + strip + HIDPI_SCALEX(chipGap), box.top, box.right, box.bottom}, text, -1, ink);
+        drawLine(hdc, {box.left + strip + HIDPI_SCALEX(chipGap), box.top, box.right, box.bottom}, text, size, inkColor);
     }
 }
 } // namespace zb::screens

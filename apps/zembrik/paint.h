@@ -13,6 +13,8 @@ inline constexpr COLORREF quietColor = RGB(0xF4, 0xF6, 0xF9);
 inline constexpr COLORREF ruleColor = RGB(0xDD, 0xE2, 0xE8);
 inline constexpr COLORREF inkColor = RGB(0x16, 0x20, 0x2B);
 inline constexpr COLORREF dimColor = RGB(0x5C, 0x68, 0x75);
+/// Of an item without a category that has one.
+inline constexpr COLORREF usualColor = RGB(0x6C, 0x9B, 0xD2);
 inline constexpr COLORREF nowColor = RGB(0xC6, 0x28, 0x28);
 
 void fillBox(HDC hdc, const RECT &box, COLORREF color);
@@ -25,5 +27,5 @@ int lineHeight(HDC hdc, int size);
 /// One line of plain text, cut with "…" where the box ends; in the middle of its height.
 void drawLine(HDC hdc, const RECT &box, const std::u16string &text, int size, COLORREF color);
 /// A box in a tint of the colour with a strip of the colour at its left; words only where there is room for them.
-void drawChip(HDC hdc, const RECT &box, const std::u16string &text, COLORREF color, COLORREF ink);
+void drawChip(HDC hdc, const RECT &box, const std::u16string &text, COLORREF color, int size);
 } // namespace zb::screens
