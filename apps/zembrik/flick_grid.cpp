@@ -81,10 +81,13 @@ void FlickGrid::OnMouseMove(WPARAM uKeys, POINT point, bool &handled)
         const LONG along = std::labs(point.y - m_from.y);
         if (along > HIDPI_SCALEY(threshold) || across > HIDPI_SCALEX(threshold))
         {
-            m_stroke = along >= across ? Stroke::Rows : Stroke::Side;
-            // The grid hears no more of this stroke: it is no tap.
-            CHTMLGrid::OnLButtonUp(0, nowhere, handled);
-            SetCapture(m_hWnd);
+            m_stroke = along >= across ? Stroke::Rows : m_leaf ? Stroke::Side : Stroke::Others;
+            if (m_stroke != Stroke::Others)
+            {
+                // The grid hears no more of this stroke: it is no tap.
+                CHTMLGrid::OnLButtonUp(0, nowhere, handled);
+                SetCapture(m_hWnd);
+            }
         }
     }
     handled = true;

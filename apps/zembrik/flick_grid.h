@@ -13,7 +13,7 @@ namespace zb::screens
 class FlickGrid : public CHTMLGrid
 {
   public:
-    /// -1 back, 1 on.
+    /// -1 back, 1 on. Without one, strokes to a side are the grid's: they drag what it lets go.
     using Leaf = std::function<void(int)>;
     void setLeaf(Leaf leaf)
     {
@@ -33,7 +33,7 @@ class FlickGrid : public CHTMLGrid
         Undecided, ///< the pen is down and has hardly moved
         Rows,
         Side,
-        Others ///< the grid's own affair: a floater is being moved
+        Others ///< the grid's own affair: a floater is being moved, or a row dragged
     };
     void begin(POINT point);
     bool scrollBy(LONG pixels);
@@ -43,7 +43,7 @@ class FlickGrid : public CHTMLGrid
     Leaf m_leaf;
     Stroke m_stroke = Stroke::None;
     POINT m_from{};
-    LONG m_rest = 0;  ///< pixels that no whole row has taken yet
+    LONG m_rest = 0; ///< pixels that no whole row has taken yet
     LONG m_lastY = 0;
     DWORD m_lastTick = 0;
     LONG m_speed = 0; ///< pixels in a tenth of a second

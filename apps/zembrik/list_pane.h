@@ -1,12 +1,12 @@
 // A list that fills its pane: one column of marked-up rows in a grid that asks for a row the first time that it shows,
-// so lists of any length open at once.
+// so lists of any length open at once. The pen scrolls by what it shows.
 //
 // A kind of list says what its rows are and what a tap does. Rows count from 0. The pane's window is also the one that
 // the kind's loader reports to. Threads: the main thread.
 #pragma once
 
-#include "display/CHTMLGrid.h"
 #include "framework/CeWnd.h"
+#include "zembrik/flick_grid.h"
 
 #include <algorithm>
 #include <optional>
@@ -84,7 +84,7 @@ class ListPane : public CeWnd
     std::optional<LRESULT> answerDrag(UINT message, WPARAM wParam, LPARAM lParam);
     std::optional<std::u16string> tipOver(const tagGRIDDRAG &drag);
 
-    CHTMLGrid m_grid;
+    FlickGrid m_grid;
     int m_rows = -1; ///< never set
     bool m_uniform = false;
     std::u16string m_text;

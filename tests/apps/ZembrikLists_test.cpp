@@ -220,6 +220,21 @@ TEST_F(ZembrikLists, TheCursorIsRemembered)
 
 // --- Contacts
 
+TEST_F(ZembrikLists, ThePenPullsTheRowsAlong)
+{
+    std::string cards;
+    for (int n = 10; n < 40; ++n)
+    {
+        cards += card(std::to_string(n), "Name" + std::to_string(n), "A");
+    }
+    import("in.vcf", cards);
+    // The row under the pen takes the cursor; at the top nothing can be pulled down.
+    const Picture start = names("pen down 100 240\npen move 100 270\nwait 300\npen up 100 270");
+    EXPECT_NE(names("pen down 100 240\npen move 100 200\npen move 100 160\nwait 300\npen up 100 160"), start);
+    EXPECT_EQ(names("pen down 100 240\npen move 100 160\nwait 300\npen move 100 240\nwait 300\npen up 100 240"), start)
+        << "and back, with nothing opened";
+}
+
 TEST_F(ZembrikLists, WhatIsTypedCutsTheNamesDown)
 {
     import("in.vcf", card("1", "Albers", "Renate") + card("2", "Keller", "Tom") + card("3", "Kern", "Ute"));
