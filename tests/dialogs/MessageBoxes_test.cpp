@@ -56,7 +56,7 @@ class MessageBoxes : public ::testing::Test
                  [](HWND, UINT, UINT_PTR id, DWORD)
                  {
                      const HWND dialog = GetForegroundWindow();
-                     if (dialog != nullptr && s_act)
+                     if (dialog != nullptr && GetWindow(dialog, GW_CHILD) != nullptr && s_act)
                      {
                          KillTimer(nullptr, id);
                          std::exchange(s_act, nullptr)(dialog);
@@ -104,6 +104,35 @@ TEST_F(MessageBoxes, AMessageByNumber)
     const CShowError nowhere(40450, nullptr, 0);
     EXPECT_EQ(shown.size(), 2U);
     EXPECT_EQ(nowhere.GetResult(), 0);
+    FreeLibrary(resources);
+    const HINSTANCE module = LoadLibraryW(u"ZBTestModule");
+    const CShowError empty(2, module, 0);
+    ASSERT_EQ(shown.size(), 3U);
+    EXPECT_EQ(shown[2].text, u"Resource Error text was not found. \r\rResource 2 not loaded.") << "an empty text is none";
+    FreeLibrary(module);
+}
+
+TEST_F(MessageBoxes, AMessageByNumberStandsBeforeTheForegroundWindowAndTheShortestBeforeNone)
+{
+    device.options().messageBox = nullptr;
+    device.options().screen.dialogs = true;
+    device.reopen();
+    const HINSTANCE resources = LoadLibraryW(u"ZBResources.dll");
+    const ScreenWindow foreground(RGB(1, 1, 1), WS_POPUP | WS_VISIBLE, 0, 0, 100, 100);
+    ASSERT_EQ(GetForegroundWindow(), foreground.window);
+    HWND owner = nullptr;
+    const auto close = [&owner](HWND dialog)
+    {
+        owner = GetWindow(dialog, GW_OWNER);
+        press(dialog, IDOK);
+    };
+    answer(close);
+    const CShowError error(40450, resources, 0);
+    EXPECT_EQ(owner, foreground.window);
+    EXPECT_EQ(error.GetResult(), IDOK);
+    answer(close);
+    ShowError(u"It failed.", 0);
+    EXPECT_EQ(owner, nullptr);
     FreeLibrary(resources);
 }
 

@@ -299,6 +299,34 @@ TEST_F(CeWndEnds, AnExceptionIsToldLoggedAndAsksTheProgramToEnd)
     EXPECT_TRUE(IsWindow(window));
 }
 
+TEST_F(CeWndEnds, WhatWasTheResultBeforeTheFailureStays)
+{
+    class Failing : public CeWnd
+    {
+      public:
+        LRESULT Default() override
+        {
+            throw std::runtime_error("trouble");
+        }
+        LRESULT OnCommand(WPARAM, LPARAM, bool &) override
+        {
+            return 44;
+        }
+        LRESULT OnCreate(const CREATESTRUCTW *, bool &handled) override
+        {
+            handled = true;
+            return 0;
+        }
+    };
+    Failing window;
+    window.Create(nullptr, {0, 0, 10, 10}, WS_POPUP);
+    shown.clear();
+    EXPECT_EQ(SendMessageW(window, WM_COMMAND, 1, 2), 44);
+    EXPECT_EQ(shown.size(), 1U);
+    EXPECT_TRUE(hasQuit());
+    DestroyWindow(window.Unsubclass());
+}
+
 TEST_F(CeWndEnds, TheTitleInTheTextHas255CharactersAtMost)
 {
     Recorder window;

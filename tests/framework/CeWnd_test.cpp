@@ -16,6 +16,7 @@ namespace
 using zb::test::Calls;
 using zb::test::pair;
 using zb::test::Recorder;
+using zb::test::ScreenWindow;
 using zb::test::settle;
 
 #if defined(__x86_64__)
@@ -159,6 +160,24 @@ TEST_F(CeWndTest, AWindowGetsItsObjectAsParameterAndCantRefuseToBeMade)
     Refusing window;
     EXPECT_TRUE(window.Create(nullptr, {0, 0, 10, 10}, WS_POPUP));
     EXPECT_EQ(window.parameter, &window);
+    DestroyWindow(window);
+}
+
+TEST_F(CeWndTest, WindowsOfItsClassesWithoutAnObjectAreOrdinaryOnes)
+{
+    ASSERT_TRUE(CeWnd::CreateGenericWndClass());
+    const HWND plain =
+        CreateWindowExW(0, u"CeWnd:GENERIC", u"Title", WS_POPUP, 0, 0, 10, 10, nullptr, nullptr, nullptr, nullptr);
+    ASSERT_NE(plain, nullptr);
+    EXPECT_EQ(GetWindowTextLengthW(plain), 5);
+    DestroyWindow(plain);
+    Recorder window;
+    ASSERT_TRUE(window.make());
+    window.taken();
+    SetWindowLongW(window, GWL_USERDATA, 0);
+    EXPECT_EQ(GetWindowTextLengthW(window), 5);
+    EXPECT_EQ(window.taken(), Calls{});
+    SetWindowLongW(window, GWL_USERDATA, reinterpret_cast<LONG_PTR>(static_cast<CeWnd *>(&window)));
     DestroyWindow(window);
 }
 
@@ -477,4 +496,32 @@ TEST_F(CeWndTest, TheShellIsAskedForTheWindow)
     ASSERT_TRUE(plain.make());
     EXPECT_TRUE(plain.SHDoneButton(SHDB_SHOW));
     EXPECT_EQ(GetWindowLongW(plain, GWL_STYLE) & static_cast<LONG_PTR>(WS_SYSMENU), 0) << "no title, no place for it";
+}
+
+TEST_F(CeWndTest, CentringGoesByAnyWindowAndKeepsChildrenInTheirParent)
+{
+    Recorder parent;
+    ASSERT_TRUE(parent.make(WS_POPUP | WS_VISIBLE)); // from 10, 20, of 100 by 50
+    const ScreenWindow other(RGB(1, 2, 3), WS_POPUP, 200, 300, 60, 40);
+    Recorder window;
+    ASSERT_TRUE(window.Create(nullptr, {0, 0, 20, 10}, WS_POPUP));
+    window.CenterWindow(other.window);
+    RECT place{};
+    GetWindowRect(window, &place);
+    EXPECT_TRUE(zb::test::is(place, 220, 315, 240, 325));
+    Recorder child;
+    ASSERT_TRUE(child.Create(parent, {0, 0, 20, 10}));
+    child.CenterWindow();
+    GetWindowRect(child, &place);
+    EXPECT_TRUE(zb::test::is(place, 50, 40, 70, 50));
+    child.CenterWindow(other.window);
+    GetWindowRect(child, &place);
+    EXPECT_TRUE(zb::test::is(place, 90, 60, 110, 70)) << "no further than its parent goes";
+    child.ShowScrollBar(SB_BOTH);
+    EXPECT_EQ(GetWindowLongW(child, GWL_STYLE) & static_cast<LONG_PTR>(WS_VSCROLL | WS_HSCROLL),
+              static_cast<LONG_PTR>(WS_VSCROLL | WS_HSCROLL));
+    child.ShowScrollBar(SB_VERT, false);
+    EXPECT_EQ(GetWindowLongW(child, GWL_STYLE) & static_cast<LONG_PTR>(WS_VSCROLL | WS_HSCROLL),
+              static_cast<LONG_PTR>(WS_HSCROLL));
+    DestroyWindow(parent);
 }

@@ -168,6 +168,90 @@ TEST(WindowStress, AWindowMayEndInAnyOfItsMessages)
     }
 }
 
+/// Each thread has a strip of the screen to itself, and asks and tells the windows of the others.
+TEST(WindowStress, ThreadsShareTheScreen)
+{
+    const TestDevice device(screen());
+    const zb::internal::HandleCount before = zb::internal::countHandles();
+    constexpr int threads = 3;
+    constexpr int strip = 60;
+    std::array<std::atomic<HWND>, threads> latest{};
+    std::atomic<int> done{0};
+    const auto work = [&](int self)
+    {
+        std::mt19937 random(static_cast<unsigned>(self) + 11);
+        const auto below = [&random](int limit) { return static_cast<int>(random() % static_cast<unsigned>(limit)); };
+        std::vector<std::unique_ptr<ScreenWindow>> own;
+        const auto x = [&] { return self * strip + below(20); };
+        for (int step = 0; step < 400; ++step)
+        {
+            const HWND any = own.empty() ? nullptr : own[static_cast<std::size_t>(below(static_cast<int>(own.size())))]->window;
+            const HWND other = latest[static_cast<std::size_t>(below(threads))];
+            RECT place{};
+            switch (below(9))
+            {
+            case 0:
+                own.push_back(std::make_unique<ScreenWindow>(red, WS_POPUP | WS_VISIBLE, x(), below(100), 30, 30));
+                own.push_back(std::make_unique<ScreenWindow>(red, WS_CHILD | WS_VISIBLE | WS_VSCROLL, 5, 5, 20, 20,
+                                                             own.back()->window));
+                latest[static_cast<std::size_t>(self)] = own.back()->window;
+                break;
+            case 1:
+                own.clear();
+                break;
+            case 2:
+                SetWindowPos(any, HWND_TOP, below(20) + (IsChild(GetParent(any), any) != FALSE ? 0 : self * strip), below(90), 30,
+                             30, 0);
+                break;
+            case 3:
+                ShowWindow(any, below(2) != 0 ? SW_SHOW : SW_HIDE);
+                break;
+            case 4:
+                SetFocus(any);
+                SetTimer(other, 3, 1, nullptr);
+                break;
+            case 5:
+                InvalidateRect(other, nullptr, TRUE);
+                PostMessageW(other, WM_USER, 1, 2);
+                SendMessageW(other, WM_USER, 1, 2);
+                break;
+            case 6:
+                GetWindowRect(other, &place);
+                GetWindow(other, GW_HWNDNEXT);
+                WindowFromPoint({below(180), below(150)});
+                EnableWindow(any, below(2));
+                break;
+            case 7:
+                SetCapture(any);
+                SetWindowTextW(any, u"text");
+                SetForegroundWindow(other);
+                ReleaseCapture();
+                break;
+            default:
+                settle();
+                break;
+            }
+        }
+        own.clear();
+        for (++done; done < threads;)
+        {
+            settle();
+            Sleep(1);
+        }
+    };
+    std::vector<std::unique_ptr<zb::test::PlatformThread>> all;
+    for (int n = 0; n < threads; ++n)
+    {
+        all.push_back(std::make_unique<zb::test::PlatformThread>([&work, n] { work(n); }));
+    }
+    for (const auto &one : all)
+    {
+        ASSERT_TRUE(one->ended(120'000));
+    }
+    EXPECT_EQ(zb::internal::countHandles(), before);
+    EXPECT_EQ(GetForegroundWindow(), nullptr);
+}
+
 TEST(WindowStress, RandomStepsLeaveNothingBehind)
 {
     const TestDevice device(screen());

@@ -79,7 +79,7 @@ class WindowObject final : public HandleObject
     int level = 0; ///< parents above it
     HWND parent = nullptr; ///< of a window of the screen: its owner
     std::vector<HWND> children; ///< and windows owned, the topmost first
-    bool isChild = false; ///< lies in its parent
+    std::atomic<bool> isChild{false}; ///< lies in its parent; also asked without the lock
     Box place; ///< with its frame, in its parent's client area or on the screen
     Region update; ///< what is invalid of the client area, in its own coordinates
     bool erase = false; ///< the background is to be erased before the next paint
