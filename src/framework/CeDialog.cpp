@@ -52,9 +52,14 @@ LRESULT CeDialog::OnInitDialog(HWND hFocus, LPARAM lParam)
     GetClientRect(m_hWnd, &client);
     m_content = {client.right, client.bottom};
     m_offset = {0, 0}; // of the dialog that this object was before
+    const HWND hDlg = m_hWnd;
     if (m_nSHInitFlags == 0)
     {
         SetDefaultWidthHeight();
+    }
+    if (!IsObjectOf(hDlg))
+    {
+        return 0; // its new size has ended it
     }
     // Centring goes by the size that the dialog has then.
     return CeBaseDialog::OnInitDialog(hFocus, lParam);
@@ -96,14 +101,23 @@ void CeDialog::OnSize(UINT nType, int cx, int cy, bool &handled)
     {
         return;
     }
+    const HWND hDlg = m_hWnd;
     UpdateBar(SB_HORZ, m_content.cx, cx);
-    UpdateBar(SB_VERT, m_content.cy, cy);
+    if (IsObjectOf(hDlg))
+    {
+        UpdateBar(SB_VERT, m_content.cy, cy);
+    }
 }
 
 void CeDialog::UpdateBar(int nBar, int nContent, int nPage)
 {
     const SCROLLINFO info{sizeof(SCROLLINFO), SIF_RANGE | SIF_PAGE, 0, nContent - 1, static_cast<UINT>(nPage), 0, 0};
-    const int position = SetScrollInfo(m_hWnd, nBar, &info, TRUE);
+    const HWND hDlg = m_hWnd;
+    const int position = SetScrollInfo(hDlg, nBar, &info, TRUE);
+    if (!IsObjectOf(hDlg))
+    {
+        return;
+    }
     // More room may have brought the content back.
     const int former = nBar == SB_HORZ ? m_offset.x : m_offset.y;
     if (position != former)
@@ -130,7 +144,12 @@ void CeDialog::Scroll(int nBar, UINT nCode, int nPos)
     GetScrollInfo(m_hWnd, nBar, &info);
     info.fMask = SIF_POS;
     info.nPos = TargetOf(nCode, nPos, info);
-    const int position = SetScrollInfo(m_hWnd, nBar, &info, TRUE);
+    const HWND hDlg = m_hWnd;
+    const int position = SetScrollInfo(hDlg, nBar, &info, TRUE);
+    if (!IsObjectOf(hDlg))
+    {
+        return;
+    }
     LONG &offset = nBar == SB_HORZ ? m_offset.x : m_offset.y;
     const int shift = offset - position;
     offset = position;

@@ -193,6 +193,7 @@ void CeSplitFrame::Layout()
     {
         return;
     }
+    const HWND hWnd = m_hWnd; // a pane that is moved may end the frame
     if (m_nDocked != SPLIT_BOTH)
     {
         const LONG start = StartOf(m_rcClient) + m_nOffset1;
@@ -208,7 +209,7 @@ void CeSplitFrame::Layout()
         GetWindowPlacements(&rc1, &rc2);
         MovePanes(rc1, rc2);
     }
-    InvalidateRect(m_hWnd, nullptr, TRUE);
+    InvalidateRect(hWnd, nullptr, TRUE);
 }
 
 void CeSplitFrame::MovePanes(const RECT &rc1, const RECT &rc2)
@@ -253,8 +254,13 @@ void CeSplitFrame::OnLButtonUp(WPARAM, POINT point, bool &handled)
         return;
     }
     m_bDragging = false;
+    const HWND hWnd = m_hWnd;
     OnMouseMove(simulatedMove, point, handled);
     ReleaseCapture();
+    if (!IsObjectOf(hWnd))
+    {
+        return;
+    }
     Layout(); // the bar takes its own place again, whether the last move counted or not
 }
 
@@ -287,7 +293,12 @@ LRESULT CeSplitFrame::OnMessage(UINT uMsg, WPARAM wParam, LPARAM lParam, bool &h
 void CeSplitFrame::OnTimer(UINT_PTR, bool &handled)
 {
     handled = true;
-    UpdateWindow(m_hWnd);
+    const HWND hWnd = m_hWnd;
+    UpdateWindow(hWnd);
+    if (!IsObjectOf(hWnd))
+    {
+        return;
+    }
     const LONG fresh = PenOf(m_ptDrag) - m_nBarSize - StartOf(m_rcClient) - m_nOffset1 - 1;
     if (fresh < 0 || fresh == GetSplitter())
     {
@@ -304,15 +315,16 @@ void CeSplitFrame::OnTimer(UINT_PTR, bool &handled)
         rc2 = Between(StartOf(rc2) - m_nBarSize, EndOf(rc2));
     }
     MovePanes(rc1, rc2);
-    InvalidateRect(m_hWnd, nullptr, TRUE);
+    InvalidateRect(hWnd, nullptr, TRUE);
 }
 
 void CeSplitFrame::OnPaint(bool &handled)
 {
     handled = true;
     PAINTSTRUCT paint{};
-    const HDC hdc = BeginPaint(m_hWnd, &paint);
-    if (m_nDocked == SPLIT_BOTH)
+    const HWND hWnd = m_hWnd;
+    const HDC hdc = BeginPaint(hWnd, &paint);
+    if (IsObjectOf(hWnd) && m_nDocked == SPLIT_BOTH)
     {
         RECT bar = Between(GetSplitter() - m_nBarSize, GetSplitter() + m_nBarSize);
         const int inset = HIDPI_SCALEX(2);
@@ -327,5 +339,5 @@ void CeSplitFrame::OnPaint(bool &handled)
             DrawFrameControl(hdc, &bar, DFC_BUTTON, DFCS_BUTTONPUSH);
         }
     }
-    EndPaint(m_hWnd, &paint);
+    EndPaint(hWnd, &paint);
 }

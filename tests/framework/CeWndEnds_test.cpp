@@ -114,11 +114,14 @@ class FleetingDialog : public CeDialog
     }
     LRESULT OnInitDialog(HWND focus, LPARAM lParam) override
     {
+        const HWND self = m_hWnd;
+        const bool endsNow = m_fatal == WM_INITDIALOG;
+        SetDefaultSize(120, 60); // so that it scrolls
         const LRESULT result = CeDialog::OnInitDialog(focus, lParam);
-        SetTimer(m_hWnd, 1, 1, nullptr);
-        if (m_fatal == WM_INITDIALOG)
+        SetTimer(self, 1, 1, nullptr); // of a window that is gone it is none
+        if (endsNow)
         {
-            DestroyWindow(m_hWnd);
+            DestroyWindow(self);
         }
         return result;
     }
@@ -255,11 +258,12 @@ TEST_F(CeWndEnds, ADialogMayEndInAnyOfItsMessages)
         EXPECT_TRUE(gone) << fatal;
         settle();
     }
-    while (countHandles().timers > before.timers)
+    for (int turn = 0; turn < 100 && countHandles().timers > before.timers; ++turn)
     {
         settle(); // a timer of a dialog that never ran
         Sleep(5);
     }
+    EXPECT_EQ(countHandles().timers, before.timers);
     const HandleCount after = countHandles();
     EXPECT_EQ(after.windows, before.windows);
     EXPECT_EQ(after.contexts, before.contexts);

@@ -73,6 +73,25 @@ void subtractSiblings(Region &region, HWND window, const WindowObject &object)
     }
 }
 
+/// Under the lock, since a window of another thread may come to lie there right after.
+void paintBare(Region region)
+{
+    const auto screen = region.isEmpty() ? nullptr : screenSurface();
+    if (screen == nullptr)
+    {
+        return;
+    }
+    const std::uint32_t color = pixelOfColor(GetSysColor(COLOR_BACKGROUND));
+    region.intersect(Region(screen->bounds()));
+    for (const pixman_box32_t &box : region.boxes())
+    {
+        for (int y = box.y1; y < box.y2; ++y)
+        {
+            std::fill(screen->row(y) + box.x1, screen->row(y) + box.x2, color);
+        }
+    }
+}
+
 PlacedWindow childAt(const PlacedWindow &window, int x, int y)
 {
     for (const HWND child : window.object->children)
@@ -326,6 +345,7 @@ void Repaints::expose(Region region)
             region.subtract(Region(windowBox(*object)));
         }
     }
+    paintBare(region);
     unite(m_bare, region);
 }
 
@@ -335,15 +355,7 @@ void Repaints::tell()
     {
         if (const auto screen = screenSurface())
         {
-            const std::uint32_t color = pixelOfColor(GetSysColor(COLOR_BACKGROUND));
             m_bare.intersect(Region(screen->bounds()));
-            for (const pixman_box32_t &box : m_bare.boxes())
-            {
-                for (int y = box.y1; y < box.y2; ++y)
-                {
-                    std::fill(screen->row(y) + box.x1, screen->row(y) + box.x2, color);
-                }
-            }
             screenDrawn(*screen, m_bare);
         }
     }

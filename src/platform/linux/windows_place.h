@@ -60,15 +60,15 @@ class Repaints
     void invalidate(HWND window, const std::shared_ptr<WindowObject> &object, const Region &what, bool erase);
     /// The window with its frame and all that lies in it.
     void invalidateAll(HWND window, const std::shared_ptr<WindowObject> &object);
-    /// What lies below a region of the screen that has come free.
+    /// What lies below a region of the screen that has come free; the bare screen there is painted at once.
     void expose(Region region);
-    /// Without the lock: lets the windows' threads know, and paints the bare screen where that came free.
+    /// Without the lock: lets the windows' threads know, and who shows the screen.
     void tell();
 
   private:
     void exposeWithin(HWND window, const std::shared_ptr<WindowObject> &object, const Region &region);
 
     std::vector<PlacedWindow> m_windows;
-    Region m_bare;
+    Region m_bare; ///< what was painted of the bare screen
 };
 } // namespace zb::internal
