@@ -373,6 +373,7 @@ TEST_F(CeWndEnds, WhatFailsWhileAFailureIsToldIsNotToldAgain)
     EXPECT_EQ(shown.size(), 2U) << "the next one is told again";
     EXPECT_TRUE(hasQuit());
     window.meanwhile = nullptr;
+    DestroyWindow(window);
 }
 
 TEST_F(CeWndEnds, AnEndThatFailsIsAnEndAllTheSame)
