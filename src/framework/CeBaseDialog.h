@@ -39,8 +39,10 @@ class ZBTOOLS_API CeBaseDialog : public CeWnd
     bool m_bInInit = false;
     UINT m_nSHInitFlags;
 
-  private:
+    /// The dialog procedure; lParam of WM_INITDIALOG is the object.
     static LONG_PTR DlgProc(HWND hDlg, UINT uMsg, WPARAM wParam, LPARAM lParam);
+
+  private:
     LRESULT Init(HWND hFocus, LPARAM lParam);
     LRESULT Command(WPARAM wParam, LPARAM lParam, bool &handled);
     LONG_PTR Dispatch(HWND hDlg, UINT uMsg, WPARAM wParam, LPARAM lParam);

@@ -495,11 +495,33 @@ TEST_F(ComboBoxes, ADisabledOneTakesNothing)
 
 TEST_F(ComboBoxes, AHostMayEndItInAnswer)
 {
-    for (const WORD code : {CBN_DROPDOWN, CBN_SELENDOK, CBN_CLOSEUP, CBN_SELCHANGE, CBN_EDITUPDATE, CBN_EDITCHANGE, CBN_KILLFOCUS})
+    using Steps = std::function<void()>;
+    const auto go = [](std::initializer_list<int> keys)
     {
-        make(CBS_DROPDOWN, fruit);
+        for (const int one : keys)
+        {
+            key(one);
+        }
+    };
+    const std::tuple<WORD, DWORD, Steps> ways[] = {
+        {CBN_DROPDOWN, CBS_DROPDOWN, [&] { go({VK_F4}); }},
+        {CBN_SELENDOK, CBS_DROPDOWN, [&] { go({VK_F4, VK_DOWN, VK_RETURN}); }},
+        {CBN_CLOSEUP, CBS_DROPDOWN, [&] { go({VK_F4, VK_ESCAPE}); }},
+        {CBN_SELCHANGE, CBS_DROPDOWN, [&] { go({VK_F4, VK_DOWN, VK_RETURN}); }},
+        {CBN_SELCHANGE, CBS_DROPDOWNLIST, [&] { go({VK_END}); }},
+        {CBN_SELENDOK, CBS_DROPDOWNLIST, [&] { type(u"c"); }},
+        {CBN_SELCHANGE, CBS_SIMPLE, [&] { tap(60, yOfRow(2)); }},
+        {CBN_SELENDCANCEL, CBS_DROPDOWNLIST, [&] { tap(30, 20), tap(200, 250); }},
+        {CBN_SELCHANGE, CBS_DROPDOWNLIST, [&] { tap(30, 20), tap(60, yOfRow(1)); }},
+        {CBN_EDITUPDATE, CBS_DROPDOWN, [&] { type(u"a"); }},
+        {CBN_EDITCHANGE, CBS_DROPDOWN, [&] { type(u"a"); }},
+        {CBN_CLOSEUP, CBS_DROPDOWNLIST, [&] { go({VK_F4}), EnableWindow(combo, FALSE); }},
+        {CBN_KILLFOCUS, CBS_DROPDOWN, [&] { SetFocus(parent.window); }}};
+    for (const auto &[code, style, steps] : ways)
+    {
+        make(style, fruit);
         const HWND ended = combo;
-        parent.before = [code, ended](UINT message, WPARAM wParam, LPARAM, LRESULT &)
+        parent.before = [code = code, ended](UINT message, WPARAM wParam, LPARAM, LRESULT &)
         {
             if (message == WM_COMMAND && HIWORD(wParam) == code)
             {
@@ -507,11 +529,7 @@ TEST_F(ComboBoxes, AHostMayEndItInAnswer)
             }
             return false;
         };
-        type(u"a");
-        key(VK_F4);
-        key(VK_DOWN);
-        key(VK_RETURN);
-        SetFocus(parent.window);
+        steps();
         settle();
         EXPECT_FALSE(IsWindow(ended)) << code;
         parent.before = nullptr;

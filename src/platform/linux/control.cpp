@@ -83,6 +83,8 @@ LRESULT Control::takeCommon(UINT message, WPARAM wParam, LPARAM lParam)
         return result;
     }
     case WM_ENABLE:
+        SendMessageW(m_window, WM_NCPAINT, 1, 0); // its scroll bars
+        [[fallthrough]];
     case WM_SETFOCUS:
     case WM_KILLFOCUS:
     case WM_SIZE:

@@ -347,24 +347,29 @@ class Button final : public Control
     void drawGroup(HDC context) const
     {
         const std::u16string title = text();
-        SIZE size{};
-        GetTextExtentPoint32W(context, title.c_str(), static_cast<int>(title.size()), &size);
+        RECT words{};
+        DrawTextW(context, title.c_str(), -1, &words, DT_SINGLELINE | DT_CALCRECT);
+        const int height = std::max<int>(words.bottom, scaledPixels(10));
         RECT frame = client();
-        frame.top += size.cy / 2;
-        const HPEN pen = CreatePen(PS_SOLID, GetSystemMetrics(SM_CXBORDER), GetSysColor(COLOR_BTNSHADOW));
+        frame.top += height / 2;
+        const int color = isEnabled() ? COLOR_BTNSHADOW : COLOR_INACTIVEBORDER;
+        const HPEN pen = CreatePen(PS_SOLID, GetSystemMetrics(SM_CXBORDER), GetSysColor(color));
         const HGDIOBJ formerPen = SelectObject(context, pen);
         const HGDIOBJ formerBrush = SelectObject(context, GetStockObject(NULL_BRUSH));
-        const int round = size.cy / 2;
+        const int round = height / 2;
         RoundRect(context, frame.left, frame.top, frame.right, frame.bottom, round, round);
         SelectObject(context, formerBrush);
         SelectObject(context, formerPen);
         DeleteObject(pen);
         if (!title.empty())
         {
-            RECT label{size.cy / 2, 0, size.cy / 2 + size.cx + 4, size.cy};
-            SetBkMode(context, OPAQUE);
-            ExtTextOutW(context, label.left + 2, 0, ETO_OPAQUE, &label, title.c_str(), static_cast<UINT>(title.size()),
-                        nullptr);
+            // The frame is open around the words.
+            const int gap = scaledPixels(2);
+            const int left = height / 2;
+            const RECT hole{left, 0, std::min<LONG>(left + words.right + 2 * gap, frame.right - round), height};
+            ExtTextOutW(context, 0, 0, ETO_OPAQUE, &hole, u"", 0, nullptr);
+            RECT label{hole.left + gap, 0, hole.right, height};
+            DrawTextW(context, title.c_str(), -1, &label, DT_SINGLELINE | DT_END_ELLIPSIS);
         }
     }
 

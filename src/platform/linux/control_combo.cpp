@@ -82,13 +82,7 @@ LRESULT ComboBox::takeWindow(UINT message, WPARAM wParam, LPARAM lParam)
         takeSize();
         return 0;
     case WM_ENABLE:
-        close(End::Cancelled);
-        EnableWindow(m_list, static_cast<BOOL>(wParam));
-        if (hasEdit())
-        {
-            EnableWindow(m_edit, static_cast<BOOL>(wParam));
-        }
-        refresh();
+        enable(static_cast<BOOL>(wParam));
         return 0;
     case WM_DESTROY:
         m_open = false;
@@ -153,6 +147,22 @@ void ComboBox::makeList()
                              window(), reinterpret_cast<void *>(static_cast<LONG_PTR>(listId)), nullptr, nullptr);
 }
 
+void ComboBox::enable(BOOL enabled)
+{
+    const HWND self = window();
+    close(End::Cancelled);
+    if (IsWindow(self) == FALSE)
+    {
+        return;
+    }
+    EnableWindow(m_list, enabled);
+    if (hasEdit())
+    {
+        EnableWindow(m_edit, enabled);
+    }
+    refresh();
+}
+
 void ComboBox::setFontOfParts(LPARAM redraw)
 {
     const auto font = static_cast<WPARAM>(takeCommon(WM_GETFONT, 0, 0));
@@ -209,7 +219,13 @@ void ComboBox::layOut()
     if (!drops())
     {
         // One line between the two.
-        MoveWindow(m_list, 0, height - line, all.right, std::max<int>(all.bottom - height + line, 0), TRUE);
+        int rows = std::max<int>(all.bottom - height + line, 0);
+        if ((style() & CBS_NOINTEGRALHEIGHT) == 0)
+        {
+            const auto row = static_cast<int>(toList(LB_GETITEMHEIGHT));
+            rows = std::max((rows - 2 * line) / row, 1) * row + 2 * line;
+        }
+        MoveWindow(m_list, 0, height - line, all.right, rows, TRUE);
     }
     else if (!m_open)
     {

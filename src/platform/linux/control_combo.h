@@ -81,6 +81,7 @@ class ComboBox final : public Control
     void create(const CREATESTRUCTW &creation);
     void makeEdit(const WCHAR *text);
     void makeList();
+    void enable(BOOL enabled);
     void setFontOfParts(LPARAM redraw);
     void takeSize();
     void layOut();
@@ -123,6 +124,7 @@ class ComboBox final : public Control
     bool takeOpenKey(int key);
     bool takeClosedKey(int key);
     void move(int key);
+    bool moveWithoutEdit(int key);
     void takePen(POINT point);
     void takeEditChange(WORD code);
     void followText();
@@ -143,6 +145,7 @@ class ComboBox final : public Control
     int m_before = -1; ///< chosen when the list was opened, and the text then
     std::u16string m_textBefore;
     bool m_open = false;
+    bool m_opening = false; ///< the host is filling the list
     bool m_moved = false; ///< keys have gone to another row of the open list
     bool m_extended = false;
     bool m_inside = false; ///< has the focus

@@ -152,11 +152,7 @@ bool ComboBox::takeOpenKey(int key)
     case VK_END:
     case VK_LEFT:
     case VK_RIGHT:
-        if (!hasEdit())
-        {
-            move(key);
-        }
-        return !hasEdit();
+        return moveWithoutEdit(key);
     default:
         return false;
     }
@@ -196,11 +192,7 @@ bool ComboBox::takeClosedKey(int key)
     case VK_END:
     case VK_LEFT:
     case VK_RIGHT:
-        if (!hasEdit())
-        {
-            move(key);
-        }
-        return !hasEdit();
+        return moveWithoutEdit(key);
     default:
         return false;
     }
@@ -210,6 +202,17 @@ void ComboBox::move(int key)
 {
     layOut(); // a page is what the list would show
     list()->takeComboKey(key);
+}
+
+/// False, and nothing done, where the key is the edit's.
+bool ComboBox::moveWithoutEdit(int key)
+{
+    const bool isEdits = hasEdit();
+    if (!isEdits)
+    {
+        move(key);
+    }
+    return !isEdits;
 }
 
 // --- Pen and focus -----------------------------------------------------------------------------------------------------
@@ -358,7 +361,7 @@ void ComboBox::rowChosen()
 void ComboBox::open(bool pressed)
 {
     const HWND self = window();
-    if (!drops() || m_open)
+    if (!drops() || m_open || m_opening)
     {
         return;
     }
@@ -366,9 +369,19 @@ void ComboBox::open(bool pressed)
     {
         SetFocus(self);
     }
-    if (IsWindow(self) == FALSE || !m_inside || !tellAlive(CBN_DROPDOWN) || !m_inside)
+    if (IsWindow(self) == FALSE || !m_inside)
     {
         return;
+    }
+    m_opening = true;
+    if (!tellAlive(CBN_DROPDOWN))
+    {
+        return;
+    }
+    m_opening = false;
+    if (!m_inside)
+    {
+        return; // the host has sent the focus elsewhere
     }
     m_before = current();
     m_moved = false;

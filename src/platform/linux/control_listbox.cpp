@@ -18,6 +18,12 @@ int compare(std::u16string_view a, std::u16string_view b)
            CSTR_EQUAL;
 }
 
+void drawFocus(HDC context, RECT box)
+{
+    InflateRect(&box, -scaledPixels(1), -scaledPixels(1));
+    DrawFocusRect(context, &box);
+}
+
 /// A row or place of a message: 32 bits with a sign.
 int numberOf(WPARAM value)
 {
@@ -514,15 +520,18 @@ void ListBox::draw(HDC context)
         }
         SetTextColor(context, chosen && isEnabled() ? GetSysColor(COLOR_HIGHLIGHTTEXT) : ink);
         RECT text = box;
-        InflateRect(&text, -scaledPixels(4), 0);
+        InflateRect(&text, -scaledPixels(3), 0); // as in fields above it
         const std::u16string &shown = item(row).text;
         DrawTextW(context, shown.c_str(), static_cast<int>(shown.size()), &text,
                   DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
         if (hasFocus() && row == m_caret)
         {
-            InflateRect(&box, -scaledPixels(1), -scaledPixels(1));
-            DrawFocusRect(context, &box);
+            drawFocus(context, box);
         }
+    }
+    if (hasFocus() && m_items.empty())
+    {
+        drawFocus(context, rowBox(0)); // where the keys are must be seen of an empty list, too
     }
 }
 

@@ -639,6 +639,7 @@ class TabControl final : public Control
         if (chosen && hasFocus())
         {
             RECT focus = box;
+            focus.right -= line;
             InflateRect(&focus, -scaledPixels(3), -scaledPixels(4));
             DrawFocusRect(context, &focus);
         }

@@ -136,6 +136,13 @@ void paintFrame(HWND window)
         look.layout = layoutOf(*object);
         std::copy(std::begin(object->bars), std::end(object->bars), look.bars);
     }
+    if ((object->style.load() & static_cast<LONG_PTR>(WS_DISABLED)) != 0)
+    {
+        for (ScrollBar &bar : look.bars)
+        {
+            bar.disabled = true;
+        }
+    }
     const HDC context = GetWindowDC(window);
     if (context == nullptr)
     {
