@@ -63,10 +63,6 @@ constexpr UINT INDEXTOSTATEIMAGEMASK(UINT index)
 {
     return index << 12U;
 }
-/// As a text: the parent is asked for it each time, with LVN_GETDISPINFOW.
-inline WCHAR *const LPSTR_TEXTCALLBACKW = reinterpret_cast<WCHAR *>(static_cast<LONG_PTR>(-1));
-inline constexpr int I_IMAGECALLBACK = -1; ///< the same for the picture
-inline constexpr int I_IMAGENONE = -2;
 
 struct LVITEMW
 {

@@ -38,3 +38,8 @@ inline constexpr LRESULT CDRF_NOTIFYSUBITEMDRAW = 0x20;
 inline constexpr UINT CDIS_SELECTED = 0x01;
 inline constexpr UINT CDIS_DISABLED = 0x04;
 inline constexpr UINT CDIS_FOCUS = 0x10;
+
+// Texts and pictures that the parent knows: list view and tree view ask for them each time, by their ..._GETDISPINFOW.
+inline WCHAR *const LPSTR_TEXTCALLBACKW = reinterpret_cast<WCHAR *>(static_cast<LONG_PTR>(-1));
+inline constexpr int I_IMAGECALLBACK = -1;
+inline constexpr int I_IMAGENONE = -2;

@@ -146,6 +146,7 @@ void registerSystemClasses()
                        registerListBox();
                        registerListView();
                        registerDatePicker();
+                       registerTreeView();
                        registerComboBox();
                        registerScrollBar();
                        registerTabControl();

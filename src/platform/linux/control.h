@@ -178,6 +178,7 @@ void registerEdit();
 void registerListBox();
 void registerListView();
 void registerDatePicker();
+void registerTreeView();
 void registerComboBox();
 void registerScrollBar();
 void registerTabControl();

@@ -1,5 +1,6 @@
 // Rows of a list view: what they hold, their states, finding and sorting them.
 #include "platform/linux/control_listview.h"
+#include "platform/linux/merge_rows.h"
 
 #include <algorithm>
 #include <utility>
@@ -9,29 +10,6 @@ namespace zb::internal
 namespace
 {
 constexpr UINT ownStates = LVIS_FOCUSED | LVIS_SELECTED;
-
-/// Merges in rounds. A foreign order may contradict itself; this one then gives some order and ends.
-template <typename Row, typename Compare>
-void sortRows(std::vector<Row> &rows, Compare compare)
-{
-    std::vector<Row> merged(rows.size());
-    for (std::size_t width = 1; width < rows.size(); width *= 2)
-    {
-        for (std::size_t first = 0; first < rows.size(); first += 2 * width)
-        {
-            std::size_t one = first;
-            const std::size_t middle = std::min(first + width, rows.size());
-            std::size_t other = middle;
-            const std::size_t last = std::min(first + 2 * width, rows.size());
-            for (std::size_t to = first; to < last; ++to)
-            {
-                const bool takesOther = other < last && (one == middle || compare(rows[one], rows[other]) > 0);
-                merged[to] = rows[takesOther ? other++ : one++];
-            }
-        }
-        rows.swap(merged);
-    }
-}
 } // namespace
 
 NMLISTVIEW ListView::about(int row) const
@@ -511,11 +489,11 @@ bool ListView::sort(PFNLVCOMPARE compare, LPARAM user, bool byNumber)
         order[i] = static_cast<int>(i);
     }
     m_sorting = true;
-    sortRows(order,
-             [&](int one, int other)
-             {
-                 return byNumber ? compare(one, other, user) : compare(item(one).data, item(other).data, user);
-             });
+    mergeRows(order,
+              [&](int one, int other)
+              {
+                  return byNumber ? compare(one, other, user) : compare(item(one).data, item(other).data, user);
+              });
     m_sorting = false;
     std::deque<std::unique_ptr<Item>> sorted;
     int focus = -1;
