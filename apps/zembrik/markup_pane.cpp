@@ -12,6 +12,7 @@ namespace
 constexpr int margin = 8;    // at 96 dots an inch
 constexpr int focusMark = 3; // width of the stripe at the left
 constexpr int lineStep = 16;
+constexpr int widest = 300;   // of a line: what stands at its right end still belongs to what stands at its left
 constexpr int tallest = 32000;
 constexpr int wheelStep = 120;
 
@@ -20,6 +21,11 @@ void parse(CHTMLParser &parser, const std::u16string &markup)
     parser.SetFontQuality(ANTIALIASED_QUALITY);
     parser.SetHTML(markup.c_str());
     parser.ParseHTML(nullptr);
+}
+
+int lineWidth(int paneWidth)
+{
+    return std::clamp(paneWidth - 2 * HIDPI_SCALEX(margin), 1, HIDPI_SCALEX(widest));
 }
 
 SCROLLINFO barOf(HWND window, UINT mask)
@@ -52,7 +58,7 @@ int MarkupPane::contentHeight(int width) const
     CHTMLParser parser;
     parse(parser, m_markup);
     const HDC hdc = GetDC(m_hWnd);
-    RECT box{0, 0, std::max(width - 2 * HIDPI_SCALEX(margin), 1), tallest};
+    RECT box{0, 0, lineWidth(width), tallest};
     MeasureHTML(hdc, &box, 0, &parser);
     ReleaseDC(m_hWnd, hdc);
     return box.bottom + 2 * HIDPI_SCALEY(margin);
@@ -126,7 +132,7 @@ void MarkupPane::draw(HDC hdc, const RECT &client) const
     parse(parser, m_markup);
     const int side = HIDPI_SCALEX(margin);
     const int top = HIDPI_SCALEY(margin) - barOf(m_hWnd, SIF_POS).nPos;
-    RECT box{side, top, std::max<LONG>(client.right - side, side + 1), top + tallest};
+    RECT box{side, top, side + lineWidth(client.right), top + tallest};
     DrawHTML(hdc, &box, 0, &parser, nullptr, 0);
     if (GetFocus() == m_hWnd)
     {

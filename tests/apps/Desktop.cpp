@@ -7,6 +7,7 @@
 #include <csignal>
 #include <thread>
 
+#include <X11/Xlib.h>
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/wait.h>
@@ -56,8 +57,8 @@ Desktop::Desktop()
         const int nowhere = ::open("/dev/null", O_RDWR);
         ::dup2(nowhere, STDOUT_FILENO);
         ::dup2(nowhere, STDERR_FILENO);
-        ::execlp("Xvfb", "Xvfb", "-displayfd", "3", "-screen", "0", "800x700x24", "-fbdir", folder.c_str(), "-nolisten",
-                 "tcp", static_cast<char *>(nullptr));
+        ::execlp("Xvfb", "Xvfb", "-displayfd", "3", "-screen", "0", "800x700x24", "-fbdir", folder.c_str(),
+                 "-noreset", "-nolisten", "tcp", static_cast<char *>(nullptr));
         ::_exit(127);
     }
     ::close(ends[1]);
@@ -102,6 +103,51 @@ bool Desktop::act(const std::vector<std::string> &words) const
     ProgramOptions options;
     options.environment["DISPLAY"] = m_display;
     return runProgram("/usr/bin/xdotool", words, options).exitCode == 0;
+}
+
+bool Desktop::closeWindows() const
+{
+    ::Display *const display = XOpenDisplay(m_display.c_str());
+    ::Window root = 0;
+    ::Window parent = 0;
+    ::Window *windows = nullptr;
+    unsigned count = 0;
+    int told = 0;
+    XQueryTree(display, DefaultRootWindow(display), &root, &parent, &windows, &count);
+    for (unsigned n = 0; n < count; ++n)
+    {
+        XWindowAttributes looks{};
+        XGetWindowAttributes(display, windows[n], &looks);
+        XEvent event{};
+        event.xclient.type = ClientMessage;
+        event.xclient.window = windows[n];
+        event.xclient.message_type = XInternAtom(display, "WM_PROTOCOLS", 0);
+        event.xclient.format = 32;
+        event.xclient.data.l[0] = static_cast<long>(XInternAtom(display, "WM_DELETE_WINDOW", 0));
+        if (looks.map_state == IsViewable)
+        {
+            told += XSendEvent(display, windows[n], 0, NoEventMask, &event) != 0 ? 1 : 0;
+        }
+    }
+    XFree(windows);
+    XCloseDisplay(display);
+    return told > 0;
+}
+
+std::string Desktop::clipboard() const
+{
+    ProgramOptions options;
+    options.environment["DISPLAY"] = m_display;
+    return runProgram("/usr/bin/xclip", {"-selection", "clipboard", "-o"}, options).out;
+}
+
+void Desktop::setClipboard(const std::string &text) const
+{
+    ProgramOptions options;
+    options.environment["DISPLAY"] = m_display;
+    options.input = text;
+    // It stays in the background for as long as it owns the clipboard, and ends with the desktop.
+    runProgram("/usr/bin/xclip", {"-selection", "clipboard", "-i"}, options);
 }
 
 bool eventually(const std::function<bool()> &condition)

@@ -34,6 +34,11 @@ class Desktop
     Picture shot(int left, int top, int width, int height) const;
     /// Runs xdotool with these words; whether it went well.
     bool act(const std::vector<std::string> &words) const;
+    /// What a window's close button does, to every window there; false when there is none.
+    bool closeWindows() const;
+    /// The desktop's clipboard.
+    std::string clipboard() const;
+    void setClipboard(const std::string &text) const;
 
   private:
     TemporaryFolder m_folder;

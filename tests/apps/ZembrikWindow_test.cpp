@@ -1,12 +1,11 @@
 // zembrik in a window of a desktop: the same pixels as without one, fed by mouse, keys and the window's own size.
-#include "apps/Desktop.h"
+#include "apps/DesktopFixture.h"
 #include "apps/ZembrikScreens.h"
 
 #include <future>
 
 namespace
 {
-using zb::test::Desktop;
 using zb::test::eventually;
 using zb::test::Picture;
 using zb::test::ProgramResult;
@@ -17,27 +16,9 @@ constexpr int height = 320;
 constexpr int left = (800 - width) / 2;
 constexpr int top = (700 - height) / 2;
 
-class ZembrikWindow : public zb::test::ZembrikTest
+class ZembrikWindow : public zb::test::WithDesktop<zb::test::ZembrikTest>
 {
   protected:
-    void SetUp() override
-    {
-        ASSERT_TRUE(desktop().isRunning()) << "Xvfb is needed (tools/prepare.sh names it)";
-    }
-    static void TearDownTestSuite()
-    {
-        held().reset();
-    }
-    /// One for all tests.
-    static Desktop &desktop()
-    {
-        if (held() == nullptr)
-        {
-            held() = std::make_unique<Desktop>();
-        }
-        return *held();
-    }
-
     /// What the screen shows behind these lines, without a window.
     Picture headless(const std::string &lines) const
     {
@@ -73,13 +54,6 @@ class ZembrikWindow : public zb::test::ZembrikTest
         const ProgramResult result = running.get();
         EXPECT_EQ(result.exitCode, 0) << result.err;
         EXPECT_EQ(result.err, "");
-    }
-
-  private:
-    static std::unique_ptr<Desktop> &held()
-    {
-        static std::unique_ptr<Desktop> desktop;
-        return desktop;
     }
 };
 } // namespace
@@ -153,6 +127,18 @@ TEST_F(ZembrikWindow, TheScreenTakesTheWindowsSizeAndTheWindowTheScreens)
         << "the window ends where the screen does";
     press("ctrl+q");
     expectEnd(rotated);
+}
+
+TEST_F(ZembrikWindow, ClosingItLeavesABoxFirstAndThenEndsIt)
+{
+    const Picture plain = headless("");
+    const Picture about = headless("key F2\nkey A");
+    auto running = start("key F2\nkey A\n");
+    ASSERT_TRUE(shows(about));
+    ASSERT_TRUE(desktop().closeWindows());
+    EXPECT_TRUE(shows(plain));
+    ASSERT_TRUE(desktop().closeWindows());
+    expectEnd(running);
 }
 
 TEST_F(ZembrikWindow, AScriptPlaysInItAndMayEndIt)

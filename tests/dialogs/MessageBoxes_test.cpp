@@ -452,3 +452,43 @@ TEST_F(MessageBoxes, TheArrayOfAListHoldsItsFirstEntryAlone)
     CleanupMRUStrings(&strings, count);
     CleanupMRUStrings(&strings, 0);
 }
+
+TEST(MessageBoxesOfNarrowScreens, QuestionsAndTheirButtonsStayInside)
+{
+    zb::DeviceOptions options;
+    options.screen = {240, 320, 96};
+    const zb::test::TestDevice device(options);
+    struct Place
+    {
+        RECT dialog{};
+        RECT buttons[3]{};
+    };
+    static Place place;
+    SetTimer(nullptr, 0, 1,
+             [](HWND, UINT, UINT_PTR id, DWORD)
+             {
+                 if (const HWND dialog = GetForegroundWindow())
+                 {
+                     KillTimer(nullptr, id);
+                     GetWindowRect(dialog, &place.dialog);
+                     for (int n = 0; n < 3; ++n)
+                     {
+                         GetWindowRect(GetDlgItem(dialog, 1001 + n), &place.buttons[n]);
+                     }
+                     SendMessageW(dialog, WM_CLOSE, 0, 0);
+                 }
+             });
+    CKelvoMBox::MakeKelvoMBox(nullptr, u"Some words that need more than one line on a screen as narrow as this one", u"Title",
+                              u"Every one of them", u"Only this one", u"None of them", nullptr);
+    EXPECT_GE(place.dialog.left, 0);
+    EXPECT_LE(place.dialog.right, 240);
+    EXPECT_GT(place.dialog.right - place.dialog.left, 200);
+    LONG end = place.dialog.left;
+    for (const RECT &button : place.buttons)
+    {
+        EXPECT_GE(button.left, end);
+        EXPECT_GT(button.right - button.left, 40);
+        end = button.right;
+    }
+    EXPECT_LE(end, place.dialog.right);
+}

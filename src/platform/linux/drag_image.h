@@ -10,4 +10,6 @@ HIMAGELIST listOfOne(HIMAGELIST list, int index);
 /// Draws the dragged picture, where one is shown, on a copy of the screen: whoever brings the screen to somebody's eyes
 /// does so last, and never on the screen's own surface. Any thread.
 void drawDragged(HDC screenCopy);
+/// Whether drawDragged would draw.
+bool isDragShown();
 } // namespace zb::internal

@@ -1,6 +1,7 @@
 // Drags of pictures: kept beside the screen and drawn on what is shown of it, never on the screen itself.
 #include "platform/kernel.h"
 #include "platform/linux/drag_image.h"
+#include "platform/linux/screen_link.h"
 #include "platform/user.h"
 
 #include <mutex>
@@ -36,12 +37,15 @@ POINT cornerOf(const Drag &drag)
 template <typename Change>
 BOOL changeDrag(Change change)
 {
-    const std::lock_guard guard(theLock);
-    if (theDrag.list == nullptr)
     {
-        return FALSE;
+        const std::lock_guard guard(theLock);
+        if (theDrag.list == nullptr)
+        {
+            return FALSE;
+        }
+        change(theDrag);
     }
-    change(theDrag);
+    screenOverlaid();
     return TRUE;
 }
 } // namespace
@@ -54,6 +58,12 @@ void zb::internal::drawDragged(HDC screenCopy)
         const POINT corner = cornerOf(theDrag);
         ImageList_Draw(theDrag.list, 0, screenCopy, corner.x, corner.y, ILD_TRANSPARENT);
     }
+}
+
+bool zb::internal::isDragShown()
+{
+    const std::lock_guard guard(theLock);
+    return theDrag.list != nullptr && theDrag.shown;
 }
 
 BOOL ImageList_BeginDrag(HIMAGELIST list, int index, int hotSpotX, int hotSpotY)
@@ -69,11 +79,14 @@ BOOL ImageList_BeginDrag(HIMAGELIST list, int index, int hotSpotX, int hotSpotY)
 
 void ImageList_EndDrag()
 {
-    const std::lock_guard guard(theLock);
-    if (const HIMAGELIST list = std::exchange(theDrag, Drag{}).list; list != nullptr)
     {
-        ImageList_Destroy(list);
+        const std::lock_guard guard(theLock);
+        if (const HIMAGELIST list = std::exchange(theDrag, Drag{}).list; list != nullptr)
+        {
+            ImageList_Destroy(list);
+        }
     }
+    screenOverlaid();
 }
 
 BOOL ImageList_DragEnter(HWND window, int x, int y)

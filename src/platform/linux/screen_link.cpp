@@ -8,6 +8,7 @@
 #include "platform/dialog.h"
 #include "platform/linux/beside.h"
 #include "platform/linux/device_context.h"
+#include "platform/linux/drag_image.h"
 #include "platform/linux/input_state.h"
 #include "platform/linux/screen_copy.h"
 #include "platform/screen.h"
@@ -163,6 +164,7 @@ class ScreenLink final : public ScreenWindow, public ScreenPlatform
     }
 
     void drawn(const Surface &surface, const Region &region);
+    void overlaid();
     void sizeChanged(int width, int height);
     void focusMoves()
     {
@@ -198,17 +200,22 @@ class ScreenLink final : public ScreenWindow, public ScreenPlatform
 std::mutex linkLock;
 std::atomic<ScreenLink *> theLink{nullptr};
 
+/// This thread is telling it already: what it draws for that is no news.
+thread_local bool isTelling = false;
+
 template <typename Call>
 void withLink(Call call)
 {
-    if (theLink.load(std::memory_order_relaxed) == nullptr)
+    if (theLink.load(std::memory_order_relaxed) == nullptr || isTelling)
     {
         return;
     }
     const std::lock_guard guard(linkLock);
     if (ScreenLink *link = theLink.load())
     {
+        isTelling = true;
         call(*link);
+        isTelling = false;
     }
 }
 
@@ -291,10 +298,26 @@ ScreenWishes ScreenLink::takeWishes()
 
 void ScreenLink::drawn(const Surface &surface, const Region &region)
 {
-    if (m_copy.take(surface, region))
+    if (isDragShown())
+    {
+        overlaid();
+    }
+    else if (m_copy.take(surface, region))
     {
         wake();
     }
+}
+
+/// The whole screen with what is dragged over it.
+void ScreenLink::overlaid()
+{
+    const HBITMAP shown = captureScreen();
+    if (const auto bitmap = findAs<BitmapObject>(shown, HandleKind::Bitmap);
+        bitmap != nullptr && m_copy.take(*bitmap->surface(), Region(bitmap->surface()->bounds())))
+    {
+        wake();
+    }
+    DeleteObject(shown);
 }
 
 void ScreenLink::sizeChanged(int width, int height)
@@ -434,6 +457,11 @@ void screenDrawn(const Surface &surface, const Region &region)
                 link.drawn(surface, region);
             }
         });
+}
+
+void screenOverlaid()
+{
+    withLink([](ScreenLink &link) { link.overlaid(); });
 }
 
 void screenResized(int width, int height)

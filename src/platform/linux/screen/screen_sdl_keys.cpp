@@ -112,8 +112,13 @@ char16_t keyCharacter(const SDL_Keysym &key, bool editing)
     {
         return 0;
     }
-    const bool capital = ((key.mod & KMOD_SHIFT) != 0) != ((key.mod & KMOD_CAPS) != 0);
+    const bool shift = (key.mod & KMOD_SHIFT) != 0;
+    const bool capital = shift != ((key.mod & KMOD_CAPS) != 0);
     const bool isLetter = key.sym >= SDLK_a && key.sym <= SDLK_z;
+    if (shift && !isLetter && key.sym != SDLK_SPACE)
+    {
+        return 0; // what that types only the layout of the keys knows
+    }
     return static_cast<char16_t>(isLetter && capital ? key.sym - SDLK_a + 'A' : key.sym);
 }
 } // namespace zb::internal
