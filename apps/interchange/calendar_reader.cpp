@@ -177,6 +177,8 @@ void CalendarComponent::clear()
     line = 0;
     unended = false;
     hasAlarm = false;
+    alarmTrigger.clear();
+    alarmParameters.clear();
     oversized = false;
     zoneId.clear();
     repetition.clear();
@@ -395,6 +397,12 @@ void CalendarReader::readComponent(CalendarComponent &component)
         {
             takeEventLine(component);
             takeFurtherLine(component);
+        }
+        else if (m_parts.name == "TRIGGER" && m_deeper == 0 && !m_inner.empty() && m_inner.back() == "VALARM" &&
+                 component.alarmTrigger.empty())
+        {
+            component.alarmTrigger = m_parts.value.substr(0, longestName);
+            component.alarmParameters = m_parts.parameters.substr(0, longestName);
         }
     }
     torn(&component);

@@ -86,6 +86,9 @@ class CalendarComponent
     std::size_t line = 0; ///< of its BEGIN
     bool unended = false; ///< its END is missing
     bool hasAlarm = false;
+    /// The trigger of its first alarm that has one, and the parameters of that.
+    std::string alarmTrigger;
+    std::string alarmParameters;
     std::string zoneId;     ///< TZID of a zone definition
     bool oversized = false; ///< a zone definition with more rules than any real one, an event with more repetition
     /// All lines of an event that tell its repetition.

@@ -1,5 +1,6 @@
 #include "interchange/event_item.h"
 
+#include "interchange/alarm_lead.h"
 #include "interchange/calendar_text.h"
 #include "interchange/event_times.h"
 #include "platform/text.h"
@@ -50,6 +51,7 @@ class EventBuilder
         // A class that is not known must be taken as private.
         item.isPrivate = m_event.has(EventField::Class) && !m_event.says(EventField::Class, "PUBLIC");
         item.reminder = m_event.hasAlarm;
+        item.reminderMinutes = alarmLead(m_event, m_times);
         return item;
     }
 

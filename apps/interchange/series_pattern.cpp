@@ -302,7 +302,7 @@ class Planner
         const CalendarComponent &event = *change.event;
         const AppointmentItem &own = m_series.item;
         return (!event.has(EventField::Class) || change.item.isPrivate == own.isPrivate) &&
-               (!change.item.reminder || own.reminder) &&
+               (!change.item.reminder || (own.reminder && change.item.reminderMinutes == own.reminderMinutes)) &&
                (!event.has(EventField::Description) || change.item.notes == own.notes);
     }
 

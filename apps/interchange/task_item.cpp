@@ -1,5 +1,6 @@
 #include "interchange/task_item.h"
 
+#include "interchange/alarm_lead.h"
 #include "interchange/calendar_text.h"
 #include "interchange/event_item.h"
 #include "interchange/event_times.h"
@@ -61,6 +62,7 @@ class TaskReader
         item.interchangeId = identity();
         item.start = day(m_task.rawValue(EventField::Start), m_task.parameter(EventField::Start, "TZID"),
                          m_task.lineOf(EventField::Start), "start");
+        m_start = item.start ? std::optional(m_wall) : std::nullopt;
         loseTime();
         // A class that is not known must be taken as private.
         item.isPrivate = m_task.has(EventField::Class) && !m_task.says(EventField::Class, "PUBLIC");
@@ -68,6 +70,7 @@ class TaskReader
         readMore(item);
         readCompletion(item);
         dropTemplateDay(item);
+        item.reminderMinutes = item.due ? alarmLead(m_task, m_start, m_due) : std::nullopt;
         noteLost();
         m_reading.repeats = m_task.repeats();
         if (item.subject.empty() && item.notes.empty() && !item.start && !item.due)
@@ -107,6 +110,7 @@ class TaskReader
             {
                 item.due = day(line.value, parameterOf(line.parameters, "TZID"), line.line, "due date");
                 m_dueLine = line.line;
+                m_due = m_wall;
                 loseTime();
             }
             else if (line.name == "COMPLETED" && !item.completed)
@@ -200,6 +204,7 @@ class TaskReader
         {
             ticks += m_zones.device().offsetMinutes(fileTimeOf(ticks)) * ticksPerMinute;
         }
+        m_wall = std::max<LONGLONG>(ticks, 0);
         m_hasTime = ticks % ticksPerDay != 0;
         return fileTimeOf(std::max<LONGLONG>(ticks, 0) / ticksPerDay * ticksPerDay);
     }
@@ -238,6 +243,9 @@ class TaskReader
     TaskReading &m_reading;
     std::size_t m_dueLine = 0;
     bool m_hasTime = false;
+    LONGLONG m_wall = 0; ///< of the day that was read last, by the device's clock
+    LONGLONG m_due = 0;
+    std::optional<LONGLONG> m_start;
     int m_percent = 0;
 };
 } // namespace

@@ -135,6 +135,8 @@ struct AppointmentItem
     BusyStatus busy = BusyStatus::Busy;
     bool isPrivate = false;
     bool reminder = false;
+    /// Minutes from the reminder to the start; nothing: those that the record tells stay, else it is the usual quarter.
+    std::optional<LONG> reminderMinutes;
     /// Bit set of category ids; empty: those of a changed record stay.
     std::vector<BYTE> categories;
     /// Series: the pattern (encodeRecurrence in pim_recurrence.h), empty for a single appointment. The start of an
@@ -167,6 +169,8 @@ struct TaskItem
     TaskImportance importance = TaskImportance::Normal;
     bool isPrivate = false;
     bool reminder = false;
+    /// Minutes from the reminder to midnight of the due date; nothing: what the record tells stays.
+    std::optional<LONG> reminderMinutes;
 };
 
 struct PostalAddress

@@ -317,15 +317,15 @@ TEST_F(Alarmd, AnImportedEventReminds)
                                        "BEGIN:VCALENDAR\r\nVERSION:2.0\r\nPRODID:-//t//t//EN\r\nBEGIN:VEVENT\r\n"
                                        "UID:1@t\r\nDTSTAMP:20260301T000000Z\r\nDTSTART:20260302T120000Z\r\n"
                                        "DTEND:20260302T130000Z\r\nSUMMARY:Lunch\r\nBEGIN:VALARM\r\nACTION:DISPLAY\r\n"
-                                       "DESCRIPTION:x\r\nTRIGGER:-PT15M\r\nEND:VALARM\r\nEND:VEVENT\r\n"
+                                       "DESCRIPTION:x\r\nTRIGGER:-PT1H\r\nEND:VALARM\r\nEND:VEVENT\r\n"
                                        "END:VCALENDAR\r\n");
     device.close();
     ASSERT_EQ(runZb({"--device", device.path().string(), "import", file}).exitCode, 0);
     const std::vector<std::string> tell = {"--tell-with", (device.files() / "Windows/sink.exe").string()};
-    EXPECT_EQ(once(tell, "2026-03-02T11:44:59Z"), 0);
-    EXPECT_EQ(once(tell, "2026-03-02T11:45:00Z"), 0);
+    EXPECT_EQ(once(tell, "2026-03-02T10:59:59Z"), 0);
+    EXPECT_EQ(once(tell, "2026-03-02T11:00:00Z"), 0);
     EXPECT_EQ(linesOnceThere(1), std::vector<std::string>{"<Lunch><3/2/26 1:00 PM>"});
-    EXPECT_EQ(once(tell, "2026-03-02T11:46:00Z"), 0);
+    EXPECT_EQ(once(tell, "2026-03-02T11:45:00Z"), 0);
     EXPECT_EQ(lines().size(), 1U);
 }
 } // namespace

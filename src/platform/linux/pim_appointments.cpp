@@ -38,6 +38,10 @@ RecordProperties encodeAppointment(const AppointmentItem &item)
     RecordProperties record;
     setTimes(record, item);
     record.set(appointmentReminderSet, static_cast<SHORT>(item.reminder ? 1 : 0));
+    if (item.reminder && item.reminderMinutes)
+    {
+        record.set(itemReminderMinutes, *item.reminderMinutes);
+    }
     record.set(appointmentRecurringFlag, static_cast<SHORT>(item.recurrence.empty() && !item.partOfSeries ? 0 : 1));
     record.set(itemSensitivity, item.isPrivate ? sensitivityPrivate : SHORT{0});
     record.set(appointmentBusyStatus, static_cast<SHORT>(item.busy));

@@ -28,6 +28,10 @@ RecordProperties encodeTask(const TaskItem &item)
     record.set(taskImportance, static_cast<LONG>(item.importance));
     record.set(itemSensitivity, item.isPrivate ? sensitivityPrivate : SHORT{0});
     record.set(taskReminderSet, static_cast<SHORT>(item.reminder ? 1 : 0));
+    if (item.reminder && item.reminderMinutes)
+    {
+        record.set(itemReminderMinutes, *item.reminderMinutes);
+    }
     internal::setText(record, itemInterchangeId, item.interchangeId);
     internal::setBlob(record, itemNotes, encodeNotes(item.notes));
     return record;
