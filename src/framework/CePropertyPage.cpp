@@ -27,7 +27,8 @@ LONG_PTR CePropertyPage::PageProc(HWND hDlg, UINT uMsg, WPARAM wParam, LPARAM lP
     auto *pSelf = uMsg != WM_INITDIALOG
                       ? nullptr
                       : reinterpret_cast<CePropertyPage *>(reinterpret_cast<const PROPSHEETPAGEW *>(lParam)->lParam);
-    return DlgProc(hDlg, uMsg, wParam, pSelf == nullptr ? lParam : reinterpret_cast<LPARAM>(static_cast<CeBaseDialog *>(pSelf)));
+    return DlgProc(hDlg, uMsg, wParam,
+                   pSelf == nullptr ? lParam : reinterpret_cast<LPARAM>(static_cast<CeBaseDialog *>(pSelf)));
 }
 
 HWND CePropertyPage::GetSheet() const

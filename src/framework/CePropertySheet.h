@@ -20,8 +20,8 @@ class ZBTOOLS_API CePropertySheet : public CeWnd
     /// Pages stand in the order in which they are added; before DoModal alone.
     void AddPage(CePropertyPage *pPage);
     void RemoveAllPages();
-    /// Opens at a page, the first when there is no such one. 1 after OK, 2 after Cancel, also kept in m_nResult; -1 when
-    /// no page can be made. Without a parent it is the application's window.
+    /// Opens at a page, the first when there is no such one. 1 after OK, 2 after Cancel, also kept in m_nResult; -1
+    /// when no page can be made. Without a parent it is the application's window.
     LONG_PTR DoModal(HWND hParent = nullptr, UINT nStartPage = 0);
     /// Ends the sheet at once, as if by OK (1) or Cancel (2), without asking or telling any page.
     void EndSheet(LONG nResult);

@@ -1,14 +1,17 @@
 // Property sheets: dialogs on pages of one window, with a tab for each page.
 //
 // A sheet is modal and fills the screen: its title, the pages, their tabs at the bottom, and the menu bar with OK and
-// Cancel. A page is a dialog made of a template when it is shown first, as a child of the sheet (GetParent of the page);
-// the template's own frame and title count for nothing but the words of the tab.
+// Cancel. A page is a dialog made of a template when it is shown first, as a child of the sheet (GetParent of the
+// page); the template's own frame and title count for nothing but the words of the tab.
 //
 // Pages are told by WM_NOTIFY with a PSHNOTIFY and answer by DWL_MSGRESULT. Only pages that have been shown hear
 // anything.
-//   going to another page   PSN_KILLACTIVE to the shown one (true: it stays), then PSN_SETACTIVE to the next (0 shows it,
-//                           -1 the one behind it, or before when going back; any other number the page of that template)
-//   OK                      PSN_KILLACTIVE to the shown page, PSN_APPLY to all in their order. PSNRET_INVALID brings that
+//   going to another page   PSN_KILLACTIVE to the shown one (true: it stays), then PSN_SETACTIVE to the next (0 shows
+//   it,
+//                           -1 the one behind it, or before when going back; any other number the page of that
+//                           template)
+//   OK                      PSN_KILLACTIVE to the shown page, PSN_APPLY to all in their order. PSNRET_INVALID brings
+//   that
 //                           page back and keeps the sheet, PSNRET_INVALID_NOCHANGEPAGE keeps it as it is
 //   Cancel                  PSN_QUERYCANCEL to the shown page (true: the sheet stays), then PSN_RESET to all
 // OK is the left half of the menu bar, VK_F1, or Enter where no control wants it; Cancel the right half, VK_F2 or
@@ -89,7 +92,8 @@ struct PSHNOTIFY
 };
 
 // Messages to the sheet.
-inline constexpr UINT PSM_SETCURSEL = WM_USER + 101; ///< lParam a page's handle, or 0 and wParam its index; whether it shows
+inline constexpr UINT PSM_SETCURSEL =
+    WM_USER + 101; ///< lParam a page's handle, or 0 and wParam its index; whether it shows
 inline constexpr UINT PSM_REMOVEPAGE = WM_USER + 102; ///< likewise
 inline constexpr UINT PSM_ADDPAGE = WM_USER + 103;    ///< lParam a page's handle
 inline constexpr UINT PSM_CHANGED = WM_USER + 104;    ///< wParam the page's window

@@ -60,7 +60,8 @@ inline constexpr UINT TCM_GETCURFOCUS = TCM_FIRST + 47;
 inline constexpr UINT TCM_SETCURFOCUS = TCM_FIRST + 48; ///< as if the user chose it
 inline constexpr UINT TCM_GETITEMW = TCM_FIRST + 60;
 inline constexpr UINT TCM_SETITEMW = TCM_FIRST + 61;
-inline constexpr UINT TCM_INSERTITEMW = TCM_FIRST + 62; ///< before tab wParam, behind the last one for more; the first is chosen
+inline constexpr UINT TCM_INSERTITEMW =
+    TCM_FIRST + 62; ///< before tab wParam, behind the last one for more; the first is chosen
 
 inline constexpr UINT TCN_KEYDOWN = static_cast<UINT>(-550); ///< lParam an NMTCKEYDOWN
 inline constexpr UINT TCN_SELCHANGE = static_cast<UINT>(-551);

@@ -18,7 +18,8 @@ const WCHAR *const buttons = MAKEINTRESOURCEW(7);
 class Page : public CePropertyPage
 {
   public:
-    Page(std::string name, std::string &log, HINSTANCE module) : CePropertyPage(buttons, u"Title", module), m_name(std::move(name)), m_log(log)
+    Page(std::string name, std::string &log, HINSTANCE module)
+        : CePropertyPage(buttons, u"Title", module), m_name(std::move(name)), m_log(log)
     {
     }
     bool OnSetActive() override
@@ -123,8 +124,8 @@ class CePropertySheets : public ::testing::Test
 TEST_F(CePropertySheets, OkAppliesThePagesAndThenSaves)
 {
     EXPECT_EQ(run({expectHeard("B+ "), [this] { EXPECT_EQ(one.GetHwnd(), nullptr); },
-                   [this] { EXPECT_EQ(two.GetSheet(), sheet.GetHwnd()); }, [this] { EXPECT_TRUE(sheet.SetActivePage(0)); },
-                   expectHeard("B- A+ "), key(VK_F1)},
+                   [this] { EXPECT_EQ(two.GetSheet(), sheet.GetHwnd()); },
+                   [this] { EXPECT_TRUE(sheet.SetActivePage(0)); }, expectHeard("B- A+ "), key(VK_F1)},
                   1),
               1);
     EXPECT_EQ(log, "A- A! B! save ");
@@ -144,8 +145,8 @@ TEST_F(CePropertySheets, APageOrTheSheetMayRefuse)
 {
     EXPECT_EQ(run({expectHeard("A+ "), [this] { one.stays = true; }, [this] { EXPECT_FALSE(sheet.SetActivePage(1)); },
                    expectHeard("A- "), [this] { one.stays = false; }, [this] { one.refuses = true; }, key(VK_F1),
-                   expectHeard("A- A! A+ "), [this] { one.refuses = false; }, [this] { sheet.saves = false; }, key(VK_F1),
-                   expectHeard("A- A! save A+ "), [this] { sheet.saves = true; }, key(VK_F1)}),
+                   expectHeard("A- A! A+ "), [this] { one.refuses = false; }, [this] { sheet.saves = false; },
+                   key(VK_F1), expectHeard("A- A! save A+ "), [this] { sheet.saves = true; }, key(VK_F1)}),
               1);
     EXPECT_EQ(log, "A- A! save ");
 }

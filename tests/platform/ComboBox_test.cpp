@@ -345,7 +345,8 @@ TEST_F(ComboBoxes, ATapOnTheFieldOpensAndOneOnARowChooses)
     EXPECT_EQ(codes(), chosen);
     tap(30, 20);
     tap(60, yOfRow(1));
-    EXPECT_EQ(codes(), (Codes{CBN_DROPDOWN, CBN_SELENDOK, CBN_CLOSEUP, CBN_SELCHANGE})) << "told even when it is the same";
+    EXPECT_EQ(codes(), (Codes{CBN_DROPDOWN, CBN_SELENDOK, CBN_CLOSEUP, CBN_SELCHANGE}))
+        << "told even when it is the same";
 }
 
 TEST_F(ComboBoxes, OneStrokeOpensAndChooses)
@@ -505,9 +506,18 @@ TEST_F(ComboBoxes, AHostMayEndItInAnswer)
     };
     const std::tuple<WORD, DWORD, Steps> ways[] = {
         {CBN_DROPDOWN, CBS_DROPDOWN, [&] { go({VK_F4}); }},
-        {CBN_SELENDOK, CBS_DROPDOWN, [&] { go({VK_F4, VK_DOWN, VK_RETURN}); }},
-        {CBN_CLOSEUP, CBS_DROPDOWN, [&] { go({VK_F4, VK_ESCAPE}); }},
-        {CBN_SELCHANGE, CBS_DROPDOWN, [&] { go({VK_F4, VK_DOWN, VK_RETURN}); }},
+        {CBN_SELENDOK, CBS_DROPDOWN,
+         [&] {
+             go({VK_F4, VK_DOWN, VK_RETURN});
+         }},
+        {CBN_CLOSEUP, CBS_DROPDOWN,
+         [&] {
+             go({VK_F4, VK_ESCAPE});
+         }},
+        {CBN_SELCHANGE, CBS_DROPDOWN,
+         [&] {
+             go({VK_F4, VK_DOWN, VK_RETURN});
+         }},
         {CBN_SELCHANGE, CBS_DROPDOWNLIST, [&] { go({VK_END}); }},
         {CBN_SELENDOK, CBS_DROPDOWNLIST, [&] { type(u"c"); }},
         {CBN_SELCHANGE, CBS_SIMPLE, [&] { tap(60, yOfRow(2)); }},

@@ -30,10 +30,11 @@ class ControlPictures : public ::testing::TestWithParam<int>
             GTEST_SKIP() << "no DejaVu Sans here";
         }
         zb::DeviceOptions options;
-        options.screen = {dots(240), dots(width), GetParam()};
+        options.screen = {dots(240), dots(height), GetParam()};
         options.fonts.files = {facesFolder / "DejaVuSans.ttf", facesFolder / "DejaVuSans-Bold.ttf"};
         device = std::make_unique<TestDevice>(options);
-        sheet = std::make_unique<ScreenWindow>(RGB(255, 255, 255), WS_POPUP | WS_VISIBLE, 0, 0, dots(240), dots(width));
+        sheet =
+            std::make_unique<ScreenWindow>(RGB(255, 255, 255), WS_POPUP | WS_VISIBLE, 0, 0, dots(240), dots(height));
     }
     int dots(int pixels) const
     {
@@ -80,7 +81,7 @@ class ControlPictures : public ::testing::TestWithParam<int>
         EXPECT_TRUE(matchesPicture(whole, "control-" + name + "-" + std::to_string(GetParam())));
     }
 
-    static constexpr int width = 260;
+    static constexpr int height = 290;
     std::unique_ptr<TestDevice> device;
     std::unique_ptr<ScreenWindow> sheet;
     Picture whole;
@@ -159,14 +160,15 @@ TEST_P(ControlPictures, Edit)
     EnableWindow(make(u"EDIT", u"Disabled", WS_BORDER, 124, 64, 104, 22), FALSE);
     make(u"EDIT", u"Right", WS_BORDER | ES_RIGHT, 8, 92, 104, 22);
     make(u"EDIT", u"Centre", WS_BORDER | ES_CENTER, 124, 92, 104, 22);
-    const WCHAR *note = u"A note of several lines, wrapped at words.\r\n\r\nIt goes on below and has a bar to scroll it, "
-                        u"since it is longer than what can be seen of it here.";
+    const WCHAR *note =
+        u"A note of several lines, wrapped at words.\r\n\r\nIt goes on below and has a bar to scroll it, "
+        u"since it is longer than what can be seen of it here.";
     const HWND many = make(u"EDIT", note, WS_BORDER | ES_MULTILINE | WS_VSCROLL, 8, 122, 104, 84);
     SendMessageW(many, EM_SETSEL, 2, 20);
     make(u"EDIT", u"Short", WS_BORDER | ES_MULTILINE | WS_VSCROLL, 124, 122, 104, 40);
     EnableWindow(make(u"EDIT", note, WS_BORDER | ES_MULTILINE, 124, 168, 104, 38), FALSE);
-    make(u"EDIT", u"Lines that are\r\nnot wrapped but scrolled", WS_BORDER | ES_MULTILINE | WS_HSCROLL | WS_VSCROLL, 8, 212,
-         220, 44);
+    make(u"EDIT", u"Lines that are\r\nnot wrapped but scrolled", WS_BORDER | ES_MULTILINE | WS_HSCROLL | WS_VSCROLL, 8,
+         212, 220, 44);
     begin();
     SendMessageW(focused, EM_SETSEL, 4, 4);
     SendMessageW(scrolled, EM_SETSEL, 100, 100);
@@ -290,9 +292,20 @@ TEST_P(ControlPictures, Tabs)
     tabs(TCS_BOTTOM, 104, 2, {u"Appointment", u"Notes", u"Links", u"Log"});
     tabs(TCS_BOTTOM, 152, 3, {u"Appointment", u"Notes", u"Attendees", u"Categories", u"Links", u"Journal"});
     EnableWindow(tabs(TCS_BOTTOM, 200, 1, {u"Task", u"Notes", u"Links"}), FALSE);
+    const HWND pictures = tabs(TCS_BOTTOM, 216, 1, {u"Task", u"Repeats", u""});
+    MoveWindow(pictures, dots(8), dots(246), dots(222), dots(14 + 28), TRUE);
+    const HIMAGELIST images = ImageList_LoadImage(nullptr, MAKEINTRESOURCEW(207), 0, 0, CLR_NONE, IMAGE_BITMAP, 0);
+    ASSERT_NE(images, nullptr);
+    SendMessageW(pictures, TCM_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(images));
+    for (const int index : {1, 2})
+    {
+        const TCITEMW item{TCIF_IMAGE, 0, 0, nullptr, 0, 0, 0};
+        SendMessageW(pictures, TCM_SETITEMW, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(&item));
+    }
     begin();
     addFocused(focused);
     check("tabs");
+    ImageList_Destroy(images);
 }
 
 TEST_P(ControlPictures, PropertySheet)
@@ -303,7 +316,8 @@ TEST_P(ControlPictures, PropertySheet)
         .item(zb::DIALOG_STATIC, SS_LEFT, 6, 27, 36, 10, 0xFFFF, u"Priority:")
         .item(zb::DIALOG_COMBOBOX, WS_TABSTOP | CBS_DROPDOWNLIST, 44, 25, 84, 80, 11)
         .item(zb::DIALOG_BUTTON, WS_TABSTOP | BS_AUTOCHECKBOX, 44, 46, 84, 12, 12, u"Completed")
-        .item(zb::DIALOG_EDIT, WS_TABSTOP | WS_BORDER | ES_MULTILINE | WS_VSCROLL, 6, 64, 122, 90, 13, u"The page goes on below.");
+        .item(zb::DIALOG_EDIT, WS_TABSTOP | WS_BORDER | ES_MULTILINE | WS_VSCROLL, 6, 64, 122, 90, 13,
+              u"The page goes on below.");
     std::array<PROPSHEETPAGEW, 4> pages{};
     const WCHAR *titles[] = {u"Task", u"Notes", u"Categories", u"Links"};
     for (std::size_t i = 0; i < pages.size(); ++i)

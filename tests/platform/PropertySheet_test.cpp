@@ -51,7 +51,9 @@ class PropertySheets : public ::testing::Test
             page->test->log += page->name + "i ";
             if (page->answers[message] != 0)
             {
-                EXPECT_EQ(SendMessageW(page->test->sheet, PSM_SETCURSEL, static_cast<WPARAM>(page->answers[message]), 0), FALSE);
+                EXPECT_EQ(
+                    SendMessageW(page->test->sheet, PSM_SETCURSEL, static_cast<WPARAM>(page->answers[message]), 0),
+                    FALSE);
             }
             return 1;
         }
@@ -63,8 +65,11 @@ class PropertySheets : public ::testing::Test
         if (message == WM_NOTIFY)
         {
             const auto &told = *reinterpret_cast<const PSHNOTIFY *>(lParam);
-            static const std::map<UINT, std::string> marks = {
-                {PSN_SETACTIVE, "+"}, {PSN_KILLACTIVE, "-"}, {PSN_APPLY, "!"}, {PSN_QUERYCANCEL, "?"}, {PSN_RESET, "0"}};
+            static const std::map<UINT, std::string> marks = {{PSN_SETACTIVE, "+"},
+                                                              {PSN_KILLACTIVE, "-"},
+                                                              {PSN_APPLY, "!"},
+                                                              {PSN_QUERYCANCEL, "?"},
+                                                              {PSN_RESET, "0"}};
             EXPECT_EQ(told.hdr.hwndFrom, page->test->sheet);
             page->test->log += page->name + marks.at(told.hdr.code) + " ";
             SetWindowLongW(window, DWL_MSGRESULT, page->answers[told.hdr.code]);
@@ -196,9 +201,12 @@ TEST_F(PropertySheets, APageMayRefuse)
 {
     pages[0].answers[PSN_KILLACTIVE] = TRUE;
     pages[1].answers[PSN_APPLY] = PSNRET_INVALID;
-    EXPECT_EQ(run({then([this] { EXPECT_EQ(send(PSM_SETCURSEL, 1), FALSE); }), expectHeard("Ai A+ A- "),
-                   then([this] { SendMessageW(tabs(), TCM_SETCURFOCUS, 1, 0); }), expectHeard("A- "),
-                   then([this] { EXPECT_EQ(SendMessageW(tabs(), TCM_GETCURSEL, 0, 0), 0); }), key(VK_RETURN),
+    EXPECT_EQ(run({then([this] { EXPECT_EQ(send(PSM_SETCURSEL, 1), FALSE); }),
+                   expectHeard("Ai A+ A- "),
+                   then([this] { SendMessageW(tabs(), TCM_SETCURFOCUS, 1, 0); }),
+                   expectHeard("A- "),
+                   then([this] { EXPECT_EQ(SendMessageW(tabs(), TCM_GETCURSEL, 0, 0), 0); }),
+                   key(VK_RETURN),
                    expectHeard("A- "),
                    then(
                        [this]
@@ -208,11 +216,19 @@ TEST_F(PropertySheets, APageMayRefuse)
                            send(PSM_SETCURSEL, 0);
                            log.clear();
                        }),
-                   key(VK_RETURN), expectHeard("A- A! B! B+ "), then([this] { EXPECT_EQ(current(), pages[1].window); }),
+                   key(VK_RETURN),
+                   expectHeard("A- A! B! B+ "),
+                   then([this] { EXPECT_EQ(current(), pages[1].window); }),
                    then([this] { pages[1].answers[PSN_APPLY] = PSNRET_INVALID_NOCHANGEPAGE; }),
-                   then([this] { send(PSM_SETCURSEL, 0); }), expectHeard("B- A+ "), key(VK_RETURN),
-                   expectHeard("A- A! B! A+ "), then([this] { pages[0].answers[PSN_QUERYCANCEL] = TRUE; }), key(VK_ESCAPE),
-                   expectHeard("A? "), then([this] { pages[0].answers.clear(); }), key(VK_ESCAPE)}),
+                   then([this] { send(PSM_SETCURSEL, 0); }),
+                   expectHeard("B- A+ "),
+                   key(VK_RETURN),
+                   expectHeard("A- A! B! A+ "),
+                   then([this] { pages[0].answers[PSN_QUERYCANCEL] = TRUE; }),
+                   key(VK_ESCAPE),
+                   expectHeard("A? "),
+                   then([this] { pages[0].answers.clear(); }),
+                   key(VK_ESCAPE)}),
               0);
     EXPECT_EQ(log, "A? A0 B0 ");
 }
@@ -228,7 +244,9 @@ TEST_F(PropertySheets, APageMaySendOn)
 TEST_F(PropertySheets, APageThatIsBeingMadeCannotSendOn)
 {
     pages[1].answers[WM_INITDIALOG] = 2;
-    EXPECT_EQ(run({then([this] { EXPECT_EQ(send(PSM_SETCURSEL, 1), TRUE); }), expectHeard("Ai A+ A- Bi B+ "), key(VK_ESCAPE)}), 0);
+    EXPECT_EQ(run({then([this] { EXPECT_EQ(send(PSM_SETCURSEL, 1), TRUE); }), expectHeard("Ai A+ A- Bi B+ "),
+                   key(VK_ESCAPE)}),
+              0);
 }
 
 TEST_F(PropertySheets, MessagesToAllPages)
@@ -282,8 +300,10 @@ TEST_F(PropertySheets, PagesComeAndGo)
 
 TEST_F(PropertySheets, KeysGoThroughPageAndTabs)
 {
-    const auto hasFocus = [this](std::size_t page, int id)
-    { return then([this, page, id] { EXPECT_EQ(GetFocus(), GetDlgItem(pages[page].window, id)) << page << ", " << id; }); };
+    const auto hasFocus = [this](std::size_t page, int id) {
+        return then([this, page, id]
+                    { EXPECT_EQ(GetFocus(), GetDlgItem(pages[page].window, id)) << page << ", " << id; });
+    };
     EXPECT_EQ(run({hasFocus(0, 10), key(VK_TAB), hasFocus(0, 11), key(VK_TAB),
                    then([this] { EXPECT_EQ(GetFocus(), tabs()); }), key(VK_RIGHT), expectHeard("Ai A+ A- Bi B+ "),
                    then([this] { EXPECT_EQ(GetFocus(), tabs()) << "goes on there"; }), key(VK_TAB), hasFocus(1, 10),

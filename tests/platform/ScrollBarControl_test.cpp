@@ -132,7 +132,8 @@ TEST_P(ScrollBarControls, TheThumbIsDrawnAlong)
     move(70);
     move(500);
     up(500);
-    EXPECT_EQ(heard(), (All{told(SB_THUMBTRACK, 50), told(SB_THUMBTRACK, 80), told(SB_THUMBPOSITION, 80), told(SB_ENDSCROLL)}));
+    EXPECT_EQ(heard(),
+              (All{told(SB_THUMBTRACK, 50), told(SB_THUMBTRACK, 80), told(SB_THUMBPOSITION, 80), told(SB_ENDSCROLL)}));
     SCROLLINFO info{sizeof(SCROLLINFO), SIF_TRACKPOS, 0, 0, 0, 0, 0};
     GetScrollInfo(bar, SB_CTL, &info);
     EXPECT_EQ(info.nTrackPos, 80);

@@ -172,6 +172,27 @@ TEST_F(TabControls, PlacesAboveAndBelow)
     EXPECT_EQ(box(0).right, 60);
 }
 
+TEST_F(TabControls, PicturesStandLeftOfTheWords)
+{
+    make(0, {u"aaaa", u"aaaa"});
+    const HIMAGELIST images = ImageList_Create(16, 16, ILC_COLOR32, 1, 1);
+    EXPECT_EQ(send(TCM_SETIMAGELIST, 0, reinterpret_cast<LPARAM>(images)), 0);
+    EXPECT_EQ(send(TCM_GETIMAGELIST), reinterpret_cast<LRESULT>(images));
+    const TCITEMW item{TCIF_IMAGE, 0, 0, nullptr, 0, 0, 0};
+    EXPECT_TRUE(send(TCM_SETITEMW, 1, reinterpret_cast<LPARAM>(&item)));
+    EXPECT_EQ(box(0).right, 38) << "without one";
+    EXPECT_EQ(box(1).right, 38 + 38 + 16 + 4);
+    TCHITTESTINFO hit{{38 + 9 + 15, 10}, 0};
+    EXPECT_EQ(send(TCM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit)), 1);
+    EXPECT_EQ(hit.flags, TCHT_ONITEMICON);
+    hit = {{38 + 9 + 16, 10}, 0};
+    send(TCM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit));
+    EXPECT_EQ(hit.flags, TCHT_ONITEMLABEL);
+    EXPECT_EQ(send(TCM_SETIMAGELIST, 0, 0), reinterpret_cast<LRESULT>(images));
+    EXPECT_EQ(box(1).right, 76);
+    ImageList_Destroy(images);
+}
+
 TEST_F(TabControls, TabsOfOneWidth)
 {
     make(TCS_FIXEDWIDTH, {u"aaaa", u"a"});

@@ -127,7 +127,8 @@ void ComboBox::create(const CREATESTRUCTW &creation)
 
 void ComboBox::makeEdit(const WCHAR *text)
 {
-    const DWORD letters = ((style() & CBS_UPPERCASE) != 0 ? ES_UPPERCASE : 0) | ((style() & CBS_LOWERCASE) != 0 ? ES_LOWERCASE : 0);
+    const DWORD letters =
+        ((style() & CBS_UPPERCASE) != 0 ? ES_UPPERCASE : 0) | ((style() & CBS_LOWERCASE) != 0 ? ES_LOWERCASE : 0);
     m_setting = true;
     m_edit = CreateWindowExW(0, u"EDIT", text, WS_CHILD | WS_VISIBLE | letters, 0, 0, 0, 0, window(),
                              reinterpret_cast<void *>(static_cast<LONG_PTR>(editId)), nullptr, nullptr);
@@ -143,8 +144,8 @@ void ComboBox::makeList()
                       ((style() & CBS_DISABLENOSCROLL) != 0 ? LBS_DISABLENOSCROLL : 0);
     const DWORD common = own | WS_BORDER | WS_VSCROLL;
     const DWORD kindOf = drops() ? WS_POPUP : WS_CHILD | WS_VISIBLE;
-    m_list = CreateWindowExW(drops() ? WS_EX_TOPMOST | WS_EX_NOACTIVATE : 0, listClass, u"", common | kindOf, 0, 0, 0, 0,
-                             window(), reinterpret_cast<void *>(static_cast<LONG_PTR>(listId)), nullptr, nullptr);
+    m_list = CreateWindowExW(drops() ? WS_EX_TOPMOST | WS_EX_NOACTIVATE : 0, listClass, u"", common | kindOf, 0, 0, 0,
+                             0, window(), reinterpret_cast<void *>(static_cast<LONG_PTR>(listId)), nullptr, nullptr);
 }
 
 void ComboBox::enable(BOOL enabled)
@@ -281,9 +282,11 @@ RECT ComboBox::listPlace() const
 
 LRESULT ComboBox::dialogCode(const MSG *about) const
 {
-    const bool isEnd = about != nullptr && ((about->message == WM_KEYDOWN && (about->wParam == VK_RETURN || about->wParam == VK_ESCAPE)) ||
-                                            (about->message == WM_CHAR && (about->wParam == u'\r' || about->wParam == 0x1B)));
-    return DLGC_WANTARROWS | DLGC_WANTCHARS | (hasEdit() ? DLGC_HASSETSEL : 0) | (isEnd && m_open ? DLGC_WANTALLKEYS : 0);
+    const bool isEnd = about != nullptr &&
+                       ((about->message == WM_KEYDOWN && (about->wParam == VK_RETURN || about->wParam == VK_ESCAPE)) ||
+                        (about->message == WM_CHAR && (about->wParam == u'\r' || about->wParam == 0x1B)));
+    return DLGC_WANTARROWS | DLGC_WANTCHARS | (hasEdit() ? DLGC_HASSETSEL : 0) |
+           (isEnd && m_open ? DLGC_WANTALLKEYS : 0);
 }
 
 // --- Looks -----------------------------------------------------------------------------------------------------------

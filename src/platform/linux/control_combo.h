@@ -146,9 +146,9 @@ class ComboBox final : public Control
     std::u16string m_textBefore;
     bool m_open = false;
     bool m_opening = false; ///< the host is filling the list
-    bool m_moved = false; ///< keys have gone to another row of the open list
+    bool m_moved = false;   ///< keys have gone to another row of the open list
     bool m_extended = false;
-    bool m_inside = false; ///< has the focus
+    bool m_inside = false;  ///< has the focus
     bool m_setting = false; ///< the text changes by a message or a row, not by the user's typing
     bool m_sizing = false;
 };

@@ -215,7 +215,8 @@ bool ComboBox::moveWithoutEdit(int key)
     return !isEdits;
 }
 
-// --- Pen and focus -----------------------------------------------------------------------------------------------------
+// --- Pen and focus
+// -----------------------------------------------------------------------------------------------------
 
 void ComboBox::takePen(POINT point)
 {
@@ -262,7 +263,8 @@ void ComboBox::tappedBeside(POINT onScreen)
     const HWND edit = m_edit;
     close(End::Cancelled);
     RECT place{};
-    if (IsWindow(self) != FALSE && edit != nullptr && GetWindowRect(edit, &place) != FALSE && PtInRect(&place, onScreen) != FALSE)
+    if (IsWindow(self) != FALSE && edit != nullptr && GetWindowRect(edit, &place) != FALSE &&
+        PtInRect(&place, onScreen) != FALSE)
     {
         // The text is part of what is in use: the caret goes where the pen is.
         ScreenToClient(edit, &onScreen);
@@ -301,7 +303,8 @@ void ComboBox::leave(HWND to)
     }
 }
 
-// --- Text and list -------------------------------------------------------------------------------------------------------
+// --- Text and list
+// -------------------------------------------------------------------------------------------------------
 
 void ComboBox::takeEditChange(WORD code)
 {
@@ -321,8 +324,7 @@ void ComboBox::followText()
 {
     std::u16string text(static_cast<std::size_t>(GetWindowTextLengthW(m_edit)) + 1, u'\0');
     text.resize(static_cast<std::size_t>(GetWindowTextW(m_edit, text.data(), static_cast<int>(text.size()))));
-    const auto find = [&](UINT message)
-    {
+    const auto find = [&](UINT message) {
         return text.empty() ? CB_ERR : toList(message, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(text.c_str()));
     };
     const LRESULT whole = find(LB_FINDSTRINGEXACT);

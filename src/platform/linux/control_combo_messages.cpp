@@ -15,13 +15,19 @@ int numberOf(WPARAM value)
 /// The list's message that does the same; 0 for none.
 UINT listMessage(UINT message)
 {
-    constexpr std::pair<UINT, UINT> same[] = {{CB_ADDSTRING, LB_ADDSTRING},       {CB_DELETESTRING, LB_DELETESTRING},
-                                              {CB_GETCOUNT, LB_GETCOUNT},         {CB_GETCURSEL, LB_GETCURSEL},
-                                              {CB_GETLBTEXT, LB_GETTEXT},         {CB_GETLBTEXTLEN, LB_GETTEXTLEN},
-                                              {CB_INSERTSTRING, LB_INSERTSTRING}, {CB_FINDSTRING, LB_FINDSTRING},
-                                              {CB_GETITEMDATA, LB_GETITEMDATA},   {CB_SETITEMDATA, LB_SETITEMDATA},
+    constexpr std::pair<UINT, UINT> same[] = {{CB_ADDSTRING, LB_ADDSTRING},
+                                              {CB_DELETESTRING, LB_DELETESTRING},
+                                              {CB_GETCOUNT, LB_GETCOUNT},
+                                              {CB_GETCURSEL, LB_GETCURSEL},
+                                              {CB_GETLBTEXT, LB_GETTEXT},
+                                              {CB_GETLBTEXTLEN, LB_GETTEXTLEN},
+                                              {CB_INSERTSTRING, LB_INSERTSTRING},
+                                              {CB_FINDSTRING, LB_FINDSTRING},
+                                              {CB_GETITEMDATA, LB_GETITEMDATA},
+                                              {CB_SETITEMDATA, LB_SETITEMDATA},
                                               {CB_FINDSTRINGEXACT, LB_FINDSTRINGEXACT},
-                                              {CB_GETTOPINDEX, LB_GETTOPINDEX},   {CB_SETTOPINDEX, LB_SETTOPINDEX},
+                                              {CB_GETTOPINDEX, LB_GETTOPINDEX},
+                                              {CB_SETTOPINDEX, LB_SETTOPINDEX},
                                               {CB_INITSTORAGE, LB_INITSTORAGE}};
     const auto *found = std::ranges::find(same, message, &std::pair<UINT, UINT>::first);
     return found == std::end(same) ? 0 : found->second;
@@ -176,7 +182,8 @@ LRESULT ComboBox::setText(const WCHAR *text)
     SetWindowTextW(m_edit, fresh.c_str());
     m_setting = false;
     const LRESULT row =
-        fresh.empty() ? CB_ERR : toList(LB_FINDSTRINGEXACT, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(fresh.c_str()));
+        fresh.empty() ? CB_ERR
+                      : toList(LB_FINDSTRINGEXACT, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(fresh.c_str()));
     // Of several equal rows the chosen one stays.
     if (current() < 0 || rowText(current()) != fresh)
     {

@@ -97,7 +97,8 @@ class ScrollBarControl final : public Control
             return m_bar.position;
         case SBM_SETRANGE:
         case SBM_SETRANGEREDRAW:
-            return change({sizeof(SCROLLINFO), SIF_RANGE, numberOf(static_cast<LPARAM>(wParam)), numberOf(lParam), 0, 0, 0});
+            return change(
+                {sizeof(SCROLLINFO), SIF_RANGE, numberOf(static_cast<LPARAM>(wParam)), numberOf(lParam), 0, 0, 0});
         case SBM_GETRANGE:
             *reinterpret_cast<int *>(wParam) = m_bar.low;
             *reinterpret_cast<int *>(lParam) = m_bar.high;
@@ -138,13 +139,14 @@ class ScrollBarControl final : public Control
         return IsWindow(self) != FALSE;
     }
 
-    // --- Keys and pen --------------------------------------------------------------------------------------------------
+    // --- Keys and pen
+    // --------------------------------------------------------------------------------------------------
 
     void takeKey(int key)
     {
-        constexpr std::pair<int, WORD> codes[] = {{VK_UP, SB_LINEUP},     {VK_LEFT, SB_LINEUP},    {VK_DOWN, SB_LINEDOWN},
-                                                  {VK_RIGHT, SB_LINEDOWN}, {VK_PRIOR, SB_PAGEUP},   {VK_NEXT, SB_PAGEDOWN},
-                                                  {VK_HOME, SB_TOP},      {VK_END, SB_BOTTOM}};
+        constexpr std::pair<int, WORD> codes[] = {
+            {VK_UP, SB_LINEUP},    {VK_LEFT, SB_LINEUP},   {VK_DOWN, SB_LINEDOWN}, {VK_RIGHT, SB_LINEDOWN},
+            {VK_PRIOR, SB_PAGEUP}, {VK_NEXT, SB_PAGEDOWN}, {VK_HOME, SB_TOP},      {VK_END, SB_BOTTOM}};
         const auto *found = std::ranges::find(codes, key, &std::pair<int, WORD>::first);
         if (found != std::end(codes) && !shown().disabled && canScroll(m_bar) && !isArrowOff(found->second))
         {
@@ -155,7 +157,8 @@ class ScrollBarControl final : public Control
 
     int along(LPARAM place) const
     {
-        return static_cast<SHORT>(isVertical() ? HIWORD(static_cast<DWORD_PTR>(place)) : LOWORD(static_cast<DWORD_PTR>(place)));
+        return static_cast<SHORT>(isVertical() ? HIWORD(static_cast<DWORD_PTR>(place))
+                                               : LOWORD(static_cast<DWORD_PTR>(place)));
     }
 
     void takePen(UINT message, LPARAM place)

@@ -112,8 +112,13 @@ void updateBar(SheetPage &page)
     const int content = lowestControl(page.window) + page.offset;
     // A page whose controls all fit has no bar; the margin shows that nothing follows below.
     const int margin = content > client.bottom ? scaledPixels(4) : 0;
-    const SCROLLINFO info{sizeof(SCROLLINFO), SIF_RANGE | SIF_PAGE, 0, std::max(content + margin - 1, 0),
-                          static_cast<UINT>(std::max<LONG>(client.bottom, 1)), 0, 0};
+    const SCROLLINFO info{sizeof(SCROLLINFO),
+                          SIF_RANGE | SIF_PAGE,
+                          0,
+                          std::max(content + margin - 1, 0),
+                          static_cast<UINT>(std::max<LONG>(client.bottom, 1)),
+                          0,
+                          0};
     scrollTo(page, SetScrollInfo(page.window, SB_VERT, &info, TRUE));
 }
 
@@ -124,8 +129,8 @@ void scrolled(SheetPage &page, WORD code, int position)
     const int line = scaledPixels(20);
     const int step = std::max<int>(client.bottom - line, line);
     constexpr int far = 1 << 24;
-    const int targets[] = {page.offset - line, page.offset + line, page.offset - step, page.offset + step,
-                           position,           position,           0,                  far};
+    const int targets[] = {
+        page.offset - line, page.offset + line, page.offset - step, page.offset + step, position, position, 0, far};
     if (code < std::size(targets))
     {
         scrollTo(page, targets[code]);
@@ -184,7 +189,8 @@ std::vector<std::unique_ptr<SheetPage>> takePages(const PROPSHEETHEADERW &header
     std::vector<std::unique_ptr<SheetPage>> pages;
     for (UINT index = 0; index < header.nPages && header.ppsp != nullptr; ++index)
     {
-        pages.push_back((header.dwFlags & PSH_PROPSHEETPAGE) != 0 ? pageFrom(header.ppsp[index]) : takePage(header.phpage[index]));
+        pages.push_back((header.dwFlags & PSH_PROPSHEETPAGE) != 0 ? pageFrom(header.ppsp[index])
+                                                                  : takePage(header.phpage[index]));
     }
     if (std::ranges::any_of(pages, [](const auto &page) { return page == nullptr; }))
     {
@@ -230,8 +236,8 @@ bool makePage(SheetPage &page, HWND sheet)
     {
         return false;
     }
-    page.former = reinterpret_cast<WNDPROC>(
-        SetWindowLongW(page.window, GWL_WNDPROC, reinterpret_cast<LONG_PTR>(&pageProcedure)));
+    page.former =
+        reinterpret_cast<WNDPROC>(SetWindowLongW(page.window, GWL_WNDPROC, reinterpret_cast<LONG_PTR>(&pageProcedure)));
     shownPages()[page.window] = &page;
     return true;
 }

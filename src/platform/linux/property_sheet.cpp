@@ -137,7 +137,8 @@ class Sheet
             return answer(reinterpret_cast<LRESULT>(windowOf(static_cast<int>(wParam))));
         case PSM_HWNDTOINDEX:
         {
-            const auto found = std::ranges::find(m_pages, reinterpret_cast<HWND>(wParam), [](const auto &page) { return page->window; });
+            const auto found = std::ranges::find(m_pages, reinterpret_cast<HWND>(wParam),
+                                                 [](const auto &page) { return page->window; });
             return answer(wParam == 0 || found == m_pages.end() ? -1 : found - m_pages.begin());
         }
         case PSM_SETTITLEW:
@@ -148,7 +149,8 @@ class Sheet
         }
     }
 
-    // --- The window ------------------------------------------------------------------------------------------------------
+    // --- The window
+    // ------------------------------------------------------------------------------------------------------
 
     void build()
     {
@@ -163,8 +165,9 @@ class Sheet
         FreeLibrary(resources);
         SetWindowTextW(m_window, m_header.pszCaption == nullptr ? u"" : m_header.pszCaption);
         zb::setMenuBar(m_window, m_menu);
-        m_tabs = CreateWindowExW(0, WC_TABCONTROLW, u"", WS_CHILD | WS_VISIBLE | WS_TABSTOP | WS_GROUP | TCS_BOTTOM, 0, 0, 0,
-                                 0, m_window, reinterpret_cast<void *>(static_cast<LONG_PTR>(tabId)), nullptr, nullptr);
+        m_tabs =
+            CreateWindowExW(0, WC_TABCONTROLW, u"", WS_CHILD | WS_VISIBLE | WS_TABSTOP | WS_GROUP | TCS_BOTTOM, 0, 0, 0,
+                            0, m_window, reinterpret_cast<void *>(static_cast<LONG_PTR>(tabId)), nullptr, nullptr);
         SendMessageW(m_tabs, WM_SETFONT, reinterpret_cast<WPARAM>(systemFont()), FALSE);
         for (const auto &page : m_pages)
         {
@@ -294,7 +297,8 @@ class Sheet
         }
     }
 
-    // --- Pages -----------------------------------------------------------------------------------------------------------
+    // --- Pages
+    // -----------------------------------------------------------------------------------------------------------
 
     bool isPage(int index) const
     {
@@ -315,15 +319,20 @@ class Sheet
         {
             return static_cast<int>(index);
         }
-        const auto found = std::ranges::find(m_pages, reinterpret_cast<const SheetPage *>(handle), [](const auto &one) { return one.get(); });
+        const auto found = std::ranges::find(m_pages, reinterpret_cast<const SheetPage *>(handle),
+                                             [](const auto &one) { return one.get(); });
         return found == m_pages.end() ? -1 : static_cast<int>(found - m_pages.begin());
     }
 
     int pageOfTemplate(LONG_PTR number) const
     {
-        const auto found = std::ranges::find_if(m_pages, [number](const auto &one)
-                                                { return (one->record.dwFlags & PSP_DLGINDIRECT) == 0 &&
-                                                         reinterpret_cast<LONG_PTR>(one->record.pszTemplate) == number; });
+        const auto found =
+            std::ranges::find_if(m_pages,
+                                 [number](const auto &one)
+                                 {
+                                     return (one->record.dwFlags & PSP_DLGINDIRECT) == 0 &&
+                                            reinterpret_cast<LONG_PTR>(one->record.pszTemplate) == number;
+                                 });
         return found == m_pages.end() ? -1 : static_cast<int>(found - m_pages.begin());
     }
 
@@ -470,7 +479,8 @@ class Sheet
         }
     }
 
-    // --- OK and Cancel ---------------------------------------------------------------------------------------------------
+    // --- OK and Cancel
+    // ---------------------------------------------------------------------------------------------------
 
     LRESULT querySiblings(WPARAM wParam, LPARAM lParam) const
     {
