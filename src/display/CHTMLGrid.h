@@ -421,6 +421,7 @@ class ZBTOOLS_API CHTMLGrid : public CeWnd
 
     // Pen: taps.
     void BeginTap(POINT point);
+    bool RecognizeHold(POINT point, USHORT nCol, USHORT nRow, bool changed);
     void CountTap();
     bool ArmFloater(POINT point, bool &kept);
     bool SelectTapped(USHORT nCol, USHORT nRow, bool bShift, bool &changed);
@@ -456,7 +457,8 @@ class ZBTOOLS_API CHTMLGrid : public CeWnd
     void FinishDragOperation();
     POINT ScreenPointOfDrag(POINT point) const;
     void ShowDragTip(tagGRIDDRAG *pDrag);
-    void StartDragImages(POINT cell);
+    void StartDragImages(POINT cell, POINT point);
+    void MoveDragImages(POINT screen);
     void EndDragImages();
 
     // Tool tips.

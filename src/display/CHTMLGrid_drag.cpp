@@ -55,7 +55,7 @@ void CHTMLGrid::StartDrag(POINT point)
         return;
     }
     m_ptLast = point;
-    StartDragImages(cell);
+    StartDragImages(cell, point);
     m_hPrevCapture = SetCapture(m_hWnd);
     m_bDragging = true;
     ShowTipAt(m_pDragTip, {HIDPI_SCALEX(tipDistance), HIDPI_SCALEY(tipDistance)}, ToolTipCorner::LeftTop);
@@ -110,6 +110,7 @@ void CHTMLGrid::OnDragOver(POINT point, HWND &hWnd, tagGRIDDRAG *pDrag, bool &al
     {
         m_pDragTip->HideToolTip();
     }
+    MoveDragImages(screen);
 }
 
 void CHTMLGrid::ShowDragTip(tagGRIDDRAG *pDrag)

@@ -180,6 +180,10 @@ void CHTMLGrid::OnSize(UINT nType, int cx, int cy, bool &handled)
     RecalcScreenCells(heightChanged, false);
     UpdateScrollBars(SB_BOTH);
     RepaintAll();
+    if (m_bDragging)
+    {
+        MoveDragImages(ScreenPointOfDrag(m_ptLast));
+    }
 }
 
 // --- All of it ---------------------------------------------------------------------------------------------------

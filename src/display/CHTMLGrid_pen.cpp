@@ -5,6 +5,8 @@
 // then has it alone. A parent that is told of anything may change everything: nothing about cells is kept over that.
 #include "display/CHTMLGrid.h"
 
+#include "platform/gesture.h"
+
 #include <algorithm>
 
 namespace
@@ -95,6 +97,10 @@ void CHTMLGrid::OnLButtonDown(WPARAM, POINT point, bool &handled)
         kept = SelectTapped(col, row, shift, changed);
         m_ptSelectTip = changed ? point : m_ptSelectTip;
     }
+    if (kept && RecognizeHold(point, col, row, changed))
+    {
+        return;
+    }
     CountTap();
     TestHotSpot(point, col, row);
     m_bTapConsumed = m_bTapConsumed && shift;
@@ -119,6 +125,35 @@ void CHTMLGrid::BeginTap(POINT point)
     }
     m_nLastTapCol = m_nCurCol;
     m_nLastTapRow = m_nCurRow;
+}
+
+/// True when the pen was held, and the parent has been told so: its menu ends the tap.
+bool CHTMLGrid::RecognizeHold(POINT point, USHORT nCol, USHORT nRow, bool changed)
+{
+    if (SendMessageW(m_hParent, GRID_SKIPHOLD, reinterpret_cast<WPARAM>(m_hWnd), 0) != 0)
+    {
+        return false;
+    }
+    SHRGINFO gesture{};
+    gesture.cbSize = sizeof gesture;
+    gesture.hwndClient = m_hWnd;
+    gesture.ptDown = point;
+    gesture.dwFlags = SHRG_RETURNCMD;
+    if (SHRecognizeGesture(&gesture) != GN_CONTEXTMENU)
+    {
+        return false;
+    }
+    const DWORD floater = m_dwFloaterID;
+    ClearPen();
+    m_bTapConsumed = true;
+    if (changed)
+    {
+        RepaintAll();
+    }
+    ClientToScreen(m_hWnd, &point);
+    const NMRGINFO record = {{m_hWnd, CellKey(nRow, nCol), NM_CONTEXTMENU}, point, floater};
+    SendMessageW(m_hParent, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&record));
+    return true;
 }
 
 /// The first of two taps starts the time in which the second makes them a double one.

@@ -166,6 +166,8 @@ inline constexpr UINT GRID_DROP = 2030;
 inline constexpr UINT GRID_CANDRAG = 2031;
 inline constexpr UINT GRID_GETDRAGTIP = 2032;
 inline constexpr UINT GRID_GETDRAGIMAGES = 2033;
+/// wParam the grid: anything but 0 leaves the test for a pen that is held out.
+inline constexpr UINT GRID_SKIPHOLD = static_cast<UINT>(-50);
 /// wParam tagNM_GRIDVIEW *; 0 refuses.
 inline constexpr UINT GRID_CANEDIT = 2034;
 inline constexpr UINT GRID_EDITED = 2035;
@@ -176,6 +178,7 @@ inline constexpr UINT GRID_CELLMOVED = 2045;
 
 // Codes of WM_NOTIFY.
 inline constexpr UINT NM_HOTSPOT = 1125;
+/// The pen was held: the record is an NMRGINFO, idFrom row << 16 | column, dwItemSpec the floater or 0.
 inline constexpr UINT NM_CONTEXTMENU = 1000;
 inline constexpr UINT NM_GRIDCONTEXTMENU = 1131;
 inline constexpr UINT NM_HOTSPOTDOWN = 2046;

@@ -1,6 +1,7 @@
 // Double taps, and editing a cell in place.
 #include "display/GridStage.h"
 #include "platform/controls.h"
+#include "platform/shell.h"
 
 namespace zb::test
 {
@@ -55,6 +56,7 @@ TEST_F(GridEdit, twoTapsOnACellInTimeEditIt)
     EXPECT_NE(edit(), nullptr);
     EXPECT_EQ(GetFocus(), edit());
     EXPECT_EQ(GetCapture(), edit());
+    EXPECT_TRUE(isInputPanelWanted());
     EXPECT_EQ(notified, (Codes{2047, -114, 2047})) << "the second tap ends in the box";
 }
 
@@ -237,6 +239,7 @@ TEST_F(GridEdit, eachEndTellsTheText)
         EXPECT_EQ(editedText, u"new");
         EXPECT_EQ(edit(), nullptr);
         EXPECT_EQ(GetCapture(), nullptr);
+        EXPECT_FALSE(isInputPanelWanted());
         EXPECT_EQ(grid->GetTopRow(), 0) << "the rows that went up are back";
         EXPECT_TRUE(notified.empty()) << "what ends it does nothing else";
     }

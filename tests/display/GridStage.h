@@ -4,6 +4,7 @@
 
 #include "display/Board.h"
 #include "display/CHTMLGrid.h"
+#include "platform/gesture.h"
 #include "platform/screen.h"
 #include "support/ScreenWindow.h"
 
@@ -147,6 +148,10 @@ class GridTest : public ::testing::Test
     std::map<UINT, std::u16string> texts;
     std::function<void(UINT)> onAsked;
     std::u16string editedText;
+    /// Else each pen that stays down is one that is held.
+    bool skipsHold = true;
+    int holdsAsked = 0;
+    NMRGINFO lastHold{};
     std::vector<GRIDCELLREQUEST> asked;
     std::vector<Scrolled> scrolled;
     std::vector<DWORD> askedFloaters;
@@ -265,7 +270,18 @@ class GridTest : public ::testing::Test
         case GRID_SCROLLED:
             scrolled.push_back({static_cast<UINT>(wParam), lParam});
             return true;
+        case GRID_SKIPHOLD:
+            EXPECT_EQ(reinterpret_cast<HWND>(wParam), grid->GetHwnd());
+            ++holdsAsked;
+            result = skipsHold ? 1 : 0;
+            return true;
         case WM_NOTIFY:
+            if (reinterpret_cast<NMHDR *>(lParam)->code == NM_CONTEXTMENU)
+            {
+                lastHold = *reinterpret_cast<NMRGINFO *>(lParam);
+                notified.push_back(NM_CONTEXTMENU);
+                return true;
+            }
             lastNotify = *reinterpret_cast<tagNM_GRIDVIEW *>(lParam);
             lastTarget = lastNotify.szTarget == nullptr ? u"" : lastNotify.szTarget;
             notified.push_back(static_cast<int>(lastNotify.hdr.code));

@@ -19,4 +19,6 @@ void focusOnActivation(HWND window, WPARAM wParam);
 /// The windows that keys and pen go to, of any thread.
 HWND focusedWindow();
 HWND capturingWindow();
+/// As it was fed, which messages may still have to tell.
+bool isPenDown();
 } // namespace zb::internal

@@ -125,6 +125,13 @@ void notePen(POINT point, bool isDown)
 }
 } // namespace
 
+bool zb::internal::isPenDown()
+{
+    PenState &state = pen();
+    const std::lock_guard guard(state.lock);
+    return state.isDown;
+}
+
 void zb::penDown(int x, int y)
 {
     const POINT point{x, y};
