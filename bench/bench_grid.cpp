@@ -40,7 +40,7 @@ LRESULT answer(GRIDCELLREQUEST &request)
                u"</B> about the plans of the coming year</A> <FONT COLOR=#606060>in the large room on the left";
         break;
     default:
-        text = u"<P ALIGN=right>" + number(row % 180) + u" min";
+        text = u"<P ALIGN=RIGHT>" + number(row % 180) + u" min";
         request.nColWidth = 90;
         break;
     }

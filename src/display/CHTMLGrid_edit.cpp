@@ -7,7 +7,6 @@
 #include "framework/HIDPI.h"
 #include "platform/controls.h"
 #include "platform/kernel.h"
-#include "platform/shell.h"
 
 #include <algorithm>
 #include <array>
@@ -40,7 +39,7 @@ void CHTMLGrid::EnableCellEdit(USHORT nCol, USHORT nRow)
     {
         return;
     }
-    SHSipPreference(m_hWnd, SIP_UP);
+    SHSipPreference(SIP_UP);
     // Past the end, too: an input panel covers what lies further down.
     const USHORT top = m_Selection.cells.nTop;
     MakeRowTopMost(top == GRID_NONE ? nRow : top, true);
@@ -167,7 +166,7 @@ void CHTMLGrid::EndEdit()
     }
     DestroyWindow(m_hEdit);
     m_bEditClosing = false;
-    SHSipPreference(m_hWnd, SIP_DOWN);
+    SHSipPreference(SIP_DOWN);
     m_nLastTapCol = m_nCurCol;
     m_nLastTapRow = m_nCurRow;
     tagNM_GRIDVIEW record{};

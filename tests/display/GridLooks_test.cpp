@@ -212,10 +212,10 @@ TEST_F(GridPictures, aListWithAHeaderAndASelectedRow)
     made.SetShowHLines(true);
     made.SetLinesColor(RGB(200, 200, 200));
     made.SetColWidth(0, 40);
-    fill({{u"<BODY=#D0D8E8><B>when", u"<BODY=#D0D8E8><B>what", u"<BODY=#D0D8E8><P ALIGN=right><B>how long"},
-          {u"09:00", u"A talk with words that wrap to lines", u"<P ALIGN=right>30"},
-          {u"10:30", u"<A=1>A link</A>", u"<P ALIGN=right>90"},
-          {u"<FONT COLOR=#C00000>12:00", u"<B>Lunch</B>", u"<P ALIGN=right>60"},
+    fill({{u"<BODY=#D0D8E8><B>when", u"<BODY=#D0D8E8><B>what", u"<BODY=#D0D8E8><P ALIGN=RIGHT><B>how long"},
+          {u"09:00", u"A talk with words that wrap to lines", u"<P ALIGN=RIGHT>30"},
+          {u"10:30", u"<A=1>A link</A>", u"<P ALIGN=RIGHT>90"},
+          {u"<FONT COLOR=#C00000>12:00", u"<B>Lunch</B>", u"<P ALIGN=RIGHT>60"},
           {u"14:15", u"Something", u""}});
     made.EndUpdate();
     made.SetSelection(0, 2, 2, 2);
