@@ -425,8 +425,8 @@ class ZBTOOLS_API CHTMLGrid : public CeWnd
     void CountTap();
     bool ArmFloater(POINT point, bool &kept);
     bool SelectTapped(USHORT nCol, USHORT nRow, bool bShift, bool &changed);
-    void TestHotSpot(POINT point, USHORT nCol, USHORT nRow);
-    bool SendHotSpot(UINT uCode, POINT point, USHORT nCol, USHORT nRow, DWORD dwFloater);
+    bool TestHotSpot(POINT point, USHORT nCol, USHORT nRow);
+    void SendHotSpot(UINT uCode, POINT point, USHORT nCol, USHORT nRow, DWORD dwFloater);
     const HOTSPOT *HotSpotAt(USHORT nCol, USHORT nRow, POINT point, DWORD dwFloater) const;
     tagNM_GRIDVIEW TapRecord(UINT uCode, POINT point, USHORT nCol, USHORT nRow, DWORD dwFloater) const;
     LRESULT NotifyParent(UINT uCode, POINT point, USHORT nCol, USHORT nRow, DWORD dwFloater);

@@ -134,8 +134,12 @@ void CHTMLGrid::Drop(POINT point)
     bool allowed = false;
     OnDragOver(point, target, &record, allowed);
     const auto taken = allowed && target != nullptr ? reinterpret_cast<WPARAM>(&record) : 0;
+    const HWND window = m_hWnd;
     SendMessageW(m_hParent, GRID_DROP, taken, reinterpret_cast<LPARAM>(&record));
-    FinishDragOperation();
+    if (IsWindow(window) != FALSE)
+    {
+        FinishDragOperation();
+    }
 }
 
 void CHTMLGrid::FinishDragOperation()

@@ -175,10 +175,15 @@ void CHTMLGrid::EndEdit()
     record.dwCookie = text.size();
     record.nRow = m_nEditRow;
     record.nCol = m_nEditCol;
+    const HWND window = m_hWnd;
     SendMessageW(m_hParent, GRID_EDITED, text.size(), reinterpret_cast<LPARAM>(&record));
+    if (IsWindow(window) == FALSE)
+    {
+        return;
+    }
     // Rows that went up for the box come back; not under a pen that has just come down on one of them.
     const USHORT largest = std::max(m_nMaxTopRow, m_nFixedRows);
-    if (m_nTopRow > largest && m_hWnd != nullptr && GetFocus() != m_hWnd)
+    if (m_nTopRow > largest && GetFocus() != m_hWnd)
     {
         ScrollTo(true, largest, PaintAll);
     }

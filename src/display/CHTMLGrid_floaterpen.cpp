@@ -30,6 +30,7 @@ DWORD cellWord(POINT cell)
 void CHTMLGrid::MoveArmedFloater(POINT point)
 {
     point = {inWindow(point.x), inWindow(point.y)};
+    m_ptLast = point;
     if (m_bFloaterStripHit)
     {
         HoldPen();
@@ -42,7 +43,6 @@ void CHTMLGrid::MoveArmedFloater(POINT point)
         m_bPenDown = false;
         NotifyParent(tapNotify, point, m_nCurCol, m_nCurRow, m_dwFloaterID);
     }
-    m_ptLast = point;
 }
 
 /// Looked for anew each time: the parent may have taken it away.

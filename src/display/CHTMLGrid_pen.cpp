@@ -2,7 +2,8 @@
 //
 // A tap begins in OnLButtonDown and is over when the pen goes up. What comes between makes it a sweep
 // (CHTMLGrid_sweep.cpp), a floater's move (CHTMLGrid_floaterpen.cpp) or a drag (CHTMLGrid_drag.cpp), and each of these
-// then has it alone. A parent that is told of anything may change everything: nothing about cells is kept over that.
+// then has it alone. A parent that is told of anything may change everything: nothing about cells is kept over that,
+// and where something follows, it is looked whether the grid is still there.
 #include "display/CHTMLGrid.h"
 
 #include "platform/gesture.h"
@@ -56,20 +57,14 @@ const HOTSPOT *CHTMLGrid::HotSpotAt(USHORT nCol, USHORT nRow, POINT point, DWORD
     return found == cell->HotSpots.end() ? nullptr : &*found;
 }
 
-/// To the grid itself, which tells the parent. False where there is no hot spot.
-bool CHTMLGrid::SendHotSpot(UINT uCode, POINT point, USHORT nCol, USHORT nRow, DWORD dwFloater)
+/// To the grid itself, which tells the parent. There must be a hot spot.
+void CHTMLGrid::SendHotSpot(UINT uCode, POINT point, USHORT nCol, USHORT nRow, DWORD dwFloater)
 {
-    const HOTSPOT *spot = HotSpotAt(nCol, nRow, point, dwFloater);
-    if (spot == nullptr)
-    {
-        return false;
-    }
     // The spots may be painted anew while the parent answers.
-    const HOTSPOT kept = *spot;
+    const HOTSPOT kept = *HotSpotAt(nCol, nRow, point, dwFloater);
     tagNM_GRIDVIEW record = TapRecord(uCode, point, nCol, nRow, dwFloater);
     record.szTarget = kept.szKey;
     SendMessageW(m_hWnd, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&record));
-    return true;
 }
 
 // --- Pen down ----------------------------------------------------------------------------------------------------
@@ -77,7 +72,12 @@ bool CHTMLGrid::SendHotSpot(UINT uCode, POINT point, USHORT nCol, USHORT nRow, D
 void CHTMLGrid::OnLButtonDown(WPARAM, POINT point, bool &handled)
 {
     handled = true;
+    const HWND window = m_hWnd;
     BeginTap(point);
+    if (IsWindow(window) == FALSE)
+    {
+        return;
+    }
     USHORT col = GRID_NONE;
     USHORT row = GRID_NONE;
     if (!GetCellFromPoint(point, col, row))
@@ -102,7 +102,10 @@ void CHTMLGrid::OnLButtonDown(WPARAM, POINT point, bool &handled)
         return;
     }
     CountTap();
-    TestHotSpot(point, col, row);
+    if (!TestHotSpot(point, col, row))
+    {
+        return;
+    }
     m_bTapConsumed = m_bTapConsumed && shift;
     if (changed)
     {
@@ -119,15 +122,16 @@ void CHTMLGrid::BeginTap(POINT point)
     m_ptDown = point;
     m_ptLast = point;
     m_bPenDown = true;
+    m_nLastTapCol = m_nCurCol;
+    m_nLastTapRow = m_nCurRow;
     if (m_hEdit != nullptr || m_bShowFocus)
     {
         SetFocus(m_hWnd);
     }
-    m_nLastTapCol = m_nCurCol;
-    m_nLastTapRow = m_nCurRow;
 }
 
-/// True when the pen was held, and the parent has been told so: its menu ends the tap.
+/// True when the tap ends here: the pen was held, and the parent has been told so for its menu, or the cell has gone
+/// while that was waited for.
 bool CHTMLGrid::RecognizeHold(POINT point, USHORT nCol, USHORT nRow, bool changed)
 {
     if (SendMessageW(m_hParent, GRID_SKIPHOLD, reinterpret_cast<WPARAM>(m_hWnd), 0) != 0)
@@ -139,7 +143,18 @@ bool CHTMLGrid::RecognizeHold(POINT point, USHORT nCol, USHORT nRow, bool change
     gesture.hwndClient = m_hWnd;
     gesture.ptDown = point;
     gesture.dwFlags = SHRG_RETURNCMD;
-    if (SHRecognizeGesture(&gesture) != GN_CONTEXTMENU)
+    const DWORD answer = SHRecognizeGesture(&gesture);
+    // Others' messages were dispatched meanwhile.
+    if (IsWindow(gesture.hwndClient) == FALSE)
+    {
+        return true;
+    }
+    if (nRow >= m_nRows || nCol >= m_nCols)
+    {
+        ClearPen();
+        return true;
+    }
+    if (answer != GN_CONTEXTMENU)
     {
         return false;
     }
@@ -218,17 +233,18 @@ bool CHTMLGrid::SelectTapped(USHORT nCol, USHORT nRow, bool bShift, bool &change
     return !m_bMultiSelect || IsCellSelected(nRow, nCol);
 }
 
-/// A parent that wants to know of hot spots before the pen goes up says so first.
-void CHTMLGrid::TestHotSpot(POINT point, USHORT nCol, USHORT nRow)
+/// A parent that wants to know of hot spots before the pen goes up says so first. False when the grid has gone.
+bool CHTMLGrid::TestHotSpot(POINT point, USHORT nCol, USHORT nRow)
 {
+    const HWND window = m_hWnd;
     const DWORD floater = m_dwFloaterID;
-    if (NotifyParent(NM_TESTHOTSPOT, point, nCol, nRow, floater) == 0 ||
-        HotSpotAt(nCol, nRow, point, floater) == nullptr)
+    const bool asked = NotifyParent(NM_TESTHOTSPOT, point, nCol, nRow, floater) != 0;
+    if (IsWindow(window) != FALSE && asked && HotSpotAt(nCol, nRow, point, floater) != nullptr)
     {
-        return;
+        m_bTapConsumed = true;
+        SendHotSpot(NM_HOTSPOTDOWN, point, nCol, nRow, floater);
     }
-    m_bTapConsumed = true;
-    SendHotSpot(NM_HOTSPOTDOWN, point, nCol, nRow, floater);
+    return IsWindow(window) != FALSE;
 }
 
 // --- Clicks ------------------------------------------------------------------------------------------------------
@@ -248,8 +264,12 @@ void CHTMLGrid::OnClick(tagNM_GRIDVIEW *, bool &)
 
 LRESULT CHTMLGrid::OnHotspotNotify(tagNM_GRIDVIEW *pNotify, bool &handled)
 {
+    const HWND window = m_hWnd;
     const LRESULT result = SendMessageW(m_hParent, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(pNotify));
-    OnClick(pNotify, handled);
+    if (IsWindow(window) != FALSE)
+    {
+        OnClick(pNotify, handled);
+    }
     handled = true;
     return result;
 }
@@ -302,9 +322,10 @@ void CHTMLGrid::OnLButtonUp(WPARAM, POINT point, bool &handled)
     {
         return;
     }
-    if (!swept && SendHotSpot(NM_HOTSPOT, point, col, row, floater))
+    if (!swept && HotSpotAt(col, row, point, floater) != nullptr)
     {
         m_bTapConsumed = true;
+        SendHotSpot(NM_HOTSPOT, point, col, row, floater);
         return;
     }
     NotifyParent(swept ? sweepNotify : tapNotify, point, col, row, floater);

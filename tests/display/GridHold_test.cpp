@@ -111,6 +111,27 @@ TEST_F(GridHold, aPenThatMovesAwayGoesOn)
     EXPECT_EQ(notified, (std::vector<int>{2047, -13}));
 }
 
+TEST_F(GridHold, aGridThatChangesOrGoesWhileThePenIsHeldEndsTheTap)
+{
+    for (const bool goes : {false, true})
+    {
+        prepare();
+        penDown(at(3, 5).x, at(3, 5).y);
+        PostMessageW(parent.window, WM_USER, 0, 0);
+        parent.before = [&, others = parent.before](UINT message, WPARAM wParam, LPARAM lParam, LRESULT &result)
+        {
+            if (message == WM_USER)
+            {
+                goes ? grid.reset() : grid->SetDimensions(1, 1);
+                penUp(at(3, 5).x, at(3, 5).y);
+            }
+            return others(message, wParam, lParam, result);
+        };
+        settle();
+        EXPECT_TRUE(notified.empty());
+    }
+}
+
 // --- Pictures of a drag ------------------------------------------------------------------------------------------
 
 TEST_F(GridHold, aDragTakesTheParentsPictureAlong)

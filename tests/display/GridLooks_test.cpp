@@ -197,7 +197,8 @@ class GridPictures : public GridTest
         {
             for (std::size_t col = 0; col < rows[row].size(); ++col)
             {
-                grid->SetCellText(static_cast<USHORT>(col), static_cast<USHORT>(row), rows[row][col], RECT{2, 1, 2, 1});
+                const std::u16string markup = std::u16string(u"<BODY=#FFFFFF>") + rows[row][col];
+                grid->SetCellText(static_cast<USHORT>(col), static_cast<USHORT>(row), markup.c_str(), RECT{2, 1, 2, 1});
             }
         }
     }

@@ -199,6 +199,27 @@ TEST_F(GridPen, shiftTakesAHotSpotsTap)
     EXPECT_EQ(notified, (Codes{2047, 2046}));
 }
 
+TEST_F(GridPen, aParentMayEndTheGridWhenItIsTold)
+{
+    for (const int code : {2047, 2046, 1125, -114})
+    {
+        four().SetCellText(0, 0, u"<FONT SIZE=-1><A=key>hot</A>");
+        settle();
+        testHotSpots = true;
+        parent.before = [&, others = parent.before](UINT message, WPARAM wParam, LPARAM lParam, LRESULT &result)
+        {
+            const bool known = others(message, wParam, lParam, result);
+            if (message == WM_NOTIFY && static_cast<int>(reinterpret_cast<NMHDR *>(lParam)->code) == code)
+            {
+                grid.reset();
+            }
+            return known;
+        };
+        tap(code == -114 ? at(1, 1) : POINT{3, 5});
+        EXPECT_EQ(grid, nullptr) << code;
+    }
+}
+
 // --- Sweeps ------------------------------------------------------------------------------------------------------
 
 TEST_F(GridPen, aSweepBeginsBeyondTwelvePixelsEitherWay)
