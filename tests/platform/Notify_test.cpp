@@ -43,7 +43,7 @@ class Notify : public DeviceTest
     }
     static DWORD statusOf(HANDLE handle)
     {
-        BYTE buffer[2000];
+        alignas(CE_NOTIFICATION_INFO_HEADER) BYTE buffer[2000];
         EXPECT_TRUE(CeGetUserNotification(handle, sizeof buffer, nullptr, buffer));
         CE_NOTIFICATION_INFO_HEADER header;
         std::memcpy(&header, buffer, sizeof header);
@@ -112,7 +112,7 @@ TEST_F(Notify, ThePlainFormIsOfItsOwnKind)
     const CE_USER_NOTIFICATION user{29, title, nullptr, nullptr, 0, 0};
     const SYSTEMTIME time = at(3, 8);
     const HANDLE handle = CeSetUserNotification(nullptr, u"TASKS.EXE", &time, &user);
-    BYTE buffer[1000];
+    alignas(CE_NOTIFICATION_INFO_HEADER) BYTE buffer[1000];
     ASSERT_TRUE(CeGetUserNotification(handle, sizeof buffer, nullptr, buffer));
     const auto *header = reinterpret_cast<const CE_NOTIFICATION_INFO_HEADER *>(buffer);
     EXPECT_EQ(header->pcent->dwType, 4U);
