@@ -8,6 +8,7 @@
 #include "platform/screen.h"
 #include "platform/text.h"
 #include "zembrik/frame_window.h"
+#include "zembrik/screen_size_text.h"
 #include "zembrik/script_player.h"
 #include "zembrik/texts.h"
 
@@ -87,9 +88,34 @@ void settle()
     }
 }
 
+constexpr const WCHAR *widthSetting = u"Width";
+constexpr const WCHAR *heightSetting = u"Height";
+
+/// The size that a window had when it was closed last.
+void takeRememberedSize()
+{
+    const DWORD width = rememberedNumber(widthSetting).value_or(0);
+    const DWORD height = rememberedNumber(heightSetting).value_or(0);
+    const auto fits = [](DWORD side) { return side >= DWORD{smallestSide} && side <= DWORD{largestSide}; };
+    if (fits(width) && fits(height))
+    {
+        setScreenSize(static_cast<int>(width), static_cast<int>(height));
+    }
+}
+
+void rememberSize()
+{
+    rememberNumber(widthSetting, static_cast<DWORD>(GetSystemMetrics(SM_CXSCREEN)));
+    rememberNumber(heightSetting, static_cast<DWORD>(GetSystemMetrics(SM_CYSCREEN)));
+}
+
 int runOpened(const HostArguments &arguments, Script script, ScreenWindow *window)
 {
     HIDPI_InitScaling();
+    if (window != nullptr && !arguments.sized)
+    {
+        takeRememberedSize();
+    }
     const auto setTitle = [window](const std::u16string &title)
     {
         if (window != nullptr)
@@ -116,6 +142,10 @@ int runOpened(const HostArguments &arguments, Script script, ScreenWindow *windo
     }
     pump(frame);
     frame.remember();
+    if (window != nullptr)
+    {
+        rememberSize();
+    }
     if (player && !player->failure().empty())
     {
         complain(player->failure());

@@ -15,6 +15,7 @@ struct HostArguments
     std::filesystem::path shot;   ///< empty: none
     std::filesystem::path script; ///< empty: none; "-" is standard input
     std::vector<std::filesystem::path> fonts;
+    bool sized = false; ///< width and height were asked for; else a window takes the size that it had last
     int width = 480;
     int height = 640;
     int dotsPerInch = 96;

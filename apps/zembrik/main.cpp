@@ -35,8 +35,9 @@ void addOptions(CLI::App &app, HostArguments &arguments)
                                                             std::to_string(zb::screens::largestSide));
                }
                std::tie(arguments.width, arguments.height) = *size;
+               arguments.sized = true;
            },
-           "Pixels of the screen, 480x640 when nothing is said")
+           "Pixels of the screen; when nothing is said what the window had last, 480x640 without one")
         ->type_name("WxH");
     app.add_option("--dpi", arguments.dotsPerInch, "Dots an inch of the screen")
         ->check(CLI::Range(72, 600))

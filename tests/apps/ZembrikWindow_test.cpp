@@ -26,9 +26,9 @@ class ZembrikWindow : public zb::test::WithDesktop<zb::test::ZembrikTest>
         return drawn("headless.png");
     }
     /// Starts it in a window of 240 by 320, to play these lines.
-    std::future<ProgramResult> start(const std::string &lines = {}) const
+    std::future<ProgramResult> start(const std::string &lines = {},
+                                     std::vector<std::string> words = {"--size", "240x320"}) const
     {
-        std::vector<std::string> words = {"--size", "240x320"};
         if (!lines.empty())
         {
             words.insert(words.end(), {"--script", "-"});
@@ -129,6 +129,26 @@ TEST_F(ZembrikWindow, TheScreenTakesTheWindowsSizeAndTheWindowTheScreens)
     expectEnd(rotated);
 }
 
+TEST_F(ZembrikWindow, OpensAgainInTheSizeThatItHad)
+{
+    const Picture larger = headless("size 400x300");
+    auto first = start("size 400x300\nquit\n");
+    expectEnd(first);
+    auto second = start({}, {});
+    // Where it lies depends on when the desktop got to know the size.
+    EXPECT_TRUE(eventually(
+        [&]
+        {
+            return desktop().shot((800 - 400) / 2, (700 - 300) / 2, 400, 300) == larger ||
+                   desktop().shot((800 - 480) / 2, (700 - 640) / 2, 400, 300) == larger;
+        }));
+    move(120, 100);
+    press("ctrl+q");
+    expectEnd(second);
+    EXPECT_EQ(play("shot @/plain.png", {}).exitCode, 0);
+    EXPECT_EQ(drawn("plain.png").width, 480) << "without a window it is a size that everybody knows";
+}
+
 TEST_F(ZembrikWindow, ClosingItLeavesABoxFirstAndThenEndsIt)
 {
     const Picture plain = headless("");
@@ -139,6 +159,11 @@ TEST_F(ZembrikWindow, ClosingItLeavesABoxFirstAndThenEndsIt)
     EXPECT_TRUE(shows(plain));
     ASSERT_TRUE(desktop().closeWindows());
     expectEnd(running);
+    const Picture menu = headless("key F2");
+    auto open = start("key F2\n");
+    ASSERT_TRUE(shows(menu));
+    ASSERT_TRUE(desktop().closeWindows()) << "with a menu";
+    expectEnd(open);
 }
 
 TEST_F(ZembrikWindow, AScriptPlaysInItAndMayEndIt)
