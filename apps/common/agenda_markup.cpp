@@ -12,22 +12,36 @@ namespace zb::host
 namespace
 {
 // Pictures of the system.
-constexpr const WCHAR *taskDone = u"<IMG SRC=260>";
-constexpr const WCHAR *taskOpen = u"<IMG SRC=259>";
-constexpr const WCHAR *overdue = u"<IMG SRC=508>";
-constexpr const WCHAR *birthday = u"<IMG SRC=500>";
-constexpr const WCHAR *anniversary = u"<IMG SRC=501>";
+constexpr int taskDone = 260;
+constexpr int taskOpen = 259;
+constexpr int overdue = 508;
+constexpr int birthday = 500;
+constexpr int anniversary = 501;
+constexpr int important = 211;
+constexpr int reminder = 213;
+constexpr int repeats = 212;
+constexpr int isPrivate = 214;
+constexpr int notes = 207;
+constexpr int place = 505;
+
+/// No higher than the words beside it, so that a line is as high with pictures as without.
+std::u16string picture(int number, int height)
+{
+    return u"<IMG SRC=" + toUtf16(std::to_string(number)) + u" SIZE=" + toUtf16(std::to_string(HIDPI_SCALEY(height))) +
+           u">";
+}
 
 std::u16string kindPicture(const AgendaRow &row)
 {
+    constexpr int height = 14;
     switch (row.kind)
     {
     case AgendaKind::Task:
-        return row.isComplete ? taskDone : row.isOverdue ? overdue : taskOpen;
+        return picture(row.isComplete ? taskDone : row.isOverdue ? overdue : taskOpen, height);
     case AgendaKind::Birthday:
-        return birthday;
+        return picture(birthday, height);
     case AgendaKind::Anniversary:
-        return anniversary;
+        return picture(anniversary, height);
     default:
         return {};
     }
@@ -36,24 +50,24 @@ std::u16string kindPicture(const AgendaRow &row)
 /// The flags of an item as small pictures, each behind a blank.
 std::u16string flagPictures(const AgendaRow &row)
 {
-    const std::pair<bool, const WCHAR *> flags[] = {{row.importance > 1 && row.kind == AgendaKind::Task, u" <IMG SRC=211>"},
-                                                    {row.reminder, u" <IMG SRC=213>"},
-                                                    {row.recurring && row.kind == AgendaKind::Appointment, u" <IMG SRC=212>"},
-                                                    {row.isPrivate, u" <IMG SRC=214>"},
-                                                    {row.hasNotes, u" <IMG SRC=207>"}};
+    constexpr int height = 12;
+    const std::pair<bool, int> flags[] = {{row.importance > 1 && row.kind == AgendaKind::Task, important},
+                                          {row.reminder, reminder},
+                                          {row.recurring && row.kind == AgendaKind::Appointment, repeats},
+                                          {row.isPrivate, isPrivate},
+                                          {row.hasNotes, notes}};
     std::u16string pictures;
-    for (const auto &[set, picture] : flags)
+    for (const auto &[set, number] : flags)
     {
-        pictures += set ? picture : u"";
+        pictures += set ? u" " + picture(number, height) : std::u16string();
     }
     return pictures;
 }
 
-/// The picture of a place, no higher than the small text behind it.
 std::u16string pinMarkup()
 {
     constexpr int height = 11;
-    return u"<IMG SRC=505 SIZE=" + toUtf16(std::to_string(HIDPI_SCALEY(height))) + u">";
+    return picture(place, height);
 }
 } // namespace
 

@@ -137,7 +137,14 @@ void CalendarView::layout()
 
 void CalendarView::takeFocus()
 {
-    m_card.isShown() ? m_card.takeFocus() : static_cast<void>(SetFocus(grid()));
+    if (m_card.isShown())
+    {
+        m_card.takeFocus();
+    }
+    else
+    {
+        SetFocus(grid());
+    }
 }
 
 // --- The day
@@ -283,7 +290,7 @@ bool CalendarView::key(const MSG &message)
     {
         return true;
     }
-    if (key == u'T' || key == VK_BACK)
+    if (key == u'T')
     {
         goTo(today());
         return true;

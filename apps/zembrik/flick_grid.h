@@ -19,7 +19,16 @@ class FlickGrid : public CHTMLGrid
     {
         m_leaf = std::move(leaf);
     }
-    /// The row of the grid that lies at the top, and what the pen has left over of it.
+
+    /// Fits the bar to what was put in and to where that stands now; heights that were worked out stay.
+    void fitBar()
+    {
+        RecalcGrid();
+        SetupScrollBars();
+        RecalcScreenCells(false, true);
+        UpdateScrollBars(SB_VERT);
+    }
+
     void OnLButtonDown(WPARAM uKeys, POINT point, bool &handled) override;
     void OnMouseMove(WPARAM uKeys, POINT point, bool &handled) override;
     void OnLButtonUp(WPARAM uKeys, POINT point, bool &handled) override;

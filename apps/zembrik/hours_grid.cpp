@@ -21,6 +21,7 @@ constexpr COLORREF halfHourColor = RGB(0xEF, 0xF1, 0xF5);
 constexpr int chipPadding = 1;
 constexpr int chipGap = 1;
 constexpr int nowWidth = 2;
+constexpr int leastWords = 46;
 
 std::u16string moreWords(std::size_t count)
 {
@@ -62,14 +63,18 @@ void HoursGrid::drawWholeDays(HDC hdc, int column, const RECT &rect) const
     const LONG gap = HIDPI_SCALEY(chipGap);
     RECT box{rect.left + gap, rect.top + gap, rect.right - 2 * gap, rect.top + gap + height};
     const std::size_t shown = shownOf(rows.size());
+    const bool narrow = rect.right - rect.left < HIDPI_SCALEX(leastWords);
     for (std::size_t n = 0; n < shown; ++n)
     {
-        drawChip(hdc, box, toUtf16(subjectOf(*rows[n])), rows[n]->color.value_or(usualColor), 0);
+        const COLORREF color = rows[n]->color.value_or(usualColor);
+        narrow ? fillBox(hdc, box, mixed(color, RGB(255, 255, 255), 60))
+               : drawChip(hdc, box, toUtf16(subjectOf(*rows[n])), color, 0);
         OffsetRect(&box, 0, height + static_cast<int>(gap));
     }
     if (shown < rows.size())
     {
-        drawLine(hdc, box, moreWords(rows.size() - shown), 0, todayColor);
+        const std::size_t more = rows.size() - shown;
+        drawLine(hdc, box, narrow ? u"+" + toUtf16(std::to_string(more)) : moreWords(more), 0, todayColor);
     }
 }
 

@@ -9,6 +9,7 @@
 #include "zembrik/calendar_texts.h"
 #include "zembrik/calendar_view.h"
 #include "zembrik/date_words.h"
+#include "zembrik/paint.h"
 #include "zembrik/texts.h"
 
 #include <algorithm>
@@ -111,12 +112,13 @@ class AgendaView final : public CalendarView
             m_grid.SetSelection(0, row, 1, row);
         }
         m_grid.EndUpdate();
+        m_grid.fitBar();
         m_jump = m_jump && !list().holds(day());
     }
 
     void leaf(int direction) override
     {
-        goTo(topDay() + direction * weekDays);
+        goTo(day() + direction * weekDays);
     }
 
     void tapped(USHORT, USHORT row, DWORD, POINT) override
@@ -229,17 +231,15 @@ class AgendaView final : public CalendarView
         return row < m_lines.size() ? m_lines[row].day : day();
     }
 
-    /// Scrolled by whatever means: the days at the top are those that the other views will show.
+    /// Scrolled by whatever means: once the day is out of sight, the one at the top is that which the other views show.
     void followTop()
     {
-        if (list().isLoaded() && !m_jump && topDay() != day())
+        const USHORT line = lineOfDay(day());
+        const bool inSight = line >= m_grid.GetTopRow() && line <= m_grid.GetBottomRow();
+        if (list().isLoaded() && !m_jump && !inSight)
         {
-            const bool shown = lineOfDay(day()) == m_grid.GetTopRow();
-            if (!shown)
-            {
-                setDay(topDay());
-                refreshWords();
-            }
+            setDay(topDay());
+            refreshWords();
         }
     }
 
@@ -266,6 +266,12 @@ class AgendaView final : public CalendarView
         const AgendaLine &line = m_lines[row];
         m_cell = first ? timeCell(line, list().rows(), today()) : textCell(line, list().rows(), today());
         request.pszHTML = m_cell.c_str();
+        if (line.kind != Kind::Item && line.kind != Kind::Words)
+        {
+            // It takes both columns, so measuring it in one would make it too high.
+            const int room = HIDPI_SCALEY(line.kind == Kind::Head ? headPadding : leadPadding);
+            request.nRowHeight = static_cast<USHORT>(lineOfHead() + 2 * room);
+        }
         const bool item = line.kind == Kind::Item;
         const int above = HIDPI_SCALEY(item                       ? padding
                                        : line.kind == Kind::Head  ? headPadding
@@ -273,6 +279,17 @@ class AgendaView final : public CalendarView
                                                                   : leadPadding);
         request.rcMargins = {HIDPI_SCALEX(item && !first ? 0 : side), above,
                              item && first ? AgendaGrid::stripRoom() : HIDPI_SCALEX(side), above};
+    }
+
+    int lineOfHead()
+    {
+        if (m_lineOfHead == 0)
+        {
+            const HDC hdc = GetDC(m_grid);
+            m_lineOfHead = lineHeight(hdc, 1);
+            ReleaseDC(m_grid, hdc);
+        }
+        return m_lineOfHead;
     }
 
     /// What the longest times take, with the strip behind them.
@@ -326,18 +343,19 @@ class AgendaView final : public CalendarView
         m_grid.EndUpdate();
     }
 
-    /// The next line that can be chosen; the first one in sight when none is.
+    /// The next line that can be chosen; the first one of the day when none is.
     void choose(int direction)
     {
         const bool none = m_grid.GetRow() >= m_lines.size();
-        int row = none ? m_grid.GetTopRow() - 1 : m_grid.GetRow();
-        for (row += none ? 1 : direction; row >= 0 && row < static_cast<int>(m_lines.size()); row += direction)
+        const int step = none ? 1 : direction;
+        int row = none ? lineOfDay(day()) : m_grid.GetRow() + step;
+        while (row >= 0 && row < static_cast<int>(m_lines.size()) && !m_lines[static_cast<std::size_t>(row)].canBeChosen())
         {
-            if (m_lines[static_cast<std::size_t>(row)].canBeChosen())
-            {
-                select(static_cast<USHORT>(row));
-                return;
-            }
+            row += step;
+        }
+        if (row >= 0 && row < static_cast<int>(m_lines.size()))
+        {
+            select(static_cast<USHORT>(row));
         }
     }
 
@@ -360,6 +378,7 @@ class AgendaView final : public CalendarView
     std::vector<AgendaLine> m_lines;
     std::u16string m_cell;
     int m_timeColumn = 0;
+    int m_lineOfHead = 0;
     bool m_jump = true;
 };
 

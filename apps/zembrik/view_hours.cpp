@@ -86,6 +86,17 @@ struct Block
     }
 };
 
+int lengthOf(const AgendaRow &row)
+{
+    return (dayOf(row.end) - dayOf(row.start)) * minutesOfDay + minutesOf(row.end) - minutesOf(row.start);
+}
+
+/// What takes a day or more would fill the hours without telling anything of them.
+bool standsOnTop(const AgendaRow &row)
+{
+    return row.kind != AgendaKind::Appointment || row.allDay || lengthOf(row) >= minutesOfDay;
+}
+
 class HoursView final : public CalendarView
 {
   public:
@@ -164,6 +175,7 @@ class HoursView final : public CalendarView
         }
         m_grid.MakeRowTopMost(static_cast<USHORT>(m_grid.firstSlot() + slot), false);
         m_grid.EndUpdate();
+        m_grid.fitBar();
     }
 
     void leaf(int direction) override
@@ -281,17 +293,16 @@ class HoursView final : public CalendarView
         {
             for (const AgendaRow &row : list().rowsOf(days.first + column))
             {
-                const bool timed = row.kind == AgendaKind::Appointment && !row.allDay;
                 const int from = row.day == row.firstDay ? minutesOf(row.start) : 0;
                 const int to = row.day == row.lastDay && minutesOf(row.end) != 0 ? minutesOf(row.end) : minutesOfDay;
-                const bool moment = row.firstDay == row.lastDay && minutesOf(row.start) == minutesOf(row.end);
-                if (!timed || (from == 0 && to == minutesOfDay))
+                if (standsOnTop(row))
                 {
                     m_wholeDays[static_cast<std::size_t>(column)].push_back(&row);
                 }
                 else
                 {
-                    m_blocks.push_back({static_cast<std::size_t>(&row - begin), column, from, moment ? from : to});
+                    m_blocks.push_back({static_cast<std::size_t>(&row - begin), column, from,
+                                        lengthOf(row) == 0 ? from : to});
                 }
             }
         }
@@ -510,18 +521,20 @@ class HoursView final : public CalendarView
 
     // --- Moving
 
-    void move(const AgendaRow &row, int toDay, int minutes)
+    /// False, and told, when it can't be.
+    bool move(const AgendaRow &row, int toDay, int minutes)
     {
         const AgendaRow copy = row;
         const HRESULT result = moveAppointment(copy, toDay, minutes);
         if (result == S_OK)
         {
             m_chosen = {copy.id, toDay};
-            return;
+            return true;
         }
         fill();
         CKelvoMBox::MakeKelvoMBox(frame(), text(notMovedText(result)).c_str(), text(textProgram).c_str(),
                                   text(textClose).c_str(), nullptr, nullptr, nullptr);
+        return false;
     }
 
     void dropped(std::size_t n, int col, int row)
@@ -546,8 +559,8 @@ class HoursView final : public CalendarView
         }
         const int wanted = minutesOf(row->start) + by;
         const int toDay = row->day + (wanted < 0 ? -1 : wanted >= minutesOfDay ? 1 : 0);
-        move(*row, toDay, (wanted + minutesOfDay) % minutesOfDay);
-        if (toDay < visible().first || toDay > visible().last)
+        const bool moved = move(*row, toDay, (wanted + minutesOfDay) % minutesOfDay);
+        if (moved && (toDay < visible().first || toDay > visible().last))
         {
             goTo(toDay);
         }

@@ -216,7 +216,7 @@ class MonthView final : public CalendarView
 
     void fillWeek(USHORT row)
     {
-        const RECT margins{HIDPI_SCALEX(side), HIDPI_SCALEY(1), 0, 0};
+        const RECT margins{HIDPI_SCALEX(side), HIDPI_SCALEY(2), 0, 0};
         if (numberColumns() != 0)
         {
             const int number = weekNumber(dayAt(row, 1) + 3);

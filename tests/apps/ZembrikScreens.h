@@ -21,6 +21,9 @@ class ZembrikTest : public ::testing::Test
     {
     }
 
+    std::string now = "2026-11-20T09:00Z";
+    std::string locale = "en_GB.UTF-8";
+
     std::filesystem::path file(const std::string &name) const
     {
         return m_folder.path() / name;
@@ -42,8 +45,8 @@ class ZembrikTest : public ::testing::Test
             words.insert(words.end(), {"--font", face.string()});
         }
         ProgramOptions options;
-        options.environment["ZB_NOW"] = "2026-11-20T09:00Z";
-        options.environment["LC_ALL"] = "en_GB.UTF-8";
+        options.environment["ZB_NOW"] = now;
+        options.environment["LC_ALL"] = locale;
         options.input = input;
         if (!display.empty())
         {
