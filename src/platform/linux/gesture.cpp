@@ -5,8 +5,8 @@
 #include "platform/gesture.h"
 #include "platform/kernel.h"
 #include "platform/linux/input_state.h"
-#include "platform/linux/scaling.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 
