@@ -1,5 +1,6 @@
 // CeWriteRecordProps and CeDeleteRecord.
 #include "platform/kernel.h"
+#include "platform/linux/propdb_change.h"
 #include "platform/linux/propdb_handle.h"
 #include "platform/linux/store_fault.h"
 
@@ -53,12 +54,11 @@ void runOrder(WriteAccess &access, Query query, CEOID database, std::size_t n, c
     order.run();
 }
 
-CEOID addRecord(WriteAccess &access, CEOID database, const RecordBytes &bytes)
+void addRecord(WriteAccess &access, CEOID database, CEOID oid, const RecordBytes &bytes)
 {
     const auto orders = access.orders(database);
     const RecordView view(bytes.data, bytes.rest);
     access.willChange();
-    const CEOID oid = access.newId();
     const Bytes key = sortKeyOf(*orders, 0, view);
     {
         Statement insert(access.connection(), Query::InsertRecord);
@@ -71,7 +71,7 @@ CEOID addRecord(WriteAccess &access, CEOID database, const RecordBytes &bytes)
         runOrder(access, Query::InsertOrder, database, n, sortKeyOf(*orders, n, view), oid);
     }
     access.count(database, 1, static_cast<std::int64_t>(bytes.size()));
-    return oid;
+    access.journal(database, oid, nullptr, &bytes);
 }
 
 void moveRecord(WriteAccess &access, CEOID database, CEOID oid, const Bytes &from, const Bytes &to)
@@ -109,6 +109,25 @@ void changeRecord(WriteAccess &access, CEOID database, CEOID oid, const StoredRe
         }
     }
     access.count(database, 0, static_cast<std::int64_t>(bytes.size()) - static_cast<std::int64_t>(old.bytes.size()));
+    access.journal(database, oid, &old.bytes, &bytes);
+}
+
+void removeRecord(WriteAccess &access, CEOID database, CEOID oid, const StoredRecord &old)
+{
+    const auto orders = access.orders(database);
+    const RecordView view = old.view();
+    access.willChange();
+    {
+        Statement remove(access.connection(), Query::DeleteRecord);
+        remove.bind(1, database).bind(2, BytesView(old.key)).bind(3, oid);
+        remove.run();
+    }
+    for (std::size_t n = 1; n < orders->size(); ++n)
+    {
+        runOrder(access, Query::DeleteOrder, database, n, sortKeyOf(*orders, n, view), oid);
+    }
+    access.count(database, -1, -static_cast<std::int64_t>(old.bytes.size()));
+    access.journal(database, oid, &old.bytes, nullptr);
 }
 
 CEOID writeRecord(DatabaseHandle &handle, CEOID oid, std::span<const CEPROPVAL> properties)
@@ -119,7 +138,10 @@ CEOID writeRecord(DatabaseHandle &handle, CEOID oid, std::span<const CEPROPVAL> 
         // Put together before the writer is taken: the longer part of the work needs no lock.
         const RecordBytes bytes = mergeRecord(nullptr, properties);
         WriteAccess access(handle.store());
-        oid = addRecord(access, database, bytes);
+        access.orders(database); // before an id is taken
+        access.willChange();
+        oid = access.newId();
+        addRecord(access, database, oid, bytes);
         access.note(DB_CEOID_CREATED, database, oid, &handle);
         access.commit();
         return oid;
@@ -138,24 +160,54 @@ void deleteRecord(DatabaseHandle &handle, CEOID oid)
 {
     const CEOID database = handle.database();
     WriteAccess access(handle.store());
-    const auto orders = access.orders(database);
-    const StoredRecord old = loadRecord(access, database, oid);
-    const RecordView view = old.view();
-    access.willChange();
-    {
-        Statement remove(access.connection(), Query::DeleteRecord);
-        remove.bind(1, database).bind(2, BytesView(old.key)).bind(3, oid);
-        remove.run();
-    }
-    for (std::size_t n = 1; n < orders->size(); ++n)
-    {
-        runOrder(access, Query::DeleteOrder, database, n, sortKeyOf(*orders, n, view), oid);
-    }
-    access.count(database, -1, -static_cast<std::int64_t>(old.bytes.size()));
+    access.orders(database);
+    removeRecord(access, database, oid, loadRecord(access, database, oid));
     access.note(DB_CEOID_RECORD_DELETED, database, oid, &handle);
     access.commit();
 }
+
+/// As it is in the store, if it is there.
+std::optional<StoredRecord> recordThere(WriteAccess &access, const JournalEntry &entry)
+{
+    Statement record(access.connection(), Query::RecordById);
+    record.bind(1, entry.record);
+    if (!record.step() || record.integer(0) != entry.database)
+    {
+        return std::nullopt;
+    }
+    return StoredRecord{copyOf(record.bytes(1)), {copyOf(record.bytes(2)), copyOf(record.bytes(3))}};
+}
 } // namespace
+
+bool takeBack(Store &store, const JournalEntry &entry)
+{
+    WriteAccess access(store);
+    const std::optional<StoredRecord> now = recordThere(access, entry);
+    if (now.has_value() != entry.isThere ||
+        (now && fingerprintOf(now->bytes.data, now->bytes.rest) != entry.after))
+    {
+        return false;
+    }
+    const RecordBytes former{entry.data, entry.rest};
+    UINT message = DB_CEOID_CHANGED;
+    if (!entry.wasThere)
+    {
+        message = DB_CEOID_RECORD_DELETED;
+        now ? removeRecord(access, entry.database, entry.record, *now) : void();
+    }
+    else if (now)
+    {
+        changeRecord(access, entry.database, entry.record, *now, former);
+    }
+    else
+    {
+        message = DB_CEOID_CREATED;
+        addRecord(access, entry.database, entry.record, former);
+    }
+    access.note(message, entry.database, entry.record, nullptr);
+    access.commit();
+    return true;
+}
 } // namespace zb::internal
 
 using namespace zb::internal;

@@ -198,7 +198,18 @@ void Store::commitTransaction()
     {
         flush();
     }
+    std::int64_t change = 0;
+    if (m_recording.on && (m_recording.force || !m_pending.journal.empty()))
+    {
+        change = writeJournal(*m_writer, m_recording, m_pending.journal, currentTicks());
+    }
     Statement(*m_writer, Query::Commit).run();
+    if (change != 0)
+    {
+        m_recording.change = change;
+        m_recording.force = false;
+        ++m_recording.part;
+    }
     m_savedIds = std::max(m_savedIds, m_pending.nextId);
     m_writes.fetch_add(1, std::memory_order_acq_rel);
 }
@@ -221,6 +232,42 @@ void Store::keepIds() noexcept
         // The next write of this process takes them along.
     }
     rollBack();
+}
+
+bool Store::startRecording(Recording recording)
+{
+    const std::unique_lock lock = enterWriter();
+    if (m_recording.on)
+    {
+        return false;
+    }
+    m_recording = std::move(recording);
+    m_recording.on = true;
+    return true;
+}
+
+void Store::forceRecording()
+{
+    const std::unique_lock lock = enterWriter();
+    m_recording.force = m_recording.on;
+}
+
+void Store::describeRecording(const std::u16string &words)
+{
+    const std::unique_lock lock = enterWriter();
+    m_recording.words = words;
+}
+
+std::int64_t Store::recordedChange()
+{
+    const std::lock_guard guard(m_writerMutex);
+    return m_recording.change;
+}
+
+void Store::stopRecording()
+{
+    const std::lock_guard guard(m_writerMutex);
+    m_recording = Recording();
 }
 
 bool Store::beginBulk()
@@ -407,6 +454,14 @@ void WriteAccess::forgetDatabase(CEOID database)
 void WriteAccess::settleCounts()
 {
     m_store.flushCounts();
+}
+
+void WriteAccess::journal(CEOID database, CEOID record, const RecordBytes *before, const RecordBytes *after)
+{
+    if (m_store.m_recording.on)
+    {
+        m_store.m_pending.journal.note(database, record, before, after);
+    }
 }
 
 void WriteAccess::note(UINT message, CEOID database, CEOID object, const void *source)

@@ -17,6 +17,7 @@
 #include "platform/linux/store.h"
 #include "platform/linux/store_connection.h"
 #include "platform/linux/store_notify.h"
+#include "platform/linux/store_undo.h"
 
 #include <atomic>
 #include <condition_variable>
@@ -46,6 +47,7 @@ struct PendingChanges
     std::map<CEOID, Counts> counts;
     std::unordered_map<CEOID, std::shared_ptr<const SortOrders>> orders; ///< as read in this transaction
     ChangeList changes;
+    Journal journal; ///< while a recording is on
     std::int64_t nextId = 0; ///< 0: not read yet
     std::int64_t nextChange = 0;
     bool idsTaken = false;
@@ -87,6 +89,15 @@ class Store
     /// Whether the calling thread is in a bulk of this store.
     bool inBulk() const;
 
+    /// From here on the writes of this process are recorded; false when they are already.
+    bool startRecording(Recording recording);
+    /// Writes the recording's row with the commit that comes, whatever that changes.
+    void forceRecording();
+    void describeRecording(const std::u16string &words);
+    /// The id of the change, 0 when nothing was written for it.
+    std::int64_t recordedChange();
+    void stopRecording();
+
     /// A new connection set up as all are.
     std::unique_ptr<Connection> connect() const;
 
@@ -127,6 +138,7 @@ class Store
     std::int64_t m_idFloor = 1;  ///< ids below are used, whatever the store says
     std::int64_t m_savedIds = 1; ///< ids below are used, and the store says so
     PendingChanges m_pending;
+    Recording m_recording;
 
     OpenDatabases m_openDatabases;
     Notifier m_notifier;
@@ -184,6 +196,8 @@ class WriteAccess
     void forgetDatabase(CEOID database);
     /// Writes what is counted so far into the databases' rows.
     void settleCounts();
+    /// What a record was and is, for the recording of changes; null for no record.
+    void journal(CEOID database, CEOID record, const RecordBytes *before, const RecordBytes *after);
     /// To be told to the windows of other handles than `source` once it is committed.
     void note(UINT message, CEOID database, CEOID object, const void *source);
     /// Outside a bulk the change is durable when this returns.

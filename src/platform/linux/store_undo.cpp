@@ -1,0 +1,352 @@
+#include "platform/linux/store_undo.h"
+
+#include "platform/kernel.h"
+#include "platform/linux/store_fault.h"
+#include "platform/undo.h"
+
+#include <sqlite3.h>
+
+namespace zb::internal
+{
+namespace
+{
+constexpr std::int64_t mostBytes = 64LL * 1024 * 1024;
+constexpr BYTE wasThereFlag = 1;
+constexpr BYTE isThereFlag = 2;
+
+/// A statement for one run; the journal is written once a command, so nothing is kept.
+class Once
+{
+  public:
+    Once(Connection &connection, const char *sql) : m_connection(connection)
+    {
+        const int result = sqlite3_prepare_v2(connection.raw(), sql, -1, &m_statement, nullptr);
+        if (result != SQLITE_OK)
+        {
+            connection.fail(result);
+        }
+    }
+    ~Once()
+    {
+        sqlite3_finalize(m_statement);
+    }
+    Once(const Once &) = delete;
+    Once &operator=(const Once &) = delete;
+
+    Once &bind(int place, std::int64_t value)
+    {
+        sqlite3_bind_int64(m_statement, place, value);
+        return *this;
+    }
+    Once &bind(int place, BytesView bytes)
+    {
+        sqlite3_bind_blob64(m_statement, place, bytes.empty() ? reinterpret_cast<const BYTE *>("") : bytes.data(),
+                            bytes.size(), SQLITE_STATIC);
+        return *this;
+    }
+    Once &bind(int place, const std::u16string &text)
+    {
+        sqlite3_bind_text16(m_statement, place, text.data(), static_cast<int>(text.size() * sizeof(char16_t)),
+                            SQLITE_STATIC);
+        return *this;
+    }
+    bool step()
+    {
+        const int result = sqlite3_step(m_statement);
+        if (result != SQLITE_ROW && result != SQLITE_DONE)
+        {
+            m_connection.fail(result);
+        }
+        return result == SQLITE_ROW;
+    }
+    std::int64_t number(int column)
+    {
+        return sqlite3_column_int64(m_statement, column);
+    }
+    Bytes bytes(int column)
+    {
+        const auto *const data = static_cast<const BYTE *>(sqlite3_column_blob(m_statement, column));
+        return data == nullptr ? Bytes() : Bytes(data, data + sqlite3_column_bytes(m_statement, column));
+    }
+    std::u16string text(int column)
+    {
+        const auto *const data = static_cast<const char16_t *>(sqlite3_column_text16(m_statement, column));
+        const int size = sqlite3_column_bytes16(m_statement, column);
+        return data == nullptr ? std::u16string() : std::u16string(data, static_cast<std::size_t>(size) / 2);
+    }
+
+  private:
+    Connection &m_connection;
+    sqlite3_stmt *m_statement = nullptr;
+};
+
+void makeTables(Connection &connection)
+{
+    connection.execute("CREATE TABLE IF NOT EXISTS undo_changes(id INTEGER PRIMARY KEY, kind INTEGER NOT NULL,"
+                       " made INTEGER NOT NULL, words TEXT NOT NULL, whole INTEGER NOT NULL, records INTEGER NOT NULL,"
+                       " size INTEGER NOT NULL, files BLOB NOT NULL) STRICT");
+    connection.execute("CREATE TABLE IF NOT EXISTS undo_parts(change INTEGER NOT NULL, part INTEGER NOT NULL,"
+                       " entries BLOB NOT NULL, PRIMARY KEY(change, part)) STRICT, WITHOUT ROWID");
+}
+
+void dropLooseParts(Connection &connection)
+{
+    connection.execute("DELETE FROM undo_parts WHERE change NOT IN (SELECT id FROM undo_changes)");
+}
+
+void forgetOldest(Connection &connection)
+{
+    Once(connection, "DELETE FROM undo_changes WHERE kind=0 AND id NOT IN"
+                     " (SELECT id FROM undo_changes WHERE kind=0 ORDER BY id DESC LIMIT ?1)")
+        .bind(1, static_cast<std::int64_t>(recordedChangesKept))
+        .step();
+    Once(connection, "DELETE FROM undo_changes WHERE id<(SELECT max(id) FROM undo_changes) AND id IN"
+                     " (SELECT id FROM (SELECT id, sum(size) OVER (ORDER BY id DESC) AS total FROM undo_changes)"
+                     " WHERE total>?1)")
+        .bind(1, mostBytes)
+        .step();
+    dropLooseParts(connection);
+}
+
+std::int64_t addChange(Connection &connection, const Recording &recording, std::int64_t now)
+{
+    if (!recording.keepsUndone)
+    {
+        // Ids may come again, so nothing may be left under them.
+        connection.execute("DELETE FROM undo_changes WHERE kind=1");
+        dropLooseParts(connection);
+    }
+    Once next(connection, "SELECT coalesce(max(id), 0)+1 FROM undo_changes");
+    next.step();
+    const std::int64_t id = next.number(0);
+    Once(connection, "INSERT INTO undo_changes VALUES(?1, ?2, ?3, ?4, 0, 0, 0, ?5)")
+        .bind(1, id)
+        .bind(2, recording.undone ? 1 : 0)
+        .bind(3, now)
+        .bind(4, recording.words)
+        .bind(5, BytesView(recording.files))
+        .step();
+    return id;
+}
+
+void put(Bytes &bytes, std::uint64_t value, std::size_t size)
+{
+    for (std::size_t n = 0; n < size; ++n)
+    {
+        bytes.push_back(static_cast<BYTE>(value >> 8U * n));
+    }
+}
+
+/// Takes numbers and blobs off the front.
+class Taker
+{
+  public:
+    explicit Taker(BytesView bytes) : m_bytes(bytes)
+    {
+    }
+    bool atEnd() const
+    {
+        return m_bytes.empty();
+    }
+    std::uint64_t number(std::size_t size)
+    {
+        std::uint64_t value = 0;
+        const BytesView part = take(size);
+        for (std::size_t n = size; n > 0; --n)
+        {
+            value = value << 8U | part[n - 1];
+        }
+        return value;
+    }
+    BytesView take(std::size_t size)
+    {
+        if (size > m_bytes.size())
+        {
+            throw StoreFault(ERROR_FILE_CORRUPT);
+        }
+        const BytesView part = m_bytes.first(size);
+        m_bytes = m_bytes.subspan(size);
+        return part;
+    }
+
+  private:
+    BytesView m_bytes;
+};
+
+std::uint64_t mixed(std::uint64_t state, BytesView bytes)
+{
+    constexpr std::uint64_t prime = 0x9e3779b97f4a7c15U;
+    state = (state ^ bytes.size()) * prime;
+    std::size_t at = 0;
+    for (; at + 8 <= bytes.size(); at += 8)
+    {
+        std::uint64_t word = 0;
+        std::memcpy(&word, bytes.data() + at, 8);
+        state = (state ^ word) * prime;
+        state ^= state >> 29U;
+    }
+    for (; at < bytes.size(); ++at)
+    {
+        state = (state ^ bytes[at]) * prime;
+        state ^= state >> 29U;
+    }
+    return state;
+}
+} // namespace
+
+std::uint64_t fingerprintOf(BytesView data, BytesView rest)
+{
+    return mixed(mixed(1, data), rest);
+}
+
+void Journal::note(CEOID database, CEOID record, const RecordBytes *before, const RecordBytes *after)
+{
+    const auto [place, isNew] = m_places.emplace(record, m_entries.size());
+    if (isNew)
+    {
+        JournalEntry entry;
+        entry.record = record;
+        entry.database = database;
+        entry.wasThere = before != nullptr;
+        if (before != nullptr)
+        {
+            entry.data = before->data;
+            entry.rest = before->rest;
+        }
+        m_entries.push_back(std::move(entry));
+    }
+    JournalEntry &entry = m_entries[place->second];
+    entry.isThere = after != nullptr;
+    entry.after = after == nullptr ? 0 : fingerprintOf(after->data, after->rest);
+}
+
+Bytes Journal::encoded() const
+{
+    Bytes bytes;
+    for (const JournalEntry &entry : m_entries)
+    {
+        if (!entry.wasThere && !entry.isThere)
+        {
+            continue; // came and went
+        }
+        put(bytes, entry.record, 4);
+        put(bytes, entry.database, 4);
+        bytes.push_back(static_cast<BYTE>((entry.wasThere ? wasThereFlag : 0) | (entry.isThere ? isThereFlag : 0)));
+        put(bytes, entry.after, 8);
+        if (entry.wasThere)
+        {
+            put(bytes, entry.data.size(), 4);
+            put(bytes, entry.rest.size(), 4);
+            bytes.insert(bytes.end(), entry.data.begin(), entry.data.end());
+            bytes.insert(bytes.end(), entry.rest.begin(), entry.rest.end());
+        }
+    }
+    return bytes;
+}
+
+std::vector<JournalEntry> Journal::decoded(BytesView bytes)
+{
+    std::vector<JournalEntry> entries;
+    for (Taker taker(bytes); !taker.atEnd();)
+    {
+        JournalEntry entry;
+        entry.record = static_cast<CEOID>(taker.number(4));
+        entry.database = static_cast<CEOID>(taker.number(4));
+        const auto flags = static_cast<BYTE>(taker.number(1));
+        entry.wasThere = (flags & wasThereFlag) != 0;
+        entry.isThere = (flags & isThereFlag) != 0;
+        entry.after = taker.number(8);
+        if (entry.wasThere)
+        {
+            const auto dataSize = static_cast<std::size_t>(taker.number(4));
+            const auto restSize = static_cast<std::size_t>(taker.number(4));
+            const BytesView data = taker.take(dataSize);
+            const BytesView rest = taker.take(restSize);
+            entry.data.assign(data.begin(), data.end());
+            entry.rest.assign(rest.begin(), rest.end());
+        }
+        entries.push_back(std::move(entry));
+    }
+    return entries;
+}
+
+bool hasJournal(Connection &connection)
+{
+    return connection.number("SELECT count(*) FROM sqlite_schema WHERE type='table' AND name IN"
+                             " ('undo_changes', 'undo_parts')") == 2;
+}
+
+std::vector<ChangeRow> changeRows(Connection &connection, bool undone)
+{
+    std::vector<ChangeRow> rows;
+    if (!hasJournal(connection))
+    {
+        return rows;
+    }
+    Once all(connection,
+             "SELECT id, made, words, whole, records, files FROM undo_changes WHERE kind=?1 ORDER BY id DESC");
+    all.bind(1, undone ? 1 : 0);
+    while (all.step())
+    {
+        rows.push_back(
+            {all.number(0), all.number(1), all.text(2), all.number(3) != 0, all.number(4), all.bytes(5)});
+    }
+    return rows;
+}
+
+std::vector<Bytes> partsOf(Connection &connection, std::int64_t change)
+{
+    std::vector<Bytes> parts;
+    Once all(connection, "SELECT entries FROM undo_parts WHERE change=?1 ORDER BY part DESC");
+    all.bind(1, change);
+    while (all.step())
+    {
+        parts.push_back(all.bytes(0));
+    }
+    return parts;
+}
+
+void dropChange(Connection &connection, std::int64_t change)
+{
+    Once(connection, "DELETE FROM undo_parts WHERE change=?1").bind(1, change).step();
+    Once(connection, "DELETE FROM undo_changes WHERE id=?1").bind(1, change).step();
+}
+
+std::int64_t writeJournal(Connection &connection, const Recording &recording, const Journal &journal, std::int64_t now)
+{
+    makeTables(connection);
+    const std::int64_t change = recording.change != 0 ? recording.change : addChange(connection, recording, now);
+    if (!journal.empty())
+    {
+        const Bytes entries = journal.encoded();
+        Once(connection, "INSERT INTO undo_parts VALUES(?1, ?2, ?3)")
+            .bind(1, change)
+            .bind(2, recording.part)
+            .bind(3, BytesView(entries))
+            .step();
+        Once(connection, "UPDATE undo_changes SET records=records+?2, size=size+?3 WHERE id=?1")
+            .bind(1, change)
+            .bind(2, static_cast<std::int64_t>(journal.size()))
+            .bind(3, static_cast<std::int64_t>(entries.size()))
+            .step();
+    }
+    forgetOldest(connection);
+    return change;
+}
+
+void endChange(Connection &connection, std::int64_t change, const std::u16string &words, BytesView files, bool anyFile)
+{
+    Once(connection, "UPDATE undo_changes SET whole=1, files=?2, words=?3 WHERE id=?1")
+        .bind(1, change)
+        .bind(2, files)
+        .bind(3, words)
+        .step();
+    if (!anyFile)
+    {
+        Once(connection, "DELETE FROM undo_changes WHERE id=?1 AND NOT EXISTS"
+                         " (SELECT 1 FROM undo_parts WHERE change=?1)")
+            .bind(1, change)
+            .step();
+    }
+}
+} // namespace zb::internal
