@@ -58,7 +58,7 @@ OccurrenceTimes occurrenceTimes(const AppointmentTimes &times)
 {
     if (times.allDay)
     {
-        return {0, times.days() * minutesOfDay, true};
+        return {0, times.storedMinutes(), true}; // a minute less than the days, as in all records
     }
     return {minuteOfTicks(times.start), static_cast<LONG>(times.minutes), false};
 }
@@ -75,7 +75,7 @@ RecurrenceException carried(RecurrenceException exception, const RecurrencePatte
     if (regular)
     {
         exception.newStart = day + pattern.startMinute;
-        exception.newEnd = day + pattern.endMinute - (isAllDay ? 1 : 0);
+        exception.newEnd = day + pattern.endMinute;
     }
     else
     {
