@@ -33,7 +33,7 @@ void readAll(CalendarReader &reader)
         if (component.repeats())
         {
             readSeries(component, changes, zones, now,
-                       [](zb::AppointmentItem &item, const CalendarComponent &) { zb::encodeAppointment(item); });
+                       [](zb::AppointmentItem &item, const CalendarComponent &, const ExactRecord *) { zb::encodeAppointment(item); });
         }
         else
         {

@@ -75,13 +75,17 @@ AppointmentStore::~AppointmentStore()
     CloseHandle(m_database);
 }
 
-AppointmentStore::Outcome AppointmentStore::store(const AppointmentItem &item)
+AppointmentStore::Outcome AppointmentStore::store(const AppointmentItem &item, const ExactRecord *exact)
 {
     const CEOID id = find(item.interchangeId);
     m_properties = encodeAppointment(item);
     if (id != 0 && !item.categories.empty())
     {
         m_properties.set(itemCategories, withStoredCategories(item.categories));
+    }
+    if (exact != nullptr)
+    {
+        exact->applyTo(m_properties);
     }
     m_wasSeries = false;
     if (id != 0 && isSame(m_properties))

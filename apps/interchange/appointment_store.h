@@ -1,6 +1,7 @@
 // The appointments of the open device as an import sees them: found by identity, added, or changed where they differ.
 #pragma once
 
+#include "interchange/exact_record.h"
 #include "platform/pim.h"
 #include "platform/propdb.h"
 
@@ -58,9 +59,9 @@ class AppointmentStore
         Unchanged
     };
 
-    /// Writes the item under its interchangeId. Properties that an import does not know stay as they are. Throws
-    /// StoreError.
-    Outcome store(const AppointmentItem &item);
+    /// Writes the item under its interchangeId; `exact`, which may be null, tells what its record has beyond it.
+    /// Properties that an import does not know stay as they are. Throws StoreError.
+    Outcome store(const AppointmentItem &item, const ExactRecord *exact);
     /// Whether the record that store() changed said before that it is part of a series, or one itself.
     bool wasSeries() const
     {

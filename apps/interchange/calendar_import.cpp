@@ -134,9 +134,11 @@ class CalendarImport
         }
         shorten(event, *reading.item);
         reading.item->categories = m_categories.bitsOf(event);
-        const auto outcome = m_store.store(*reading.item);
+        const auto exact = ExactRecord::read(exactRecordLine(event), fingerprint(saidBy(event)));
+        const auto outcome = m_store.store(*reading.item, exact ? &*exact : nullptr);
         count(outcome);
-        if (outcome == AppointmentStore::Outcome::Updated && m_store.wasSeries() &&
+        // The days of a series that was exported as single appointments come in one by one.
+        if (!exact && outcome == AppointmentStore::Outcome::Updated && m_store.wasSeries() &&
             !event.has(EventField::RecurrenceId))
         {
             m_report.removed += m_store.removeLeftovers({reading.item->interchangeId, {}, {}, 0});
@@ -199,11 +201,11 @@ class CalendarImport
         }
         FILETIME now{};
         GetSystemTimeAsFileTime(&now);
-        const auto take = [this](AppointmentItem &item, const CalendarComponent &event)
+        const auto take = [this](AppointmentItem &item, const CalendarComponent &event, const ExactRecord *exact)
         {
             shorten(event, item);
             item.categories = m_categories.bitsOf(event);
-            count(m_store.store(item));
+            count(m_store.store(item, exact));
         };
         SeriesReading reading = readSeries(series, changes, m_zones, ticksOf(now), take);
         for (const UnknownZone &zone : reading.unknownZones)

@@ -49,9 +49,9 @@ constexpr std::array<FieldName, static_cast<std::size_t>(EventField::Count)> fie
 constexpr std::array<std::string_view, 5> flatNames = {"VEVENT", "VTODO", "VJOURNAL", "VFREEBUSY", "VTIMEZONE"};
 
 // Of to-dos alone: what is read, and what is only told to be lost.
-constexpr std::array<std::string_view, 6> taskNames = {"DUE",        "COMPLETED", "PRIORITY", "PERCENT-COMPLETE",
-                                                       "CATEGORIES", "RELATED-TO"};
-constexpr std::array<std::string_view, 2> eventNames = {"CATEGORIES", "COLOR"};
+constexpr std::array<std::string_view, 7> taskNames = {"DUE",        "COMPLETED", "PRIORITY", "PERCENT-COMPLETE",
+                                                       "CATEGORIES", "RELATED-TO", "X-ZB-RECORD"};
+constexpr std::array<std::string_view, 3> eventNames = {"CATEGORIES", "COLOR", "X-ZB-RECORD"};
 constexpr std::array<std::string_view, 8> lostNames = {"GEO", "ATTACH",  "ATTENDEE", "ORGANIZER",
                                                        "URL", "COMMENT", "CONTACT",  "RESOURCES"};
 

@@ -76,6 +76,7 @@ constexpr std::array namedRoles = {
     NamedRole{"X-MS-TEL", CardRole::Phone},
     NamedRole{"X-OFFICE", CardRole::Office},
     NamedRole{"X-SPOUSE", CardRole::Spouse},
+    NamedRole{"X-ZB-RECORD", CardRole::Silent}, // what only our records hold
     NamedRole{"XML", CardRole::Lost},
 };
 

@@ -6,6 +6,7 @@
 #include "interchange/contact_card.h"
 #include "interchange/contact_pictures.h"
 #include "interchange/contact_store.h"
+#include "interchange/exact_record.h"
 #include "interchange/import_frame.h"
 #include "interchange/item_categories.h"
 #include "platform/kernel.h"
@@ -43,34 +44,6 @@ std::uint64_t versionOf(const Card &card)
 Fingerprint keyOf(const std::u16string &identity)
 {
     return fingerprint(toUtf8(std::u16string_view(identity)));
-}
-
-/// All that a card says, but for when and by whom it was written.
-Fingerprint contentOf(const Card &card)
-{
-    std::string text;
-    for (const CardProperty &property : card.properties)
-    {
-        if (property.name == "REV" || property.name == "PRODID")
-        {
-            continue;
-        }
-        text.append(property.group).append(1, '.').append(property.name);
-        for (const CardParameter &parameter : property.parameters)
-        {
-            text.append(1, ';').append(parameter.name);
-            for (const std::string &value : parameter.values)
-            {
-                text.append(1, '=').append(value);
-            }
-        }
-        text.append(1, ':').append(property.value).append(1, '\n');
-    }
-    for (const Card &agent : card.agents)
-    {
-        text.append(contentOf(agent).hex()).append(1, '\n');
-    }
-    return fingerprint(text);
 }
 
 class ContactImport
@@ -137,7 +110,7 @@ class ContactImport
             ++m_counts.superseded;
             return;
         }
-        if (identity.empty() && !m_seen.insert(contentOf(card)).second)
+        if (identity.empty() && !m_seen.insert(saidBy(card)).second)
         {
             ++m_counts.repeated;
             return;
@@ -207,7 +180,10 @@ class ContactImport
         else if (picture)
         {
             contact.pictureStamp = toUtf16(fingerprint(reading.photo->value).hex());
+            PictureFault fault = PictureFault::None;
+            contact.pictureInPlace = readPicture(fileAsOf(reading.item)) == readCardPicture(*reading.photo, fault).bytes;
         }
+        contact.exact = ExactRecord::read(exactRecordLine(card), saidBy(card));
         const StoredContact stored = m_store->store(contact);
         count(stored.outcome);
         if (!stored.formerFileAs.empty() && !m_store->isShared(stored.formerFileAs, stored.id, false))

@@ -14,6 +14,8 @@ namespace
 constexpr std::size_t longestExtension = 5;
 /// Bytes that the name of a file may have on the disk below.
 constexpr std::size_t longestHostName = 240;
+/// With its digits a third longer it still fits into what is read of one line.
+constexpr DWORD largestPicture = 8 * 1024 * 1024;
 
 std::u16string pictureFolder()
 {
@@ -76,6 +78,29 @@ bool canNamePicture(const std::u16string &fileAs)
 bool hasPicture(const std::u16string &fileAs)
 {
     return !filesOf(fileAs).empty();
+}
+
+std::string readPicture(const std::u16string &fileAs)
+{
+    for (const std::u16string &name : filesOf(fileAs))
+    {
+        const HANDLE file = CreateFileW((pictureFolder() + u"\\" + name).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                        OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+        if (file == INVALID_HANDLE_VALUE)
+        {
+            continue;
+        }
+        const DWORD size = GetFileSize(file, nullptr);
+        std::string bytes(size <= largestPicture ? size : 0, '\0');
+        DWORD done = 0;
+        const bool read = size <= largestPicture && ReadFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &done, nullptr) != FALSE;
+        CloseHandle(file);
+        if (read && done == bytes.size())
+        {
+            return bytes;
+        }
+    }
+    return {};
 }
 
 bool putPicture(const std::u16string &fileAs, const CardPicture &picture)

@@ -11,6 +11,8 @@ namespace zb::interchange
 /// False for names that no file can have.
 bool canNamePicture(const std::u16string &fileAs);
 bool hasPicture(const std::u16string &fileAs);
+/// Bytes of the picture; empty for none, and for one that can't be read or is larger than a card may have.
+std::string readPicture(const std::u16string &fileAs);
 /// Takes the place of the picture that the contact had. False when the device could not keep it; the old one is then
 /// there still.
 bool putPicture(const std::u16string &fileAs, const CardPicture &picture);

@@ -397,6 +397,10 @@ StoredContact ContactStore::store(const ContactCard &card)
     const bool isNew = result.id == 0;
     ContactCard known = card;
     known.item.interchangeId = identity;
+    if (card.exact && card.exact->has(contactFileAs))
+    {
+        known.item.fileAs = card.exact->text(contactFileAs);
+    }
     RecordProperties properties;
     WORD count = 0;
     const CEPROPVAL *stored = nullptr;
@@ -416,7 +420,13 @@ StoredContact ContactStore::store(const ContactCard &card)
         stamp = textOf(stored, count, contactPictureStamp);
         properties = merged(known, stored, count, result);
     }
-    if (!card.pictureStamp.empty())
+    if (card.exact)
+    {
+        card.exact->applyTo(properties);
+    }
+    // A picture that the owner put there stays the owner's.
+    const bool ownersOwn = !isNew && stamp.empty() && card.pictureInPlace;
+    if (!card.pictureStamp.empty() && !ownersOwn)
     {
         result.pictureTaken = isShared(result.fileAs, result.id, true);
         result.newPicture = !result.pictureTaken && stamp != card.pictureStamp;

@@ -7,6 +7,7 @@
 #pragma once
 
 #include "interchange/appointment_store.h"
+#include "interchange/exact_record.h"
 #include "interchange/fingerprint.h"
 #include "platform/pim.h"
 #include "platform/propdb.h"
@@ -19,16 +20,14 @@
 
 namespace zb::interchange
 {
-/// Ours: 32 hexadecimal digits that tell the picture which an import gave the contact, so that a picture that its owner
-/// puts there later stays until the card has another.
-inline constexpr CEPROPID contactPictureStamp = MakePropId(0x5a02, CEVT_LPWSTR);
-
 /// One card as it goes into the store.
 struct ContactCard
 {
     ContactItem item;             ///< its interchangeId is what the card says itself, or empty
     std::vector<BYTE> categories; ///< bit set, empty for none
     std::u16string pictureStamp;  ///< empty without picture
+    bool pictureInPlace = false; ///< the contact's file has that very picture
+    std::optional<ExactRecord> exact; ///< what the record has beyond the card
 };
 
 struct StoredContact

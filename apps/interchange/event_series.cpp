@@ -3,6 +3,7 @@
 #include "interchange/series_pattern.h"
 #include "interchange/series_unroll.h"
 #include "platform/clock.h"
+#include "platform/pim_recurrence.h"
 
 #include <algorithm>
 #include <optional>
@@ -25,6 +26,11 @@ class SeriesReader
         {
             return std::move(m_reading);
         }
+        m_exact = exactRecord();
+        if (takeExact())
+        {
+            return std::move(m_reading);
+        }
         const std::optional<SeriesPlan> plan =
             m_series.ruleUnreadable ? std::nullopt : planSeries(m_series, m_now, m_reading.reason);
         if (plan)
@@ -43,12 +49,81 @@ class SeriesReader
     }
 
   private:
-    void hand(AppointmentItem item, const CalendarComponent &event)
+    void hand(AppointmentItem item, const CalendarComponent &event, const ExactRecord *exact = nullptr)
     {
         if (m_reading.kept.insert(item.interchangeId).second)
         {
-            m_take(item, event);
+            m_take(item, event, exact);
         }
+    }
+
+    /// The changed days that the record itself tells; all of them where the pattern is not kept beside the event.
+    bool isInPattern(const ChangedDay &change) const
+    {
+        return !m_pattern || std::any_of(m_pattern->exceptions.begin(), m_pattern->exceptions.end(),
+                                         [&](const RecurrenceException &exception)
+                                         { return isDayOf(exception.originalStart, change); });
+    }
+    static bool isDayOf(DWORD minutes, const ChangedDay &change)
+    {
+        return change.original >= 0 && minutes / 1440 == static_cast<DWORD>(change.original / ticksPerDay);
+    }
+
+    /// What is kept beside the event, if the event and the changed days that the record tells say what they said then.
+    std::optional<ExactRecord> exactRecord()
+    {
+        const std::string_view line = exactRecordLine(m_event);
+        if (line.empty())
+        {
+            return std::nullopt;
+        }
+        // The pattern tells which of the changed days count.
+        const std::optional<ExactRecord> unchecked = ExactRecord::readUnchecked(line);
+        const std::vector<BYTE> blob = unchecked ? unchecked->blob(appointmentRecurrence) : std::vector<BYTE>();
+        m_pattern = decodeRecurrence(blob.data(), blob.size());
+        std::string said = saidBy(m_event);
+        for (const ChangedDay &change : m_series.changes)
+        {
+            said += isInPattern(change) ? saidBy(*change.event) : std::string();
+        }
+        return ExactRecord::read(line, fingerprint(said));
+    }
+
+    /// The record as it was exported, where all changed days beside it are days that it does not tell.
+    bool takeExact()
+    {
+        if (!m_exact || !m_pattern)
+        {
+            return false;
+        }
+        const auto stands = [this](const ChangedDay &change)
+        {
+            return isInPattern(change) ||
+                   (!change.cancelled && !change.future &&
+                    std::any_of(m_pattern->deleted.begin(), m_pattern->deleted.end(),
+                                [&](DWORD day) { return isDayOf(day, change); }));
+        };
+        if (!std::all_of(m_series.changes.begin(), m_series.changes.end(), stands))
+        {
+            return false;
+        }
+        m_reading.form = SeriesForm::Pattern;
+        AppointmentItem item = m_series.item;
+        item.recurrence = m_exact->blob(appointmentRecurrence);
+        hand(std::move(item), m_event, &*m_exact);
+        for (const ChangedDay &change : m_series.changes)
+        {
+            if (isInPattern(change))
+            {
+                ++m_reading.changedDays;
+                m_reading.covered.insert(change.identity);
+                continue;
+            }
+            const auto exact =
+                ExactRecord::read(exactRecordLine(*change.event), fingerprint(saidBy(*change.event)));
+            hand(change.item, *change.event, exact ? &*exact : nullptr);
+        }
+        return true;
     }
 
     AppointmentItem singleOn(const AppointmentItem &like, LONGLONG wall, LONG minutes) const
@@ -66,7 +141,7 @@ class SeriesReader
         m_reading.form = SeriesForm::Pattern;
         m_reading.changedDays = plan.changedDays;
         m_reading.cancelledDays = plan.cancelledDays;
-        hand(plan.item, m_event);
+        hand(plan.item, m_event, m_exact ? &*m_exact : nullptr);
         for (const ChangedDay *change : plan.covered)
         {
             m_reading.covered.insert(change->identity);
@@ -217,6 +292,8 @@ class SeriesReader
     SeriesCalendar m_series;
     LONGLONG m_now;
     const ItemSink &m_take;
+    std::optional<ExactRecord> m_exact;
+    std::optional<RecurrencePattern> m_pattern; ///< kept beside the event
 };
 } // namespace
 

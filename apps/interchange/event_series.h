@@ -7,6 +7,7 @@
 #pragma once
 
 #include "interchange/calendar_reader.h"
+#include "interchange/exact_record.h"
 #include "interchange/import_report.h"
 #include "interchange/zone_book.h"
 #include "platform/pim.h"
@@ -57,8 +58,9 @@ struct SeriesReading
     std::vector<UnknownZone> unknownZones;
 };
 
-/// Takes one appointment; the event is the one that tells its texts.
-using ItemSink = std::function<void(AppointmentItem &item, const CalendarComponent &event)>;
+/// Takes one appointment; the event is the one that tells its texts, `exact` what its record has beyond them, or null.
+using ItemSink =
+    std::function<void(AppointmentItem &item, const CalendarComponent &event, const ExactRecord *exact)>;
 
 /// `changes` are the file's events that change a day of `series`, `now` is UTC. The series' own record, or the first of
 /// the single appointments, has the series' identity.

@@ -67,8 +67,9 @@ void TaskImport::store(const CalendarComponent &task, TaskReading &reading)
         m_store.emplace();
     }
     shorten(task, item);
-    count(m_store->store(item, m_categories.bitsOf(reading.categories), reading.repeats));
-    if (reading.repeats)
+    const auto exact = ExactRecord::read(exactRecordLine(task), fingerprint(saidBy(task)));
+    count(m_store->store(item, m_categories.bitsOf(reading.categories), reading.repeats, exact ? &*exact : nullptr));
+    if (reading.repeats && !(exact && exact->has(taskRecurrence)))
     {
         ++m_report.tasks.repeating;
         m_report.find(task.line, "a repeating to-do came in as one task; how it repeats was not kept");

@@ -4,6 +4,7 @@
 #include "interchange/calendar_text.h"
 #include "interchange/event_item.h"
 #include "interchange/event_times.h"
+#include "interchange/exact_record.h"
 #include "platform/clock.h"
 #include "platform/text.h"
 
@@ -125,7 +126,7 @@ class TaskReader
             {
                 m_percent = numberOf(line.value).value_or(0);
             }
-            else
+            else if (line.name != exactRecordName)
             {
                 lose(line.name);
             }

@@ -78,7 +78,7 @@ CEOID TaskStore::find(const std::u16string &identity)
 }
 
 TaskStore::Outcome TaskStore::store(const TaskItem &item, const std::vector<BYTE> &categories,
-                                    bool repeats)
+                                    bool repeats, const ExactRecord *exact)
 {
     const CEOID id = find(item.interchangeId);
     RecordProperties properties = encodeTask(item);
@@ -93,6 +93,10 @@ TaskStore::Outcome TaskStore::store(const TaskItem &item, const std::vector<BYTE
     else
     {
         properties.remove(taskRecurringFlag);
+    }
+    if (exact != nullptr)
+    {
+        exact->applyTo(properties);
     }
     if (id != 0 && isSame(properties))
     {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "interchange/appointment_store.h"
+#include "interchange/exact_record.h"
 #include "platform/pim.h"
 #include "platform/propdb.h"
 
@@ -29,7 +30,8 @@ class TaskStore
 
     /// Writes the item under its interchangeId. Without categories the record keeps its own; what an import does not
     /// know stays as it is. Throws StoreError.
-    Outcome store(const TaskItem &item, const std::vector<BYTE> &categories, bool repeats);
+    Outcome store(const TaskItem &item, const std::vector<BYTE> &categories, bool repeats,
+                  const ExactRecord *exact);
     /// Id of the record with an identity; 0 when there is none.
     CEOID find(const std::u16string &identity);
 
