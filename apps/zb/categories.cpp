@@ -6,11 +6,14 @@
 #include "zb/commands.h"
 #include "zb/json.h"
 #include "zb/open_device.h"
+#include "zb/recorded.h"
 #include "zb/terminal.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
+
+#include <optional>
 
 namespace zb::cli
 {
@@ -213,6 +216,24 @@ int remove(const CategoriesArguments &arguments)
                   arguments.name);
 }
 
+/// What the change is called; null for one that changes nothing.
+const char *wordFor(CategoriesAction action)
+{
+    switch (action)
+    {
+    case CategoriesAction::Add:
+        return "add";
+    case CategoriesAction::Rename:
+        return "rename";
+    case CategoriesAction::Color:
+        return "colour";
+    case CategoriesAction::Delete:
+        return "delete";
+    default:
+        return nullptr;
+    }
+}
+
 int changeOrList(const CategoriesArguments &arguments, Output &output)
 {
     switch (arguments.action)
@@ -239,7 +260,13 @@ int runCategories(const CategoriesArguments &arguments)
         return exitDevice;
     }
     Output output;
+    std::optional<Recorded> recorded;
+    if (const char *const word = wordFor(arguments.action))
+    {
+        recorded.emplace(std::string(word) + " category " + quoted(arguments.name));
+    }
     const int code = changeOrList(arguments, output);
+    recorded.reset();
     return output.finish() ? code : exitOutput;
 }
 } // namespace zb::cli

@@ -30,6 +30,36 @@ struct ImportArguments
 };
 int runImport(const ImportArguments &arguments);
 
+enum class ExportKind
+{
+    Calendar, ///< appointments and tasks
+    Events,
+    Tasks,
+    Contacts
+};
+
+struct ExportArguments
+{
+    std::filesystem::path device;
+    ExportKind kind = ExportKind::Calendar;
+    std::filesystem::path file; ///< empty or "-": standard output
+    std::string from;           ///< as written, empty when not given
+    std::string to;
+    std::vector<std::string> categories;
+    bool json = false;
+};
+int runExport(const ExportArguments &arguments);
+
+struct UndoArguments
+{
+    std::filesystem::path device;
+    int count = 1;
+    bool list = false;
+    bool json = false;
+};
+int runUndo(const UndoArguments &arguments);
+int runRedo(const UndoArguments &arguments);
+
 /// A picture in place of text.
 struct PictureArguments
 {

@@ -5,12 +5,17 @@
 #include "zb/commands.h"
 #include "zb/json.h"
 #include "zb/open_device.h"
+#include "zb/recorded.h"
 #include "zb/terminal.h"
+
+#include <optional>
 
 namespace zb::cli
 {
 namespace
 {
+constexpr int longestWords = 100;
+
 using interchange::FileFault;
 using interchange::ImportReport;
 
@@ -137,6 +142,17 @@ int worse(int a, int b)
     return std::max(a, b);
 }
 
+/// What the change is called.
+std::string wordsFor(const ImportArguments &arguments, bool pictures)
+{
+    std::string words = "import";
+    for (const std::filesystem::path &file : arguments.files)
+    {
+        words += (words == "import" ? " " : ", ") + (file == "-" ? "standard input" : file.filename().string());
+    }
+    return fitted(words, longestWords) + (pictures ? " (pictures of contacts stay when it is taken back)" : "");
+}
+
 int resultOf(const ImportReport &report)
 {
     return report.failure ? exitInput : report.isWhole() ? exitOk : exitIncomplete;
@@ -152,6 +168,12 @@ int runImport(const ImportArguments &arguments)
     }
     Output output;
     Json files = Json::array();
+    std::optional<Recorded> recorded;
+    if (!arguments.dryRun)
+    {
+        recorded.emplace(wordsFor(arguments, false));
+    }
+    bool pictures = false;
     int result = exitOk;
     bool deviceFailed = false;
     for (const std::filesystem::path &file : arguments.files)
@@ -162,6 +184,7 @@ int runImport(const ImportArguments &arguments)
             print(report, arguments, output);
             files.push_back(asJson(report));
             result = worse(result, resultOf(report));
+            pictures = pictures || report.contacts.pictures != 0;
         }
         catch (const interchange::StoreError &error)
         {
@@ -172,6 +195,11 @@ int runImport(const ImportArguments &arguments)
             break; // the next file would meet the same device
         }
     }
+    if (recorded && pictures)
+    {
+        recorded->describe(wordsFor(arguments, true));
+    }
+    recorded.reset();
     if (arguments.json)
     {
         output.line(text({{"version", jsonVersion}, {"dryRun", arguments.dryRun}, {"files", files}}));

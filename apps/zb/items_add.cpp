@@ -1,10 +1,12 @@
 // zb add: one appointment, task or contact.
+#include "platform/propdb.h"
 #include "records/COutlook.h"
 #include "zb/exit_code.h"
 #include "zb/item_words.h"
 #include "zb/items.h"
 #include "zb/json.h"
 #include "zb/open_device.h"
+#include "zb/recorded.h"
 #include "zb/terminal.h"
 
 namespace zb::cli
@@ -23,8 +25,12 @@ int runAdd(const ItemArguments &arguments)
         return exitDevice;
     }
     auto *const item = static_cast<IPOutlookItem *>(made.get());
+    Recorded recorded("add");
+    BulkWrite bulk; // with the categories that it makes
     fillItem(*item, arguments, true);
-    if (const int code = exitCodeOf(item->Save()); code != exitOk)
+    recorded.describe(std::string("add ") + kindWord(*item) + " " + quoted(titleOf(*item)));
+    const HRESULT saved = item->Save();
+    if (const int code = exitCodeOf(FAILED(saved) || bulk.commit() ? saved : E_FAIL); code != exitOk)
     {
         return code;
     }

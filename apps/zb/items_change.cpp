@@ -7,6 +7,7 @@
 #include "zb/items.h"
 #include "zb/json.h"
 #include "zb/open_device.h"
+#include "zb/recorded.h"
 #include "zb/terminal.h"
 
 namespace zb::cli
@@ -89,6 +90,7 @@ int runDelete(const DeleteArguments &arguments)
     {
         throw BadUsage("\"" + title + "\" repeats: --day names one day of it, --yes deletes all of it");
     }
+    Recorded recorded(std::string("delete ") + (oneDay ? "one day of " : "") + kind + " " + quoted(title));
     const HRESULT result = oneDay             ? deleteDay(*item.get(), arguments.day, arguments.dryRun)
                            : arguments.dryRun ? S_OK
                                               : item->Delete();
@@ -128,6 +130,7 @@ int runDone(const DoneArguments &arguments)
     }
     const std::string title = titleOf(*item.get());
     CEOID copy = 0;
+    Recorded recorded(std::string(arguments.undo ? "open task " : "complete task ") + quoted(title));
     if (arguments.undo)
     {
         task->put_Complete(VARIANT_FALSE);

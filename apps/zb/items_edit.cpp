@@ -7,6 +7,7 @@
 #include "zb/items.h"
 #include "zb/json.h"
 #include "zb/open_device.h"
+#include "zb/recorded.h"
 #include "zb/terminal.h"
 
 namespace zb::cli
@@ -118,6 +119,7 @@ class Edit
         {
             throw BadUsage("item " + std::to_string(m_arguments.id) + " is no " + word(m_arguments.kind));
         }
+        Recorded recorded(std::string("edit ") + word(m_arguments.kind) + " " + quoted(titleOf(*m_item.get())));
         const std::string &day = m_arguments.occurrence.empty() ? m_arguments.following : m_arguments.occurrence;
         BulkWrite bulk;
         const HRESULT result = day.empty() ? save() : saveDay(day);

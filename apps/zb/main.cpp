@@ -1,6 +1,7 @@
 // zb: the command line host. Arguments only; the commands stand in files of their own.
 #include "calendar/CalendarSettings.h"
 #include "contacts/ContactListSettings.h"
+#include "platform/undo.h"
 #include "zb/bad_usage.h"
 #include "zb/commands.h"
 #include "zb/item_options.h"
@@ -36,6 +37,7 @@ class CommandLine
         m_app.footer(exitCodes);
         addInit();
         addImport();
+        addExport();
         addAgenda();
         addShot();
         addTasks();
@@ -49,6 +51,8 @@ class CommandLine
         addEdit();
         addDelete();
         addDone();
+        addUndo("undo", "Take the last change back, or the last N", m_undo, runUndo);
+        addUndo("redo", "Make again what was taken back", m_redo, runRedo);
     }
 
     int run(int count, char **arguments)
@@ -90,6 +94,42 @@ class CommandLine
             {
                 m_import.device = m_device;
                 m_run = [this] { return runImport(m_import); };
+            });
+    }
+
+    void addExport()
+    {
+        static const Words kinds = {{"event", static_cast<DWORD>(ExportKind::Events)},
+                                    {"task", static_cast<DWORD>(ExportKind::Tasks)},
+                                    {"contact", static_cast<DWORD>(ExportKind::Contacts)}};
+        CLI::App *const command = m_app.add_subcommand("export", "Write items as a calendar file, or as cards");
+        CLI::Option *const calendar = command->add_flag("--ics", m_exportCalendar, "Appointments and tasks, as iCalendar (the default)");
+        CLI::Option *const cards = command->add_flag_callback(
+            "--vcf", [this] { m_export.kind = ExportKind::Contacts; }, "Contacts, as vCard");
+        CLI::Option *const type = command->add_option("--type", m_exportType, "event, task, contact: that kind alone");
+        type->type_name("TYPE")->transform(words(kinds));
+        cards->excludes(calendar)->excludes(type);
+        command->add_option("-o,--output", m_export.file, "Write into this file; its name tells cards by .vcf")
+            ->type_name("FILE");
+        command->add_option("--from", m_export.from, "First day: 2026-11-21, today, +3")->type_name("DAY");
+        command->add_option("--to", m_export.to, "Last day, itself included")->type_name("DAY");
+        command->add_option("--category", m_export.categories, "Only what has this category; may be given several times")
+            ->type_name("NAME")
+            ->take_all();
+        command->add_flag("--json", m_export.json, "Print what went into the file as JSON");
+        command->callback(
+            [this]
+            {
+                if (m_exportType)
+                {
+                    m_export.kind = static_cast<ExportKind>(*m_exportType);
+                }
+                else if (!m_exportCalendar && m_export.file.extension() == ".vcf")
+                {
+                    m_export.kind = ExportKind::Contacts;
+                }
+                m_export.device = m_device;
+                m_run = [this] { return runExport(m_export); };
             });
     }
 
@@ -441,10 +481,28 @@ class CommandLine
             });
     }
 
+    void addUndo(const char *word, const char *help, UndoArguments &arguments, int (*command)(const UndoArguments &))
+    {
+        CLI::App *const undo = m_app.add_subcommand(word, help);
+        CLI::Option *const count = undo->add_option("count", arguments.count, "How many changes");
+        count->type_name("N")->check(CLI::Range(1, static_cast<int>(zb::recordedChangesKept)));
+        undo->add_flag("--list", arguments.list, "Show them, the next one first")->excludes(count);
+        undo->add_flag("--json", arguments.json, "Print JSON");
+        undo->callback(
+            [this, &arguments, command]
+            {
+                arguments.device = m_device;
+                m_run = [&arguments, command] { return command(arguments); };
+            });
+    }
+
     CLI::App m_app;
     std::filesystem::path m_device;
     InitArguments m_init;
     ImportArguments m_import;
+    ExportArguments m_export;
+    std::optional<DWORD> m_exportType;
+    bool m_exportCalendar = false;
     AgendaArguments m_agenda;
     ShotArguments m_shot;
     bool m_week = false;
@@ -459,6 +517,8 @@ class CommandLine
     ItemArguments m_edit;
     DeleteArguments m_delete;
     DoneArguments m_done;
+    UndoArguments m_undo;
+    UndoArguments m_redo;
     std::function<int()> m_run;
 };
 } // namespace

@@ -6,11 +6,14 @@
 #include "zb/json.h"
 #include "zb/known_settings.h"
 #include "zb/open_device.h"
+#include "zb/recorded.h"
 #include "zb/terminal.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
+
+#include <optional>
 
 namespace zb::cli
 {
@@ -305,6 +308,12 @@ int runSettings(const SettingsArguments &arguments)
     }
     Output output;
     int code = exitOk;
+    std::optional<Recorded> recorded;
+    if (arguments.action == SettingsAction::Set || arguments.action == SettingsAction::Unset)
+    {
+        recorded.emplace((arguments.action == SettingsAction::Set ? "set " : "unset ") + arguments.name);
+        recorded->announce();
+    }
     switch (arguments.action)
     {
     case SettingsAction::List:
@@ -320,6 +329,7 @@ int runSettings(const SettingsArguments &arguments)
         code = unset(arguments);
         break;
     }
+    recorded.reset();
     return output.finish() ? code : exitOutput;
 }
 } // namespace zb::cli
