@@ -134,7 +134,7 @@ class CalendarImport
         }
         shorten(event, *reading.item);
         reading.item->categories = m_categories.bitsOf(event);
-        const auto exact = ExactRecord::read(exactRecordLine(event), fingerprint(saidBy(event)));
+        const auto exact = exactRecordOf(event);
         const auto outcome = m_store.store(*reading.item, exact ? &*exact : nullptr);
         count(outcome);
         // The days of a series that was exported as single appointments come in one by one.

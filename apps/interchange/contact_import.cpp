@@ -183,7 +183,7 @@ class ContactImport
             PictureFault fault = PictureFault::None;
             contact.pictureInPlace = readPicture(fileAsOf(reading.item)) == readCardPicture(*reading.photo, fault).bytes;
         }
-        contact.exact = ExactRecord::read(exactRecordLine(card), saidBy(card));
+        contact.exact = exactRecordOf(card);
         const StoredContact stored = m_store->store(contact);
         count(stored.outcome);
         if (!stored.formerFileAs.empty() && !m_store->isShared(stored.formerFileAs, stored.id, false))

@@ -119,8 +119,7 @@ class SeriesReader
                 m_reading.covered.insert(change.identity);
                 continue;
             }
-            const auto exact =
-                ExactRecord::read(exactRecordLine(*change.event), fingerprint(saidBy(*change.event)));
+            const auto exact = exactRecordOf(*change.event);
             hand(change.item, *change.event, exact ? &*exact : nullptr);
         }
         return true;

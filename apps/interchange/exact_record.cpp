@@ -298,6 +298,18 @@ std::string_view exactRecordLine(const Card &card)
     return line == nullptr || line->cut ? std::string_view() : std::string_view(line->value);
 }
 
+std::optional<ExactRecord> exactRecordOf(const CalendarComponent &component)
+{
+    const std::string_view line = exactRecordLine(component);
+    return line.empty() ? std::nullopt : ExactRecord::read(line, fingerprint(saidBy(component)));
+}
+
+std::optional<ExactRecord> exactRecordOf(const Card &card)
+{
+    const std::string_view line = exactRecordLine(card);
+    return line.empty() ? std::nullopt : ExactRecord::read(line, saidBy(card));
+}
+
 std::string saidBy(const CalendarComponent &component)
 {
     std::string said = component.text;
@@ -312,7 +324,8 @@ std::string saidBy(const CalendarComponent &component)
             said.append(line.name).append(line.parameters).append(1, ':').append(line.value).append(1, '\n');
         }
     }
-    return said + (component.hasAlarm ? "alarm\n" : "\n");
+    said.append(component.hasAlarm ? "alarm" : "").append(component.alarmParameters);
+    return said.append(1, ':').append(component.alarmTrigger).append(1, '\n');
 }
 
 Fingerprint saidBy(const Card &card)

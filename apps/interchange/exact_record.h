@@ -61,6 +61,9 @@ class ExactRecord
 /// The line's value among those of a component or card; empty when there is none, or it is not whole.
 std::string_view exactRecordLine(const CalendarComponent &component);
 std::string_view exactRecordLine(const Card &card);
+/// What is kept beside a component or card that still says what it said then; costs nothing for one without the line.
+std::optional<ExactRecord> exactRecordOf(const CalendarComponent &component);
+std::optional<ExactRecord> exactRecordOf(const Card &card);
 /// All that an event or to-do says, without that line.
 std::string saidBy(const CalendarComponent &component);
 /// All that a card says, but for that line and for when and by whom it was written.

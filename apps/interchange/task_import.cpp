@@ -67,7 +67,7 @@ void TaskImport::store(const CalendarComponent &task, TaskReading &reading)
         m_store.emplace();
     }
     shorten(task, item);
-    const auto exact = ExactRecord::read(exactRecordLine(task), fingerprint(saidBy(task)));
+    const auto exact = exactRecordOf(task);
     count(m_store->store(item, m_categories.bitsOf(reading.categories), reading.repeats, exact ? &*exact : nullptr));
     if (reading.repeats && !(exact && exact->has(taskRecurrence)))
     {
