@@ -140,7 +140,7 @@ TEST_F(GridDrag, theTipStandsInTheLeftTopCornerAtFirst)
     start();
     RECT place{};
     const HWND tip = GetWindow(*grid, GW_CHILD);
-    EXPECT_TRUE(IsWindowVisible(tip));
+    ASSERT_TRUE(IsWindowVisible(tip));
     static_cast<CHTMLToolTip *>(reinterpret_cast<CeWnd *>(GetWindowLongW(tip, GWL_USERDATA)))
         ->UpdateToolTip(u"<FONT SIZE=-1>a", false);
     GetWindowRect(tip, &place);
