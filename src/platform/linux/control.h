@@ -54,6 +54,11 @@ class Control
     }
     std::u16string text() const;
     HFONT font() const;
+    /// The window is gone, in answer to something that was told in the midst of a message.
+    bool isGone() const
+    {
+        return m_ended;
+    }
     void refresh() const
     {
         InvalidateRect(m_window, nullptr, TRUE);

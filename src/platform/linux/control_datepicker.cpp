@@ -340,7 +340,7 @@ void DatePicker::drawParts(HDC context) const
 
 void registerDatePicker()
 {
-    registerGuarded<DropMonth>(u"DatePickerMonth");
-    registerGuarded<DatePicker>(DATETIMEPICK_CLASSW);
+    registerControl<DropMonth>(u"DatePickerMonth");
+    registerControl<DatePicker>(DATETIMEPICK_CLASSW);
 }
 } // namespace zb::internal

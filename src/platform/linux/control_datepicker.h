@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/date_picker.h"
-#include "platform/linux/control_guarded.h"
+#include "platform/linux/control_notifying.h"
 #include "platform/linux/date_fields.h"
 
 #include <string>
@@ -25,10 +25,10 @@ struct MonthStart
 
 /// A window of the screen that holds the capture, so every tap comes to it; the keys stay with the picker, which is its
 /// owner and hands them on. lpCreateParams is a MonthStart.
-class DropMonth final : public GuardedControl
+class DropMonth final : public NotifyingControl
 {
   public:
-    using GuardedControl::GuardedControl;
+    using NotifyingControl::NotifyingControl;
     LRESULT take(UINT message, WPARAM wParam, LPARAM lParam) override;
     /// Of the client area.
     static SIZE sizeFor(HFONT font);
@@ -84,10 +84,10 @@ class DropMonth final : public GuardedControl
     bool m_armed = false; ///< the pen has been inside since it opened the month
 };
 
-class DatePicker final : public GuardedControl
+class DatePicker final : public NotifyingControl
 {
   public:
-    using GuardedControl::GuardedControl;
+    using NotifyingControl::NotifyingControl;
     LRESULT take(UINT message, WPARAM wParam, LPARAM lParam) override;
 
   private:

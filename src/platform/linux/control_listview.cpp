@@ -352,7 +352,7 @@ LRESULT ListView::takeScrolling(UINT message, WPARAM wParam, LPARAM lParam)
 
 void registerListView()
 {
-    registerGuarded<ListHeader>(u"ListViewHeader");
-    registerGuarded<ListView>(u"SysListView32");
+    registerControl<ListHeader>(u"ListViewHeader");
+    registerControl<ListView>(u"SysListView32");
 }
 } // namespace zb::internal

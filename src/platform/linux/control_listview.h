@@ -5,7 +5,7 @@
 // their place in memory when others come and go, and both ends are as cheap as each other.
 #pragma once
 
-#include "platform/linux/control_guarded.h"
+#include "platform/linux/control_notifying.h"
 #include "platform/linux/label_edit.h"
 #include "platform/linux/type_ahead.h"
 #include "platform/list_view.h"
@@ -19,7 +19,7 @@ namespace zb::internal
 {
 class ListHeader;
 
-class ListView final : public GuardedControl
+class ListView final : public NotifyingControl
 {
   public:
     struct Column
@@ -32,7 +32,7 @@ class ListView final : public GuardedControl
         LPARAM data = 0;
     };
 
-    using GuardedControl::GuardedControl;
+    using NotifyingControl::NotifyingControl;
     LRESULT take(UINT message, WPARAM wParam, LPARAM lParam) override;
 
     // What the header needs.
@@ -255,10 +255,10 @@ class ListView final : public GuardedControl
 };
 
 /// Columns' titles above the rows of a list view, which is its parent and owns the columns.
-class ListHeader final : public GuardedControl
+class ListHeader final : public NotifyingControl
 {
   public:
-    using GuardedControl::GuardedControl;
+    using NotifyingControl::NotifyingControl;
     LRESULT take(UINT message, WPARAM wParam, LPARAM lParam) override;
 
   private:

@@ -9,7 +9,7 @@ namespace zb::internal
 {
 void ListView::headerTapped(int column)
 {
-    const Stay stay(*this);
+    const ControlAtWork work(*this);
     if (!hasFocus())
     {
         SetFocus(window());

@@ -108,7 +108,7 @@ bool ListView::eraseColumn(int column)
 
 void ListView::setColumnWidth(int column, int width)
 {
-    const Stay stay(*this);
+    const ControlAtWork work(*this);
     if (!isColumn(column))
     {
         return;
@@ -122,7 +122,7 @@ void ListView::setColumnWidth(int column, int width)
 
 void ListView::fitColumn(int column, bool withTitle)
 {
-    const Stay stay(*this);
+    const ControlAtWork work(*this);
     if (!isColumn(column))
     {
         return;

@@ -269,6 +269,6 @@ LRESULT TreeView::takeScrolling(UINT message, WPARAM wParam, LPARAM lParam)
 
 void registerTreeView()
 {
-    registerGuarded<TreeView>(WC_TREEVIEWW);
+    registerControl<TreeView>(WC_TREEVIEWW);
 }
 } // namespace zb::internal

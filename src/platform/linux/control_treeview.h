@@ -6,7 +6,7 @@
 // whoever needs rows next, so building up a tree takes no longer than its items.
 #pragma once
 
-#include "platform/linux/control_guarded.h"
+#include "platform/linux/control_notifying.h"
 #include "platform/linux/label_edit.h"
 #include "platform/linux/type_ahead.h"
 #include "platform/tree_view.h"
@@ -18,7 +18,7 @@
 
 namespace zb::internal
 {
-class TreeView final : public GuardedControl
+class TreeView final : public NotifyingControl
 {
   public:
     explicit TreeView(HWND window);

@@ -27,7 +27,7 @@ void fill(HDC context, const RECT &box, COLORREF color)
 }
 } // namespace
 
-TreeView::TreeView(HWND window) : GuardedControl(window)
+TreeView::TreeView(HWND window) : NotifyingControl(window)
 {
 }
 

@@ -1,0 +1,54 @@
+// What the controls that speak to their parents by WM_NOTIFY have in common.
+//
+// They ask in the midst of what they do, and a parent may answer by destroying the control. The object then stays until
+// the outermost message has come back (ControlAtWork): it may go on, its window just does nothing any more.
+#pragma once
+
+#include "platform/linux/control.h"
+#include "platform/notifications.h"
+
+namespace zb::internal
+{
+class NotifyingControl : public Control
+{
+  public:
+    using Control::Control;
+
+  protected:
+    /// WM_NOTIFY to the parent, with the record's header filled in; its answer, 0 from none.
+    LRESULT notify(UINT code, NMHDR &header) const
+    {
+        if (isGone())
+        {
+            return 0;
+        }
+        header = {window(), static_cast<UINT_PTR>(GetDlgCtrlID(window())), code};
+        return SendMessageW(parent(), WM_NOTIFY, header.idFrom, reinterpret_cast<LPARAM>(&header));
+    }
+    LRESULT notify(UINT code) const
+    {
+        NMHDR header{};
+        return notify(code, header);
+    }
+};
+
+inline bool isKeyHeld(int key)
+{
+    return (GetKeyState(key) & 0x8000) != 0;
+}
+
+/// Where a message of the pen says that it is; both halves have a sign.
+inline POINT penPlace(LPARAM place)
+{
+    return {static_cast<SHORT>(LOWORD(static_cast<DWORD_PTR>(place))),
+            static_cast<SHORT>(HIWORD(static_cast<DWORD_PTR>(place)))};
+}
+
+/// Where a thumb is held, by the message that tells it and the bar, which knows it in full.
+inline int heldPosition(HWND window, int bar, WPARAM wParam)
+{
+    SCROLLINFO info{sizeof(SCROLLINFO), SIF_TRACKPOS, 0, 0, 0, 0, 0};
+    GetScrollInfo(window, bar, &info);
+    return (info.nTrackPos & 0xFFFF) == HIWORD(wParam) ? info.nTrackPos : HIWORD(wParam);
+}
+} // namespace zb::internal
