@@ -127,7 +127,7 @@ LRESULT CeBaseDialog::Init(HWND hFocus, LPARAM lParam)
     // The dialog may end in here, and with it this object.
     const auto end = [this, hDlg]
     {
-        if (IsObjectOf(hDlg))
+        if (IsObjectOf(this, hDlg))
         {
             m_bInInit = false;
         }

@@ -57,7 +57,7 @@ LRESULT CeDialog::OnInitDialog(HWND hFocus, LPARAM lParam)
     {
         SetDefaultWidthHeight();
     }
-    if (!IsObjectOf(hDlg))
+    if (!IsObjectOf(this, hDlg))
     {
         return 0; // its new size has ended it
     }
@@ -103,7 +103,7 @@ void CeDialog::OnSize(UINT nType, int cx, int cy, bool &handled)
     }
     const HWND hDlg = m_hWnd;
     UpdateBar(SB_HORZ, m_content.cx, cx);
-    if (IsObjectOf(hDlg))
+    if (IsObjectOf(this, hDlg))
     {
         UpdateBar(SB_VERT, m_content.cy, cy);
     }
@@ -114,7 +114,7 @@ void CeDialog::UpdateBar(int nBar, int nContent, int nPage)
     const SCROLLINFO info{sizeof(SCROLLINFO), SIF_RANGE | SIF_PAGE, 0, nContent - 1, static_cast<UINT>(nPage), 0, 0};
     const HWND hDlg = m_hWnd;
     const int position = SetScrollInfo(hDlg, nBar, &info, TRUE);
-    if (!IsObjectOf(hDlg))
+    if (!IsObjectOf(this, hDlg))
     {
         return;
     }
@@ -146,7 +146,7 @@ void CeDialog::Scroll(int nBar, UINT nCode, int nPos)
     info.nPos = TargetOf(nCode, nPos, info);
     const HWND hDlg = m_hWnd;
     const int position = SetScrollInfo(hDlg, nBar, &info, TRUE);
-    if (!IsObjectOf(hDlg))
+    if (!IsObjectOf(this, hDlg))
     {
         return;
     }

@@ -257,7 +257,7 @@ void CeSplitFrame::OnLButtonUp(WPARAM, POINT point, bool &handled)
     const HWND hWnd = m_hWnd;
     OnMouseMove(simulatedMove, point, handled);
     ReleaseCapture();
-    if (!IsObjectOf(hWnd))
+    if (!IsObjectOf(this, hWnd))
     {
         return;
     }
@@ -295,7 +295,7 @@ void CeSplitFrame::OnTimer(UINT_PTR, bool &handled)
     handled = true;
     const HWND hWnd = m_hWnd;
     UpdateWindow(hWnd);
-    if (!IsObjectOf(hWnd))
+    if (!IsObjectOf(this, hWnd))
     {
         return;
     }
@@ -324,7 +324,7 @@ void CeSplitFrame::OnPaint(bool &handled)
     PAINTSTRUCT paint{};
     const HWND hWnd = m_hWnd;
     const HDC hdc = BeginPaint(hWnd, &paint);
-    if (IsObjectOf(hWnd) && m_nDocked == SPLIT_BOTH)
+    if (IsObjectOf(this, hWnd) && m_nDocked == SPLIT_BOTH)
     {
         RECT bar = Between(GetSplitter() - m_nBarSize, GetSplitter() + m_nBarSize);
         const int inset = HIDPI_SCALEX(2);

@@ -69,7 +69,7 @@ void Guarded(HWND hWnd, UINT uMsg, const Work &work)
 CeWnd::~CeWnd()
 {
     // A window that outlives its object must not follow it.
-    if (m_hWnd != nullptr && IsObjectOf(m_hWnd))
+    if (m_hWnd != nullptr && IsObjectOf(this, m_hWnd))
     {
         Unsubclass();
     }
@@ -134,9 +134,9 @@ HWND CeWnd::Unsubclass()
     return hWnd;
 }
 
-bool CeWnd::IsObjectOf(HWND hWnd) const
+bool CeWnd::IsObjectOf(const CeWnd *object, HWND hWnd)
 {
-    return IsWindow(hWnd) != FALSE && reinterpret_cast<CeWnd *>(GetWindowLongW(hWnd, GWL_USERDATA)) == this;
+    return IsWindow(hWnd) != FALSE && reinterpret_cast<const CeWnd *>(GetWindowLongW(hWnd, GWL_USERDATA)) == object;
 }
 
 void CeWnd::Release(HWND hWnd)
@@ -241,7 +241,7 @@ LRESULT CeWnd::Dispatch(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam)
                 bool handled = false;
                 result = ProcessMessage(uMsg, wParam, lParam, handled);
                 // An operation may have ended the window, and with it this object.
-                if (!handled && IsObjectOf(hWnd))
+                if (!handled && IsObjectOf(this, hWnd))
                 {
                     // Operations that pumped messages have left the fields of a later one.
                     SetMessage(hWnd, uMsg, wParam, lParam);
@@ -249,7 +249,7 @@ LRESULT CeWnd::Dispatch(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam)
                 }
             });
     // Also behind an operation that failed: whoever waits for the final message must get it.
-    if (uMsg == WM_DESTROY && IsObjectOf(hWnd))
+    if (uMsg == WM_DESTROY && IsObjectOf(this, hWnd))
     {
         Guarded(hWnd, uMsg,
                 [&]

@@ -47,8 +47,8 @@ class ZBTOOLS_API CeWnd : public CeBaseWnd, public CeMsgWnd
     static bool IsCeWndProc(const WCHAR *pszClass, HINSTANCE hInstance = nullptr);
 
   protected:
-    /// Whether the window still sends its messages here; looks at nothing of the object, which may be gone.
-    bool IsObjectOf(HWND hWnd) const;
+    /// Whether the window still sends its messages to the object, which may be gone: nothing of it is looked at.
+    static bool IsObjectOf(const CeWnd *object, HWND hWnd);
 
   private:
     static LRESULT StartWndProc(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam);
