@@ -70,6 +70,8 @@ void SdlScreen::run()
     }
     SDL_DestroyWindow(m_window);
     SDL_QuitSubSystem(SDL_INIT_VIDEO);
+    SDL_ClearHints();
+    SDL_TLSCleanup(); // what SDL keeps for this thread
 }
 
 std::string SdlScreen::open()
