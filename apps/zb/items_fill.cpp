@@ -248,8 +248,10 @@ void fill(IContact &item, const ItemArguments &arguments)
     {
         if (arguments.contact[i])
         {
+            // Apart from the call: one compiler loses its way with both in one expression.
             const auto put = contactTexts()[i].put;
-            (item.*put)(ItemText(*arguments.contact[i]));
+            const ItemText text(*arguments.contact[i]);
+            (item.*put)(text);
         }
     }
     if (arguments.subject)
