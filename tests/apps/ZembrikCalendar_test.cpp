@@ -216,7 +216,8 @@ TEST_F(ZembrikCalendar, AStripPulledWithThePenMovesTheAppointment)
 TEST_F(ZembrikCalendar, OneDayOfASeriesMovesAloneAndNotPastItsNeighbour)
 {
     import(event("Daily", "20261118T120000", "20261118T130000", "RRULE:FREQ=DAILY;COUNT=5\r\n"));
-    after("day", "key Tab\nkey Shift+Down");
+    const Picture moved = after("day", "key Tab\nkey Shift+Down");
+    EXPECT_EQ(after("day", "key Tab"), moved) << "the list follows what was written";
     EXPECT_EQ(startOf("Daily", "2026-11-20", "2026-11-20"), "2026-11-20T12:30");
     EXPECT_EQ(startOf("Daily", "2026-11-19", "2026-11-19"), "2026-11-19T12:00");
     const Picture before = after("day", "key Tab");
