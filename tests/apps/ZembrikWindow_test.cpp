@@ -123,7 +123,7 @@ TEST_F(ZembrikWindow, TheScreenTakesTheWindowsSizeAndTheWindowTheScreens)
     expectEnd(running);
     auto rotated = start("rotate\n");
     EXPECT_TRUE(shows(turned));
-    EXPECT_EQ(desktop().shot(left + 320, top, 4, 240), (Picture{4, 240, std::vector<std::uint32_t>(4 * 240, 0)}))
+    EXPECT_TRUE(shows(Picture{4, 240, std::vector<std::uint32_t>(4 * 240, 0)}, left + 320))
         << "the window ends where the screen does";
     press("ctrl+q");
     expectEnd(rotated);
