@@ -549,10 +549,10 @@ TEST_F(ListViews, TypedLettersGoToRows)
     WCHAR typed[16] = {};
     EXPECT_EQ(send(LVM_GETISEARCHSTRINGW, 0, reinterpret_cast<LPARAM>(typed)), 1);
     EXPECT_EQ(std::u16string(typed), u"b");
-    Sleep(1100);
+    zb::skipTime(1100);
     type(u"bA");
     EXPECT_EQ(chosen(), Rows{1});
-    Sleep(1100);
+    zb::skipTime(1100);
     type(u"a");
     EXPECT_EQ(chosen(), Rows{0}) << "around at the end";
 }
@@ -649,12 +649,12 @@ TEST_F(ListViews, ATapOnTheChosenLabelEditsIt)
 {
     make(LVS_REPORT | LVS_EDITLABELS, {u"a", u"b"});
     tap(10, 25);
-    Sleep(550);
+    zb::skipTime(550);
     settle();
     EXPECT_EQ(send(LVM_GETEDITCONTROL), 0) << "the tap that chooses does not edit";
     tap(10, 25);
     EXPECT_EQ(send(LVM_GETEDITCONTROL), 0) << "another one may follow";
-    Sleep(550);
+    zb::skipTime(550);
     settle();
     EXPECT_NE(send(LVM_GETEDITCONTROL), 0);
     type(u"kept");

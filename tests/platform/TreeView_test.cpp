@@ -540,7 +540,7 @@ TEST_F(TreeViews, LabelsAreEdited)
     EXPECT_EQ(name(a), "p");
     EXPECT_EQ(send(TVM_ENDEDITLABELNOW, TRUE), 0);
     tap(30, 10);
-    Sleep(550);
+    zb::skipTime(550);
     settle();
     EXPECT_NE(send(TVM_GETEDITCONTROL), 0) << "a tap on the label of the chosen one";
     answer = nullptr;
