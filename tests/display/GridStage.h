@@ -55,8 +55,11 @@ class GridTest : public ::testing::Test
         parent.before = [this](UINT message, WPARAM wParam, LPARAM lParam, LRESULT &result)
         { return answer(message, wParam, lParam, result); };
     }
-    ~GridTest() override
+    /// What a test has put before the parent knows of things that are gone with its body.
+    void TearDown() override
     {
+        parent.before = [this](UINT message, WPARAM wParam, LPARAM lParam, LRESULT &result)
+        { return answer(message, wParam, lParam, result); };
         grid.reset();
     }
 
@@ -181,20 +184,20 @@ class GridTest : public ::testing::Test
     std::string describeRequest(UINT message, WPARAM wParam, LPARAM lParam)
     {
         const std::string number = std::to_string(message) + ' ';
-        const auto &span = *reinterpret_cast<GRIDSPANREQUEST *>(lParam);
+        const auto *span = reinterpret_cast<GRIDSPANREQUEST *>(lParam); // of those that have it
         switch (message)
         {
         case GRID_GETSELECTIONTIP:
         case GRID_GETFLOATERTIP:
-            return number + word(span.dwFirst) + ' ' + word(span.dwSecond);
+            return number + word(span->dwFirst) + ' ' + word(span->dwSecond);
         case GRID_CANMOVEFLOATER:
-            EXPECT_EQ(wParam, span.hdr.idFrom);
-            return number + std::to_string(wParam) + ' ' + word(span.dwFirst) + ' ' + word(span.dwSecond);
+            EXPECT_EQ(wParam, span->hdr.idFrom);
+            return number + std::to_string(wParam) + ' ' + word(span->dwFirst) + ' ' + word(span->dwSecond);
         case GRID_FLOATERMOVED:
-            EXPECT_EQ(wParam, span.hdr.idFrom);
-            return number + std::to_string(wParam) + ' ' + word(span.dwFirst);
+            EXPECT_EQ(wParam, span->hdr.idFrom);
+            return number + std::to_string(wParam) + ' ' + word(span->dwFirst);
         case GRID_GETSCROLLTIP:
-            return number + std::to_string(span.hdr.idFrom);
+            return number + std::to_string(span->hdr.idFrom);
         case GRID_CANDRAG:
         {
             EXPECT_EQ(reinterpret_cast<HWND>(wParam), grid->GetHwnd());
@@ -203,7 +206,7 @@ class GridTest : public ::testing::Test
         }
         case GRID_GETDRAGIMAGES:
         {
-            const auto &at = *reinterpret_cast<POINT *>(span.hdr.idFrom);
+            const auto &at = *reinterpret_cast<POINT *>(span->hdr.idFrom);
             return number + cell(static_cast<unsigned>(at.x), static_cast<unsigned>(at.y));
         }
         case GRID_CANDROP:
