@@ -2,7 +2,9 @@
 
 #include "common/markup_text.h"
 #include "framework/HIDPI.h"
+#include "platform/clock.h"
 #include "records/CCategoryColor.h"
+#include "zembrik/date_words.h"
 #include "zembrik/item_card.h"
 #include "zembrik/item_objects.h"
 #include "zembrik/list_texts.h"
@@ -14,6 +16,8 @@ namespace zb::screens
 {
 namespace
 {
+/// Days of cards that name no year are kept in this one.
+constexpr WORD yearOfNoYear = 2996;
 constexpr COLORREF headGround = RGB(0xE6, 0xEB, 0xF2);
 constexpr COLORREF noCategory = RGB(0xB8, 0xC4, 0xD2);
 
@@ -96,8 +100,13 @@ std::u16string addressOf(IContact &contact, const AddressFields &address)
 std::u16string dateOf(IContact &contact, HRESULT (IContact::*get)(DATE *))
 {
     DATE date = PIM_NO_DATE;
+    SYSTEMTIME fields{};
     (contact.*get)(&date);
-    return date == PIM_NO_DATE ? std::u16string() : dateWords(date, true);
+    if (date == PIM_NO_DATE || VariantTimeToSystemTime(date, &fields) == FALSE)
+    {
+        return {};
+    }
+    return fields.wYear == yearOfNoYear ? shortDayWords(static_cast<int>(date)) : dateWords(date, true);
 }
 } // namespace
 

@@ -270,6 +270,27 @@ TEST_F(ZembrikLists, AContactOpensAsACardThatLeadsBack)
     EXPECT_EQ(names("key Down\nkey Enter\nkey Escape"), list);
 }
 
+TEST_F(ZembrikLists, ABirthdayWithoutAYearIsShownWithoutOne)
+{
+    // A day with its year has a longer line.
+    import("in.vcf",
+           card("1", "Albers", "Renate", "BDAY:--1118\r\n") + card("2", "Berg", "Renate", "BDAY:1996-11-18\r\n"));
+    const auto longest = [this](const std::string &lines)
+    {
+        const Picture picture = names(lines);
+        int right = 0;
+        for (int y = 0; y < picture.height; ++y)
+        {
+            for (int x = 0; x < picture.width; ++x)
+            {
+                right = picture.at(x, y) == 0x16202B ? std::max(right, x) : right;
+            }
+        }
+        return right;
+    };
+    EXPECT_LT(3 * longest("key Home\nkey Enter"), 2 * longest("key End\nkey Enter"));
+}
+
 TEST_F(ZembrikLists, CompaniesOpenAndClose)
 {
     import("in.vcf", card("1", "Albers", "Renate", "ORG:Werk\r\n") + card("2", "Keller", "Tom", "ORG:Werk\r\n"));
