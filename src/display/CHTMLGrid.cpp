@@ -49,19 +49,11 @@ bool CHTMLGrid::InitWindow(HWND hParent, const RECT &rect, bool bOnDemand)
 {
     m_hParent = hParent;
     m_bOnDemand = bOnDemand;
-    m_crLines = GetSysColor(COLOR_WINDOWFRAME);
-    m_crBack = GetSysColor(COLOR_WINDOW);
-    m_crFixedBack = GetSysColor(COLOR_BTNFACE);
-    m_hBackBrush = CreateSolidBrush(m_crBack);
-    m_hSelBrush = CreateSolidBrush(GetSysColor(COLOR_HIGHLIGHT));
-    m_nMinRowHeight = static_cast<USHORT>(HIDPI_SCALEY(15));
-    m_nScrollRegion = static_cast<USHORT>(HIDPI_SCALEY(20));
-    m_nStripWidth = static_cast<USHORT>(HIDPI_SCALEX(7));
-    if (gridCount++ == 0)
+    SetDefaults();
+    if (!std::exchange(m_bClassCounted, true) && gridCount++ == 0)
     {
         CeWnd::RegisterClassW(gridClass);
     }
-    m_bClassCounted = true;
     if (!Create(gridClass, hParent, rect, nullptr, gridStyle))
     {
         return false;
@@ -69,6 +61,32 @@ bool CHTMLGrid::InitWindow(HWND hParent, const RECT &rect, bool bOnDemand)
     clearScrollBar(m_hWnd, SB_HORZ);
     clearScrollBar(m_hWnd, SB_VERT);
     return true;
+}
+
+/// Whatever was set before there was a window is forgotten.
+void CHTMLGrid::SetDefaults()
+{
+    m_bHLines = false;
+    m_bVLines = m_bFixedHLines = m_bFixedVLines = true;
+    m_bShowVBar = m_bShowHBar = m_bAutoScroll = m_bThumbTrack = true;
+    m_bRowHeightFixed = m_bMultiSelect = m_bSelectTip = m_bRowSelect = false;
+    m_bFloaterText = m_bFloaterStrip = true;
+    m_nKeysMode = 2;
+    m_nBarsMode = 0;
+    m_nSelectionMode = 0;
+    m_nDelayMs = 0;
+    m_nCurCol = m_nCurRow = GRID_NONE;
+    m_Selection = {};
+    m_crLines = GetSysColor(COLOR_WINDOWFRAME);
+    m_crBack = GetSysColor(COLOR_WINDOW);
+    m_crFixedBack = GetSysColor(COLOR_BTNFACE);
+    DeleteObject(m_hBackBrush);
+    DeleteObject(m_hSelBrush);
+    m_hBackBrush = CreateSolidBrush(m_crBack);
+    m_hSelBrush = CreateSolidBrush(GetSysColor(COLOR_HIGHLIGHT));
+    m_nMinRowHeight = static_cast<USHORT>(HIDPI_SCALEY(15));
+    m_nScrollRegion = static_cast<USHORT>(HIDPI_SCALEY(20));
+    m_nStripWidth = static_cast<USHORT>(HIDPI_SCALEX(7));
 }
 
 // --- Messages ----------------------------------------------------------------------------------------------------

@@ -329,6 +329,8 @@ class ZBTOOLS_API CHTMLGrid : public CeWnd
     void ProcessDelayedScrolling();
 
   private:
+    void SetDefaults();
+
     // Cells.
     std::unique_ptr<tagCELLINFO> NewCell() const;
     void CreateCells(USHORT nRows, USHORT nCols);

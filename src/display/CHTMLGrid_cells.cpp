@@ -430,6 +430,8 @@ void CHTMLGrid::ClampAfterDeletion()
 
 void CHTMLGrid::DeleteRows(USHORT nFirst, USHORT nCount)
 {
+    // The text of a box over a cell is told with the numbers that the parent knows the cell by.
+    CancelEdit();
     if (nFirst >= m_nRows || nCount == 0)
     {
         return;
@@ -451,6 +453,8 @@ void CHTMLGrid::DeleteRows(USHORT nFirst, USHORT nCount)
 
 void CHTMLGrid::DeleteCols(USHORT nFirst, USHORT nCount)
 {
+    // The text of a box over a cell is told with the numbers that the parent knows the cell by.
+    CancelEdit();
     if (nFirst >= m_nCols || nCount == 0)
     {
         return;

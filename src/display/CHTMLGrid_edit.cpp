@@ -71,7 +71,7 @@ bool CHTMLGrid::MakeEditBox(USHORT nCol, USHORT nRow)
     const CellRange over = any ? cells : CellRange{nCol, nRow, nCol, nRow};
     auto height = static_cast<int>(HIDPI_SCALEY(2) + zb::sumOfLines(m_RowHeights, over.nTop, over.nBottom + 1U));
     height = height < HIDPI_SCALEY(14) ? HIDPI_SCALEY(16) : height;
-    const auto width = static_cast<int>(zb::sumOfLines(m_ColWidths, over.nLeft, over.nRight + 1U) - HIDPI_SCALEX(3));
+    const auto width = static_cast<int>(zb::sumOfLines(m_ColWidths, over.nLeft, over.nRight + 1U) - HIDPI_SCALEY(3));
     m_hEdit = CreateWindowExW(0, u"EDIT", u"", editStyle, cell.left + 1, cell.top - 1, width, height, m_hWnd, nullptr,
                               nullptr, nullptr);
     if (m_hEdit == nullptr)
@@ -167,8 +167,6 @@ void CHTMLGrid::EndEdit()
     DestroyWindow(m_hEdit);
     m_bEditClosing = false;
     SHSipPreference(SIP_DOWN);
-    m_nLastTapCol = m_nCurCol;
-    m_nLastTapRow = m_nCurRow;
     tagNM_GRIDVIEW record{};
     record.hdr = {m_hWnd, 0, GRID_EDITED};
     record.szData = text.c_str();
@@ -181,6 +179,8 @@ void CHTMLGrid::EndEdit()
     {
         return;
     }
+    m_nLastTapCol = m_nCurCol;
+    m_nLastTapRow = m_nCurRow;
     // Rows that went up for the box come back; not under a pen that has just come down on one of them.
     const USHORT largest = std::max(m_nMaxTopRow, m_nFixedRows);
     if (m_nTopRow > largest && GetFocus() != m_hWnd)

@@ -479,6 +479,7 @@ void CHTMLGrid::DrawFloaterBlock(HDC hdc, const SIZE &size, LONG nTotal, tagCELL
 {
     const bool moving = &floater == m_pMovingFloater;
     const bool plain = !moving && m_bFloaterText;
+    floater.HotSpots.clear();
     floater.Parser.FirstToken();
     const COLORREF back = plain ? floater.Parser.GetBackColor(false) : GetSysColor(COLOR_HIGHLIGHT);
     const SelectedTool brush(hdc, CreateSolidBrush(back));
@@ -505,6 +506,7 @@ void CHTMLGrid::DrawFloaterBlock(HDC hdc, const SIZE &size, LONG nTotal, tagCELL
     if (plain)
     {
         DrawHTML(hdc, &body, 0, &floater.Parser, &cell.HotSpots, 0);
+        floater.HotSpots = cell.HotSpots;
     }
     else if (moving && !m_bFloaterText)
     {

@@ -49,12 +49,25 @@ const HOTSPOT *CHTMLGrid::HotSpotAt(USHORT nCol, USHORT nRow, POINT point, DWORD
     {
         return nullptr;
     }
-    const POINT place = PlaceOf(nCol, nRow);
-    const POINT inside = {point.x - place.x - cell->rcMargins.left - (dwFloater != 0 ? m_nStripWidth : 0),
-                          point.y - place.y - cell->rcMargins.top};
-    const auto found = std::find_if(cell->HotSpots.begin(), cell->HotSpots.end(),
+    POINT place = PlaceOf(nCol, nRow);
+    const HotSpotArray *spots = &cell->HotSpots;
+    if (dwFloater != 0)
+    {
+        const auto at = cell->Floaters.find(dwFloater);
+        if (at == cell->Floaters.end())
+        {
+            return nullptr;
+        }
+        const tagFLOATERINFO &floater = *at->second;
+        const auto rows = zb::floaterBounds(ColumnCells(nCol), nRow, floater, m_nRows);
+        spots = &floater.HotSpots;
+        place.x += GetColWidth(nCol) * floater.nSlot / std::max<LONG>(floater.nSlots, 1) + m_nStripWidth;
+        place.y -= static_cast<LONG>(zb::sumOfLines(m_RowHeights, rows.first, nRow));
+    }
+    const POINT inside = {point.x - place.x - cell->rcMargins.left, point.y - place.y - cell->rcMargins.top};
+    const auto found = std::find_if(spots->begin(), spots->end(),
                                     [&](const HOTSPOT &spot) { return PtInRect(&spot.rcArea, inside) != FALSE; });
-    return found == cell->HotSpots.end() ? nullptr : &*found;
+    return found == spots->end() ? nullptr : &*found;
 }
 
 /// To the grid itself, which tells the parent. There must be a hot spot.

@@ -114,8 +114,8 @@ void CHTMLToolTip::OnPaint(bool &handled)
     const HDC hdc = BeginPaint(m_hWnd, &paint);
     RECT area{};
     GetClientRect(m_hWnd, &area);
-    m_Parser.FirstToken();
-    const HBRUSH brush = CreateSolidBrush(m_Parser.GetBackColor(false));
+    // That of the body: the text has been measured, so no run of it is at hand.
+    const HBRUSH brush = CreateSolidBrush(m_Parser.GetBackColor(true));
     const HPEN pen = CreatePen(PS_SOLID, g_HIDPI_BorderPixels, GetSysColor(COLOR_BTNSHADOW));
     const HGDIOBJ formerBrush = SelectObject(hdc, brush);
     const HGDIOBJ formerPen = SelectObject(hdc, pen);

@@ -33,6 +33,8 @@ struct tagFLOATERINFO
     BYTE nSlotWidth = 1;
     BYTE nSlot = 0;
     CHTMLParser Parser;
+    /// Of its last paint: its cell has room for those of one text only.
+    HotSpotArray HotSpots;
 };
 
 /// By id.

@@ -107,6 +107,11 @@ TEST_F(HTMLToolTip, itHasAnOutlineItsBackgroundAndItsText)
     EXPECT_EQ(screenPixel(50, 60), GetSysColor(COLOR_BTNSHADOW));
     EXPECT_EQ(screenPixel(80, 72), GetSysColor(COLOR_BTNSHADOW));
     EXPECT_EQ(screenPixel(51, 61), RGB(255, 255, 0));
+    tip->UpdateToolTip(u"<FONT SIZE=-1 BGCOLOR=#00FF00>ab<FONT SIZE=-1>cd", false);
+    settle();
+    EXPECT_EQ(screenPixel(51, 61), RGB(255, 255, 255)) << "that of the body, not of its first run";
+    tip->UpdateToolTip(u"<FONT SIZE=-1><BODY=#FFFF00>abcd", false);
+    settle();
     bool ink = false;
     for (int x = 55; x < 75; ++x)
     {

@@ -245,6 +245,23 @@ TEST_F(GridEdit, eachEndTellsTheText)
     }
 }
 
+TEST_F(GridEdit, deletedRowsAndColumnsEndItFirst)
+{
+    for (const bool rows : {true, false})
+    {
+        prepare();
+        grid->SetSelection(1, 3, 1, 3);
+        grid->EnableCellEdit(1, 3);
+        ASSERT_NE(edit(), nullptr);
+        typeCharacter(u'x');
+        settle();
+        takeLog();
+        rows ? grid->DeleteRows(0, 1) : grid->DeleteCols(0, 1);
+        EXPECT_EQ(takeLog(), (Log{"2035 1,3 1"})) << "of the cell as the parent knows it";
+        EXPECT_EQ(edit(), nullptr);
+    }
+}
+
 TEST_F(GridEdit, aTapInTheBoxAndOtherKeysAreTheBoxes)
 {
     prepare().SetCellText(1, 2, u"<FONT SIZE=-1><EDITABLE>abcd");
