@@ -58,6 +58,9 @@ TEST_F(GridRules, eachFloaterHasItsOwnHotSpots)
     tap({7 + 5, 6});
     EXPECT_EQ(lastTarget, u"one");
     EXPECT_EQ(lastNotify.dwCookie, 1U);
+    const std::unique_ptr<WCHAR[]> key(grid->GetCellHotSpot(0, 0, 0));
+    ASSERT_NE(key, nullptr) << "the cell has those of what was painted last in it";
+    EXPECT_EQ(grid->GetCellHotSpot(0, 0, 1), nullptr);
     tap({100 + 7 + 5, 25}); // in its second row
     EXPECT_EQ(lastTarget, u"two");
     EXPECT_EQ(lastNotify.dwCookie, 2U);
@@ -177,6 +180,101 @@ TEST_F(GridRules, acrossTheBarStepsByColumns)
     EXPECT_EQ(after(SB_LINEUP), 1);
     tick(85);
     EXPECT_EQ(grid->GetLeftCol(), 0);
+}
+
+// --- Layout ------------------------------------------------------------------------------------------------------
+
+TEST_F(GridRules, theBarAcrossMayTakeTheRoomOfARow)
+{
+    const int across = 200 - GetSystemMetrics(SM_CXVSCROLL);
+    const int down = 100 - GetSystemMetrics(SM_CYHSCROLL);
+    makePlain(6, 2); // 90 high: they fit, until there is a bar below
+    grid->SetColWidth(0, 150);
+    grid->SetColWidth(1, 150);
+    struct Case
+    {
+        bool vertical, horizontal;
+        int width, height;
+    };
+    for (const Case &one : {Case{true, true, across, down}, Case{true, false, 200, 100}, Case{false, true, 200, down},
+                            Case{false, false, 200, 100}})
+    {
+        grid->SetShowScrollBars(one.vertical, one.horizontal, false);
+        RECT client{};
+        GetClientRect(*grid, &client);
+        EXPECT_EQ(client.right, one.width) << one.vertical << one.horizontal;
+        EXPECT_EQ(client.bottom, one.height) << one.vertical << one.horizontal;
+    }
+}
+
+TEST_F(GridRules, onDemandTheEndOfAnUpdateShowsTheRowThatWasAskedFor)
+{
+    onCell = [](GRIDCELLREQUEST &request)
+    {
+        request.pszHTML = u"<FONT SIZE=-1>a<BR>b<BR>c"; // 31 high
+        request.nRowHeight = HIWORD(request.hdr.idFrom) == 60 ? 150 : GRID_NONE;
+    };
+    makeOnDemand(100, 1);
+    // Three of 31 fit into 100 pixels; the row of 150 does not.
+    for (const auto &[row, top] : {std::pair<USHORT, USHORT>{50, 50}, {98, 97}, {60, 60}, {0, 0}})
+    {
+        grid->BeginUpdate();
+        grid->MakeRowTopMost(row, true);
+        grid->EndUpdate();
+        EXPECT_EQ(grid->GetTopRow(), top) << row;
+    }
+    EXPECT_LT(asked.size(), 20U);
+}
+
+TEST_F(GridRules, aRowThatFillsTheViewIsVisibleEitherWay)
+{
+    makePlain(3, 1).SetRowHeight(1, 150);
+    grid->SetTopRow(1);
+    EXPECT_TRUE(grid->IsCellVisible(0, 1, true));
+    EXPECT_TRUE(grid->IsCellVisible(0, 1, false));
+    EXPECT_FALSE(grid->IsCellVisible(0, 2, true));
+    grid->SetTopRow(3);
+    EXPECT_EQ(grid->GetTopRow(), 1) << "out of range";
+}
+
+TEST_F(GridRules, aTextOfARowOfFixedHeightMovesNothingButPaintsAll)
+{
+    static int cells;
+    makePlain(3, 2).SetRowHeightFixed(true);
+    grid->SetCellOwnerDrawProc(
+        [](tagDRAWITEMSTRUCT *, tagCELLINFO *)
+        {
+            ++cells;
+            return 0;
+        });
+    settle();
+    cells = 0;
+    grid->SetCellText(0, 0, u"a<BR>b<BR>c");
+    settle();
+    EXPECT_EQ(cells, 6);
+    EXPECT_EQ(grid->GetRowHeight(0, false), 15);
+}
+
+// --- Selection ---------------------------------------------------------------------------------------------------
+
+TEST_F(GridRules, endsOfASelectionAreHeldAtTheLastCell)
+{
+    makePlain(6, 4);
+    EXPECT_TRUE(grid->SetSelection(GRID_NONE, GRID_NONE, 50, 50));
+    EXPECT_EQ(selection(), "0,0 3,5");
+    EXPECT_EQ(current(), "3,5");
+    EXPECT_TRUE(grid->SetSelection(2, 4, GRID_NONE, 1));
+    EXPECT_EQ(selection(), "0,1 2,4");
+    EXPECT_EQ(current(), "0,1") << "where it ends";
+    grid->SetCol(4);
+    grid->SetRow(6);
+    EXPECT_EQ(current(), "0,1") << "out of range";
+    grid->SetFixedRowCount(1);
+    EXPECT_FALSE(grid->SetSelection(0, 0, 2, 2));
+    EXPECT_FALSE(grid->SetSelection(2, 2, 0, 0));
+    grid->SetSelectionMode(3);
+    EXPECT_FALSE(grid->SetSelection(1, 1, 1, 1));
+    EXPECT_EQ(selection(), "0,1 0,1") << "as the fixed row left it";
 }
 
 // --- Rest --------------------------------------------------------------------------------------------------------
