@@ -1,10 +1,14 @@
 #include "platform/linux/handle_count.h"
 
+#include "platform/gdi.h"
 #include "platform/linux/handles.h"
 #include "platform/linux/thread_state.h"
 
 zb::internal::HandleCount zb::internal::countHandles()
 {
+    // The system's own objects are made with the first use of any of them; they count from the beginning.
+    GetStockObject(WHITE_BRUSH);
+    GetSysColorBrush(COLOR_WINDOW);
     HandleCount count;
     count.windows = liveHandles(HandleKind::Window);
     count.contexts = liveHandles(HandleKind::DeviceContext);
