@@ -1,6 +1,7 @@
 #include "platform/linux/handle_count.h"
 
 #include "platform/gdi.h"
+#include "platform/linux/control.h"
 #include "platform/linux/handles.h"
 #include "platform/linux/thread_state.h"
 
@@ -8,6 +9,8 @@ zb::internal::HandleCount zb::internal::countHandles()
 {
     // The system's own objects are made with the first use of any of them; they count from the beginning.
     GetStockObject(WHITE_BRUSH);
+    GetStockObject(SYSTEM_FONT);
+    systemFont();
     GetSysColorBrush(COLOR_WINDOW);
     HandleCount count;
     count.windows = liveHandles(HandleKind::Window);
