@@ -132,7 +132,7 @@ TEST_F(ZembrikWindow, TheScreenTakesTheWindowsSizeAndTheWindowTheScreens)
 TEST_F(ZembrikWindow, OpensAgainInTheSizeThatItHad)
 {
     const Picture larger = headless("size 400x300");
-    auto first = start("size 400x300\nquit\n");
+    auto first = start("size 400x300\nwait 500\nquit\n");
     expectEnd(first);
     auto second = start({}, {});
     // Where it lies depends on when the desktop got to know the size.
