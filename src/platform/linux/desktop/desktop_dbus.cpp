@@ -1,29 +1,14 @@
 // Notifications of the desktop over the session's message bus.
-//
-// The bus is asked only where there is one already: the client library would otherwise start one for itself, and wait
-// for it, on machines without a desktop.
+#include "platform/linux/session_bus.h"
+
 #include <dbus/dbus.h>
 
-#include <cstdlib>
-#include <filesystem>
 #include <memory>
 #include <string>
 
 namespace
 {
 constexpr int patienceMilliseconds = 5000;
-
-bool hasSession()
-{
-    const char *const address = std::getenv("DBUS_SESSION_BUS_ADDRESS");
-    if (address != nullptr && *address != '\0')
-    {
-        return true;
-    }
-    const char *const folder = std::getenv("XDG_RUNTIME_DIR");
-    std::error_code error;
-    return folder != nullptr && std::filesystem::exists(std::filesystem::path(folder) / "bus", error);
-}
 
 /// Bodies may hold marks, so what is text in them is escaped.
 std::string escaped(const char *text)
@@ -117,7 +102,7 @@ Message messageOf(const char *title, const std::string &body, bool sound)
 
 extern "C" __attribute__((visibility("default"))) bool zbTellDesktop(const char *title, const char *text, bool sound)
 {
-    if (!hasSession())
+    if (!zb::internal::hasSessionBus())
     {
         return false;
     }

@@ -4,6 +4,7 @@
 // few rows of text, which would cost more than the whole start of the program.
 #include "platform/linux/screen/screen_sdl.h"
 
+#include "platform/linux/session_bus.h"
 #include "platform/user.h"
 
 #include <algorithm>
@@ -49,10 +50,11 @@ std::string SdlScreen::awaitStart()
 
 void SdlScreen::wake()
 {
-    if (const Uint32 type = m_wakeEvent.load(); type != 0)
+    const std::lock_guard guard(m_waking);
+    if (m_wakeEvent != 0)
     {
         SDL_Event event{};
-        event.type = type;
+        event.type = m_wakeEvent;
         SDL_PushEvent(&event);
     }
 }
@@ -67,6 +69,8 @@ void SdlScreen::run()
     if (isOpen)
     {
         loop();
+        const std::lock_guard guard(m_waking);
+        m_wakeEvent = 0;
     }
     SDL_DestroyWindow(m_window);
     SDL_QuitSubSystem(SDL_INIT_VIDEO);
@@ -76,6 +80,7 @@ void SdlScreen::run()
 
 std::string SdlScreen::open()
 {
+    passOverWindowErrors();
     if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0)
     {
         return SDL_GetError();
@@ -100,7 +105,8 @@ std::string SdlScreen::open()
     {
         SDL_SetWindowSize(m_window, units(m_request.width), units(m_request.height));
     }
-    m_wakeEvent.store(SDL_RegisterEvents(1));
+    const std::lock_guard guard(m_waking);
+    m_wakeEvent = SDL_RegisterEvents(1);
     return {};
 }
 
@@ -148,7 +154,8 @@ void SdlScreen::take(const SDL_Event &event)
     case SDL_QUIT:
         return m_platform.closed();
     default:
-        if (event.type == m_wakeEvent.load())
+        // The only kind of event that was registered.
+        if (event.type >= SDL_USEREVENT)
         {
             followWishes();
             present(false);
@@ -350,5 +357,10 @@ zbOpenScreen(zb::internal::ScreenPlatform &platform, const zb::internal::ScreenR
 zb::internal::ScreenBackend *zbOpenScreen(zb::internal::ScreenPlatform &platform,
                                           const zb::internal::ScreenRequest &request)
 {
+    if (!zb::internal::hasSessionBus())
+    {
+        // SDL asks the bus about the desktop's looks, and a screen needs none of that.
+        ::setenv("DBUS_SESSION_BUS_ADDRESS", "disabled:", 1);
+    }
     return new zb::internal::SdlScreen(platform, request);
 }

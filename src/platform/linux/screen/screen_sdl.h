@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <future>
+#include <mutex>
 #include <thread>
 #include <vector>
 
@@ -41,7 +42,8 @@ class SdlScreen final : public ScreenBackend
     ScreenPlatform &m_platform;
     ScreenRequest m_request;
     std::promise<std::string> m_started;
-    std::atomic<Uint32> m_wakeEvent{0};
+    std::mutex m_waking;
+    Uint32 m_wakeEvent = 0; ///< 0 while there is no window to wake; under m_waking
     std::atomic<bool> m_ends{false};
 
     SDL_Window *m_window = nullptr;
@@ -54,6 +56,11 @@ class SdlScreen final : public ScreenBackend
     std::thread m_thread; ///< the last one: it uses all the others
 };
 
+/// Lets errors that the X server tells pass, which would otherwise end the program: they come behind the request that they
+/// belong to, and the one to expect is about a window that is closed already. (To wake the thread SDL writes to the window
+/// over a connection of its own, and that may come behind the window's end.) To be called before SDL starts, which goes
+/// back to what it found before it closes its connections.
+void passOverWindowErrors();
 /// The VK_ number of a key; 0 for one that the screen does not know.
 int keyNumber(const SDL_Keysym &key);
 /// What the key types where no text is edited: a control character, or a plain one as on its cap; 0 for none.
