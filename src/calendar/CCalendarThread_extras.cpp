@@ -29,13 +29,6 @@ std::u16string searchedName(const std::u16string &name, const WCHAR *otherDefaul
     return searched;
 }
 
-std::u16string localeText(LCTYPE item)
-{
-    std::array<WCHAR, 16> text{};
-    GetLocaleInfoW(LOCALE_USER_DEFAULT, item, text.data(), static_cast<int>(text.size()));
-    return text.data();
-}
-
 DATACALENDAR *newDateHeader(int day)
 {
     auto *header = new DATACALENDAR;
@@ -86,8 +79,8 @@ void CCalendarThread::TakeToday()
 
 void CCalendarThread::BuildShortDateFormat()
 {
-    const std::u16string dateOrder = localeText(LOCALE_IDATE);
-    const std::u16string separator = localeText(LOCALE_SDATE);
+    const std::u16string dateOrder = zb::localeText(LOCALE_IDATE);
+    const std::u16string separator = zb::localeText(LOCALE_SDATE);
     m_strShortDate.clear();
     if (dateOrder == u"0")
     {

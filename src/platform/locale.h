@@ -63,6 +63,9 @@ ZBPLATFORM_API DWORD GetTimeZoneInformation(TIME_ZONE_INFORMATION *zone);
 
 namespace zb
 {
+/// The same text of the user's locale as a whole; nothing for an unknown item.
+ZBPLATFORM_API std::u16string localeText(LCTYPE item);
+
 /// The record of a zone by name ("Europe/Berlin") with the rules of a year; nothing for a name that the system's
 /// tzdata does not know. A zone whose rules of that year are no pair of yearly changes gets its standard offset alone.
 /// Changes are relative (wYear 0), at the wall clock before them; daylight time is the one with the greater offset,

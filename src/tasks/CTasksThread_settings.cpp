@@ -9,13 +9,6 @@ namespace
 {
 /// Characters of the key's path.
 constexpr std::size_t longestKey = 260;
-
-std::u16string localeText(LCTYPE item)
-{
-    std::array<WCHAR, 25> text{};
-    GetLocaleInfoW(LOCALE_USER_DEFAULT, item, text.data(), static_cast<int>(text.size()));
-    return text.data();
-}
 } // namespace
 
 void CTasksThread::Override(const WCHAR *path)
@@ -64,8 +57,8 @@ void CTasksThread::TakeToday()
 /// Kept: where the year comes first, the month comes first as well.
 void CTasksThread::BuildShortDateFormat()
 {
-    const std::u16string dateOrder = localeText(LOCALE_IDATE);
-    const std::u16string separator = localeText(LOCALE_SDATE);
+    const std::u16string dateOrder = zb::localeText(LOCALE_IDATE);
+    const std::u16string separator = zb::localeText(LOCALE_SDATE);
     m_strShortDate.clear();
     if (dateOrder == u"0" || dateOrder == u"2")
     {

@@ -2,6 +2,7 @@
 #include "platform/linux/locale_result.h"
 #include "platform/linux/locale_texts.h"
 #include "platform/locale.h"
+#include "platform/text.h"
 
 #include <optional>
 
@@ -86,4 +87,10 @@ int GetLocaleInfoW(LCID locale, LCTYPE item, WCHAR *buffer, int size)
         return 0;
     }
     return deliverText(*text, buffer, size);
+}
+
+std::u16string zb::localeText(LCTYPE item)
+{
+    using namespace zb::internal;
+    return itemOf(localeTexts(LOCALE_USER_DEFAULT), item & ~noUserOverride).value_or(std::u16string());
 }
