@@ -125,8 +125,8 @@ class Static final : public Control
         const RECT box = client();
         const bool centred = (style() & SS_CENTERIMAGE) != 0;
         TransparentImage(context, centred ? (box.right - bitmap.bmWidth) / 2 : 0,
-                         centred ? (box.bottom - bitmap.bmHeight) / 2 : 0, bitmap.bmWidth, bitmap.bmHeight, m_picture, 0,
-                         0, bitmap.bmWidth, bitmap.bmHeight, RGB(0, 255, 0));
+                         centred ? (box.bottom - bitmap.bmHeight) / 2 : 0, bitmap.bmWidth, bitmap.bmHeight, m_picture,
+                         0, 0, bitmap.bmWidth, bitmap.bmHeight, RGB(0, 255, 0));
     }
 
     HGDIOBJ m_picture = nullptr;

@@ -43,7 +43,8 @@ OpenState &openState()
 }
 
 std::atomic<std::uint64_t> generation{0};
-/// What the screen has become since it was opened: width in the upper half, height in the lower; 0 while it is as it was.
+/// What the screen has become since it was opened: width in the upper half, height in the lower; 0 while it is as it
+/// was.
 std::atomic<std::uint64_t> changedSize{0};
 
 void publish(std::shared_ptr<const DeviceState> state)

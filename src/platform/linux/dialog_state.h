@@ -27,7 +27,8 @@ std::size_t sizeOfLockedResource(const void *bytes);
 /// Nothing for bytes that are no template.
 std::optional<DialogTemplate> dialogTemplateAt(const void *bytes);
 /// The dialog, with WM_INITDIALOG behind it; shown when its style says so, or when it is modal. Null as CreateDialog...
-HWND makeDialog(const DialogTemplate &shape, HINSTANCE instance, HWND parent, DLGPROC procedure, LPARAM parameter, bool modal);
+HWND makeDialog(const DialogTemplate &shape, HINSTANCE instance, HWND parent, DLGPROC procedure, LPARAM parameter,
+                bool modal);
 /// Makes a dialog for the window of the screen that the parent lies in, and runs it until EndDialog, with that window
 /// disabled. `takeFirst`, when there is one, looks at each message before the dialog does; true: it is dealt with.
 LONG_PTR runModalDialog(HWND parent, const std::function<HWND(HWND owner)> &make,

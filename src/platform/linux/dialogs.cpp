@@ -110,8 +110,8 @@ bool makeItem(HWND dialog, const DialogState &state, const DialogItem &item, HIN
 {
     const RECT place = inPixels(state, item.place);
     const HWND control =
-        CreateWindowExW(item.extendedStyle, classOf(item), titleOf(item.title).c_str(), item.style | WS_CHILD, place.left,
-                        place.top, place.right - place.left, place.bottom - place.top, dialog,
+        CreateWindowExW(item.extendedStyle, classOf(item), titleOf(item.title).c_str(), item.style | WS_CHILD,
+                        place.left, place.top, place.right - place.left, place.bottom - place.top, dialog,
                         reinterpret_cast<void *>(static_cast<LONG_PTR>(item.id)), instance, nullptr);
     if (control == nullptr)
     {
@@ -311,7 +311,8 @@ std::optional<DialogTemplate> dialogTemplateAt(const void *bytes)
                : readDialogTemplate(static_cast<const BYTE *>(bytes), known != 0 ? known : longestTemplate);
 }
 
-HWND makeDialog(const DialogTemplate &shape, HINSTANCE instance, HWND parent, DLGPROC procedure, LPARAM parameter, bool modal)
+HWND makeDialog(const DialogTemplate &shape, HINSTANCE instance, HWND parent, DLGPROC procedure, LPARAM parameter,
+                bool modal)
 {
     registerSystemClasses();
     const HWND dialog = assemble(shape, parent, procedure, instance, modal);
@@ -338,7 +339,8 @@ HWND makeDialog(const DialogTemplate &shape, HINSTANCE instance, HWND parent, DL
     return IsWindow(dialog) != FALSE ? dialog : nullptr;
 }
 
-LONG_PTR runModalDialog(HWND parent, const std::function<HWND(HWND owner)> &make, const std::function<bool(MSG &)> &takeFirst)
+LONG_PTR runModalDialog(HWND parent, const std::function<HWND(HWND owner)> &make,
+                        const std::function<bool(MSG &)> &takeFirst)
 {
     const HWND owner = ownerOf(parent);
     const bool wasEnabled = owner != nullptr && IsWindowEnabled(owner) != FALSE;
@@ -422,7 +424,8 @@ HWND CreateDialogIndirectParamW(HINSTANCE instance, const void *bytes, HWND pare
 LONG_PTR DialogBoxIndirectParamW(HINSTANCE instance, const void *bytes, HWND parent, DLGPROC procedure,
                                  LPARAM parameter)
 {
-    return runModalDialog(parent, [&](HWND owner) { return makeOf(instance, bytes, owner, procedure, parameter, true); });
+    return runModalDialog(parent,
+                          [&](HWND owner) { return makeOf(instance, bytes, owner, procedure, parameter, true); });
 }
 
 BOOL EndDialog(HWND dialog, LONG_PTR result)

@@ -1,6 +1,7 @@
 // Where the text of an edit control lies in its window: lines, places of characters, scrolling. And how it is painted.
 //
-// Line and point are those of what is laid out; the first visible line and the pixels scrolled to the left are kept here.
+// Line and point are those of what is laid out; the first visible line and the pixels scrolled to the left are kept
+// here.
 #pragma once
 
 #include "platform/gdi.h"

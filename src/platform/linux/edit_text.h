@@ -1,7 +1,7 @@
 // The text of an edit control in numbers: characters, selection, and what can be taken back.
 //
-// Places are between characters, from 0 to the length. Knows no fonts and no windows; whoever keeps lines of the text is
-// told by each change what it has to lay out anew.
+// Places are between characters, from 0 to the length. Knows no fonts and no windows; whoever keeps lines of the text
+// is told by each change what it has to lay out anew.
 #pragma once
 
 #include "platform/types.h"

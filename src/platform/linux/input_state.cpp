@@ -63,8 +63,8 @@ bool canFocus(HWND window)
     return true;
 }
 
-/// The window itself or what lies in it. What it owns stands on the screen by itself: a dialog keeps the focus while its
-/// owner is disabled or hidden.
+/// The window itself or what lies in it. What it owns stands on the screen by itself: a dialog keeps the focus while
+/// its owner is disabled or hidden.
 bool liesIn(HWND window, HWND outer)
 {
     while (window != nullptr && window != outer)

@@ -15,7 +15,8 @@ constexpr WORD popupFlag = MF_POPUP;
 class Reader
 {
   public:
-    Reader(const void *data, std::size_t size) : m_bytes(static_cast<const BYTE *>(data)), m_size(data == nullptr ? 0 : size)
+    Reader(const void *data, std::size_t size)
+        : m_bytes(static_cast<const BYTE *>(data)), m_size(data == nullptr ? 0 : size)
     {
     }
     bool menu(Entries &entries, int level)
@@ -75,7 +76,8 @@ class Reader
 std::u16string textOf(HINSTANCE instance, const MenuTemplateEntry &entry)
 {
     const WCHAR *words = nullptr;
-    const int length = entry.textNumber == 0 ? 0 : LoadStringW(instance, entry.textNumber, reinterpret_cast<WCHAR *>(&words), 0);
+    const int length =
+        entry.textNumber == 0 ? 0 : LoadStringW(instance, entry.textNumber, reinterpret_cast<WCHAR *>(&words), 0);
     return length > 0 ? std::u16string(words, static_cast<std::size_t>(length)) : entry.text;
 }
 
@@ -84,7 +86,8 @@ HMENU build(HINSTANCE instance, const Entries &entries)
     const HMENU menu = CreatePopupMenu();
     for (const MenuTemplateEntry &entry : entries)
     {
-        const UINT_PTR id = (entry.flags & popupFlag) != 0 ? reinterpret_cast<UINT_PTR>(build(instance, entry.popup)) : entry.id;
+        const UINT_PTR id =
+            (entry.flags & popupFlag) != 0 ? reinterpret_cast<UINT_PTR>(build(instance, entry.popup)) : entry.id;
         AppendMenuW(menu, entry.flags, id, textOf(instance, entry).c_str());
     }
     return menu;
@@ -109,7 +112,8 @@ HMENU LoadMenuW(HINSTANCE instance, const WCHAR *name)
     {
         return nullptr;
     }
-    const auto entries = zb::readMenuTemplate(LockResource(LoadResource(instance, resource)), SizeofResource(instance, resource));
+    const auto entries =
+        zb::readMenuTemplate(LockResource(LoadResource(instance, resource)), SizeofResource(instance, resource));
     if (!entries.has_value())
     {
         constexpr DWORD errorDamaged = 11;

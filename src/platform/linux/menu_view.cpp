@@ -353,11 +353,14 @@ void MenuView::drawEntry(HDC context, int index, bool selected) const
     {
         fill(context, box, entry.isGrayed() ? COLOR_BTNFACE : COLOR_HIGHLIGHT);
     }
-    const COLORREF ink = GetSysColor(entry.isGrayed() ? COLOR_GRAYTEXT : selected ? COLOR_HIGHLIGHTTEXT : COLOR_MENUTEXT);
+    const COLORREF ink = GetSysColor(entry.isGrayed() ? COLOR_GRAYTEXT
+                                     : selected       ? COLOR_HIGHLIGHTTEXT
+                                                      : COLOR_MENUTEXT);
     SetTextColor(context, ink);
     if ((entry.state & MFS_CHECKED) != 0)
     {
-        drawHook(context, {box.left, box.top, box.left + dots(gutter), box.bottom}, (entry.type & MFT_RADIOCHECK) != 0, ink);
+        drawHook(context, {box.left, box.top, box.left + dots(gutter), box.bottom}, (entry.type & MFT_RADIOCHECK) != 0,
+                 ink);
     }
     if (entry.popup != nullptr)
     {

@@ -38,7 +38,8 @@ class MenuView
     int next(int from, int step) const;
     /// The entry beside this one in the next column, or none.
     int beside(int from, int step) const;
-    /// The next entry with that mnemonic, or when none has it, with that first letter; *isOnly tells whether no other has.
+    /// The next entry with that mnemonic, or when none has it, with that first letter; *isOnly tells whether no other
+    /// has.
     int withLetter(WCHAR letter, int from, bool *isOnly) const;
 
     void draw(HDC context, int selected) const;

@@ -329,7 +329,8 @@ BOOL InsertMenuW(HMENU menu, UINT before, UINT flags, UINT_PTR id, const WCHAR *
         return fail(refusal);
     }
     std::vector<MenuEntry> &entries = target.entries;
-    entries.insert(place ? entries.begin() + static_cast<std::ptrdiff_t>(place.index) : entries.end(), std::move(entry));
+    entries.insert(place ? entries.begin() + static_cast<std::ptrdiff_t>(place.index) : entries.end(),
+                   std::move(entry));
     return TRUE;
 }
 

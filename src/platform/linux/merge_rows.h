@@ -7,8 +7,8 @@
 
 namespace zb::internal
 {
-/// Merges in rounds; equals keep their order. A foreign order may contradict itself: this gives some order then and ends.
-/// compare gives below 0, 0 or above 0.
+/// Merges in rounds; equals keep their order. A foreign order may contradict itself: this gives some order then and
+/// ends. compare gives below 0, 0 or above 0.
 template <typename Row, typename Compare>
 void mergeRows(std::vector<Row> &rows, Compare compare)
 {

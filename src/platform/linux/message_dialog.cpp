@@ -204,7 +204,8 @@ class MessageDialog
         const int most = GetSystemMetrics(SM_CYSCREEN) - (frame.bottom - frame.top) - 3 * m_margin - m_buttonHeight;
         const int beside = m_pictureSize.cx == 0 ? 0 : m_pictureSize.cx + m_gap;
         const int upper = std::max(std::min<int>(std::max(m_textSize.cy, m_pictureSize.cy), most), 0);
-        const int width = std::max(beside + static_cast<int>(m_textSize.cx), std::max(buttonsWidth(), dots(140))) + 2 * m_margin;
+        const int width =
+            std::max(beside + static_cast<int>(m_textSize.cx), std::max(buttonsWidth(), dots(140))) + 2 * m_margin;
         const int height = upper + m_buttonHeight + 3 * m_margin;
         place(dialog, frame, width, height);
         makeUpper(dialog, beside, upper, width);
@@ -216,27 +217,30 @@ class MessageDialog
         const int wide = width + frame.right - frame.left;
         const int high = height + frame.bottom - frame.top;
         SetWindowPos(dialog, nullptr, std::max((GetSystemMetrics(SM_CXSCREEN) - wide) / 2, 0),
-                     std::max((GetSystemMetrics(SM_CYSCREEN) - high) / 2, 0), wide, high, SWP_NOZORDER | SWP_NOACTIVATE);
+                     std::max((GetSystemMetrics(SM_CYSCREEN) - high) / 2, 0), wide, high,
+                     SWP_NOZORDER | SWP_NOACTIVATE);
     }
 
     static HWND make(HWND dialog, const WCHAR *type, const std::u16string &text, DWORD style, RECT at, int id)
     {
-        return CreateWindowExW(0, type, text.c_str(), style | WS_CHILD | WS_VISIBLE, at.left, at.top, at.right - at.left,
-                               at.bottom - at.top, dialog, reinterpret_cast<void *>(static_cast<LONG_PTR>(id)), nullptr,
-                               nullptr);
+        return CreateWindowExW(0, type, text.c_str(), style | WS_CHILD | WS_VISIBLE, at.left, at.top,
+                               at.right - at.left, at.bottom - at.top, dialog,
+                               reinterpret_cast<void *>(static_cast<LONG_PTR>(id)), nullptr, nullptr);
     }
 
     void makeUpper(HWND dialog, int beside, int height, int width) const
     {
         if (m_picture != nullptr)
         {
-            const RECT at{m_margin, m_margin, m_margin + m_pictureSize.cx, m_margin + std::min<int>(height, m_pictureSize.cy)};
+            const RECT at{m_margin, m_margin, m_margin + m_pictureSize.cx,
+                          m_margin + std::min<int>(height, m_pictureSize.cy)};
             const HWND picture = make(dialog, u"STATIC", u"", SS_BITMAP, at, pictureId);
             SendMessageW(picture, STM_SETIMAGE, IMAGE_BITMAP, reinterpret_cast<LPARAM>(m_picture));
         }
         // Fewer lines than the picture is high stand in its middle.
         const int top = m_margin + std::max<int>((height - m_textSize.cy) / 2, 0);
-        make(dialog, u"STATIC", m_text, SS_NOPREFIX, {m_margin + beside, top, width - m_margin, m_margin + height}, textId);
+        make(dialog, u"STATIC", m_text, SS_NOPREFIX, {m_margin + beside, top, width - m_margin, m_margin + height},
+             textId);
     }
 
     void makeButtons(HWND dialog, int left, int top) const

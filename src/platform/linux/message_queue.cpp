@@ -300,7 +300,8 @@ MessageQueue::Outlook MessageQueue::listen(unsigned kinds, const MessageFilter &
     const std::lock_guard guard(m_lock);
     m_listening = kinds;
     Outlook outlook;
-    outlook.ready = ((kinds & wakeSent) != 0 && !m_sent.empty()) || ((kinds & wakePosted) != 0 && (hasPosted(filter) || nextPaint(filter) != nullptr));
+    outlook.ready = ((kinds & wakeSent) != 0 && !m_sent.empty()) ||
+                    ((kinds & wakePosted) != 0 && (hasPosted(filter) || nextPaint(filter) != nullptr));
     if (!outlook.ready && (kinds & wakeTimer) != 0)
     {
         if (const Timer *timer = earliestTimer(filter))

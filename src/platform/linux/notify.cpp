@@ -246,9 +246,11 @@ HANDLE CeSetUserNotificationEx(HANDLE notification, const CE_NOTIFICATION_TRIGGE
                                const CE_USER_NOTIFICATION *user)
 {
     zb::stoppingPoint();
-    return storeCall<HANDLE>(
-        nullptr,
-        [&] { return zb::notificationHandle(setNotification(zb::notificationNumber(notification), rowOf(trigger, user))); });
+    return storeCall<HANDLE>(nullptr,
+                             [&] {
+                                 return zb::notificationHandle(
+                                     setNotification(zb::notificationNumber(notification), rowOf(trigger, user)));
+                             });
 }
 
 HANDLE CeSetUserNotification(HANDLE notification, const WCHAR *application, const SYSTEMTIME *time,

@@ -43,7 +43,8 @@ bool isKeyDown(int key)
 
 WPARAM heldKeys(bool penIsDown)
 {
-    return (penIsDown ? MK_LBUTTON : 0) | (isKeyDown(VK_SHIFT) ? MK_SHIFT : 0) | (isKeyDown(VK_CONTROL) ? MK_CONTROL : 0);
+    return (penIsDown ? MK_LBUTTON : 0) | (isKeyDown(VK_SHIFT) ? MK_SHIFT : 0) |
+           (isKeyDown(VK_CONTROL) ? MK_CONTROL : 0);
 }
 
 LPARAM packed(POINT point)

@@ -27,8 +27,8 @@ using DecodePicture = bool (*)(const char *kind, const void *data, std::size_t s
 /// "zbReleasePicture".
 using ReleasePicture = void (*)(void *owner);
 /// "zbEncodePng": hands the file's bytes to `take` in parts; with opacity only when `soft` is set.
-using EncodePng = bool (*)(const CodecPicture *picture, bool soft, void (*take)(void *user, const void *bytes, std::size_t size),
-                           void *user);
+using EncodePng = bool (*)(const CodecPicture *picture, bool soft,
+                           void (*take)(void *user, const void *bytes, std::size_t size), void *user);
 
 struct PictureCodecs
 {

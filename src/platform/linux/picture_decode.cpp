@@ -1,4 +1,5 @@
-// Decoding (by a library that is loaded late, but for GIF), and only what picture_header.h found whole and within the limits.
+// Decoding (by a library that is loaded late, but for GIF), and only what picture_header.h found whole and within the
+// limits.
 #include "platform/kernel.h"
 #include "platform/linux/picture_codecs.h"
 #include "platform/linux/picture_gif.h"

@@ -1,8 +1,8 @@
 // The two sides of the screen's window: the platform, and the library that shows the window on a desktop.
 //
 // libZBScreen is loaded when a window is opened: what it stands on would double the start of programs that never show
-// one. It exports "zbOpenScreen", an OpenScreenBackend. The window has a thread of its own, which sleeps until the desktop
-// or the platform has something for it. No call of one side waits for the other's thread but where told.
+// one. It exports "zbOpenScreen", an OpenScreenBackend. The window has a thread of its own, which sleeps until the
+// desktop or the platform has something for it. No call of one side waits for the other's thread but where told.
 #pragma once
 
 #include <cstdint>

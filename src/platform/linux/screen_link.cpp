@@ -1,7 +1,7 @@
 // The desktop's window of the screen, seen from the platform: what goes to it, and what comes from it.
 //
-// What comes is kept in a list and taken by the thread that opened the window, through a message of a window of its own:
-// so it arrives in menus and dialogs too, and a pen that moves faster than it is followed makes no queue.
+// What comes is kept in a list and taken by the thread that opened the window, through a message of a window of its
+// own: so it arrives in menus and dialogs too, and a pen that moves faster than it is followed makes no queue.
 #include "platform/linux/screen_link.h"
 
 #include "platform/clipboard.h"
@@ -225,7 +225,8 @@ ScreenLink::ScreenLink(OpenScreenBackend open, const ScreenWindowOptions &option
     type.lpfnWndProc = receive;
     type.lpszClassName = receiverClass;
     RegisterClassW(&type);
-    m_receiver = CreateWindowExW(WS_EX_NOACTIVATE, receiverClass, nullptr, 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
+    m_receiver =
+        CreateWindowExW(WS_EX_NOACTIVATE, receiverClass, nullptr, 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
     SetWindowLongW(m_receiver, GWL_USERDATA, reinterpret_cast<LONG_PTR>(this));
     m_wishes.title = toUtf8(options.title);
     m_backend.reset(open(*this, {m_wishes.title, options.width, options.height, options.dotsPerInch}));

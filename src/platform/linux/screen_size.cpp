@@ -20,8 +20,8 @@ struct Span
 };
 
 /// Where a window lies along one side of the screen when that side gets another length. One that reaches over both ends
-/// goes on doing so; others keep their length, and their place in proportion: in the middle stays in the middle. Nothing
-/// begins before the screen does, unless it did so already.
+/// goes on doing so; others keep their length, and their place in proportion: in the middle stays in the middle.
+/// Nothing begins before the screen does, unless it did so already.
 Span moved(Span span, int before, int after)
 {
     if (span.from <= 0 && span.to >= before)

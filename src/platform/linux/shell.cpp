@@ -33,7 +33,9 @@ BOOL SHInitDialog(SHINITDLGINFO *info)
 
 BOOL SHGetSpecialFolderPath(HWND, WCHAR *path, int folder, BOOL)
 {
-    const WCHAR *found = folder == CSIDL_PERSONAL ? u"\\My Documents" : folder == CSIDL_WINDOWS ? u"\\Windows" : nullptr;
+    const WCHAR *found = folder == CSIDL_PERSONAL  ? u"\\My Documents"
+                         : folder == CSIDL_WINDOWS ? u"\\Windows"
+                                                   : nullptr;
     if (path == nullptr || found == nullptr)
     {
         SetLastError(ERROR_INVALID_PARAMETER);

@@ -83,8 +83,9 @@ class ThreadState final : public Waitable, public std::enable_shared_from_this<T
     /// abandoned and its handle is signalled. False when that was done before. The thread's own end comes here as well
     /// as TerminateThread.
     bool end(DWORD exitCode, bool terminated);
-    /// Waits until the terminated thread stands still, or it has had so much time of a processor for that (nanoseconds),
-    /// or two seconds have passed. Its own time counts, since on a busy machine it may get none for long.
+    /// Waits until the terminated thread stands still, or it has had so much time of a processor for that
+    /// (nanoseconds), or two seconds have passed. Its own time counts, since on a busy machine it may get none for
+    /// long.
     void awaitParked(Deadline ownTime);
     DWORD exitCode() const
     {

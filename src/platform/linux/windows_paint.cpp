@@ -172,7 +172,8 @@ HDC BeginPaint(HWND window, PAINTSTRUCT *paint)
     paint->hdc = contextOn(std::move(region), due.canvas.origin);
     if (due.erase && paint->hdc != nullptr)
     {
-        paint->fErase = SendMessageW(window, WM_ERASEBKGND, reinterpret_cast<WPARAM>(paint->hdc), 0) == 0 ? TRUE : FALSE;
+        paint->fErase =
+            SendMessageW(window, WM_ERASEBKGND, reinterpret_cast<WPARAM>(paint->hdc), 0) == 0 ? TRUE : FALSE;
     }
     return paint->hdc;
 }
