@@ -34,11 +34,27 @@ HFONT systemFont()
     return defaultFont();
 }
 
+std::size_t putText(std::u16string_view text, WCHAR *buffer, std::size_t size)
+{
+    if (buffer == nullptr || size == 0)
+    {
+        return 0;
+    }
+    const std::size_t count = std::min(text.size(), size - 1);
+    *std::copy_n(text.begin(), count, buffer) = 0;
+    return count;
+}
+
+std::u16string textOfWindow(HWND window)
+{
+    std::u16string text(static_cast<std::size_t>(GetWindowTextLengthW(window)) + 1, u'\0');
+    text.resize(static_cast<std::size_t>(GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
+    return text;
+}
+
 std::u16string Control::text() const
 {
-    std::u16string text(static_cast<std::size_t>(GetWindowTextLengthW(m_window)) + 1, u'\0');
-    text.resize(static_cast<std::size_t>(GetWindowTextW(m_window, text.data(), static_cast<int>(text.size()))));
-    return text;
+    return textOfWindow(m_window);
 }
 
 HFONT Control::font() const
@@ -95,6 +111,33 @@ LRESULT Control::takeCommon(UINT message, WPARAM wParam, LPARAM lParam)
     }
 }
 
+void Control::drawFieldFrame(HDC context, const RECT &field) const
+{
+    const int line = GetSystemMetrics(SM_CXBORDER);
+    const RECT sides[] = {{field.left, field.top, field.right, field.top + line},
+                          {field.left, field.bottom - line, field.right, field.bottom},
+                          {field.left, field.top, field.left + line, field.bottom},
+                          {field.right - line, field.top, field.right, field.bottom}};
+    for (const RECT &side : sides)
+    {
+        FillRect(context, &side, GetSysColorBrush(isEnabled() ? COLOR_WINDOWFRAME : COLOR_INACTIVEBORDER));
+    }
+}
+
+LONGLONG Control::scrollTarget(int bar, WPARAM wParam, const Scrolled &scrolled) const
+{
+    // The message has 16 bits for a thumb's place; the bar knows it in full.
+    SCROLLINFO info{sizeof(SCROLLINFO), SIF_TRACKPOS, 0, 0, 0, 0, 0};
+    GetScrollInfo(m_window, bar, &info);
+    const LONGLONG held = (info.nTrackPos & 0xFFFF) == HIWORD(wParam) ? info.nTrackPos : HIWORD(wParam);
+    const LONGLONG now = scrolled.now;
+    // In the order of the codes, from SB_LINEUP to SB_BOTTOM.
+    const LONGLONG targets[] = {now - scrolled.line, now + scrolled.line, now - scrolled.page, now + scrolled.page,
+                                held,                held,                0,                   scrolled.most};
+    const WORD code = LOWORD(wParam);
+    return code < std::size(targets) ? targets[code] : now;
+}
+
 BufferedPaint::BufferedPaint(HWND window) : m_window(window)
 {
     const HDC screen = BeginPaint(window, &m_paint);
@@ -121,14 +164,44 @@ int scaledPixels(int pixels)
     return std::max((pixels * currentScreen().dotsPerInch + 48) / 96, 1);
 }
 
+TextMeasure::TextMeasure(HFONT font) : m_context(CreateCompatibleDC(nullptr))
+{
+    SelectObject(m_context, font);
+}
+
+TextMeasure::~TextMeasure()
+{
+    DeleteDC(m_context);
+}
+
+SIZE TextMeasure::sizeOf(std::u16string_view text) const
+{
+    SIZE size{};
+    GetTextExtentPoint32W(m_context, text.data(), static_cast<int>(text.size()), &size);
+    return size;
+}
+
+int TextMeasure::heightOfLine() const
+{
+    TEXTMETRICW metrics{};
+    GetTextMetricsW(m_context, &metrics);
+    return static_cast<int>(metrics.tmHeight);
+}
+
+SIZE imageSizeOf(HIMAGELIST images)
+{
+    int width = 0;
+    int height = 0;
+    if (images != nullptr)
+    {
+        ImageList_GetIconSize(images, &width, &height);
+    }
+    return {width, height};
+}
+
 int rowHeightOf(HFONT font)
 {
-    const HDC context = CreateCompatibleDC(nullptr);
-    SelectObject(context, font);
-    TEXTMETRICW metrics{};
-    GetTextMetricsW(context, &metrics);
-    DeleteDC(context);
-    return std::max<int>(metrics.tmHeight + 2 * scaledPixels(3), scaledPixels(20));
+    return std::max(TextMeasure(font).heightOfLine() + 2 * scaledPixels(3), scaledPixels(20));
 }
 
 void registerDialogClass();

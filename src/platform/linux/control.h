@@ -1,14 +1,18 @@
 // What all standard controls have in common.
 //
 // A control is an object behind its window, in the word 0 of the window's extra bytes, from WM_CREATE to WM_NCDESTROY
-// (a class that stands before a control's own passes on nothing that comes earlier); hosts are free to use the user word and to put a procedure before the control's own.
+// (a class that stands before a control's own passes on nothing that comes earlier); hosts are free to use the user
+// word and to put a procedure before the control's own.
 #pragma once
 
 #include "platform/controls.h"
 #include "platform/dialog.h"
+#include "platform/image_list.h"
+#include "platform/linux/message_values.h"
 
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace zb::internal
 {
@@ -72,6 +76,19 @@ class Control
     void paint(Draw draw) const;
     /// Font, enabling, text, size and focus: kept, and the control drawn anew. Everything else is DefWindowProcW's.
     LRESULT takeCommon(UINT message, WPARAM wParam, LPARAM lParam);
+    /// The line around a field, inside of its box.
+    void drawFieldFrame(HDC context, const RECT &field) const;
+
+    /// What a scroll bar stands for: where it is, by how much it goes on, and how far.
+    struct Scrolled
+    {
+        LONGLONG now;
+        LONGLONG line;
+        LONGLONG page;
+        LONGLONG most;
+    };
+    /// Where WM_VSCROLL or WM_HSCROLL leads; not held within any limits.
+    LONGLONG scrollTarget(int bar, WPARAM wParam, const Scrolled &scrolled) const;
 
   private:
     friend class ControlAtWork;
@@ -170,6 +187,27 @@ void registerControl(const WCHAR *name)
     RegisterClassW(&type);
 }
 
+/// Measures texts in one font, for as many as there are.
+class TextMeasure
+{
+  public:
+    explicit TextMeasure(HFONT font);
+    ~TextMeasure();
+    TextMeasure(const TextMeasure &) = delete;
+    TextMeasure &operator=(const TextMeasure &) = delete;
+    SIZE sizeOf(std::u16string_view text) const;
+    int heightOfLine() const;
+
+  private:
+    HDC m_context;
+};
+
+/// As much as fits in so many characters with the 0 at its end; how many were put before that.
+std::size_t putText(std::u16string_view text, WCHAR *buffer, std::size_t size);
+/// The whole text of any window.
+std::u16string textOfWindow(HWND window);
+/// Of each picture; nothing without a list.
+SIZE imageSizeOf(HIMAGELIST images);
 /// What is written with until somebody gives another font, at the screen's density; the system's own.
 HFONT systemFont();
 /// Pixels of the screen for so many at 96 dots an inch; at least 1.

@@ -32,8 +32,9 @@ class Button final : public Control
             setPressed(wParam != 0);
             return 0;
         case BM_SETSTYLE:
-            SetWindowLongW(window(), GWL_STYLE,
-                           static_cast<LONG_PTR>((style() & ~BS_TYPEMASK) | (static_cast<DWORD>(wParam) & BS_TYPEMASK)));
+            SetWindowLongW(
+                window(), GWL_STYLE,
+                static_cast<LONG_PTR>((style() & ~BS_TYPEMASK) | (static_cast<DWORD>(wParam) & BS_TYPEMASK)));
             refresh();
             return 0;
         case BM_CLICK:
@@ -164,10 +165,8 @@ class Button final : public Control
 
     bool isInside(LPARAM place) const
     {
-        const POINT point{static_cast<SHORT>(LOWORD(static_cast<DWORD_PTR>(place))),
-                          static_cast<SHORT>(HIWORD(static_cast<DWORD_PTR>(place)))};
         const RECT all = client();
-        return PtInRect(&all, point) != FALSE;
+        return PtInRect(&all, penPlace(place)) != FALSE;
     }
 
     void takePen(UINT message, LPARAM place)
@@ -265,7 +264,8 @@ class Button final : public Control
         item.CtlType = ODT_BUTTON;
         item.CtlID = id;
         item.itemAction = std::exchange(m_action, ODA_DRAWENTIRE);
-        item.itemState = (m_pressed ? ODS_SELECTED : 0) | (isEnabled() ? 0 : ODS_DISABLED) | (hasFocus() ? ODS_FOCUS : 0);
+        item.itemState =
+            (m_pressed ? ODS_SELECTED : 0) | (isEnabled() ? 0 : ODS_DISABLED) | (hasFocus() ? ODS_FOCUS : 0);
         item.hwndItem = window();
         item.hDC = context;
         item.rcItem = client();
@@ -327,7 +327,9 @@ class Button final : public Control
         const RECT all = client();
         const int side = std::min<int>(GetSystemMetrics(SM_CXSMICON) * 13 / 16, all.bottom);
         RECT mark{0, (all.bottom - side) / 2, side, (all.bottom - side) / 2 + side};
-        const UINT type = isRadio() ? DFCS_BUTTONRADIO : m_check == BST_INDETERMINATE ? DFCS_BUTTON3STATE : DFCS_BUTTONCHECK;
+        const UINT type = isRadio()                      ? DFCS_BUTTONRADIO
+                          : m_check == BST_INDETERMINATE ? DFCS_BUTTON3STATE
+                                                         : DFCS_BUTTONCHECK;
         DrawFrameControl(context, &mark, DFC_BUTTON,
                          type | (m_check != 0 ? DFCS_CHECKED : 0) | (m_pressed ? DFCS_PUSHED : 0) |
                              (isEnabled() ? 0 : DFCS_INACTIVE));

@@ -282,11 +282,8 @@ RECT ComboBox::listPlace() const
 
 LRESULT ComboBox::dialogCode(const MSG *about) const
 {
-    const bool isEnd = about != nullptr &&
-                       ((about->message == WM_KEYDOWN && (about->wParam == VK_RETURN || about->wParam == VK_ESCAPE)) ||
-                        (about->message == WM_CHAR && (about->wParam == u'\r' || about->wParam == 0x1B)));
     return DLGC_WANTARROWS | DLGC_WANTCHARS | (hasEdit() ? DLGC_HASSETSEL : 0) |
-           (isEnd && m_open ? DLGC_WANTALLKEYS : 0);
+           (m_open && isEnterOrEscape(about) ? DLGC_WANTALLKEYS : 0);
 }
 
 // --- Looks -----------------------------------------------------------------------------------------------------------
@@ -301,15 +298,7 @@ void ComboBox::draw(HDC context) const
     {
         drawChosen(context, field);
     }
-    const int line = border();
-    const RECT sides[] = {{0, 0, field.right, line},
-                          {0, field.bottom - line, field.right, field.bottom},
-                          {0, 0, line, field.bottom},
-                          {field.right - line, 0, field.right, field.bottom}};
-    for (const RECT &side : sides)
-    {
-        FillRect(context, &side, GetSysColorBrush(isEnabled() ? COLOR_WINDOWFRAME : COLOR_INACTIVEBORDER));
-    }
+    drawFieldFrame(context, field);
     if (drops())
     {
         RECT button = buttonBox();

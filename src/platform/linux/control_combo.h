@@ -121,8 +121,7 @@ class ComboBox final : public Control
     // control_combo_input.cpp: keys, pen, focus, opening and closing
     LRESULT takeInput(UINT message, WPARAM wParam, LPARAM lParam);
     bool takeKey(int key);
-    bool takeOpenKey(int key);
-    bool takeClosedKey(int key);
+    void openOrClose();
     void move(int key);
     bool moveWithoutEdit(int key);
     void takePen(POINT point);

@@ -9,25 +9,6 @@
 
 namespace zb::internal
 {
-namespace
-{
-bool isHeld(int key)
-{
-    return (GetKeyState(key) & 0x8000) != 0;
-}
-
-POINT pointOf(LPARAM place)
-{
-    return {static_cast<SHORT>(LOWORD(static_cast<DWORD_PTR>(place))),
-            static_cast<SHORT>(HIWORD(static_cast<DWORD_PTR>(place)))};
-}
-
-LPARAM packed(POINT point)
-{
-    return static_cast<LPARAM>(MAKELONG(static_cast<WORD>(point.x), static_cast<WORD>(point.y)));
-}
-} // namespace
-
 bool ComboBox::tellAlive(WORD code) const
 {
     const HWND self = window();
@@ -55,13 +36,13 @@ LRESULT ComboBox::takeInput(UINT message, WPARAM wParam, LPARAM lParam)
         return 0;
     case WM_LBUTTONDOWN:
     case WM_LBUTTONDBLCLK:
-        takePen(pointOf(lParam));
+        takePen(penPlace(lParam));
         return 0;
     case WM_LBUTTONUP:
         if (m_open)
         {
             // It was lifted before the list had the capture.
-            POINT point = pointOf(lParam);
+            POINT point = penPlace(lParam);
             MapWindowPoints(window(), m_list, &point, 1);
             SendMessageW(m_list, message, wParam, packed(point));
         }
@@ -109,23 +90,19 @@ bool ComboBox::takeEditMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESU
 
 bool ComboBox::takeKey(int key)
 {
-    return m_open ? takeOpenKey(key) : takeClosedKey(key);
-}
-
-bool ComboBox::takeOpenKey(int key)
-{
     switch (key)
     {
     case VK_RETURN:
-        close(End::Chosen);
-        return true;
     case VK_ESCAPE:
-        close(End::Cancelled);
-        return true;
+    {
+        const bool wasOpen = m_open;
+        close(key == VK_RETURN ? End::Chosen : End::Cancelled);
+        return wasOpen;
+    }
     case VK_F4:
         if (!m_extended)
         {
-            close(End::Chosen);
+            openOrClose();
         }
         return true;
     case VK_SPACE:
@@ -133,13 +110,13 @@ bool ComboBox::takeOpenKey(int key)
         {
             return false;
         }
-        close(End::Chosen);
+        openOrClose();
         return true;
     case VK_UP:
     case VK_DOWN:
-        if (isHeld(VK_MENU))
+        if (drops() && (isKeyHeld(VK_MENU) || (m_extended && !m_open && key == VK_DOWN)))
         {
-            close(End::Chosen);
+            openOrClose();
             return true;
         }
         move(key);
@@ -158,44 +135,10 @@ bool ComboBox::takeOpenKey(int key)
     }
 }
 
-bool ComboBox::takeClosedKey(int key)
+/// A list that keys close counts as chosen from.
+void ComboBox::openOrClose()
 {
-    switch (key)
-    {
-    case VK_F4:
-        if (!m_extended)
-        {
-            open(false);
-        }
-        return true;
-    case VK_SPACE:
-        if (hasEdit() || list()->isTyping())
-        {
-            return false;
-        }
-        open(false);
-        return true;
-    case VK_UP:
-    case VK_DOWN:
-        if (drops() && (isHeld(VK_MENU) || (m_extended && key == VK_DOWN)))
-        {
-            open(false);
-            return true;
-        }
-        move(key);
-        return true;
-    case VK_PRIOR:
-    case VK_NEXT:
-        move(key);
-        return true;
-    case VK_HOME:
-    case VK_END:
-    case VK_LEFT:
-    case VK_RIGHT:
-        return moveWithoutEdit(key);
-    default:
-        return false;
-    }
+    m_open ? close(End::Chosen) : open(false);
 }
 
 void ComboBox::move(int key)
@@ -215,8 +158,7 @@ bool ComboBox::moveWithoutEdit(int key)
     return !isEdits;
 }
 
-// --- Pen and focus
-// -----------------------------------------------------------------------------------------------------
+// --- Pen and focus ---------------------------------------------------------------------------------------------------
 
 void ComboBox::takePen(POINT point)
 {
@@ -303,8 +245,7 @@ void ComboBox::leave(HWND to)
     }
 }
 
-// --- Text and list
-// -------------------------------------------------------------------------------------------------------
+// --- Text and list ---------------------------------------------------------------------------------------------------
 
 void ComboBox::takeEditChange(WORD code)
 {
@@ -322,8 +263,7 @@ void ComboBox::takeEditChange(WORD code)
 /// The row that is the text is the chosen one; one that begins so is where keys go on from.
 void ComboBox::followText()
 {
-    std::u16string text(static_cast<std::size_t>(GetWindowTextLengthW(m_edit)) + 1, u'\0');
-    text.resize(static_cast<std::size_t>(GetWindowTextW(m_edit, text.data(), static_cast<int>(text.size()))));
+    std::u16string text = textOfWindow(m_edit);
     const auto find = [&](UINT message) {
         return text.empty() ? CB_ERR : toList(message, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(text.c_str()));
     };

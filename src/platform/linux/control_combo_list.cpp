@@ -49,7 +49,7 @@ void ComboList::close()
 
 void ComboList::takePen(UINT message, LPARAM place)
 {
-    m_at = pointOf(place);
+    m_at = penPlace(place);
     switch (message)
     {
     case WM_LBUTTONDBLCLK:

@@ -7,11 +7,6 @@ namespace zb::internal
 {
 namespace
 {
-int numberOf(WPARAM value)
-{
-    return static_cast<int>(static_cast<DWORD>(value));
-}
-
 /// The list's message that does the same; 0 for none.
 UINT listMessage(UINT message)
 {
@@ -161,14 +156,7 @@ LRESULT ComboBox::getText(std::size_t size, WCHAR *buffer) const
     {
         return SendMessageW(m_edit, WM_GETTEXT, size, reinterpret_cast<LPARAM>(buffer));
     }
-    if (size == 0 || buffer == nullptr)
-    {
-        return 0;
-    }
-    const std::u16string text = rowText(current());
-    const std::size_t count = std::min(text.size(), size - 1);
-    *std::copy_n(text.begin(), count, buffer) = 0;
-    return static_cast<LRESULT>(count);
+    return static_cast<LRESULT>(putText(rowText(current()), buffer, size));
 }
 
 LRESULT ComboBox::setText(const WCHAR *text)

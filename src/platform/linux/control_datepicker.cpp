@@ -12,13 +12,6 @@ namespace zb::internal
 {
 namespace
 {
-std::u16string localeText(LCTYPE item)
-{
-    WCHAR buffer[128] = {};
-    GetLocaleInfoW(LOCALE_USER_DEFAULT, item, buffer, 128);
-    return buffer;
-}
-
 /// A year of one or two digits in the picture gets all four.
 std::u16string withCentury(std::u16string picture)
 {
@@ -30,7 +23,6 @@ std::u16string withCentury(std::u16string picture)
     }
     return picture;
 }
-
 } // namespace
 
 LRESULT DatePicker::take(UINT message, WPARAM wParam, LPARAM lParam)
@@ -129,14 +121,7 @@ bool DatePicker::setRange(WPARAM which, const SYSTEMTIME *both)
     {
         std::swap(m_first, m_last);
     }
-    if (first && compareMoments(m_moment, m_first) < 0)
-    {
-        m_moment = onDay(m_first, dayNumberOf(m_first));
-    }
-    if (last && compareMoments(m_moment, m_last) > 0)
-    {
-        m_moment = onDay(m_last, dayNumberOf(m_last));
-    }
+    m_moment = insideRange(m_moment);
     m_wantedDay = m_moment.wDay;
     refresh();
     return true;
@@ -196,14 +181,10 @@ LRESULT DatePicker::takeWindow(UINT message, WPARAM wParam, LPARAM lParam)
 
 LRESULT DatePicker::dialogCode(const MSG *about) const
 {
-    const bool isEnd = about != nullptr && ((about->message == WM_KEYDOWN &&
-                                             (about->wParam == VK_RETURN || about->wParam == VK_ESCAPE)) ||
-                                            (about->message == WM_CHAR &&
-                                             (about->wParam == u'\r' || about->wParam == 0x1B)));
-    return DLGC_WANTARROWS | DLGC_WANTCHARS | (isEnd && m_month != nullptr ? DLGC_WANTALLKEYS : 0);
+    return DLGC_WANTARROWS | DLGC_WANTCHARS | (m_month != nullptr && isEnterOrEscape(about) ? DLGC_WANTALLKEYS : 0);
 }
 
-// --- Places ------------------------------------------------------------------------------------------------------------
+// --- Places ----------------------------------------------------------------------------------------------------------
 
 /// One square button, or two arrows beside each other, each as wide as a finger needs.
 RECT DatePicker::buttonsBox() const
@@ -239,8 +220,7 @@ std::u16string DatePicker::shownText(std::size_t part) const
 /// Where the parts lie; moved to the left when the marked one would not be seen.
 std::vector<RECT> DatePicker::partBoxes() const
 {
-    const HDC context = CreateCompatibleDC(nullptr);
-    SelectObject(context, font());
+    const TextMeasure measure(font());
     const RECT all = client();
     const int start = hasCheckBox() ? static_cast<int>(checkBox().right) + scaledPixels(4) : scaledPixels(4);
     std::vector<RECT> boxes;
@@ -248,17 +228,14 @@ std::vector<RECT> DatePicker::partBoxes() const
     int height = 0;
     for (std::size_t part = 0; part < m_parts.size(); ++part)
     {
-        const std::u16string text = shownText(part);
-        SIZE size{};
-        GetTextExtentPoint32W(context, text.c_str(), static_cast<int>(text.size()), &size);
+        const SIZE size = measure.sizeOf(shownText(part));
         boxes.push_back({x, 0, x + size.cx, 0});
         x += size.cx;
         height = std::max<int>(height, size.cy);
     }
-    DeleteDC(context);
     const int room = static_cast<int>(buttonsBox().left) - scaledPixels(3);
     const bool follows = hasFocus() && isField(m_marked);
-    const int shift = follows ? std::max(static_cast<int>(boxes[static_cast<std::size_t>(m_marked)].right) - room, 0) : 0;
+    const LONG shift = follows ? std::max<LONG>(boxes[static_cast<std::size_t>(m_marked)].right - room, 0) : 0;
     for (RECT &box : boxes)
     {
         box.top = (all.bottom - height) / 2;
@@ -268,7 +245,7 @@ std::vector<RECT> DatePicker::partBoxes() const
     return boxes;
 }
 
-// --- Looks -------------------------------------------------------------------------------------------------------------
+// --- Looks -----------------------------------------------------------------------------------------------------------
 
 void DatePicker::draw(HDC context) const
 {
@@ -278,7 +255,6 @@ void DatePicker::draw(HDC context) const
         SetTextColor(context, GetSysColor(COLOR_GRAYTEXT));
     }
     drawParts(context);
-    const RECT all = client();
     const UINT inactive = isEnabled() ? 0 : DFCS_INACTIVE;
     if (hasCheckBox())
     {
@@ -291,21 +267,15 @@ void DatePicker::draw(HDC context) const
             DrawFocusRect(context, &box);
         }
     }
-    const int line = std::max(GetSystemMetrics(SM_CXBORDER), 1);
-    const RECT sides[] = {{0, 0, all.right, line},
-                          {0, all.bottom - line, all.right, all.bottom},
-                          {0, 0, line, all.bottom},
-                          {all.right - line, 0, all.right, all.bottom}};
-    for (const RECT &side : sides)
-    {
-        FillRect(context, &side, GetSysColorBrush(isEnabled() ? COLOR_WINDOWFRAME : COLOR_INACTIVEBORDER));
-    }
+    drawFieldFrame(context, client());
     if (hasArrows())
     {
         RECT up = arrowBox(true);
         RECT down = arrowBox(false);
-        DrawFrameControl(context, &down, DFC_SCROLL, DFCS_SCROLLDOWN | inactive | (m_pressedArrow < 0 ? DFCS_PUSHED : 0));
-        DrawFrameControl(context, &up, DFC_SCROLL, DFCS_SCROLLUP | inactive | (m_pressedArrow > 0 ? DFCS_PUSHED : 0));
+        const UINT downPushed = m_pressedArrow < 0 ? DFCS_PUSHED : 0;
+        const UINT upPushed = m_pressedArrow > 0 ? DFCS_PUSHED : 0;
+        DrawFrameControl(context, &down, DFC_SCROLL, DFCS_SCROLLDOWN | inactive | downPushed);
+        DrawFrameControl(context, &up, DFC_SCROLL, DFCS_SCROLLUP | inactive | upPushed);
         return;
     }
     RECT button = buttonsBox();

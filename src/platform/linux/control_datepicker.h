@@ -119,10 +119,16 @@ class DatePicker final : public NotifyingControl
     void drawParts(HDC context) const;
     LRESULT dialogCode(const MSG *about) const;
 
-    // control_datepicker_input.cpp: fields, keys, pen, the month
+    // control_datepicker_input.cpp: keys, pen, the month
     LRESULT takeInput(UINT message, WPARAM wParam, LPARAM lParam);
     void takeKey(int key);
     void typed(WCHAR character);
+    void penDown(POINT point);
+    void penUp(POINT point);
+    void openMonth();
+    void closeMonth();
+
+    // control_datepicker_fields.cpp: what typing and stepping does to the parts and the moment
     void typedDigit(WCHAR digit);
     void typedLetter(WCHAR letter);
     bool isField(int part) const
@@ -136,13 +142,10 @@ class DatePicker final : public NotifyingControl
     void step(int by);
     void toEnd(bool highest);
     void setField(const DatePart &part, int value);
-    void changeTo(SYSTEMTIME moment);
+    SYSTEMTIME insideRange(const SYSTEMTIME &moment) const;
+    void changeTo(const SYSTEMTIME &moment);
     void turnCheck();
     void tellChange();
-    void penDown(POINT point);
-    void penUp(POINT point);
-    void openMonth();
-    void closeMonth();
 
     SYSTEMTIME m_moment{};
     SYSTEMTIME m_first{};

@@ -34,13 +34,6 @@ int todayHeight()
     return scaledPixels(26);
 }
 
-std::u16string localeText(LCTYPE item)
-{
-    WCHAR buffer[128] = {};
-    GetLocaleInfoW(LOCALE_USER_DEFAULT, item, buffer, 128);
-    return buffer;
-}
-
 int widthOf(HDC context, const std::u16string &text)
 {
     SIZE size{};
@@ -213,7 +206,7 @@ void DropMonth::takeDay(int day)
     }
 }
 
-// --- Places ------------------------------------------------------------------------------------------------------------
+// --- Places ----------------------------------------------------------------------------------------------------------
 
 /// Of the first cell: the week's first day on or before the first of the month.
 int DropMonth::firstShown() const
@@ -285,7 +278,7 @@ DropMonth::Hit DropMonth::hitTest(POINT point) const
     return {Part::Inside, 0};
 }
 
-// --- Pen ---------------------------------------------------------------------------------------------------------------
+// --- Pen -------------------------------------------------------------------------------------------------------------
 
 void DropMonth::penDown(POINT point)
 {
@@ -356,7 +349,7 @@ void DropMonth::press(Part part)
     }
 }
 
-// --- Looks -------------------------------------------------------------------------------------------------------------
+// --- Looks -----------------------------------------------------------------------------------------------------------
 
 void DropMonth::draw(HDC context) const
 {
@@ -408,7 +401,8 @@ void DropMonth::drawStepper(HDC context, Part earlier, Part later, const std::u1
         const LONG y = (box.top + box.bottom) / 2;
         const LONG tall = scaledPixels(5);
         const LONG wide = part == earlier ? -tall : tall;
-        const std::array<POINT, 3> corners{{{x - wide / 2, y - tall}, {x - wide / 2, y + tall}, {x - wide / 2 + wide, y}}};
+        const std::array<POINT, 3> corners{
+            {{x - wide / 2, y - tall}, {x - wide / 2, y + tall}, {x - wide / 2 + wide, y}}};
         const HGDIOBJ pen = SelectObject(context, GetStockObject(NULL_PEN));
         const HGDIOBJ brush = SelectObject(context, GetSysColorBrush(COLOR_BTNTEXT));
         Polygon(context, corners.data(), 3);

@@ -116,14 +116,14 @@ LRESULT Edit::takeWindow(UINT message, WPARAM wParam, LPARAM lParam)
         return 0;
     case WM_VSCROLL:
     case WM_HSCROLL:
-        scrolled(LOWORD(wParam), static_cast<SHORT>(HIWORD(wParam)), message == WM_VSCROLL);
+        scrolled(message == WM_VSCROLL, wParam);
         return 0;
     case WM_MOUSEWHEEL:
         if (!isMultiLine() || m_layout.highestTop() == 0)
         {
             return takeCommon(message, wParam, lParam);
         }
-        scrollBy(-3 * (static_cast<SHORT>(HIWORD(wParam)) / 120), 0);
+        scrollBy(wheelRows(wParam), 0);
         return 0;
     case WM_CANCELMODE:
         releasePen();
@@ -292,47 +292,20 @@ void Edit::scrollBy(LONGLONG lines, int pixels)
     tell(m_layout.topLine() != former ? EN_VSCROLL : EN_HSCROLL);
 }
 
-void Edit::scrolled(WORD code, int position, bool vertical)
+void Edit::scrolled(bool vertical, WPARAM wParam)
 {
-    const int page = vertical ? static_cast<int>(m_layout.visibleLines()) : m_layout.box().right - m_layout.box().left;
-    const int step = vertical ? 1 : m_layout.averageWidth();
-    const auto now = static_cast<LONGLONG>(vertical ? m_layout.topLine() : static_cast<std::size_t>(m_layout.left()));
-    LONGLONG by = 0;
-    switch (code)
+    if (vertical)
     {
-    case SB_LINEUP:
-        by = -step;
-        break;
-    case SB_LINEDOWN:
-        by = step;
-        break;
-    case SB_PAGEUP:
-        by = -page;
-        break;
-    case SB_PAGEDOWN:
-        by = page;
-        break;
-    case SB_TOP:
-        by = -now;
-        break;
-    case SB_BOTTOM:
-        by = vertical ? static_cast<LONGLONG>(m_layout.lines().count()) : m_layout.widest();
-        break;
-    case SB_THUMBTRACK:
-    case SB_THUMBPOSITION:
-    {
-        // The message has 16 bits for it, a text may have more lines.
-        SCROLLINFO info{};
-        info.cbSize = sizeof info;
-        info.fMask = SIF_TRACKPOS;
-        GetScrollInfo(window(), vertical ? SB_VERT : SB_HORZ, &info);
-        by = ((info.nTrackPos & 0xFFFF) == (position & 0xFFFF) ? info.nTrackPos : position) - now;
-        break;
-    }
-    default:
+        const auto top = static_cast<LONGLONG>(m_layout.topLine());
+        const auto page = static_cast<LONGLONG>(m_layout.visibleLines());
+        const auto count = static_cast<LONGLONG>(m_layout.lines().count());
+        scrollBy(scrollTarget(SB_VERT, wParam, {top, 1, page, count}) - top, 0);
         return;
     }
-    scrollBy(vertical ? by : 0, vertical ? 0 : static_cast<int>(by));
+    const int left = m_layout.left();
+    const int page = m_layout.box().right - m_layout.box().left;
+    const Scrolled columns{left, m_layout.averageWidth(), page, left + m_layout.widest()};
+    scrollBy(0, static_cast<int>(scrollTarget(SB_HORZ, wParam, columns) - left));
 }
 
 void registerEdit()

@@ -38,7 +38,7 @@ class Edit final : public Control
     void takeFocus(bool gained);
     void updateBars();
     void scrollBy(LONGLONG lines, int pixels);
-    void scrolled(WORD code, int position, bool vertical);
+    void scrolled(bool vertical, WPARAM wParam);
 
     // control_edit_messages.cpp: EM_ messages
     LRESULT takeEdit(UINT message, WPARAM wParam, LPARAM lParam);

@@ -22,11 +22,6 @@ constexpr WCHAR undoCharacter = 26;
 constexpr WCHAR eraseWordCharacter = 127;
 constexpr int insertKey = 0x2D;
 
-bool isHeld(int key)
-{
-    return (GetKeyState(key) & 0x8000) != 0;
-}
-
 bool isLineEnd(WCHAR character)
 {
     return character == u'\r' || character == u'\n';
@@ -180,8 +175,8 @@ void Edit::typed(WCHAR character)
 
 bool Edit::takeKey(int key)
 {
-    const bool control = isHeld(VK_CONTROL);
-    const bool shift = isHeld(VK_SHIFT);
+    const bool control = isKeyHeld(VK_CONTROL);
+    const bool shift = isKeyHeld(VK_SHIFT);
     switch (key)
     {
     case VK_BACK:
@@ -209,7 +204,7 @@ bool Edit::takeKey(int key)
         typed(u'\r');
         return true;
     default:
-        return control && !isHeld(VK_MENU) && takeControlKey(key) ? true : takeMove(key, control, shift);
+        return control && !isKeyHeld(VK_MENU) && takeControlKey(key) ? true : takeMove(key, control, shift);
     }
 }
 
@@ -395,8 +390,7 @@ void Edit::paste()
 
 void Edit::takePen(UINT message, LPARAM place)
 {
-    m_pen = {static_cast<SHORT>(LOWORD(static_cast<DWORD_PTR>(place))),
-             static_cast<SHORT>(HIWORD(static_cast<DWORD_PTR>(place)))};
+    m_pen = penPlace(place);
     switch (message)
     {
     case WM_LBUTTONDOWN:
@@ -408,7 +402,7 @@ void Edit::takePen(UINT message, LPARAM place)
             m_captured = GetCapture() != self;
             SetCapture(self);
             m_selecting = true;
-            move(m_layout.placeAt(m_pen), isHeld(VK_SHIFT));
+            move(m_layout.placeAt(m_pen), isKeyHeld(VK_SHIFT));
         }
         break;
     }

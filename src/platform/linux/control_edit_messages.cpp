@@ -7,15 +7,6 @@
 
 namespace zb::internal
 {
-namespace
-{
-/// A place or line of a message: 32 bits with a sign, whatever the halves above hold.
-int numberOf(WPARAM value)
-{
-    return static_cast<int>(static_cast<DWORD>(value));
-}
-} // namespace
-
 LRESULT Edit::takeEdit(UINT message, WPARAM wParam, LPARAM lParam)
 {
     switch (message)

@@ -1,6 +1,5 @@
-// List boxes: their rows, what is chosen of them, and how they look.
+// List boxes: their rows, and what is chosen of them.
 #include "platform/linux/control_listbox.h"
-#include "platform/text.h"
 
 #include <algorithm>
 
@@ -9,26 +8,6 @@ namespace zb::internal
 namespace
 {
 constexpr LRESULT failed = -1;
-constexpr DWORD withoutCase = 0x1; // of CompareStringW
-
-int compare(std::u16string_view a, std::u16string_view b)
-{
-    return CompareStringW(LOCALE_USER_DEFAULT, withoutCase, a.data(), static_cast<int>(a.size()), b.data(),
-                          static_cast<int>(b.size())) -
-           CSTR_EQUAL;
-}
-
-void drawFocus(HDC context, RECT box)
-{
-    InflateRect(&box, -scaledPixels(1), -scaledPixels(1));
-    DrawFocusRect(context, &box);
-}
-
-/// A row or place of a message: 32 bits with a sign.
-int numberOf(WPARAM value)
-{
-    return static_cast<int>(static_cast<DWORD>(value));
-}
 
 const WCHAR *textAt(LPARAM value)
 {
@@ -119,7 +98,7 @@ int ListBox::placeFor(std::u16string_view text) const
 {
     const auto place = std::upper_bound(m_items.begin(), m_items.end(), text,
                                         [](std::u16string_view one, const Item &other)
-                                        { return compare(one, other.text) < 0; });
+                                        { return compareTexts(one, other.text) < 0; });
     return static_cast<int>(place - m_items.begin());
 }
 
@@ -164,7 +143,7 @@ int ListBox::find(int behind, std::u16string_view text, bool whole) const
     {
         const int row = (start + step) % count();
         const std::u16string_view other = item(row).text;
-        if (whole ? compare(other, text) == 0 : other.size() >= text.size() && compare(other.substr(0, text.size()), text) == 0)
+        if (whole ? isSameText(other, text) : beginsWith(other, text))
         {
             return row;
         }
@@ -196,14 +175,14 @@ LRESULT ListBox::takeSelection(UINT message, WPARAM wParam, LPARAM lParam)
         return found;
     }
     case LB_SETSEL:
-        return hasMany() ? selectOne(numberOf(static_cast<WPARAM>(lParam)), wParam != 0) : failed;
+        return hasMany() ? selectOne(numberOf(lParam), wParam != 0) : failed;
     case LB_GETSEL:
         return !isRow(row) ? failed : hasMany() ? item(row).selected : row == m_current;
     case LB_SELITEMRANGE:
         return selectRange(LOWORD(static_cast<DWORD_PTR>(lParam)), HIWORD(static_cast<DWORD_PTR>(lParam)), wParam != 0);
     case LB_SELITEMRANGEEX:
     {
-        const int last = numberOf(static_cast<WPARAM>(lParam));
+        const int last = numberOf(lParam);
         return selectRange(std::min(row, last), std::max(row, last), row <= last);
     }
     case LB_GETSELCOUNT:
@@ -299,240 +278,6 @@ LRESULT ListBox::copySelected(int most, int *rows) const
         }
     }
     return found;
-}
-
-LRESULT ListBox::takePlaces(UINT message, WPARAM wParam, LPARAM lParam)
-{
-    const int row = numberOf(wParam);
-    switch (message)
-    {
-    case LB_GETTOPINDEX:
-        return m_top;
-    case LB_SETTOPINDEX:
-        if (!isRow(row))
-        {
-            return failed;
-        }
-        scrollTo(row);
-        return 0;
-    case LB_GETITEMRECT:
-        if (!isRow(row))
-        {
-            return failed;
-        }
-        *reinterpret_cast<RECT *>(lParam) = rowBox(row);
-        return 1;
-    case LB_GETITEMHEIGHT:
-        return m_rowHeight;
-    case LB_SETITEMHEIGHT:
-    {
-        const int height = LOWORD(static_cast<DWORD_PTR>(lParam));
-        if (height == 0 || height > 255)
-        {
-            return failed;
-        }
-        m_rowHeight = height;
-        m_ownHeight = true;
-        updateBar();
-        refresh();
-        return 0;
-    }
-    case LB_ITEMFROMPOINT:
-    {
-        const POINT point = pointOf(lParam);
-        const RECT all = client();
-        const int found = m_top + std::max<int>(point.y, 0) / m_rowHeight;
-        const int nearest = std::clamp(found, 0, std::max(count() - 1, 0));
-        return static_cast<LRESULT>(
-            MAKELONG(static_cast<WORD>(nearest), static_cast<WORD>(PtInRect(&all, point) != FALSE && isRow(found) ? 0 : 1)));
-    }
-    default:
-        return takeWindow(message, wParam, lParam);
-    }
-}
-
-LRESULT ListBox::takeWindow(UINT message, WPARAM wParam, LPARAM lParam)
-{
-    switch (message)
-    {
-    case WM_CREATE:
-        measure();
-        return 0;
-    case WM_SETFONT:
-        takeCommon(message, wParam, lParam);
-        measure();
-        return 0;
-    case WM_SIZE:
-        scrollTo(m_top);
-        updateBar();
-        refresh();
-        return 0;
-    case WM_PAINT:
-        paint([this](HDC context) { draw(context); });
-        return 0;
-    case WM_GETDLGCODE:
-        return DLGC_WANTARROWS | DLGC_WANTCHARS;
-    case WM_KEYDOWN:
-        takeKey(static_cast<int>(wParam));
-        return 0;
-    case WM_CHAR:
-        typed(static_cast<WCHAR>(wParam));
-        return 0;
-    case WM_LBUTTONDOWN:
-    case WM_LBUTTONDBLCLK:
-    case WM_MOUSEMOVE:
-    case WM_LBUTTONUP:
-    case WM_CAPTURECHANGED:
-        takePen(message, lParam);
-        return 0;
-    case WM_TIMER:
-        followPen();
-        return 0;
-    case WM_SETFOCUS:
-    case WM_KILLFOCUS:
-        refresh();
-        if (message == WM_KILLFOCUS)
-        {
-            releasePen();
-        }
-        tellIfAsked(message == WM_SETFOCUS ? LBN_SETFOCUS : LBN_KILLFOCUS);
-        return 0;
-    case WM_MOUSEWHEEL:
-        if (highestTop() == 0)
-        {
-            return takeCommon(message, wParam, lParam);
-        }
-        scrollTo(m_top - 3 * (static_cast<SHORT>(HIWORD(wParam)) / 120));
-        return 0;
-    case WM_VSCROLL:
-    {
-        SCROLLINFO info{sizeof(SCROLLINFO), SIF_TRACKPOS, 0, 0, 0, 0, 0};
-        GetScrollInfo(window(), SB_VERT, &info);
-        const WORD code = LOWORD(wParam);
-        const int held = (info.nTrackPos & 0xFFFF) == HIWORD(wParam) ? info.nTrackPos : HIWORD(wParam);
-        const LONGLONG targets[] = {m_top - 1LL, m_top + 1LL, m_top - pageRows(), m_top + pageRows(),
-                                    held,        held,        0,                  highestTop()};
-        if (code < std::size(targets))
-        {
-            scrollTo(targets[code]);
-        }
-        return 0;
-    }
-    default:
-        return takeCommon(message, wParam, lParam);
-    }
-}
-
-// --- Places and looks ----------------------------------------------------------------------------------------------
-
-void ListBox::measure()
-{
-    if (!m_ownHeight)
-    {
-        m_rowHeight = rowHeightOf(font());
-    }
-    scrollTo(m_top);
-    updateBar();
-    refresh();
-}
-
-int ListBox::pageRows() const
-{
-    return std::max<int>(client().bottom / m_rowHeight, 1);
-}
-
-int ListBox::highestTop() const
-{
-    return std::max(count() - pageRows(), 0);
-}
-
-RECT ListBox::rowBox(int row) const
-{
-    const LONG top = (row - m_top) * m_rowHeight;
-    return {0, top, client().right, top + m_rowHeight};
-}
-
-std::optional<int> ListBox::rowAt(POINT point) const
-{
-    const RECT all = client();
-    const bool inside = PtInRect(&all, point) != FALSE;
-    return inside ? std::optional(m_top + static_cast<int>(point.y) / m_rowHeight) : std::nullopt;
-}
-
-POINT ListBox::pointOf(LPARAM place)
-{
-    return {static_cast<SHORT>(LOWORD(static_cast<DWORD_PTR>(place))),
-            static_cast<SHORT>(HIWORD(static_cast<DWORD_PTR>(place)))};
-}
-
-void ListBox::scrollTo(LONGLONG top)
-{
-    const int fresh = static_cast<int>(std::clamp<LONGLONG>(top, 0, highestTop()));
-    if (fresh != m_top)
-    {
-        m_top = fresh;
-        updateBar();
-        refresh();
-    }
-}
-
-void ListBox::show(int row)
-{
-    if (row < m_top)
-    {
-        scrollTo(row);
-    }
-    else if (row >= m_top + pageRows())
-    {
-        scrollTo(row - pageRows() + 1);
-    }
-}
-
-void ListBox::updateBar()
-{
-    // A list without the style has none; once it is there, it comes and goes with the rows.
-    if ((style() & WS_VSCROLL) != 0)
-    {
-        m_hasBar = true;
-    }
-    if (!m_hasBar)
-    {
-        return;
-    }
-    SCROLLINFO info{sizeof(SCROLLINFO), SIF_RANGE | SIF_PAGE | SIF_POS, 0, std::max(count() - 1, 0),
-                    static_cast<UINT>(pageRows()), m_top, 0};
-    info.fMask |= (style() & LBS_DISABLENOSCROLL) != 0 ? SIF_DISABLENOSCROLL : 0;
-    SetScrollInfo(window(), SB_VERT, &info, TRUE);
-}
-
-void ListBox::draw(HDC context)
-{
-    prepare(context, WM_CTLCOLORLISTBOX, COLOR_WINDOW);
-    const COLORREF ink = GetTextColor(context);
-    const int last = std::min(count(), m_top + pageRows() + 1);
-    for (int row = m_top; row < last; ++row)
-    {
-        RECT box = rowBox(row);
-        const bool chosen = hasMany() ? item(row).selected : row == m_current;
-        if (chosen)
-        {
-            FillRect(context, &box, GetSysColorBrush(isEnabled() ? COLOR_HIGHLIGHT : COLOR_BTNFACE));
-        }
-        SetTextColor(context, chosen && isEnabled() ? GetSysColor(COLOR_HIGHLIGHTTEXT) : ink);
-        RECT text = box;
-        InflateRect(&text, -scaledPixels(3), 0); // as in fields above it
-        const std::u16string &shown = item(row).text;
-        DrawTextW(context, shown.c_str(), static_cast<int>(shown.size()), &text,
-                  DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
-        if (hasFocus() && row == m_caret)
-        {
-            drawFocus(context, box);
-        }
-    }
-    if (hasFocus() && m_items.empty())
-    {
-        drawFocus(context, rowBox(0)); // where the keys are must be seen of an empty list, too
-    }
 }
 
 void registerListBox()

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/linux/control.h"
+#include "platform/linux/type_ahead.h"
 
 #include <optional>
 #include <string>
@@ -36,12 +37,14 @@ class ListBox : public Control
     {
         return m_top;
     }
-    static POINT pointOf(LPARAM place);
     /// Keys and characters as the list itself takes them.
     void takeKey(int key);
     void typed(WCHAR character);
     /// Whether a blank would go on with what was typed a moment ago.
-    bool isTypingAhead() const;
+    bool isTypingAhead() const
+    {
+        return m_typed.isTyping();
+    }
     /// The pen has moved, or time has passed while it is held.
     virtual void followPen();
     /// Keys or pen have changed what is chosen.
@@ -57,10 +60,9 @@ class ListBox : public Control
         bool selected = false;
     };
 
+    // control_listbox.cpp: rows and what is chosen of them
     LRESULT takeItems(UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT takeSelection(UINT message, WPARAM wParam, LPARAM lParam);
-    LRESULT takePlaces(UINT message, WPARAM wParam, LPARAM lParam);
-    LRESULT takeWindow(UINT message, WPARAM wParam, LPARAM lParam);
     bool isRow(LONGLONG row) const
     {
         return row >= 0 && row < count();
@@ -91,11 +93,16 @@ class ListBox : public Control
     LRESULT selectRange(LONGLONG first, LONGLONG last, bool selected);
     LRESULT copySelected(int most, int *rows) const;
 
+    // control_listbox_input.cpp: keys and pen
+    void chooseAndTell(int row);
     void moveTo(int row, bool extend, bool keep);
     void chooseByPen(int row);
     void releasePen();
     void tellIfAsked(WORD code) const;
 
+    // control_listbox_places.cpp: places, scrolling and looks
+    LRESULT takePlaces(UINT message, WPARAM wParam, LPARAM lParam);
+    LRESULT takeWindow(UINT message, WPARAM wParam, LPARAM lParam);
     void measure();
     int pageRows() const;
     int highestTop() const;
@@ -113,7 +120,6 @@ class ListBox : public Control
     bool m_ownHeight = false; ///< rows are as high as a host has said
     bool m_held = false;      ///< the pen is down
     POINT m_pen{};
-    std::u16string m_typed; ///< what was typed a moment ago
-    DWORD m_typedTime = 0;
+    TypeAhead m_typed;
 };
 } // namespace zb::internal

@@ -1,7 +1,5 @@
 // Keys and pen in a list box.
-#include "platform/clock.h"
 #include "platform/linux/control_listbox.h"
-#include "platform/text.h"
 
 #include <algorithm>
 #include <utility>
@@ -11,13 +9,7 @@ namespace zb::internal
 namespace
 {
 constexpr UINT_PTR penTimer = 0xFFD3;
-constexpr UINT penTime = 80;       // milliseconds
-constexpr DWORD typeAhead = 1000; // as long characters belong to one beginning
-
-bool isHeld(int key)
-{
-    return (GetKeyState(key) & 0x8000) != 0;
-}
+constexpr UINT penTime = 80; // milliseconds
 } // namespace
 
 void ListBox::tellIfAsked(WORD code) const
@@ -74,14 +66,23 @@ void ListBox::takeKey(int key)
         }
         else if (m_current != m_caret)
         {
-            setCurrent(m_caret);
-            tellChange();
+            chooseAndTell(m_caret);
         }
         return;
     default:
         return;
     }
-    moveTo(std::clamp(row, 0, count() - 1), isHeld(VK_SHIFT), isHeld(VK_CONTROL));
+    moveTo(std::clamp(row, 0, count() - 1), isKeyHeld(VK_SHIFT), isKeyHeld(VK_CONTROL));
+}
+
+void ListBox::chooseAndTell(int row)
+{
+    const bool changed = row != m_current;
+    setCurrent(row);
+    if (changed)
+    {
+        tellChange();
+    }
 }
 
 /// Of many choices, keys move the frame alone; of extended ones they choose the row, or from the anchor to it.
@@ -89,12 +90,7 @@ void ListBox::moveTo(int row, bool extend, bool keep)
 {
     if (!hasMany())
     {
-        const bool changed = row != m_current;
-        setCurrent(row);
-        if (changed)
-        {
-            tellChange();
-        }
+        chooseAndTell(row);
         return;
     }
     m_caret = row;
@@ -115,11 +111,6 @@ void ListBox::moveTo(int row, bool extend, bool keep)
     tellChange();
 }
 
-bool ListBox::isTypingAhead() const
-{
-    return !m_typed.empty() && GetTickCount() - m_typedTime <= typeAhead;
-}
-
 void ListBox::followAgain(bool again) const
 {
     if (again)
@@ -134,25 +125,12 @@ void ListBox::followAgain(bool again) const
 
 void ListBox::typed(WCHAR character)
 {
-    if (character < u' ' || count() == 0 || (character == u' ' && (m_typed.empty() || hasMany())))
+    if (count() == 0 || (character == u' ' && hasMany()) || !m_typed.take(character))
     {
         return;
     }
-    const DWORD now = GetTickCount();
-    if (now - m_typedTime > typeAhead)
-    {
-        m_typed.clear();
-    }
-    m_typedTime = now;
-    // One character again and again goes from row to row; more of them name one.
-    const bool repeats = m_typed.size() == 1 && towupper(m_typed[0]) == towupper(character);
-    if (!repeats)
-    {
-        m_typed += character;
-    }
-    const bool onward = m_typed.size() == 1;
     const int from = hasMany() || m_current >= 0 ? m_caret : -1;
-    const int found = find(onward ? from : from - 1, m_typed, false);
+    const int found = find(m_typed.goesOn() ? from : from - 1, m_typed.text(), false);
     if (found >= 0)
     {
         moveTo(found, false, false);
@@ -161,7 +139,7 @@ void ListBox::typed(WCHAR character)
 
 void ListBox::takePen(UINT message, LPARAM place)
 {
-    m_pen = pointOf(place);
+    m_pen = penPlace(place);
     switch (message)
     {
     case WM_LBUTTONDOWN:
@@ -199,22 +177,17 @@ void ListBox::chooseByPen(int row)
 {
     if (!hasMany())
     {
-        const bool changed = row != m_current;
-        setCurrent(row);
-        if (changed)
-        {
-            tellChange();
-        }
+        chooseAndTell(row);
         return;
     }
-    if (!isExtended() || isHeld(VK_CONTROL))
+    if (!isExtended() || isKeyHeld(VK_CONTROL))
     {
         m_caret = m_anchor = row;
         item(row).selected = !item(row).selected;
         tellChange();
         return;
     }
-    moveTo(row, isHeld(VK_SHIFT), false);
+    moveTo(row, isKeyHeld(VK_SHIFT), false);
 }
 
 /// A pen that is held drags what is chosen along; beyond the edges the rows scroll under it.

@@ -10,18 +10,6 @@ namespace
 {
 constexpr LRESULT failed = -1;
 
-/// A row or place of a message: 32 bits with a sign.
-int numberOf(WPARAM value)
-{
-    return static_cast<int>(static_cast<DWORD>(value));
-}
-
-template <typename Record>
-Record &recordOf(LPARAM value)
-{
-    return *reinterpret_cast<Record *>(value);
-}
-
 COLORREF orSystem(COLORREF color, int index)
 {
     return color == CLR_NONE ? GetSysColor(index) : color;
@@ -69,8 +57,10 @@ LRESULT ListView::takeItems(UINT message, WPARAM wParam, LPARAM lParam)
         return lParam == 0 ? failed : find(row, recordOf<LVFINDINFOW>(lParam));
     case LVM_SORTITEMS:
     case LVM_SORTITEMSEX:
-        return sort(reinterpret_cast<PFNLVCOMPARE>(lParam), static_cast<LPARAM>(wParam), message == LVM_SORTITEMSEX) ? 1
-                                                                                                                     : 0;
+    {
+        const auto compare = reinterpret_cast<PFNLVCOMPARE>(lParam);
+        return sort(compare, static_cast<LPARAM>(wParam), message == LVM_SORTITEMSEX) ? 1 : 0;
+    }
     default:
         return takeStates(message, wParam, lParam);
     }
@@ -289,19 +279,9 @@ LRESULT ListView::takeWindow(UINT message, WPARAM wParam, LPARAM lParam)
         measure();
         InvalidateRect(m_header, nullptr, FALSE);
         return 0;
-    case WM_SIZE:
-        arrange();
-        refresh();
-        return 0;
     case WM_ENABLE:
         InvalidateRect(m_header, nullptr, FALSE);
         return takeCommon(message, wParam, lParam);
-    case WM_SETREDRAW:
-    {
-        const LRESULT result = takeCommon(message, wParam, lParam);
-        refresh();
-        return result;
-    }
     case WM_PAINT:
         if (m_barDue)
         {
@@ -309,45 +289,16 @@ LRESULT ListView::takeWindow(UINT message, WPARAM wParam, LPARAM lParam)
         }
         paint([this](HDC context) { draw(context); });
         return 0;
-    case WM_COMMAND:
-        m_edit.takeCommand(wParam, lParam);
-        return 0;
-    case WM_VSCROLL:
-    case WM_HSCROLL:
-    case WM_MOUSEWHEEL:
-        return takeScrolling(message, wParam, lParam);
-    default:
-        return takeInput(message, wParam, lParam);
-    }
-}
-
-LRESULT ListView::takeScrolling(UINT message, WPARAM wParam, LPARAM lParam)
-{
-    const WORD code = LOWORD(wParam);
-    if (message == WM_MOUSEWHEEL)
-    {
-        if (highestTop() == 0)
+    case WM_TIMER:
+        if (wParam == penTimer)
         {
-            return takeCommon(message, wParam, lParam);
+            followPen();
+            return 0;
         }
-        scrollTo(m_top - 3 * (static_cast<SHORT>(HIWORD(wParam)) / 120));
-        return 0;
+        [[fallthrough]];
+    default:
+        return takeRows(message, wParam, lParam);
     }
-    if (message == WM_VSCROLL)
-    {
-        const int held = heldPosition(window(), SB_VERT, wParam);
-        const LONGLONG targets[] = {m_top - 1LL, m_top + 1LL, m_top - pageRows(), m_top + pageRows(),
-                                    held,        held,        0,                  highestTop()};
-        scrollTo(code < std::size(targets) ? targets[code] : m_top);
-        return 0;
-    }
-    const int held = heldPosition(window(), SB_HORZ, wParam);
-    const LONG width = client().right;
-    const int step = scaledPixels(16);
-    const LONGLONG targets[] = {m_left - step, m_left + step, m_left - width, m_left + width,
-                                held,          held,          0,              totalWidth()};
-    scrollRightTo(code < std::size(targets) ? targets[code] : m_left);
-    return 0;
 }
 
 void registerListView()

@@ -1,13 +1,11 @@
 // The list view's object.
 //
 // Invariants: at most one row has LVIS_FOCUSED, and m_focus is its number (-1 for none); m_chosen counts the rows with
-// LVIS_SELECTED; m_top is between 0 and highestTop(). Rows are held by pointers in a double-ended queue, so they keep
-// their place in memory when others come and go, and both ends are as cheap as each other.
+// LVIS_SELECTED. Rows are held by pointers in a double-ended queue, so they keep their place in memory when others come
+// and go, and both ends are as cheap as each other.
 #pragma once
 
-#include "platform/linux/control_notifying.h"
-#include "platform/linux/label_edit.h"
-#include "platform/linux/type_ahead.h"
+#include "platform/linux/control_rows.h"
 #include "platform/list_view.h"
 
 #include <deque>
@@ -19,7 +17,7 @@ namespace zb::internal
 {
 class ListHeader;
 
-class ListView final : public NotifyingControl
+class ListView final : public RowView
 {
   public:
     struct Column
@@ -32,7 +30,7 @@ class ListView final : public NotifyingControl
         LPARAM data = 0;
     };
 
-    using NotifyingControl::NotifyingControl;
+    using RowView::RowView;
     LRESULT take(UINT message, WPARAM wParam, LPARAM lParam) override;
 
     // What the header needs.
@@ -85,11 +83,10 @@ class ListView final : public NotifyingControl
     LRESULT takePlaces(UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT takeLooks(UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT takeWindow(UINT message, WPARAM wParam, LPARAM lParam);
-    LRESULT takeScrolling(UINT message, WPARAM wParam, LPARAM lParam);
     void create();
     void takeExtended(DWORD mask, DWORD styles);
 
-    // control_listview_items.cpp: rows, their texts and states
+    // control_listview_items.cpp: rows, their texts, finding and sorting them
     int count() const
     {
         return static_cast<int>(m_items.size());
@@ -117,6 +114,10 @@ class ListView final : public NotifyingControl
     bool erase(int row);
     bool eraseAll();
     NMLISTVIEW about(int row) const;
+    int find(int behind, const LVFINDINFOW &what);
+    bool sort(PFNLVCOMPARE compare, LPARAM user, bool byNumber);
+
+    // control_listview_states.cpp: which rows are chosen, and which has the focus
     bool setState(int row, UINT state, UINT mask);
     bool setStateOfAll(UINT state, UINT mask);
     void apply(int row, UINT state);
@@ -125,8 +126,6 @@ class ListView final : public NotifyingControl
     void chooseRange(int from, int to);
     void setFocusRow(int row);
     int next(int from, UINT flags) const;
-    int find(int behind, const LVFINDINFOW &what);
-    bool sort(PFNLVCOMPARE compare, LPARAM user, bool byNumber);
 
     // control_listview_places.cpp: columns, places and scrolling
     bool hasColumns() const
@@ -148,15 +147,26 @@ class ListView final : public NotifyingControl
     bool setColumn(int column, const LVCOLUMNW &given);
     bool getColumn(int column, LVCOLUMNW &wanted) const;
     bool eraseColumn(int column);
+    void columnsChanged();
     int textWidth(std::u16string_view text) const;
     void measure();
-    void arrange();
     void arrangeRows();
-    int headerHeight() const;
-    RECT rowsArea() const;
+    int rowCount() override
+    {
+        return count();
+    }
+    int rowsWidth() override
+    {
+        return hasColumns() ? totalWidth() : 0;
+    }
+    int headerHeight() const override;
+    bool mayScroll() const override
+    {
+        return (style() & LVS_NOSCROLL) == 0;
+    }
+    void aboutToArrange() override;
+    void arranged() override;
     int totalWidth() const;
-    int pageRows() const;
-    int highestTop() const;
     RECT rowBox(int row) const;
     RECT cellBox(int row, int column) const;
     Parts partsOf(int row) const;
@@ -164,8 +174,7 @@ class ListView final : public NotifyingControl
     RECT textBox(int row);
     bool rectOf(int row, int column, int which, RECT &box);
     int hitTest(LVHITTESTINFO &hit);
-    void scrollTo(LONGLONG top);
-    void scrollRightTo(LONGLONG left);
+    bool scrollRightTo(LONGLONG left) override;
     bool show(int row, bool partIsEnough);
     void redraw(int row);
     void redrawFrom(int row);
@@ -193,28 +202,34 @@ class ListView final : public NotifyingControl
     void drawRow(HDC context, int row, bool asks);
     void drawCells(HDC context, int row, const Look &look, LRESULT answer, NMLVCUSTOMDRAW &record);
     void drawCell(HDC context, int row, int column, const Look &look);
-    void drawState(HDC context, int row, const RECT &box) const;
     COLORREF inkOf(int row) const;
     Look lookOf(int row) const;
     HIMAGELIST makeDragImage(int row, POINT *corner);
 
     // control_listview_input.cpp: keys, pen, label editing
-    LRESULT takeInput(UINT message, WPARAM wParam, LPARAM lParam);
-    void takeKey(int key);
+    void beginKeys() override;
+    void takeKey(int key) override;
     void moveTo(int row);
-    void typed(WCHAR character);
+    void typed(WCHAR character) override;
     bool turnCheck(int row);
     void activate(int row);
-    void penDown(POINT point);
-    void penMoved(POINT point);
-    void penUp(POINT point);
-    void doubleTap(POINT point);
+    void penDown(POINT point) override;
+    void penMoved(POINT point) override;
+    void penUp(POINT point) override;
+    void doubleTap(POINT point) override;
     void chooseByPen(int row);
+    void chooseTo(int row, int otherwise);
     void followPen();
-    void releasePen();
+    void releasePen() override;
+    void editCurrentLabel() override
+    {
+        editLabel(m_focus);
+    }
     LRESULT tellTap(UINT code, POINT point, int row, int column);
     HWND editLabel(int row);
     void labelEdited(bool keep);
+
+    static constexpr UINT_PTR penTimer = 0xFFD3;
 
     std::deque<std::unique_ptr<Item>> m_items;
     std::vector<Column> m_columns;
@@ -227,15 +242,9 @@ class ListView final : public NotifyingControl
     int m_focus = -1;
     int m_anchor = -1; ///< where a range begins
     int m_chosen = 0;
-    int m_top = 0;
-    int m_left = 0; ///< pixels scrolled to the right
-    int m_rowHeight = 1;
+    int m_titleHeight = 1; ///< of the header, where there is one
     bool m_sorting = false;
-    bool m_arranging = false;
     bool m_barDue = false; ///< the bar does not know the number of rows yet
-    bool m_silent = false; ///< nothing of states is told
-    TypeAhead m_typed;
-    LabelEdit m_edit;
     int m_edited = -1; ///< the row whose label is in the edit
 
     /// The pen since it went down.

@@ -14,13 +14,6 @@ COLORREF between(COLORREF one, COLORREF other, int percent)
     return RGB(mix(GetRValue(one), GetRValue(other)), mix(GetGValue(one), GetGValue(other)),
                mix(GetBValue(one), GetBValue(other)));
 }
-
-void fill(HDC context, const RECT &box, COLORREF color)
-{
-    const HBRUSH brush = CreateSolidBrush(color);
-    FillRect(context, &box, brush);
-    DeleteObject(brush);
-}
 } // namespace
 
 void ListView::draw(HDC context)
@@ -148,7 +141,7 @@ void ListView::drawCells(HDC context, int row, const Look &look, LRESULT answer,
             record.clrText = look.ink;
             record.clrTextBk = look.ground;
             const LRESULT said = notify(NM_CUSTOMDRAW, record.nmcd.hdr);
-            if ((said & CDRF_SKIPDEFAULT) != 0)
+            if ((said & CDRF_SKIPDEFAULT) != 0 || !isRow(row))
             {
                 continue;
             }
@@ -177,20 +170,17 @@ void ListView::drawCell(HDC context, int row, int column, const Look &look)
     IntersectClipRect(context, box.left, box.top, box.right, box.bottom);
     if (column == 0)
     {
-        drawState(context, row, box);
+        const Parts parts = partsOf(row);
+        drawState(context, m_images[LVSIL_STATE], stateImageOf(item(row).state),
+                  {box.left + parts.state, box.top, box.left + parts.image, box.bottom});
     }
     const int image = column == 0 || (m_extended & LVS_EX_SUBITEMIMAGES) != 0 ? imageOf(row, subItem) : I_IMAGENONE;
-    int width = 0;
-    int height = 0;
-    if (rowImages() != nullptr)
+    const SIZE size = imageSizeOf(rowImages());
+    const int imageLeft = box.left + (column == 0 ? partsOf(row).image : scaledPixels(2));
+    if (image >= 0 && size.cx > 0)
     {
-        ImageList_GetIconSize(rowImages(), &width, &height);
-    }
-    const int imageLeft = column == 0 ? static_cast<int>(box.left) + partsOf(row).image : static_cast<int>(box.left) + scaledPixels(2);
-    if (image >= 0 && width > 0)
-    {
-        ImageList_Draw(rowImages(), image, context, imageLeft, box.top + (m_rowHeight - height) / 2, ILD_TRANSPARENT);
-        box.left = column == 0 ? box.left : imageLeft + width;
+        ImageList_Draw(rowImages(), image, context, imageLeft, box.top + (m_rowHeight - size.cy) / 2, ILD_TRANSPARENT);
+        box.left = column == 0 ? box.left : imageLeft + size.cx;
     }
     box.left = column == 0 ? labelBox(row).left : box.left;
     InflateRect(&box, -scaledPixels(4), 0);
@@ -204,33 +194,6 @@ void ListView::drawCell(HDC context, int row, int column, const Look &look)
                   align | DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);
     }
     RestoreDC(context, saved);
-}
-
-void ListView::drawState(HDC context, int row, const RECT &box) const
-{
-    const int state = static_cast<int>((item(row).state & LVIS_STATEIMAGEMASK) >> 12U);
-    if (state == 0)
-    {
-        return;
-    }
-    const int place = std::min(m_rowHeight, scaledPixels(24));
-    const Parts parts = partsOf(row);
-    const int left = static_cast<int>(box.left) + parts.state;
-    if (m_images[LVSIL_STATE] != nullptr)
-    {
-        int width = 0;
-        int height = 0;
-        ImageList_GetIconSize(m_images[LVSIL_STATE], &width, &height);
-        ImageList_Draw(m_images[LVSIL_STATE], state - 1, context, left + (place - width) / 2,
-                       box.top + (m_rowHeight - height) / 2, ILD_TRANSPARENT);
-        return;
-    }
-    const int side = scaledPixels(13);
-    const int x = left + (place - side) / 2;
-    const int y = static_cast<int>(box.top) + (m_rowHeight - side) / 2;
-    RECT check{x, y, x + side, y + side};
-    DrawFrameControl(context, &check, DFC_BUTTON,
-                     DFCS_BUTTONCHECK | (state == 2 ? DFCS_CHECKED : 0) | (isEnabled() ? 0 : DFCS_INACTIVE));
 }
 
 /// The row as a card with an edge, so that it can be read over whatever it is drawn.
@@ -253,11 +216,9 @@ HIMAGELIST ListView::makeDragImage(int row, POINT *corner)
     FillRect(context, &card, GetSysColorBrush(COLOR_WINDOWFRAME));
     InflateRect(&card, -scaledPixels(1), -scaledPixels(1));
     fill(context, card, between(GetSysColor(COLOR_WINDOW), GetSysColor(COLOR_HIGHLIGHT), 15));
-    int imageWidth = 0;
-    int imageHeight = 0;
-    if (rowImages() != nullptr && ImageList_GetIconSize(rowImages(), &imageWidth, &imageHeight) != FALSE)
+    if (const SIZE size = imageSizeOf(rowImages()); size.cx > 0)
     {
-        ImageList_Draw(rowImages(), imageOf(row, 0), context, 0, (m_rowHeight - imageHeight) / 2, ILD_TRANSPARENT);
+        ImageList_Draw(rowImages(), imageOf(row, 0), context, 0, (m_rowHeight - size.cy) / 2, ILD_TRANSPARENT);
     }
     SelectObject(context, font());
     SetBkMode(context, TRANSPARENT);

@@ -231,8 +231,9 @@ void ListHeader::drawPart(HDC context, int column) const
         SelectObject(context, pen);
         box.right -= arrow + scaledPixels(3);
     }
-    SetTextColor(context, GetSysColor(m_list->takesHeaderTaps() || IsWindowEnabled(parent()) != FALSE ? COLOR_BTNTEXT
-                                                                                                         : COLOR_GRAYTEXT));
+    SetTextColor(
+        context,
+        GetSysColor(m_list->takesHeaderTaps() || IsWindowEnabled(parent()) != FALSE ? COLOR_BTNTEXT : COLOR_GRAYTEXT));
     const UINT align = part.format == LVCFMT_RIGHT ? DT_RIGHT : part.format == LVCFMT_CENTER ? DT_CENTER : DT_LEFT;
     DrawTextW(context, part.title.c_str(), static_cast<int>(part.title.size()), &box,
               align | DT_SINGLELINE | DT_VCENTER | DT_NOPREFIX | DT_END_ELLIPSIS);

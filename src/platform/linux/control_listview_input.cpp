@@ -2,23 +2,13 @@
 #include "platform/linux/control_listview.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <utility>
 
 namespace zb::internal
 {
 namespace
 {
-constexpr UINT_PTR penTimer = 0xFFD3;
-constexpr UINT_PTR editTimer = 0xFFD4;
-constexpr UINT penTime = 80;   // milliseconds
-constexpr UINT editTime = 500; // as long a tap may still become the first of two
-
-bool isFar(POINT one, POINT other)
-{
-    const int near = scaledPixels(5);
-    return std::abs(one.x - other.x) > near || std::abs(one.y - other.y) > near;
-}
+constexpr UINT penTime = 80; // milliseconds
 
 UINT keyFlags()
 {
@@ -26,68 +16,19 @@ UINT keyFlags()
 }
 } // namespace
 
-LRESULT ListView::takeInput(UINT message, WPARAM wParam, LPARAM lParam)
+// --- Keys ------------------------------------------------------------------------------------------------------------
+
+void ListView::beginKeys()
 {
-    switch (message)
+    if (m_focus < 0 && count() > 0)
     {
-    case WM_GETDLGCODE:
-        return DLGC_WANTARROWS | DLGC_WANTCHARS;
-    case WM_KEYDOWN:
-        takeKey(static_cast<int>(wParam));
-        return 0;
-    case WM_CHAR:
-        typed(static_cast<WCHAR>(wParam));
-        return 0;
-    case WM_LBUTTONDOWN:
-        penDown(penPlace(lParam));
-        return 0;
-    case WM_LBUTTONDBLCLK:
-        doubleTap(penPlace(lParam));
-        return 0;
-    case WM_MOUSEMOVE:
-        penMoved(penPlace(lParam));
-        return 0;
-    case WM_LBUTTONUP:
-        penUp(penPlace(lParam));
-        return 0;
-    case WM_CAPTURECHANGED:
-        releasePen();
-        return 0;
-    case WM_TIMER:
-        if (wParam == penTimer)
-        {
-            followPen();
-        }
-        else if (wParam == editTimer)
-        {
-            KillTimer(window(), editTimer);
-            editLabel(m_focus);
-        }
-        return 0;
-    case WM_SETFOCUS:
-        if (m_focus < 0 && count() > 0)
-        {
-            setFocusRow(0); // where keys begin
-        }
-        refresh();
-        notify(NM_SETFOCUS);
-        return 0;
-    case WM_KILLFOCUS:
-        KillTimer(window(), editTimer);
-        refresh();
-        releasePen();
-        notify(NM_KILLFOCUS);
-        return 0;
-    default:
-        return takeCommon(message, wParam, lParam);
+        setFocusRow(0);
     }
 }
 
-// --- Keys --------------------------------------------------------------------------------------------------------------
-
 void ListView::takeKey(int key)
 {
-    KillTimer(window(), editTimer);
+    editNoMore();
     NMLVKEYDOWN record{};
     record.wVKey = static_cast<WORD>(key);
     notify(LVN_KEYDOWN, record.hdr);
@@ -123,9 +64,9 @@ void ListView::takeKey(int key)
     case VK_END:
         return moveTo(count() - 1);
     case VK_LEFT:
-        return scrollRightTo(m_left - step);
     case VK_RIGHT:
-        return scrollRightTo(static_cast<LONGLONG>(m_left) + step);
+        scrollRightTo(static_cast<LONGLONG>(m_left) + (key == VK_LEFT ? -step : step));
+        return;
     case VK_F2:
         editLabel(m_focus);
         return;
@@ -148,8 +89,7 @@ void ListView::moveTo(int row)
     const bool many = (style() & LVS_SINGLESEL) == 0;
     if (many && isKeyHeld(VK_SHIFT))
     {
-        m_anchor = isRow(m_anchor) ? m_anchor : std::max(m_focus, 0);
-        chooseRange(m_anchor, target);
+        chooseTo(target, std::max(m_focus, 0));
     }
     else if (many && isKeyHeld(VK_CONTROL))
     {
@@ -162,6 +102,13 @@ void ListView::moveTo(int row)
     show(target, false);
 }
 
+/// From where ranges begin, which is the other row where nothing has been chosen yet.
+void ListView::chooseTo(int row, int otherwise)
+{
+    m_anchor = isRow(m_anchor) ? m_anchor : otherwise;
+    chooseRange(m_anchor, row);
+}
+
 void ListView::typed(WCHAR character)
 {
     constexpr WCHAR controlA = 1;
@@ -170,8 +117,7 @@ void ListView::typed(WCHAR character)
         setStateOfAll(LVIS_SELECTED, LVIS_SELECTED);
         return;
     }
-    const bool isBlank = character == u' ';
-    if ((isBlank && !m_typed.isTyping()) || !m_typed.take(character) || count() == 0)
+    if (!m_typed.take(character) || count() == 0)
     {
         return;
     }
@@ -218,11 +164,11 @@ LRESULT ListView::tellTap(UINT code, POINT point, int row, int column)
     return notify(code, record.hdr);
 }
 
-// --- Pen ---------------------------------------------------------------------------------------------------------------
+// --- Pen -------------------------------------------------------------------------------------------------------------
 
 void ListView::penDown(POINT point)
 {
-    KillTimer(window(), editTimer);
+    editNoMore();
     const bool hadFocus = hasFocus();
     SetFocus(window());
     if (isGone())
@@ -274,8 +220,7 @@ void ListView::chooseByPen(int row)
     }
     else if (many && isKeyHeld(VK_SHIFT))
     {
-        m_anchor = isRow(m_anchor) ? m_anchor : std::max(m_focus, 0);
-        chooseRange(m_anchor, row);
+        chooseTo(row, std::max(m_focus, 0));
     }
     else if (many && m_chosen > 1 && (item(row).state & LVIS_SELECTED) != 0)
     {
@@ -327,7 +272,8 @@ void ListView::followPen()
     const bool outside = y < area.top || y >= area.bottom;
     outside ? static_cast<void>(SetTimer(window(), penTimer, penTime, nullptr))
             : static_cast<void>(KillTimer(window(), penTimer));
-    const int row = y < area.top ? m_top - 1 : m_top + static_cast<int>(std::min(y, area.bottom) - area.top) / m_rowHeight;
+    const int below = static_cast<int>(std::min(y, area.bottom) - area.top) / m_rowHeight;
+    const int row = y < area.top ? m_top - 1 : m_top + below;
     const int target = std::clamp(row, 0, count() - 1);
     if (target == m_focus)
     {
@@ -339,8 +285,7 @@ void ListView::followPen()
     }
     else
     {
-        m_anchor = isRow(m_anchor) ? m_anchor : m_press.row;
-        chooseRange(m_anchor, target);
+        chooseTo(target, m_press.row);
     }
     show(target, false);
 }
@@ -372,13 +317,13 @@ void ListView::penUp(POINT point)
     }
     else if (press.chosen && (style() & LVS_EDITLABELS) != 0)
     {
-        SetTimer(window(), editTimer, editTime, nullptr);
+        editSoon();
     }
 }
 
 void ListView::doubleTap(POINT point)
 {
-    KillTimer(window(), editTimer);
+    editNoMore();
     LVHITTESTINFO hit{point, 0, -1, 0};
     hitTest(hit);
     if ((hit.flags & LVHT_ONITEMSTATEICON) != 0 && hit.iItem >= 0 && hasCheckBoxes())
@@ -404,11 +349,11 @@ void ListView::releasePen()
     }
 }
 
-// --- Labels ------------------------------------------------------------------------------------------------------------
+// --- Labels ----------------------------------------------------------------------------------------------------------
 
 HWND ListView::editLabel(int row)
 {
-    KillTimer(window(), editTimer);
+    editNoMore();
     m_edit.end(false);
     if (!isRow(row) || (style() & LVS_EDITLABELS) == 0 || isGone())
     {

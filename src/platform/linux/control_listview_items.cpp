@@ -1,4 +1,4 @@
-// Rows of a list view: what they hold, their states, finding and sorting them.
+// Rows of a list view: what they hold, finding and sorting them.
 #include "platform/linux/control_listview.h"
 #include "platform/linux/merge_rows.h"
 
@@ -7,11 +7,6 @@
 
 namespace zb::internal
 {
-namespace
-{
-constexpr UINT ownStates = LVIS_FOCUSED | LVIS_SELECTED;
-} // namespace
-
 NMLISTVIEW ListView::about(int row) const
 {
     NMLISTVIEW record{};
@@ -39,9 +34,7 @@ int ListView::placeFor(int wanted, std::u16string_view text)
     {
         const int middle = first + (last - first) / 2;
         const std::u16string other = textOf(middle, 0);
-        const int comparison = CompareStringW(LOCALE_USER_DEFAULT, 0x1, other.data(), static_cast<int>(other.size()),
-                                              text.data(), static_cast<int>(text.size())) -
-                               CSTR_EQUAL;
+        const int comparison = compareTexts(other, text);
         const bool before = (order & LVS_SORTASCENDING) != 0 ? comparison <= 0 : comparison >= 0;
         (before ? first : last) = before ? middle + 1 : middle;
     }
@@ -189,9 +182,7 @@ LRESULT ListView::copyText(int row, LVITEMW &wanted)
         return 0;
     }
     const std::u16string text = textOf(row, wanted.iSubItem);
-    const std::size_t copied = std::min(text.size(), static_cast<std::size_t>(wanted.cchTextMax) - 1);
-    *std::copy_n(text.begin(), copied, wanted.pszText) = 0;
-    return static_cast<LRESULT>(copied);
+    return static_cast<LRESULT>(putText(text, wanted.pszText, static_cast<std::size_t>(wanted.cchTextMax)));
 }
 
 bool ListView::getItem(LVITEMW &wanted)
@@ -292,158 +283,7 @@ bool ListView::eraseAll()
     return true;
 }
 
-// --- States ------------------------------------------------------------------------------------------------------------
-
-void ListView::apply(int row, UINT state)
-{
-    Item &changed = item(row);
-    const UINT former = std::exchange(changed.state, state);
-    m_chosen += static_cast<int>((state & LVIS_SELECTED) >> 1U) - static_cast<int>((former & LVIS_SELECTED) >> 1U);
-    if (((state ^ former) & LVIS_FOCUSED) != 0)
-    {
-        m_focus = (state & LVIS_FOCUSED) != 0 ? row : -1;
-    }
-    redraw(row);
-}
-
-/// False when the parent forbids it or there is nobody left.
-bool ListView::setState(int row, UINT state, UINT mask)
-{
-    if (!isRow(row))
-    {
-        return false;
-    }
-    const UINT former = item(row).state;
-    const UINT fresh = (former & ~mask) | (state & mask);
-    UINT changed = former ^ fresh;
-    if (changed == 0)
-    {
-        return true;
-    }
-    changed |= (changed & LVIS_STATEIMAGEMASK) != 0 ? LVIS_STATEIMAGEMASK : 0;
-    if ((changed & fresh & LVIS_SELECTED) != 0 && (style() & LVS_SINGLESEL) != 0)
-    {
-        // Before the focus goes: where that was, the other one mostly is.
-        giveUpOthers(row);
-    }
-    if ((changed & fresh & LVIS_FOCUSED) != 0 && m_focus >= 0)
-    {
-        setState(m_focus, 0, LVIS_FOCUSED);
-    }
-    NMLISTVIEW record = about(row);
-    record.uNewState = fresh & changed;
-    record.uOldState = former & changed;
-    record.uChanged = LVIF_STATE;
-    if (!m_silent && notify(LVN_ITEMCHANGING, record.hdr) != 0)
-    {
-        return false;
-    }
-    if (!isRow(row))
-    {
-        return false;
-    }
-    apply(row, (item(row).state & ~changed) | (fresh & changed));
-    if (!m_silent)
-    {
-        record = about(row);
-        record.uNewState = fresh & changed;
-        record.uOldState = former & changed;
-        record.uChanged = LVIF_STATE;
-        notify(LVN_ITEMCHANGED, record.hdr);
-    }
-    return !isGone();
-}
-
-bool ListView::setStateOfAll(UINT state, UINT mask)
-{
-    if ((state & mask & LVIS_SELECTED) != 0 && (style() & LVS_SINGLESEL) != 0)
-    {
-        return false;
-    }
-    const UINT most = mask & ~((state & LVIS_FOCUSED) != 0 ? LVIS_FOCUSED : 0U); // one row alone can have it
-    for (int row = 0; row < count() && !isGone(); ++row)
-    {
-        setState(row, state, most);
-    }
-    return true;
-}
-
-void ListView::giveUpOthers(int row)
-{
-    // Mostly it is the one with the focus, or where a range begins; all are looked through only for more.
-    for (const int likely : {m_focus, m_anchor})
-    {
-        if (likely != row && isRow(likely))
-        {
-            setState(likely, 0, LVIS_SELECTED);
-        }
-    }
-    const auto others = [this, row]
-    { return m_chosen - (isRow(row) && (item(row).state & LVIS_SELECTED) != 0 ? 1 : 0); };
-    for (int one = 0; one < count() && others() > 0; ++one)
-    {
-        if (one != row)
-        {
-            setState(one, 0, LVIS_SELECTED);
-        }
-    }
-}
-
-void ListView::chooseOnly(int row)
-{
-    giveUpOthers(row);
-    m_anchor = isRow(row) ? row : m_anchor;
-    setState(row, ownStates, ownStates);
-}
-
-void ListView::chooseRange(int from, int to)
-{
-    const int first = std::min(from, to);
-    const int last = std::max(from, to);
-    for (int row = 0; row < count(); ++row)
-    {
-        setState(row, row >= first && row <= last ? LVIS_SELECTED : 0, LVIS_SELECTED);
-    }
-    setFocusRow(to);
-}
-
-void ListView::setFocusRow(int row)
-{
-    if (isRow(row))
-    {
-        setState(row, LVIS_FOCUSED, LVIS_FOCUSED);
-    }
-}
-
-// --- Finding and sorting -----------------------------------------------------------------------------------------------
-
-int ListView::next(int from, UINT flags) const
-{
-    constexpr UINT states = LVNI_FOCUSED | LVNI_SELECTED | LVNI_CUT | LVNI_DROPHILITED;
-    const UINT wanted = flags & states;
-    const bool upwards = (flags & LVNI_ABOVE) != 0;
-    if (from < -1 || from >= count())
-    {
-        return -1;
-    }
-    if ((wanted & LVNI_FOCUSED) != 0)
-    {
-        const bool lies = upwards ? m_focus < from : m_focus > from;
-        return m_focus >= 0 && lies && (item(m_focus).state & wanted) == wanted ? m_focus : -1;
-    }
-    if ((wanted & LVNI_SELECTED) != 0 && m_chosen == 0)
-    {
-        return -1;
-    }
-    for (int row = from + (upwards ? -1 : 1); isRow(row); row += upwards ? -1 : 1)
-    {
-        if ((item(row).state & wanted) == wanted)
-        {
-            return row;
-        }
-    }
-    return -1;
-}
+// --- Finding and sorting ---------------------------------------------------------------------------------------------
 
 int ListView::find(int behind, const LVFINDINFOW &what)
 {

@@ -14,7 +14,7 @@ int gap()
 }
 } // namespace
 
-// --- Columns -----------------------------------------------------------------------------------------------------------
+// --- Columns ---------------------------------------------------------------------------------------------------------
 
 int ListView::subItemOf(int column) const
 {
@@ -69,9 +69,7 @@ bool ListView::setColumn(int column, const LVCOLUMNW &given)
     }
     changed.subItem = (given.mask & LVCF_SUBITEM) != 0 ? std::max(given.iSubItem, 0) : changed.subItem;
     changed.width = (given.mask & LVCF_WIDTH) != 0 ? std::clamp(given.cx, 0, 0x7FFF) : changed.width;
-    arrange();
-    refresh();
-    InvalidateRect(m_header, nullptr, FALSE);
+    columnsChanged();
     return true;
 }
 
@@ -87,8 +85,7 @@ bool ListView::getColumn(int column, LVCOLUMNW &wanted) const
     wanted.iSubItem = (wanted.mask & LVCF_SUBITEM) != 0 ? found.subItem : wanted.iSubItem;
     if ((wanted.mask & LVCF_TEXT) != 0 && wanted.pszText != nullptr && wanted.cchTextMax > 0)
     {
-        const std::size_t copied = std::min(found.title.size(), static_cast<std::size_t>(wanted.cchTextMax) - 1);
-        *std::copy_n(found.title.begin(), copied, wanted.pszText) = 0;
+        putText(found.title, wanted.pszText, static_cast<std::size_t>(wanted.cchTextMax));
     }
     return true;
 }
@@ -100,10 +97,15 @@ bool ListView::eraseColumn(int column)
         return false;
     }
     m_columns.erase(m_columns.begin() + column);
+    columnsChanged();
+    return true;
+}
+
+void ListView::columnsChanged()
+{
     arrange();
     refresh();
     InvalidateRect(m_header, nullptr, FALSE);
-    return true;
 }
 
 void ListView::setColumnWidth(int column, int width)
@@ -115,9 +117,7 @@ void ListView::setColumnWidth(int column, int width)
     }
     m_edit.end(true);
     m_columns[static_cast<std::size_t>(column)].width = std::clamp(width, 0, 0x7FFF);
-    arrange();
-    refresh();
-    InvalidateRect(m_header, nullptr, FALSE);
+    columnsChanged();
 }
 
 void ListView::fitColumn(int column, bool withTitle)
@@ -128,12 +128,15 @@ void ListView::fitColumn(int column, bool withTitle)
         return;
     }
     const Column &fitted = m_columns[static_cast<std::size_t>(column)];
-    int widest = withTitle ? textWidth(fitted.title) + 2 * gap() + (fitted.order != 0 ? scaledPixels(14) : 0) : 0;
+    const TextMeasure measure(font());
+    const int margins = 2 * gap();
+    const int arrow = fitted.order != 0 ? scaledPixels(14) : 0;
+    int widest = withTitle ? static_cast<int>(measure.sizeOf(fitted.title).cx) + margins + arrow : 0;
     for (int row = 0; row < count(); ++row)
     {
-        const Parts parts = column == 0 ? partsOf(row) : Parts{};
-        const int picture = column != 0 && imageOf(row, fitted.subItem) >= 0 && rowImages() != nullptr ? m_rowHeight : 0;
-        widest = std::max(widest, parts.label + picture + textWidth(textOf(row, fitted.subItem)) + 2 * gap());
+        const bool hasPicture = column != 0 && rowImages() != nullptr && imageOf(row, fitted.subItem) >= 0;
+        const int before = column == 0 ? partsOf(row).label : hasPicture ? m_rowHeight : 0;
+        widest = std::max<int>(widest, before + measure.sizeOf(textOf(row, fitted.subItem)).cx + margins);
     }
     if (withTitle && column + 1 == static_cast<int>(m_columns.size()))
     {
@@ -144,39 +147,24 @@ void ListView::fitColumn(int column, bool withTitle)
 
 int ListView::textWidth(std::u16string_view text) const
 {
-    const HDC context = CreateCompatibleDC(nullptr);
-    SelectObject(context, font());
-    SIZE size{};
-    GetTextExtentPoint32W(context, text.data(), static_cast<int>(text.size()), &size);
-    DeleteDC(context);
-    return size.cx;
+    return static_cast<int>(TextMeasure(font()).sizeOf(text).cx);
 }
 
-// --- Places ------------------------------------------------------------------------------------------------------------
+// --- Places ----------------------------------------------------------------------------------------------------------
 
 void ListView::measure()
 {
-    int width = 0;
-    int height = 0;
-    if (rowImages() != nullptr)
-    {
-        ImageList_GetIconSize(rowImages(), &width, &height);
-    }
-    m_rowHeight = std::max(rowHeightOf(font()), height + 2 * scaledPixels(2));
+    const int height = imageSizeOf(rowImages()).cy;
+    const int ofText = rowHeightOf(font());
+    m_rowHeight = std::max(ofText, height + 2 * scaledPixels(2));
+    m_titleHeight = std::max(ofText, scaledPixels(22));
     arrange();
     refresh();
 }
 
 int ListView::headerHeight() const
 {
-    return hasColumns() && (style() & LVS_NOCOLUMNHEADER) == 0 ? std::max(rowHeightOf(font()), scaledPixels(22)) : 0;
-}
-
-RECT ListView::rowsArea() const
-{
-    RECT area = client();
-    area.top = std::min<LONG>(headerHeight(), area.bottom);
-    return area;
+    return hasColumns() && (style() & LVS_NOCOLUMNHEADER) == 0 ? m_titleHeight : 0;
 }
 
 int ListView::totalWidth() const
@@ -184,55 +172,13 @@ int ListView::totalWidth() const
     return hasColumns() ? columnLeft(columnCount()) + m_left : static_cast<int>(client().right);
 }
 
-int ListView::pageRows() const
+void ListView::aboutToArrange()
 {
-    const RECT area = rowsArea();
-    return std::max<int>((area.bottom - area.top) / m_rowHeight, 1);
-}
-
-int ListView::highestTop() const
-{
-    return std::max(count() - pageRows(), 0);
-}
-
-/// Scroll bars, the header and what is scrolled, after anything of it has changed. Which bars there are is worked out
-/// from the whole area: one bar may need the other, and neither may stay because the other was there.
-void ListView::arrange()
-{
-    if (m_arranging || isGone())
-    {
-        return;
-    }
-    m_arranging = true;
     m_barDue = false;
-    if ((style() & LVS_NOSCROLL) == 0)
-    {
-        const int barWidth = GetSystemMetrics(SM_CXVSCROLL);
-        const int barHeight = GetSystemMetrics(SM_CYHSCROLL);
-        const RECT now = client();
-        const int fullWidth = static_cast<int>(now.right) + ((style() & WS_VSCROLL) != 0 ? barWidth : 0);
-        const int fullHeight = static_cast<int>(now.bottom) + ((style() & WS_HSCROLL) != 0 ? barHeight : 0);
-        const int wanted = hasColumns() ? totalWidth() : 0;
-        const auto rowsFit = [&](int height)
-        { return count() <= std::max((height - headerHeight()) / m_rowHeight, 1); };
-        bool vertical = !rowsFit(fullHeight);
-        const bool horizontal = wanted > fullWidth - (vertical ? barWidth : 0);
-        vertical = vertical || (horizontal && !rowsFit(fullHeight - barHeight));
-        const int width = std::max(fullWidth - (vertical ? barWidth : 0), 1);
-        const int height = fullHeight - (horizontal ? barHeight : 0);
-        const int page = std::max((height - headerHeight()) / m_rowHeight, 1);
-        m_top = std::clamp(m_top, 0, std::max(count() - page, 0));
-        m_left = std::clamp(m_left, 0, std::max(wanted - width, 0));
-        SCROLLINFO info{sizeof(SCROLLINFO), SIF_RANGE | SIF_PAGE | SIF_POS, 0, std::max(count() - 1, 0),
-                        static_cast<UINT>(vertical ? page : count() + 1), m_top, 0};
-        SetScrollInfo(window(), SB_VERT, &info, TRUE);
-        info.nMax = std::max(wanted - 1, 0);
-        info.nPage = static_cast<UINT>(horizontal ? width : wanted + 1);
-        info.nPos = m_left;
-        SetScrollInfo(window(), SB_HORZ, &info, TRUE);
-    }
-    m_top = std::clamp(m_top, 0, highestTop());
-    m_left = std::clamp(m_left, 0, std::max(totalWidth() - static_cast<int>(client().right), 0));
+}
+
+void ListView::arranged()
+{
     const int header = headerHeight();
     const RECT now = client();
     RECT place{};
@@ -242,11 +188,10 @@ void ListView::arrange()
         SetWindowPos(m_header, nullptr, 0, 0, now.right, header,
                      SWP_NOZORDER | SWP_NOACTIVATE | (header > 0 ? SWP_SHOWWINDOW : SWP_HIDEWINDOW));
     }
-    m_arranging = false;
 }
 
-/// After a row has come or gone. While there are more rows than fit before and after, that changes the scroll bar alone,
-/// which is then drawn once for all of them, with the next paint.
+/// After a row has come or gone. While there are more rows than fit before and after, that changes the scroll bar
+/// alone, which is then drawn once for all of them, with the next paint.
 void ListView::arrangeRows()
 {
     const int page = pageRows();
@@ -276,12 +221,7 @@ RECT ListView::cellBox(int row, int column) const
 
 ListView::Parts ListView::partsOf(int row) const
 {
-    int width = 0;
-    int height = 0;
-    if (rowImages() != nullptr)
-    {
-        ImageList_GetIconSize(rowImages(), &width, &height);
-    }
+    const int width = imageSizeOf(rowImages()).cx;
     Parts parts;
     const bool hasState = isRow(row) && (item(row).state & LVIS_STATEIMAGEMASK) != 0;
     // A label alone begins where its column's title does.
@@ -375,32 +315,16 @@ int ListView::hitTest(LVHITTESTINFO &hit)
     return row;
 }
 
-// --- Scrolling ---------------------------------------------------------------------------------------------------------
+// --- Scrolling -------------------------------------------------------------------------------------------------------
 
-void ListView::scrollTo(LONGLONG top)
+bool ListView::scrollRightTo(LONGLONG left)
 {
-    const int fresh = static_cast<int>(std::clamp<LONGLONG>(top, 0, highestTop()));
-    if (fresh != m_top)
+    const bool moved = RowView::scrollRightTo(left);
+    if (moved)
     {
-        m_edit.end(true);
-        m_top = fresh;
-        arrange();
-        refresh();
-    }
-}
-
-void ListView::scrollRightTo(LONGLONG left)
-{
-    const LONGLONG most = std::max<LONGLONG>(totalWidth() - client().right, 0);
-    const int fresh = static_cast<int>(std::clamp<LONGLONG>(left, 0, most));
-    if (fresh != m_left)
-    {
-        m_edit.end(true);
-        m_left = fresh;
-        arrange();
-        refresh();
         InvalidateRect(m_header, nullptr, FALSE);
     }
+    return moved;
 }
 
 bool ListView::show(int row, bool partIsEnough)
@@ -411,13 +335,9 @@ bool ListView::show(int row, bool partIsEnough)
     }
     const RECT area = rowsArea();
     const bool showsPart = row == m_top + pageRows() && (area.bottom - area.top) % m_rowHeight != 0;
-    if (row < m_top)
+    if (!partIsEnough || !showsPart)
     {
-        scrollTo(row);
-    }
-    else if (row >= m_top + pageRows() && !(partIsEnough && showsPart))
-    {
-        scrollTo(row - pageRows() + 1);
+        scrollToShow(row);
     }
     return true;
 }

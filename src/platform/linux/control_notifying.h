@@ -31,24 +31,4 @@ class NotifyingControl : public Control
         return notify(code, header);
     }
 };
-
-inline bool isKeyHeld(int key)
-{
-    return (GetKeyState(key) & 0x8000) != 0;
-}
-
-/// Where a message of the pen says that it is; both halves have a sign.
-inline POINT penPlace(LPARAM place)
-{
-    return {static_cast<SHORT>(LOWORD(static_cast<DWORD_PTR>(place))),
-            static_cast<SHORT>(HIWORD(static_cast<DWORD_PTR>(place)))};
-}
-
-/// Where a thumb is held, by the message that tells it and the bar, which knows it in full.
-inline int heldPosition(HWND window, int bar, WPARAM wParam)
-{
-    SCROLLINFO info{sizeof(SCROLLINFO), SIF_TRACKPOS, 0, 0, 0, 0, 0};
-    GetScrollInfo(window, bar, &info);
-    return (info.nTrackPos & 0xFFFF) == HIWORD(wParam) ? info.nTrackPos : HIWORD(wParam);
-}
 } // namespace zb::internal

@@ -11,11 +11,6 @@ namespace
 {
 constexpr UINT_PTR repeatTimer = 0xFFD4;
 
-int numberOf(LPARAM value)
-{
-    return static_cast<int>(static_cast<DWORD>(value));
-}
-
 class ScrollBarControl final : public Control
 {
   public:
@@ -92,13 +87,12 @@ class ScrollBarControl final : public Control
         switch (message)
         {
         case SBM_SETPOS:
-            return change({sizeof(SCROLLINFO), SIF_POS, 0, 0, 0, numberOf(static_cast<LPARAM>(wParam)), 0});
+            return change({sizeof(SCROLLINFO), SIF_POS, 0, 0, 0, numberOf(wParam), 0});
         case SBM_GETPOS:
             return m_bar.position;
         case SBM_SETRANGE:
         case SBM_SETRANGEREDRAW:
-            return change(
-                {sizeof(SCROLLINFO), SIF_RANGE, numberOf(static_cast<LPARAM>(wParam)), numberOf(lParam), 0, 0, 0});
+            return change({sizeof(SCROLLINFO), SIF_RANGE, numberOf(wParam), numberOf(lParam), 0, 0, 0});
         case SBM_GETRANGE:
             *reinterpret_cast<int *>(wParam) = m_bar.low;
             *reinterpret_cast<int *>(lParam) = m_bar.high;
@@ -139,8 +133,7 @@ class ScrollBarControl final : public Control
         return IsWindow(self) != FALSE;
     }
 
-    // --- Keys and pen
-    // --------------------------------------------------------------------------------------------------
+    // --- Keys and pen ------------------------------------------------------------------------------------------------
 
     void takeKey(int key)
     {
@@ -157,8 +150,8 @@ class ScrollBarControl final : public Control
 
     int along(LPARAM place) const
     {
-        return static_cast<SHORT>(isVertical() ? HIWORD(static_cast<DWORD_PTR>(place))
-                                               : LOWORD(static_cast<DWORD_PTR>(place)));
+        const POINT point = penPlace(place);
+        return isVertical() ? point.y : point.x;
     }
 
     void takePen(UINT message, LPARAM place)

@@ -11,11 +11,6 @@ namespace
 {
 constexpr UINT_PTR repeatTimer = 0xFFD5;
 constexpr LRESULT failed = -1;
-
-int numberOf(WPARAM value)
-{
-    return static_cast<int>(static_cast<DWORD>(value));
-}
 } // namespace
 
 LRESULT TabControl::take(UINT message, WPARAM wParam, LPARAM lParam)
@@ -188,8 +183,7 @@ bool TabControl::get(int index, TCITEMW &item) const
     }
     if ((item.mask & TCIF_TEXT) != 0 && item.pszText != nullptr && item.cchTextMax > 0)
     {
-        const std::size_t length = std::min(tab(index).text.size(), static_cast<std::size_t>(item.cchTextMax) - 1);
-        *std::copy_n(tab(index).text.begin(), length, item.pszText) = 0;
+        putText(tab(index).text, item.pszText, static_cast<std::size_t>(item.cchTextMax));
     }
     if ((item.mask & TCIF_IMAGE) != 0)
     {
@@ -283,8 +277,7 @@ void TabControl::takeKey(int key)
 
 void TabControl::takePen(UINT message, LPARAM place)
 {
-    const POINT point{static_cast<SHORT>(LOWORD(static_cast<DWORD_PTR>(place))),
-                      static_cast<SHORT>(HIWORD(static_cast<DWORD_PTR>(place)))};
+    const POINT point = penPlace(place);
     if (message == WM_LBUTTONUP || message == WM_CAPTURECHANGED)
     {
         release();

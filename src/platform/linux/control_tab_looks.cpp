@@ -36,12 +36,7 @@ void TabControl::measureAll()
     TEXTMETRICW metrics{};
     GetTextMetricsW(context, &metrics);
     m_lineHeight = metrics.tmHeight;
-    int imageWidth = 0;
-    int imageHeight = 0;
-    if (m_images != nullptr)
-    {
-        ImageList_GetIconSize(m_images, &imageWidth, &imageHeight);
-    }
+    const int imageWidth = imageSizeOf(m_images).cx;
     for (Tab &one : m_tabs)
     {
         RECT box{};
@@ -153,13 +148,7 @@ LRESULT TabControl::hitTest(TCHITTESTINFO &info) const
 {
     const int index = tabAt(info.pt);
     const bool hasImage = index >= 0 && m_images != nullptr && tab(index).image >= 0;
-    int imageWidth = 0;
-    int imageHeight = 0;
-    if (hasImage)
-    {
-        ImageList_GetIconSize(m_images, &imageWidth, &imageHeight);
-    }
-    const bool onImage = hasImage && info.pt.x < contentLeft(index) + imageWidth;
+    const bool onImage = hasImage && info.pt.x < contentLeft(index) + imageSizeOf(m_images).cx;
     info.flags = index < 0 ? TCHT_NOWHERE : onImage ? TCHT_ONITEMICON : TCHT_ONITEMLABEL;
     return index;
 }
@@ -252,12 +241,10 @@ void TabControl::drawContent(HDC context, int index, const RECT &box) const
     int left = contentLeft(index);
     if (m_images != nullptr && tab(index).image >= 0)
     {
-        int width = 0;
-        int height = 0;
-        ImageList_GetIconSize(m_images, &width, &height);
-        ImageList_Draw(m_images, tab(index).image, context, left, box.top + (box.bottom - box.top - height) / 2,
+        const SIZE size = imageSizeOf(m_images);
+        ImageList_Draw(m_images, tab(index).image, context, left, box.top + (box.bottom - box.top - size.cy) / 2,
                        ILD_NORMAL);
-        left += width + gap();
+        left += size.cx + gap();
     }
     SetTextColor(context, GetSysColor(!isEnabled()         ? COLOR_GRAYTEXT
                                       : index == m_current ? COLOR_WINDOWTEXT

@@ -9,12 +9,6 @@ namespace zb::internal
 {
 namespace
 {
-template <typename Record>
-Record &recordOf(LPARAM value)
-{
-    return *reinterpret_cast<Record *>(value);
-}
-
 HTREEITEM itemOf(LPARAM value)
 {
     return reinterpret_cast<HTREEITEM>(value);
@@ -124,7 +118,7 @@ LRESULT TreeView::takePlaces(UINT message, WPARAM wParam, LPARAM lParam)
         return former;
     }
     case TVM_GETINDENT:
-        return std::max(m_indent, scaledPixels(20));
+        return indent();
     case TVM_SETINDENT:
         m_indent = std::clamp(static_cast<int>(static_cast<DWORD>(wParam)), 0, 0x7FF);
         arrange();
@@ -186,10 +180,9 @@ LRESULT TreeView::takeLooks(UINT message, WPARAM wParam, LPARAM lParam)
     case TVM_SETTEXTCOLOR:
     {
         const bool ground = message == TVM_SETBKCOLOR;
-        const LRESULT former =
-            orSystem(std::exchange(ground ? m_ground : m_ink, static_cast<COLORREF>(lParam)), ground ? COLOR_WINDOW : COLOR_WINDOWTEXT);
+        const COLORREF former = std::exchange(ground ? m_ground : m_ink, static_cast<COLORREF>(lParam));
         refresh();
-        return former;
+        return orSystem(former, ground ? COLOR_WINDOW : COLOR_WINDOWTEXT);
     }
     default:
         return takeWindow(message, wParam, lParam);
@@ -212,59 +205,13 @@ LRESULT TreeView::takeWindow(UINT message, WPARAM wParam, LPARAM lParam)
         takeCommon(message, wParam, lParam);
         measure();
         return 0;
-    case WM_SIZE:
-        arrange();
-        refresh();
-        return 0;
-    case WM_SETREDRAW:
-    {
-        const LRESULT result = takeCommon(message, wParam, lParam);
-        refresh();
-        return result;
-    }
     case WM_PAINT:
         arrange();
         paint([this](HDC context) { draw(context); });
         return 0;
-    case WM_COMMAND:
-        m_edit.takeCommand(wParam, lParam);
-        return 0;
-    case WM_VSCROLL:
-    case WM_HSCROLL:
-    case WM_MOUSEWHEEL:
-        return takeScrolling(message, wParam, lParam);
     default:
-        return takeInput(message, wParam, lParam);
+        return takeRows(message, wParam, lParam);
     }
-}
-
-LRESULT TreeView::takeScrolling(UINT message, WPARAM wParam, LPARAM lParam)
-{
-    const WORD code = LOWORD(wParam);
-    if (message == WM_MOUSEWHEEL)
-    {
-        if (highestTop() == 0)
-        {
-            return takeCommon(message, wParam, lParam);
-        }
-        scrollTo(m_top - 3 * (static_cast<SHORT>(HIWORD(wParam)) / 120));
-        return 0;
-    }
-    if (message == WM_VSCROLL)
-    {
-        const int held = heldPosition(window(), SB_VERT, wParam);
-        const LONGLONG targets[] = {m_top - 1LL, m_top + 1LL, m_top - pageRows(), m_top + pageRows(),
-                                    held,        held,        0,                  highestTop()};
-        scrollTo(code < std::size(targets) ? targets[code] : m_top);
-        return 0;
-    }
-    const int held = heldPosition(window(), SB_HORZ, wParam);
-    const LONG width = client().right;
-    const int step = scaledPixels(16);
-    const LONGLONG targets[] = {m_left - step, m_left + step, m_left - width, m_left + width,
-                                held,          held,          0,              widest()};
-    scrollRightTo(code < std::size(targets) ? targets[code] : m_left);
-    return 0;
 }
 
 void registerTreeView()

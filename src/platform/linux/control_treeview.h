@@ -1,14 +1,12 @@
 // The tree view's object.
 //
 // Invariants: items are found by their handles alone, which are counted up and never used again, so a stale one finds
-// nothing; whoever tells the parent something looks its items up anew afterwards. m_rows holds the open rows from the top
-// while m_rowsDue is false, and each node in it knows its number; a change of the tree makes it due and leaves it for
-// whoever needs rows next, so building up a tree takes no longer than its items.
+// nothing; whoever tells the parent something looks its items up anew afterwards. m_rows holds the open rows from the
+// top while m_rowsDue is false, and each node in it knows its number; a change of the tree makes it due and leaves it
+// for whoever needs rows next, so building up a tree takes no longer than its items.
 #pragma once
 
-#include "platform/linux/control_notifying.h"
-#include "platform/linux/label_edit.h"
-#include "platform/linux/type_ahead.h"
+#include "platform/linux/control_rows.h"
 #include "platform/tree_view.h"
 
 #include <memory>
@@ -18,10 +16,10 @@
 
 namespace zb::internal
 {
-class TreeView final : public NotifyingControl
+class TreeView final : public RowView
 {
   public:
-    explicit TreeView(HWND window);
+    using RowView::RowView;
     ~TreeView() override;
     LRESULT take(UINT message, WPARAM wParam, LPARAM lParam) override;
 
@@ -59,13 +57,14 @@ class TreeView final : public NotifyingControl
         int label = 0;
         int end = 0; ///< of the label
     };
-
-    struct Bar
+    /// What the parts of all rows take.
+    struct Measures
     {
-        int most = -1;
-        int page = 0;
-        int position = 0;
-        bool operator==(const Bar &) const = default;
+        int root;   ///< columns of buttons before those of the top level
+        int indent; ///< of one level: a button or a line, which a finger must meet
+        int state;  ///< where a row has one
+        int image;  ///< with the room behind it
+        int gap;    ///< on both sides of the text
     };
 
     // control_treeview.cpp: messages
@@ -73,11 +72,10 @@ class TreeView final : public NotifyingControl
     LRESULT takePlaces(UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT takeLooks(UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT takeWindow(UINT message, WPARAM wParam, LPARAM lParam);
-    LRESULT takeScrolling(UINT message, WPARAM wParam, LPARAM lParam);
     LRESULT selectItem(WPARAM which, HTREEITEM item);
     LRESULT itemRect(bool textOnly, RECT *box);
 
-    // control_treeview_items.cpp: the tree, texts, opening, choosing, sorting
+    // control_treeview_items.cpp: the tree, its texts, erasing and sorting
     Node *find(HTREEITEM item) const;
     Node *parentFor(HTREEITEM item);
     static void number(Node &parent);
@@ -96,38 +94,51 @@ class TreeView final : public NotifyingControl
     bool erase(HTREEITEM item);
     void eraseBelow(Node &top, bool itself);
     void chooseBeforeErasing(const Node &gone);
+    bool sortByText(HTREEITEM parent);
+    bool sortBy(const TVSORTCB &order);
+
+    // control_treeview_choice.cpp: choosing, opening and closing
     bool choose(HTREEITEM item, UINT how);
     bool expand(HTREEITEM item, WPARAM how, By by);
     bool setOpen(HTREEITEM item, bool open, By by);
     void openAbove(HTREEITEM item);
     void openAllBelow(HTREEITEM item);
-    bool sortByText(HTREEITEM parent);
-    bool sortBy(const TVSORTCB &order);
 
-    // control_treeview_places.cpp: rows, places, scrolling, looks
+    // control_treeview_places.cpp: rows, places and scrolling
     void changed();
     const std::vector<Node *> &rows();
     int rowOf(HTREEITEM item);
     HTREEITEM rowAt(int row);
-    int rowCount()
+    int rowCount() override
     {
         return static_cast<int>(rows().size());
     }
+    int rowsWidth() override;
+    bool mayScroll() const override
+    {
+        return (style() & TVS_NOSCROLL) == 0;
+    }
+    void aboutToArrange() override
+    {
+        measureShown();
+    }
     void measure();
-    void arrange();
-    void setBar(int bar, const Bar &wanted);
-    int pageRows() const;
-    int highestTop();
     int textWidth(const Node &node, std::u16string_view text) const;
     void measureShown();
-    int widest();
-    int buttonColumns(const Node &node) const;
-    int rowLeft(const Node &node) const;
-    Parts partsOf(const Node &node) const;
+    Measures measures() const;
+    int indent() const;
+    int rootColumns() const;
+    int buttonColumns(const Node &node) const
+    {
+        return node.level + rootColumns();
+    }
+    Parts partsOf(const Node &node, const Measures &all) const;
+    Parts partsOf(const Node &node) const
+    {
+        return partsOf(node, measures());
+    }
     RECT rowBox(int row) const;
     HTREEITEM hitTest(TVHITTESTINFO &hit);
-    void scrollTo(LONGLONG top);
-    void scrollRightTo(LONGLONG left);
     bool show(HTREEITEM item);
     void redraw(HTREEITEM item);
     bool hasCheckBoxes() const
@@ -135,26 +146,31 @@ class TreeView final : public NotifyingControl
         return (style() & TVS_CHECKBOXES) != 0;
     }
     HFONT fontOf(const Node &node) const;
+
+    // control_treeview_draw.cpp
     void draw(HDC context);
     void drawRow(HDC context, HTREEITEM item);
     void drawLines(HDC context, const Node &node, const RECT &box) const;
     void drawButton(HDC context, const Node &node, const RECT &box) const;
-    void drawState(HDC context, const Node &node, const RECT &box) const;
     void drawLabel(HDC context, HTREEITEM item, const RECT &box);
 
     // control_treeview_input.cpp: keys, pen, label editing
-    LRESULT takeInput(UINT message, WPARAM wParam, LPARAM lParam);
-    void takeKey(int key);
+    void beginKeys() override;
+    void takeKey(int key) override;
     bool takeSign(int sign);
     void moveTo(int row);
-    void typed(WCHAR character);
+    void typed(WCHAR character) override;
     void findTyped();
     void turnCheck(HTREEITEM item);
-    void penDown(POINT point);
-    void penMoved(POINT point);
-    void penUp(POINT point);
-    void doubleTap(POINT point);
-    void releasePen();
+    void penDown(POINT point) override;
+    void penMoved(POINT point) override;
+    void penUp(POINT point) override;
+    void doubleTap(POINT point) override;
+    void releasePen() override;
+    void editCurrentLabel() override
+    {
+        editLabel(m_chosen);
+    }
     HWND editLabel(HTREEITEM item);
     void labelEdited(bool keep);
 
@@ -172,14 +188,7 @@ class TreeView final : public NotifyingControl
     HFONT m_bold = nullptr;
     int m_indent = 0; ///< that a host asked for
     int m_ownHeight = 0;
-    int m_rowHeight = 1;
-    int m_top = 0;
-    int m_left = 0;
-    Bar m_bars[2]; ///< as the window knows them
-    bool m_arranging = false;
     bool m_sorting = false;
-    TypeAhead m_typed;
-    LabelEdit m_edit;
     HTREEITEM m_edited = nullptr;
 
     /// The pen since it went down.

@@ -2,74 +2,19 @@
 #include "platform/linux/control_treeview.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <utility>
 
 namespace zb::internal
 {
-namespace
-{
-constexpr UINT_PTR editTimer = 0xFFD4;
-constexpr UINT editTime = 500; // milliseconds: as long a tap may still become the first of two
+// --- Keys ------------------------------------------------------------------------------------------------------------
 
-bool isFar(POINT one, POINT other)
+void TreeView::beginKeys()
 {
-    const int near = scaledPixels(5);
-    return std::abs(one.x - other.x) > near || std::abs(one.y - other.y) > near;
-}
-} // namespace
-
-LRESULT TreeView::takeInput(UINT message, WPARAM wParam, LPARAM lParam)
-{
-    switch (message)
+    if (m_chosen == nullptr && rowCount() > 0)
     {
-    case WM_GETDLGCODE:
-        return DLGC_WANTARROWS | DLGC_WANTCHARS;
-    case WM_KEYDOWN:
-        takeKey(static_cast<int>(wParam));
-        return 0;
-    case WM_CHAR:
-        typed(static_cast<WCHAR>(wParam));
-        return 0;
-    case WM_LBUTTONDOWN:
-        penDown(penPlace(lParam));
-        return 0;
-    case WM_LBUTTONDBLCLK:
-        doubleTap(penPlace(lParam));
-        return 0;
-    case WM_MOUSEMOVE:
-        penMoved(penPlace(lParam));
-        return 0;
-    case WM_LBUTTONUP:
-        penUp(penPlace(lParam));
-        return 0;
-    case WM_CAPTURECHANGED:
-        releasePen();
-        return 0;
-    case WM_TIMER:
-        KillTimer(window(), editTimer);
-        editLabel(m_chosen);
-        return 0;
-    case WM_SETFOCUS:
-        if (m_chosen == nullptr && rowCount() > 0)
-        {
-            choose(rowAt(0), TVC_UNKNOWN); // where keys begin
-        }
-        refresh();
-        notify(NM_SETFOCUS);
-        return 0;
-    case WM_KILLFOCUS:
-        KillTimer(window(), editTimer);
-        refresh();
-        releasePen();
-        notify(NM_KILLFOCUS);
-        return 0;
-    default:
-        return takeCommon(message, wParam, lParam);
+        choose(rowAt(0), TVC_UNKNOWN);
     }
 }
-
-// --- Keys --------------------------------------------------------------------------------------------------------------
 
 void TreeView::moveTo(int row)
 {
@@ -81,7 +26,7 @@ void TreeView::moveTo(int row)
 
 void TreeView::takeKey(int key)
 {
-    KillTimer(window(), editTimer);
+    editNoMore();
     NMTVKEYDOWN record{};
     record.wVKey = static_cast<WORD>(key);
     notify(TVN_KEYDOWN, record.hdr);
@@ -171,11 +116,10 @@ bool TreeView::takeSign(int sign)
 void TreeView::typed(WCHAR character)
 {
     const int sign = character == u'+' ? VK_ADD : character == u'-' ? VK_SUBTRACT : character == u'*' ? VK_MULTIPLY : 0;
-    if ((sign != 0 && takeSign(sign)) || (character == u' ' && !m_typed.isTyping()) || !m_typed.take(character))
+    if ((sign == 0 || !takeSign(sign)) && m_typed.take(character))
     {
-        return;
+        findTyped();
     }
-    findTyped();
 }
 
 /// Among the open rows, from the chosen one on and around.
@@ -206,11 +150,11 @@ void TreeView::turnCheck(HTREEITEM item)
     }
 }
 
-// --- Pen ---------------------------------------------------------------------------------------------------------------
+// --- Pen -------------------------------------------------------------------------------------------------------------
 
 void TreeView::penDown(POINT point)
 {
-    KillTimer(window(), editTimer);
+    editNoMore();
     const bool hadFocus = hasFocus();
     SetFocus(window());
     if (isGone())
@@ -274,13 +218,13 @@ void TreeView::penUp(POINT)
     const bool stops = notify(NM_CLICK) != 0;
     if (!stops && press.edits && press.item == m_chosen && (style() & TVS_EDITLABELS) != 0 && !isGone())
     {
-        SetTimer(window(), editTimer, editTime, nullptr);
+        editSoon();
     }
 }
 
 void TreeView::doubleTap(POINT point)
 {
-    KillTimer(window(), editTimer);
+    editNoMore();
     TVHITTESTINFO hit{point, 0, nullptr};
     hitTest(hit);
     if (hit.flags == TVHT_ONITEMBUTTON)
@@ -308,11 +252,11 @@ void TreeView::releasePen()
     }
 }
 
-// --- Labels ------------------------------------------------------------------------------------------------------------
+// --- Labels ----------------------------------------------------------------------------------------------------------
 
 HWND TreeView::editLabel(HTREEITEM item)
 {
-    KillTimer(window(), editTimer);
+    editNoMore();
     m_edit.end(false);
     if (find(item) == nullptr || (style() & TVS_EDITLABELS) == 0 || isGone())
     {

@@ -1,4 +1,4 @@
-// Items of a tree view: the tree, their texts, opening, choosing and sorting them.
+// Items of a tree view: the tree, their texts, erasing and sorting them.
 #include "platform/linux/control_treeview.h"
 #include "platform/linux/merge_rows.h"
 
@@ -7,17 +7,6 @@
 
 namespace zb::internal
 {
-namespace
-{
-int compareTexts(std::u16string_view one, std::u16string_view other)
-{
-    constexpr DWORD withoutCase = 0x1;
-    return CompareStringW(LOCALE_USER_DEFAULT, withoutCase, one.data(), static_cast<int>(one.size()), other.data(),
-                          static_cast<int>(other.size())) -
-           CSTR_EQUAL;
-}
-} // namespace
-
 TreeView::Node *TreeView::find(HTREEITEM item) const
 {
     const auto found = m_nodes.find(item);
@@ -102,7 +91,7 @@ TreeView::Node *TreeView::nextTo(WPARAM which, HTREEITEM item)
     }
 }
 
-// --- Items -------------------------------------------------------------------------------------------------------------
+// --- Items -----------------------------------------------------------------------------------------------------------
 
 std::size_t TreeView::placeFor(Node &parent, HTREEITEM after, const std::u16string &text)
 {
@@ -258,9 +247,7 @@ bool TreeView::getItem(TVITEMW &wanted)
     }
     if ((wanted.mask & TVIF_TEXT) != 0 && wanted.pszText != nullptr && wanted.cchTextMax > 0)
     {
-        const std::u16string text = textOf(item);
-        const std::size_t copied = std::min(text.size(), static_cast<std::size_t>(wanted.cchTextMax) - 1);
-        *std::copy_n(text.begin(), copied, wanted.pszText) = 0;
+        putText(textOf(item), wanted.pszText, static_cast<std::size_t>(wanted.cchTextMax));
     }
     wanted.iImage = (wanted.mask & TVIF_IMAGE) != 0 ? imageOf(item, false) : wanted.iImage;
     wanted.iSelectedImage = (wanted.mask & TVIF_SELECTEDIMAGE) != 0 ? imageOf(item, true) : wanted.iSelectedImage;
@@ -289,7 +276,7 @@ TVITEMW TreeView::about(HTREEITEM item) const
     return told;
 }
 
-// --- Erasing -----------------------------------------------------------------------------------------------------------
+// --- Erasing ---------------------------------------------------------------------------------------------------------
 
 bool TreeView::erase(HTREEITEM item)
 {
@@ -392,150 +379,7 @@ void TreeView::eraseBelow(Node &top, bool itself)
     }
 }
 
-// --- Choosing and opening ----------------------------------------------------------------------------------------------
-
-bool TreeView::choose(HTREEITEM item, UINT how)
-{
-    if (item != nullptr && find(item) == nullptr)
-    {
-        return false;
-    }
-    if (item == m_chosen)
-    {
-        return true;
-    }
-    NMTREEVIEWW record{};
-    record.action = how;
-    record.itemOld = about(m_chosen);
-    record.itemNew = about(item);
-    if (notify(TVN_SELCHANGINGW, record.hdr) != 0 || isGone() || (item != nullptr && find(item) == nullptr))
-    {
-        return false;
-    }
-    const HTREEITEM former = std::exchange(m_chosen, item);
-    redraw(former);
-    if (item != nullptr)
-    {
-        openAbove(item);
-        show(item);
-        redraw(item);
-    }
-    record.itemOld = about(former);
-    record.itemNew = about(item);
-    notify(TVN_SELCHANGEDW, record.hdr);
-    return true;
-}
-
-bool TreeView::expand(HTREEITEM item, WPARAM how, By by)
-{
-    const Node *node = find(item);
-    if (node == nullptr)
-    {
-        return false;
-    }
-    const bool isOpen = (node->state & TVIS_EXPANDED) != 0;
-    const WPARAM step = how & TVE_TOGGLE;
-    const bool opens = step == TVE_EXPAND || (step == TVE_TOGGLE && !isOpen);
-    if (step == 0)
-    {
-        return false;
-    }
-    const bool done = opens != isOpen && setOpen(item, opens, by);
-    if (!opens && (how & TVE_COLLAPSERESET) != 0)
-    {
-        if (Node *reset = find(item); reset != nullptr)
-        {
-            eraseBelow(*reset, false);
-            reset = find(item);
-            if (reset != nullptr)
-            {
-                reset->state &= ~(TVIS_EXPANDED | TVIS_EXPANDEDONCE);
-            }
-        }
-    }
-    return done;
-}
-
-bool TreeView::setOpen(HTREEITEM item, bool open, By by)
-{
-    if (open && !hasChildren(item))
-    {
-        return false;
-    }
-    const Node *before = find(item);
-    if (before == nullptr)
-    {
-        return false;
-    }
-    const bool tells = by == By::User || (open && (before->state & TVIS_EXPANDEDONCE) == 0);
-    NMTREEVIEWW record{};
-    record.action = static_cast<UINT>(open ? TVE_EXPAND : TVE_COLLAPSE);
-    record.itemNew = about(item);
-    if (tells && notify(TVN_ITEMEXPANDINGW, record.hdr) != 0)
-    {
-        return false;
-    }
-    Node *node = find(item);
-    if (node == nullptr || isGone())
-    {
-        return false;
-    }
-    // Whether there really is something below has only been settled now.
-    node->state = open && !node->children.empty() ? node->state | TVIS_EXPANDED | TVIS_EXPANDEDONCE
-                                                  : node->state & ~TVIS_EXPANDED;
-    if (open && (style() & TVS_SINGLEEXPAND) != 0)
-    {
-        for (Node *sibling : node->parent->children)
-        {
-            sibling->state &= sibling == node ? ~0U : ~TVIS_EXPANDED;
-        }
-    }
-    changed();
-    if (const Node *chosen = find(m_chosen); !open && chosen != nullptr && isBelow(*chosen, *node))
-    {
-        choose(item, TVC_UNKNOWN);
-    }
-    if (tells && find(item) != nullptr)
-    {
-        record.itemNew = about(item);
-        notify(TVN_ITEMEXPANDEDW, record.hdr);
-    }
-    return true;
-}
-
-void TreeView::openAbove(HTREEITEM item)
-{
-    std::vector<HTREEITEM> above;
-    for (const Node *node = find(item); node != nullptr && node->parent != &m_root && node->parent != nullptr;
-         node = node->parent)
-    {
-        above.push_back(node->parent->handle);
-    }
-    for (auto one = above.rbegin(); one != above.rend(); ++one)
-    {
-        expand(*one, TVE_EXPAND, By::Message);
-    }
-}
-
-void TreeView::openAllBelow(HTREEITEM item)
-{
-    std::vector<HTREEITEM> open{item};
-    while (!open.empty() && !isGone())
-    {
-        const HTREEITEM one = open.back();
-        open.pop_back();
-        expand(one, TVE_EXPAND, By::User);
-        if (const Node *node = find(one); node != nullptr)
-        {
-            for (const Node *child : node->children)
-            {
-                open.push_back(child->handle);
-            }
-        }
-    }
-}
-
-// --- Sorting -----------------------------------------------------------------------------------------------------------
+// --- Sorting ---------------------------------------------------------------------------------------------------------
 
 bool TreeView::sortByText(HTREEITEM parent)
 {
@@ -557,7 +401,8 @@ bool TreeView::sortByText(HTREEITEM parent)
     {
         return false;
     }
-    mergeRows(again->children, [&](const Node *one, const Node *other) { return compareTexts(texts[one], texts[other]); });
+    mergeRows(again->children,
+              [&](const Node *one, const Node *other) { return compareTexts(texts[one], texts[other]); });
     again->isNumbered = false;
     changed();
     return true;

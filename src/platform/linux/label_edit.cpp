@@ -6,17 +6,6 @@
 
 namespace zb::internal
 {
-namespace
-{
-std::u16string textOf(HWND window)
-{
-    std::u16string text(static_cast<std::size_t>(GetWindowTextLengthW(window)) + 1, u'\0');
-    const int length = GetWindowTextW(window, text.data(), static_cast<int>(text.size()));
-    text.erase(static_cast<std::size_t>(length));
-    return text;
-}
-} // namespace
-
 HWND LabelEdit::make(HWND owner, const std::u16string &text, HFONT font)
 {
     drop();
@@ -48,13 +37,9 @@ void LabelEdit::show(const RECT &label, const RECT &within)
 
 void LabelEdit::layOut() const
 {
-    const std::u16string text = textOf(m_edit);
-    const HDC context = GetDC(m_edit);
-    const HGDIOBJ former = SelectObject(context, reinterpret_cast<HFONT>(SendMessageW(m_edit, WM_GETFONT, 0, 0)));
-    SIZE size{};
-    GetTextExtentPoint32W(context, text.c_str(), static_cast<int>(text.size()), &size);
-    SelectObject(context, former);
-    ReleaseDC(m_edit, context);
+    const std::u16string text = textOfWindow(m_edit);
+    const auto font = reinterpret_cast<HFONT>(SendMessageW(m_edit, WM_GETFONT, 0, 0));
+    const SIZE size = TextMeasure(font).sizeOf(text);
     const int wanted = size.cx + scaledPixels(24);
     const int height = std::max<int>(m_label.bottom - m_label.top, size.cy + 2 * scaledPixels(2));
     const int room = static_cast<int>(m_within.right - m_within.left);
@@ -80,7 +65,7 @@ void LabelEdit::end(bool keep)
         return;
     }
     const HWND owner = m_owner;
-    m_text = textOf(edit);
+    m_text = textOfWindow(edit);
     if (GetFocus() == edit)
     {
         SetFocus(owner);

@@ -60,8 +60,8 @@ void openAbove(HWND window, HMENU menu, int half)
 {
     const RECT bar = barOnScreen(window);
     showPressed(window, half);
-    TrackPopupMenuEx(menu, TPM_BOTTOMALIGN | (half == 0 ? TPM_LEFTALIGN : TPM_RIGHTALIGN), half == 0 ? bar.left : bar.right,
-                     bar.top, window, nullptr);
+    TrackPopupMenuEx(menu, TPM_BOTTOMALIGN | (half == 0 ? TPM_LEFTALIGN : TPM_RIGHTALIGN),
+                     half == 0 ? bar.left : bar.right, bar.top, window, nullptr);
     showPressed(window, -1);
 }
 
@@ -92,8 +92,7 @@ bool heldUntilLifted(HWND window, const RECT &place, int half)
     {
         if (message.hwnd == window && (message.message == WM_MOUSEMOVE || message.message == WM_LBUTTONUP))
         {
-            POINT point{static_cast<SHORT>(LOWORD(static_cast<DWORD_PTR>(message.lParam))),
-                        static_cast<SHORT>(HIWORD(static_cast<DWORD_PTR>(message.lParam)))};
+            POINT point = penPlace(message.lParam);
             ClientToScreen(window, &point);
             const bool now = PtInRect(&place, point) != FALSE;
             if (now != within)
@@ -123,7 +122,9 @@ void drawHalf(HDC context, const RECT &half, const MenuEntry &entry, bool presse
     {
         FillRect(context, &half, GetSysColorBrush(COLOR_HIGHLIGHT));
     }
-    SetTextColor(context, GetSysColor(entry.isGrayed() ? COLOR_GRAYTEXT : pressed ? COLOR_HIGHLIGHTTEXT : COLOR_BTNTEXT));
+    SetTextColor(context, GetSysColor(entry.isGrayed() ? COLOR_GRAYTEXT
+                                      : pressed        ? COLOR_HIGHLIGHTTEXT
+                                                       : COLOR_BTNTEXT));
     RECT words = half;
     InflateRect(&words, -(half.bottom - half.top) / 5, 0);
     DrawTextW(context, entry.text.c_str(), -1, &words, DT_SINGLELINE | DT_VCENTER | DT_CENTER | DT_END_ELLIPSIS);
@@ -204,7 +205,8 @@ bool zb::setMenuBar(HWND window, HMENU menu)
         }
         object->menuBar = menu;
     }
-    SetWindowPos(window, nullptr, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE | SWP_FRAMECHANGED);
+    SetWindowPos(window, nullptr, 0, 0, 0, 0,
+                 SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE | SWP_FRAMECHANGED);
     return true;
 }
 

@@ -1,7 +1,7 @@
 // Menus on the screen: pop-ups that follow pen and keys until something is chosen.
 //
-// The first pop-up of a menu holds the capture as long as the menu is up, so every tap comes to it, wherever it goes; the
-// window that has the focus keeps it, and its keys are taken out of the thread's queue before they reach it.
+// The first pop-up of a menu holds the capture as long as the menu is up, so every tap comes to it, wherever it goes;
+// the window that has the focus keeps it, and its keys are taken out of the thread's queue before they reach it.
 #include "platform/kernel.h"
 #include "platform/linux/control.h"
 #include "platform/linux/device_state.h"
@@ -195,8 +195,8 @@ class Tracking
     {
         const SIZE size = level->view.size();
         level->place = {at.x, at.y, at.x + size.cx, at.y + size.cy};
-        level->window = CreateWindowExW(WS_EX_TOPMOST | WS_EX_NOACTIVATE, popupClass, u"", WS_POPUP, at.x, at.y, size.cx,
-                                        size.cy, nullptr, nullptr, nullptr, nullptr);
+        level->window = CreateWindowExW(WS_EX_TOPMOST | WS_EX_NOACTIVATE, popupClass, u"", WS_POPUP, at.x, at.y,
+                                        size.cx, size.cy, nullptr, nullptr, nullptr, nullptr);
         SetWindowLongW(level->window, GWL_USERDATA, reinterpret_cast<LONG_PTR>(level.get()));
         ShowWindow(level->window, SW_SHOWNA);
         m_levels.push_back(std::move(level));
@@ -371,8 +371,7 @@ class Tracking
 
     bool takePen(const MSG &message)
     {
-        POINT point{static_cast<SHORT>(LOWORD(static_cast<DWORD_PTR>(message.lParam))),
-                    static_cast<SHORT>(HIWORD(static_cast<DWORD_PTR>(message.lParam)))};
+        POINT point = penPlace(message.lParam);
         ClientToScreen(message.hwnd, &point);
         switch (message.message)
         {
@@ -553,7 +552,8 @@ class Tracking
         {
             left = level.place.left - size.cx + border;
         }
-        open(std::move(fresh), {inside(left, size.cx, screen.cx), inside(level.place.top + box.top, size.cy, screen.cy)});
+        open(std::move(fresh),
+             {inside(left, size.cx, screen.cx), inside(level.place.top + box.top, size.cy, screen.cy)});
         if (byKey)
         {
             select(deepest(), deepest().view.next(MenuView::none, 1));

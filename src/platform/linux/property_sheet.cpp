@@ -18,11 +18,6 @@ namespace
 constexpr int tabId = 0x3020;
 constexpr UINT firstWord = 60000; ///< words of buttons in the texts: this and the button's id
 
-bool isHeld(int key)
-{
-    return (GetKeyState(key) & 0x8000) != 0;
-}
-
 class Sheet
 {
   public:
@@ -232,11 +227,11 @@ class Sheet
     {
         showFocus();
         const bool isOwn = message.hwnd == m_window || IsChild(m_window, message.hwnd) != FALSE;
-        if (!isOwn || message.message != WM_KEYDOWN || !isHeld(VK_CONTROL) || isHeld(VK_MENU))
+        if (!isOwn || message.message != WM_KEYDOWN || !isKeyHeld(VK_CONTROL) || isKeyHeld(VK_MENU))
         {
             return false;
         }
-        const bool back = message.wParam == VK_PRIOR || (message.wParam == VK_TAB && isHeld(VK_SHIFT));
+        const bool back = message.wParam == VK_PRIOR || (message.wParam == VK_TAB && isKeyHeld(VK_SHIFT));
         if (!back && message.wParam != VK_TAB && message.wParam != VK_NEXT)
         {
             return false;

@@ -1,6 +1,7 @@
 #include "platform/linux/scroll_bars.h"
 
 #include "platform/controls.h"
+#include "platform/linux/message_values.h"
 
 #include <algorithm>
 
@@ -103,8 +104,7 @@ class Tracking
         }
         if (message.message == WM_MOUSEMOVE || message.message == WM_LBUTTONUP)
         {
-            POINT point{static_cast<SHORT>(LOWORD(static_cast<DWORD_PTR>(message.lParam))),
-                        static_cast<SHORT>(HIWORD(static_cast<DWORD_PTR>(message.lParam)))};
+            POINT point = penPlace(message.lParam);
             ClientToScreen(m_window, &point);
             m_offset = along(point);
             if (m_code == SB_THUMBTRACK)
@@ -336,7 +336,8 @@ FramePart framePartAt(HWND window, POINT point)
     const FrameLayout layout = layoutOf(*object);
     const int x = point.x - outer.left;
     const int y = point.y - outer.top;
-    const auto holds = [x, y](const Box &box) { return x >= box.left && x < box.right && y >= box.top && y < box.bottom; };
+    const auto holds = [x, y](const Box &box)
+    { return x >= box.left && x < box.right && y >= box.top && y < box.bottom; };
     const Box client = clientBox(*object);
     if (point.x >= client.left && point.x < client.right && point.y >= client.top && point.y < client.bottom)
     {
@@ -360,7 +361,8 @@ FramePart framePartAt(HWND window, POINT point)
 
 void paintBar(HDC context, const Box &box, bool vertical, const ScrollBar &bar)
 {
-    const BarLayout layout = vertical ? layoutOf(bar, box.height(), box.width()) : layoutOf(bar, box.width(), box.height());
+    const BarLayout layout =
+        vertical ? layoutOf(bar, box.height(), box.width()) : layoutOf(bar, box.width(), box.height());
     const auto part = [&](int from, int to)
     {
         return vertical ? RECT{box.left, box.top + from, box.right, box.top + to}
@@ -434,7 +436,8 @@ int SetScrollInfo(HWND window, int bar, const SCROLLINFO *info, BOOL redraw)
 {
     if (bar == SB_CTL)
     {
-        return static_cast<int>(SendMessageW(window, SBM_SETSCROLLINFO, static_cast<WPARAM>(redraw), reinterpret_cast<LPARAM>(info)));
+        return static_cast<int>(
+            SendMessageW(window, SBM_SETSCROLLINFO, static_cast<WPARAM>(redraw), reinterpret_cast<LPARAM>(info)));
     }
     const auto object = findWindow(window);
     if (object == nullptr || info == nullptr || !isBar(bar))

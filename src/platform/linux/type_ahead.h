@@ -1,4 +1,5 @@
-// Finding rows by what is typed: letters that follow each other within a second name the beginning of one.
+// Rows by their texts: how these compare, and finding one by what is typed. Letters that follow each other within a
+// second name the beginning of one.
 #pragma once
 
 #include "platform/clock.h"
@@ -10,11 +11,18 @@
 
 namespace zb::internal
 {
-inline bool isSameText(std::u16string_view one, std::u16string_view other)
+/// Without regard to case: below 0, 0, above 0.
+inline int compareTexts(std::u16string_view one, std::u16string_view other)
 {
     constexpr DWORD withoutCase = 0x1;
     return CompareStringW(LOCALE_USER_DEFAULT, withoutCase, one.data(), static_cast<int>(one.size()), other.data(),
-                          static_cast<int>(other.size())) == CSTR_EQUAL;
+                          static_cast<int>(other.size())) -
+           CSTR_EQUAL;
+}
+
+inline bool isSameText(std::u16string_view one, std::u16string_view other)
+{
+    return compareTexts(one, other) == 0;
 }
 
 inline bool beginsWith(std::u16string_view text, std::u16string_view beginning)
@@ -28,7 +36,10 @@ class TypeAhead
     /// False for what names nothing: controls, and a blank that is not inside a name.
     bool take(WCHAR character)
     {
-        forget();
+        if (isOver())
+        {
+            clear();
+        }
         if (character < u' ' || (character == u' ' && m_text.empty()))
         {
             return false;
@@ -47,10 +58,13 @@ class TypeAhead
     {
         return m_text.size() == 1;
     }
-    bool isTyping()
+    bool isTyping() const
     {
-        forget();
-        return !m_text.empty();
+        return !m_text.empty() && !isOver();
+    }
+    void clear()
+    {
+        m_text.clear();
     }
     const std::u16string &text() const
     {
@@ -58,13 +72,10 @@ class TypeAhead
     }
 
   private:
-    void forget()
+    bool isOver() const
     {
         constexpr DWORD longest = 1000; // milliseconds
-        if (GetTickCount() - m_time > longest)
-        {
-            m_text.clear();
-        }
+        return GetTickCount() - m_time > longest;
     }
     std::u16string m_text;
     DWORD m_time = 0;

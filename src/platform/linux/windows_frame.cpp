@@ -1,6 +1,7 @@
 // The frame of a window: border, title, scroll bars, and what the pen does with them.
 #include "platform/linux/device_state.h"
 #include "platform/linux/menu_state.h"
+#include "platform/linux/message_values.h"
 #include "platform/linux/scroll_bars.h"
 #include "platform/linux/windows_frame.h"
 
@@ -172,8 +173,7 @@ void paintFrame(HWND window)
 
 void penOnFrame(HWND window, WPARAM part, LPARAM where)
 {
-    const POINT point{static_cast<SHORT>(LOWORD(static_cast<DWORD_PTR>(where))),
-                      static_cast<SHORT>(HIWORD(static_cast<DWORD_PTR>(where)))};
+    const POINT point = penPlace(where);
     switch (static_cast<FramePart>(part))
     {
     case FramePart::VerticalBar:
