@@ -3,6 +3,7 @@
 #include "platform/image_list.h"
 #include "platform/resources.h"
 #include "support/DialogBytes.h"
+#include "support/PenAndKeys.h"
 #include "support/Picture.h"
 #include "support/ScreenWindow.h"
 #include "support/TestDevice.h"
@@ -13,6 +14,7 @@ namespace
 {
 using zb::test::ScreenWindow;
 using zb::test::settle;
+using zb::test::tapAt;
 using zb::test::TestDevice;
 
 constexpr COLORREF white = RGB(255, 255, 255);
@@ -35,23 +37,7 @@ class Buttons : public ::testing::Test
     /// Notification codes of WM_COMMAND from control 5, and then nothing.
     std::vector<int> codes()
     {
-        std::vector<int> all;
-        for (const auto &one : parent.told)
-        {
-            if (one.message == WM_COMMAND && LOWORD(one.wParam) == 5)
-            {
-                all.push_back(HIWORD(one.wParam));
-            }
-        }
-        parent.clear();
-        return all;
-    }
-    void tap(int x, int y)
-    {
-        zb::penDown(x, y);
-        settle();
-        zb::penUp(x, y);
-        settle();
+        return parent.takeCodes(5);
     }
     using Codes = std::vector<int>;
 
@@ -116,17 +102,17 @@ TEST_F(Buttons, ADisabledButtonTakesNothing)
 {
     const HWND button = make(BS_PUSHBUTTON);
     EnableWindow(button, FALSE);
-    tap(20, 20);
+    tapAt(20, 20);
     EXPECT_EQ(codes(), Codes{});
 }
 
 TEST_F(Buttons, CheckBoxesChangeByThemselvesOrNot)
 {
     const HWND automatic = make(BS_AUTOCHECKBOX);
-    tap(20, 20);
+    tapAt(20, 20);
     EXPECT_EQ(SendMessageW(automatic, BM_GETCHECK, 0, 0), 1);
     Sleep(600); // no double tap
-    tap(20, 20);
+    tapAt(20, 20);
     EXPECT_EQ(SendMessageW(automatic, BM_GETCHECK, 0, 0), 0);
     SendMessageW(automatic, BM_SETCHECK, 2, 0);
     EXPECT_EQ(SendMessageW(automatic, BM_GETCHECK, 0, 0), 1) << "it has two states";
@@ -250,11 +236,11 @@ TEST_F(Buttons, AStaticShowsAPictureByNumberAndGivesTheFormerBack)
 TEST_F(Buttons, AStaticTellsOfTapsOnlyWhenAsked)
 {
     make(SS_LEFT, 10, 10, 5, u"STATIC");
-    tap(20, 20);
+    tapAt(20, 20);
     EXPECT_EQ(codes(), Codes{});
     DestroyWindow(GetDlgItem(parent.window, 5));
     make(SS_LEFT | SS_NOTIFY, 10, 10, 5, u"STATIC");
-    tap(20, 20);
+    tapAt(20, 20);
     EXPECT_EQ(codes(), Codes{STN_CLICKED});
 }
 
@@ -269,7 +255,7 @@ TEST_F(Buttons, AButtonMayEndItselfInItsClick)
         }
         return false;
     };
-    tap(20, 20);
+    tapAt(20, 20);
     EXPECT_FALSE(IsWindow(button));
     const HWND again = make(BS_AUTORADIOBUTTON);
     SendMessageW(again, BM_CLICK, 0, 0);

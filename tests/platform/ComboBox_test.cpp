@@ -1,6 +1,7 @@
 // The combo box: its messages, what the parent hears, the list that drops down, keys and pen, in dialogs.
 #include "platform/controls.h"
 #include "support/DialogBytes.h"
+#include "support/PenAndKeys.h"
 #include "support/ScreenWindow.h"
 #include "support/TextStage.h"
 
@@ -8,8 +9,13 @@
 
 namespace
 {
+using zb::test::liftPen;
+using zb::test::pressKey;
+using zb::test::putPenDown;
 using zb::test::ScreenWindow;
 using zb::test::settle;
+using zb::test::tapAt;
+using zb::test::typeText;
 
 class ComboBoxes : public zb::test::TextTest
 {
@@ -52,44 +58,6 @@ class ComboBoxes : public zb::test::TextTest
     {
         return send(CB_GETDROPPEDSTATE) != 0;
     }
-    static void key(int one, int with = 0)
-    {
-        if (with != 0)
-        {
-            zb::keyDown(with);
-        }
-        zb::keyDown(one);
-        zb::keyUp(one);
-        settle();
-        if (with != 0)
-        {
-            zb::keyUp(with);
-            settle();
-        }
-    }
-    static void type(std::u16string_view characters)
-    {
-        for (const WCHAR character : characters)
-        {
-            zb::typeCharacter(character);
-        }
-        settle();
-    }
-    static void down(int x, int y)
-    {
-        zb::penDown(x, y);
-        settle();
-    }
-    static void up(int x, int y)
-    {
-        zb::penUp(x, y);
-        settle();
-    }
-    static void tap(int x, int y)
-    {
-        down(x, y);
-        up(x, y);
-    }
     /// A row of the list below the field: its frame shares a line with the field's.
     static int yOfRow(int row)
     {
@@ -97,17 +65,7 @@ class ComboBoxes : public zb::test::TextTest
     }
     std::vector<int> codes()
     {
-        std::vector<int> all;
-        for (const auto &one : parent.told)
-        {
-            if (one.message == WM_COMMAND && LOWORD(one.wParam) == 5)
-            {
-                EXPECT_EQ(reinterpret_cast<HWND>(one.lParam), combo);
-                all.push_back(HIWORD(one.wParam));
-            }
-        }
-        parent.clear();
-        return all;
+        return parent.takeCodes(5, combo);
     }
     using Codes = std::vector<int>;
     static inline const Codes chosen{CBN_SELENDOK, CBN_CLOSEUP, CBN_SELCHANGE};
@@ -174,13 +132,13 @@ TEST_F(ComboBoxes, SortedRows)
 TEST_F(ComboBoxes, TheEditAndItsText)
 {
     make(CBS_DROPDOWN, fruit);
-    type(u"ba");
+    typeText(u"ba");
     EXPECT_EQ(text(), u"ba");
     EXPECT_EQ(codes(), (Codes{CBN_EDITUPDATE, CBN_EDITCHANGE, CBN_EDITUPDATE, CBN_EDITCHANGE}));
     EXPECT_EQ(send(CB_GETCURSEL), CB_ERR);
-    type(u"nana");
+    typeText(u"nana");
     EXPECT_EQ(send(CB_GETCURSEL), 1) << "the text is a row";
-    type(u"s");
+    typeText(u"s");
     EXPECT_EQ(send(CB_GETCURSEL), CB_ERR);
     codes();
     send(CB_SETCURSEL, 3);
@@ -198,7 +156,7 @@ TEST_F(ComboBoxes, TheEditAndItsText)
     send(CB_LIMITTEXT, 3);
     send(CB_SETEDITSEL, 0, MAKELONG(0, static_cast<WORD>(-1)));
     EXPECT_EQ(codes(), Codes{});
-    type(u"pear");
+    typeText(u"pear");
     EXPECT_EQ(text(), u"pea");
     send(CB_RESETCONTENT);
     EXPECT_EQ(text(), u"");
@@ -207,7 +165,7 @@ TEST_F(ComboBoxes, TheEditAndItsText)
 TEST_F(ComboBoxes, LettersOfOneCase)
 {
     make(CBS_DROPDOWN | CBS_UPPERCASE);
-    type(u"ab");
+    typeText(u"ab");
     EXPECT_EQ(text(), u"AB");
 }
 
@@ -252,14 +210,14 @@ TEST_F(ComboBoxes, TheListOpensUpwardsWhereThereIsMoreRoom)
 TEST_F(ComboBoxes, KeysOfAClosedList)
 {
     make(CBS_DROPDOWNLIST, fruit);
-    key(VK_DOWN);
+    pressKey(VK_DOWN);
     EXPECT_EQ(send(CB_GETCURSEL), 0);
     EXPECT_EQ(codes(), (Codes{CBN_SELENDOK, CBN_SELCHANGE}));
-    key(VK_END);
+    pressKey(VK_END);
     EXPECT_EQ(send(CB_GETCURSEL), 3);
-    key(VK_UP);
+    pressKey(VK_UP);
     EXPECT_EQ(text(), u"blueberry");
-    type(u"b");
+    typeText(u"b");
     EXPECT_EQ(text(), u"banana") << "the next that begins so";
     EXPECT_FALSE(isOpen());
 }
@@ -268,25 +226,25 @@ TEST_F(ComboBoxes, KeysOpenAndChoose)
 {
     make(CBS_DROPDOWNLIST, fruit);
     send(CB_SETCURSEL, 1);
-    key(VK_F4);
+    pressKey(VK_F4);
     EXPECT_TRUE(isOpen());
     EXPECT_EQ(codes(), Codes{CBN_DROPDOWN});
-    key(VK_DOWN);
+    pressKey(VK_DOWN);
     EXPECT_EQ(codes(), Codes{}) << "nothing is chosen yet";
-    key(VK_RETURN);
+    pressKey(VK_RETURN);
     EXPECT_FALSE(isOpen());
     EXPECT_EQ(text(), u"blueberry");
     EXPECT_EQ(codes(), chosen);
-    key(VK_SPACE);
+    pressKey(VK_SPACE);
     EXPECT_TRUE(isOpen());
-    key(VK_UP);
-    key(VK_ESCAPE);
+    pressKey(VK_UP);
+    pressKey(VK_ESCAPE);
     EXPECT_FALSE(isOpen());
     EXPECT_EQ(text(), u"blueberry") << "as before";
     EXPECT_EQ(codes(), (Codes{CBN_DROPDOWN, CBN_SELENDCANCEL, CBN_CLOSEUP}));
-    key(VK_DOWN, VK_MENU);
+    pressKey(VK_DOWN, {VK_MENU});
     EXPECT_TRUE(isOpen());
-    key(VK_UP, VK_MENU);
+    pressKey(VK_UP, {VK_MENU});
     EXPECT_FALSE(isOpen());
     EXPECT_EQ(codes(), (Codes{CBN_DROPDOWN, CBN_SELENDOK, CBN_CLOSEUP, CBN_SELCHANGE}));
 }
@@ -297,9 +255,9 @@ TEST_F(ComboBoxes, KeysOfTheExtendedInterface)
     EXPECT_EQ(send(CB_GETEXTENDEDUI), 0);
     EXPECT_EQ(send(CB_SETEXTENDEDUI, 1), CB_OKAY);
     EXPECT_EQ(send(CB_GETEXTENDEDUI), 1);
-    key(VK_F4);
+    pressKey(VK_F4);
     EXPECT_FALSE(isOpen());
-    key(VK_DOWN);
+    pressKey(VK_DOWN);
     EXPECT_TRUE(isOpen());
     EXPECT_EQ(send(CB_GETCURSEL), CB_ERR);
 }
@@ -307,26 +265,26 @@ TEST_F(ComboBoxes, KeysOfTheExtendedInterface)
 TEST_F(ComboBoxes, KeysOfAnEditWithAList)
 {
     make(CBS_DROPDOWN, fruit);
-    type(u"bl");
-    key(VK_DOWN);
+    typeText(u"bl");
+    pressKey(VK_DOWN);
     EXPECT_EQ(text(), u"blueberry") << "from the row that begins as the text does";
-    key(VK_UP);
+    pressKey(VK_UP);
     EXPECT_EQ(text(), u"banana");
-    key(VK_HOME);
-    key(VK_RIGHT);
+    pressKey(VK_HOME);
+    pressKey(VK_RIGHT);
     EXPECT_EQ(send(CB_GETEDITSEL), MAKELONG(1, 1)) << "these move the caret";
-    key(VK_F4);
+    pressKey(VK_F4);
     codes();
-    key(VK_DOWN);
+    pressKey(VK_DOWN);
     EXPECT_EQ(text(), u"blueberry");
-    key(VK_ESCAPE);
+    pressKey(VK_ESCAPE);
     EXPECT_EQ(text(), u"banana");
     EXPECT_EQ(codes(), leftAlone);
-    key(VK_F4);
+    pressKey(VK_F4);
     send(CB_SETEDITSEL, 0, MAKELONG(0, static_cast<WORD>(-1)));
-    type(u"plum");
+    typeText(u"plum");
     codes();
-    key(VK_RETURN);
+    pressKey(VK_RETURN);
     EXPECT_EQ(text(), u"plum") << "what was typed stays";
     EXPECT_EQ(send(CB_GETCURSEL), CB_ERR);
     EXPECT_EQ(codes(), leftAlone);
@@ -335,16 +293,16 @@ TEST_F(ComboBoxes, KeysOfAnEditWithAList)
 TEST_F(ComboBoxes, ATapOnTheFieldOpensAndOneOnARowChooses)
 {
     make(CBS_DROPDOWNLIST, fruit);
-    tap(30, 20);
+    tapAt(30, 20);
     EXPECT_TRUE(isOpen());
     EXPECT_EQ(codes(), Codes{CBN_DROPDOWN});
     EXPECT_EQ(zb::test::screenPixel(60, yOfRow(3) + 10), RGB(255, 255, 255));
-    tap(60, yOfRow(1));
+    tapAt(60, yOfRow(1));
     EXPECT_FALSE(isOpen());
     EXPECT_EQ(text(), u"banana");
     EXPECT_EQ(codes(), chosen);
-    tap(30, 20);
-    tap(60, yOfRow(1));
+    tapAt(30, 20);
+    tapAt(60, yOfRow(1));
     EXPECT_EQ(codes(), (Codes{CBN_DROPDOWN, CBN_SELENDOK, CBN_CLOSEUP, CBN_SELCHANGE}))
         << "told even when it is the same";
 }
@@ -352,10 +310,10 @@ TEST_F(ComboBoxes, ATapOnTheFieldOpensAndOneOnARowChooses)
 TEST_F(ComboBoxes, OneStrokeOpensAndChooses)
 {
     make(CBS_DROPDOWNLIST, fruit);
-    down(100, 20);
+    putPenDown(100, 20);
     zb::penMove(60, yOfRow(2));
     settle();
-    up(60, yOfRow(2));
+    liftPen(60, yOfRow(2));
     EXPECT_FALSE(isOpen());
     EXPECT_EQ(text(), u"blueberry");
 }
@@ -364,19 +322,19 @@ TEST_F(ComboBoxes, ATapBesideTheListClosesItAndIsNotPassedOn)
 {
     make(CBS_DROPDOWNLIST, fruit);
     send(CB_SETCURSEL, 2);
-    tap(30, 20);
-    key(VK_UP);
+    tapAt(30, 20);
+    pressKey(VK_UP);
     codes();
-    tap(200, 250);
+    tapAt(200, 250);
     EXPECT_FALSE(isOpen());
     EXPECT_EQ(parent.count(WM_LBUTTONDOWN), 0);
     EXPECT_EQ(codes(), leftAlone);
     EXPECT_EQ(text(), u"blueberry");
     EXPECT_EQ(GetCapture(), nullptr);
-    tap(30, 20);
-    tap(30, 20);
+    tapAt(30, 20);
+    tapAt(30, 20);
     EXPECT_FALSE(isOpen()) << "a second tap on the field closes";
-    tap(200, 250);
+    tapAt(200, 250);
     EXPECT_EQ(parent.count(WM_LBUTTONDOWN), 1);
 }
 
@@ -398,12 +356,12 @@ TEST_F(ComboBoxes, ATapOnTheEditBesideTheOpenListGoesThere)
 {
     make(CBS_DROPDOWN, fruit);
     SetWindowTextW(combo, u"abc");
-    tap(100, 20);
+    tapAt(100, 20);
     EXPECT_TRUE(isOpen());
-    tap(80, 20);
+    tapAt(80, 20);
     EXPECT_FALSE(isOpen());
     EXPECT_EQ(send(CB_GETEDITSEL), MAKELONG(3, 3));
-    type(u"d");
+    typeText(u"d");
     EXPECT_EQ(text(), u"abcd");
 }
 
@@ -422,11 +380,11 @@ TEST_F(ComboBoxes, TheListMayBeFilledWhenItOpens)
         }
         return false;
     };
-    key(VK_F4);
+    pressKey(VK_F4);
     EXPECT_EQ(send(CB_GETCOUNT), 2);
     EXPECT_EQ(send(CB_GETCURSEL), 1);
-    key(VK_UP);
-    key(VK_RETURN);
+    pressKey(VK_UP);
+    pressKey(VK_RETURN);
     EXPECT_EQ(text(), u"one");
 }
 
@@ -438,7 +396,7 @@ TEST_F(ComboBoxes, ManyRowsScroll)
         sendText(CB_ADDSTRING, 0, u"row");
     }
     send(CB_SETCURSEL, 30);
-    key(VK_F4);
+    pressKey(VK_F4);
     EXPECT_EQ(send(CB_GETTOPINDEX), 28) << "the chosen one in the middle of five";
     // The arrow at the lower end of the bar.
     zb::penDown(103, 31 + 102 - 5);
@@ -447,7 +405,7 @@ TEST_F(ComboBoxes, ManyRowsScroll)
     EXPECT_TRUE(isOpen());
     EXPECT_EQ(send(CB_GETTOPINDEX), 29);
     EXPECT_EQ(send(CB_SETTOPINDEX, 3), 0);
-    tap(60, yOfRow(1));
+    tapAt(60, yOfRow(1));
     EXPECT_EQ(send(CB_GETCURSEL), 4);
 }
 
@@ -455,7 +413,7 @@ TEST_F(ComboBoxes, FocusIsToldOnceForAllItsParts)
 {
     make(CBS_DROPDOWN, fruit);
     EXPECT_EQ(GetParent(GetFocus()), combo) << "the edit has it";
-    key(VK_F4);
+    pressKey(VK_F4);
     codes();
     SetFocus(parent.window);
     settle();
@@ -471,15 +429,15 @@ TEST_F(ComboBoxes, ASimpleOneShowsItsListAlways)
     RECT box{};
     GetWindowRect(combo, &box);
     EXPECT_EQ(box.bottom, 10 + 124);
-    key(VK_DOWN);
+    pressKey(VK_DOWN);
     EXPECT_EQ(text(), u"apple");
     EXPECT_EQ(codes(), (Codes{CBN_SELENDOK, CBN_SELCHANGE}));
-    tap(60, yOfRow(2));
+    tapAt(60, yOfRow(2));
     EXPECT_EQ(text(), u"blueberry");
     EXPECT_EQ(codes(), (Codes{CBN_SELENDOK, CBN_SELCHANGE}));
-    tap(60, yOfRow(2));
+    tapAt(60, yOfRow(2));
     EXPECT_EQ(codes(), Codes{CBN_DBLCLK});
-    key(VK_F4);
+    pressKey(VK_F4);
     EXPECT_FALSE(isOpen());
     EXPECT_EQ(GetParent(GetFocus()), combo);
 }
@@ -487,10 +445,10 @@ TEST_F(ComboBoxes, ASimpleOneShowsItsListAlways)
 TEST_F(ComboBoxes, ADisabledOneTakesNothing)
 {
     make(CBS_DROPDOWNLIST, fruit);
-    key(VK_F4);
+    pressKey(VK_F4);
     EnableWindow(combo, FALSE);
     EXPECT_FALSE(isOpen());
-    tap(30, 20);
+    tapAt(30, 20);
     EXPECT_FALSE(isOpen());
 }
 
@@ -501,7 +459,7 @@ TEST_F(ComboBoxes, AHostMayEndItInAnswer)
     {
         for (const int one : keys)
         {
-            key(one);
+            pressKey(one);
         }
     };
     const std::tuple<WORD, DWORD, Steps> ways[] = {
@@ -519,12 +477,12 @@ TEST_F(ComboBoxes, AHostMayEndItInAnswer)
              go({VK_F4, VK_DOWN, VK_RETURN});
          }},
         {CBN_SELCHANGE, CBS_DROPDOWNLIST, [&] { go({VK_END}); }},
-        {CBN_SELENDOK, CBS_DROPDOWNLIST, [&] { type(u"c"); }},
-        {CBN_SELCHANGE, CBS_SIMPLE, [&] { tap(60, yOfRow(2)); }},
-        {CBN_SELENDCANCEL, CBS_DROPDOWNLIST, [&] { tap(30, 20), tap(200, 250); }},
-        {CBN_SELCHANGE, CBS_DROPDOWNLIST, [&] { tap(30, 20), tap(60, yOfRow(1)); }},
-        {CBN_EDITUPDATE, CBS_DROPDOWN, [&] { type(u"a"); }},
-        {CBN_EDITCHANGE, CBS_DROPDOWN, [&] { type(u"a"); }},
+        {CBN_SELENDOK, CBS_DROPDOWNLIST, [&] { typeText(u"c"); }},
+        {CBN_SELCHANGE, CBS_SIMPLE, [&] { tapAt(60, yOfRow(2)); }},
+        {CBN_SELENDCANCEL, CBS_DROPDOWNLIST, [&] { tapAt(30, 20), tapAt(200, 250); }},
+        {CBN_SELCHANGE, CBS_DROPDOWNLIST, [&] { tapAt(30, 20), tapAt(60, yOfRow(1)); }},
+        {CBN_EDITUPDATE, CBS_DROPDOWN, [&] { typeText(u"a"); }},
+        {CBN_EDITCHANGE, CBS_DROPDOWN, [&] { typeText(u"a"); }},
         {CBN_CLOSEUP, CBS_DROPDOWNLIST, [&] { go({VK_F4}), EnableWindow(combo, FALSE); }},
         {CBN_KILLFOCUS, CBS_DROPDOWN, [&] { SetFocus(parent.window); }}};
     for (const auto &[code, style, steps] : ways)

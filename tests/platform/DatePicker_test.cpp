@@ -1,5 +1,6 @@
 // The date picker: messages, fields under keys and pen, and the month that drops down.
 #include "platform/date_picker.h"
+#include "support/PenAndKeys.h"
 #include "support/ScreenWindow.h"
 #include "support/TextStage.h"
 
@@ -8,8 +9,11 @@
 
 namespace
 {
+using zb::test::pressKey;
 using zb::test::ScreenWindow;
 using zb::test::settle;
+using zb::test::tapAt;
+using zb::test::typeText;
 
 std::string text(const SYSTEMTIME &moment)
 {
@@ -85,40 +89,12 @@ class DatePickers : public zb::test::TextTest
         const LRESULT kind = send(DTM_GETSYSTEMTIME, 0, reinterpret_cast<LPARAM>(&moment));
         return kind == static_cast<LRESULT>(GDT_VALID) ? text(moment) : "none";
     }
-    static void keys(std::initializer_list<int> all, int held = 0)
+    static void keys(std::initializer_list<int> all, std::initializer_list<int> held = {})
     {
-        if (held != 0)
-        {
-            zb::keyDown(held);
-        }
         for (const int key : all)
         {
-            zb::keyDown(key);
-            settle();
-            zb::keyUp(key);
-            settle();
+            pressKey(key, held);
         }
-        if (held != 0)
-        {
-            zb::keyUp(held);
-        }
-        settle();
-    }
-    static void type(std::u16string_view characters)
-    {
-        for (const WCHAR character : characters)
-        {
-            zb::typeCharacter(character);
-        }
-        settle();
-    }
-    /// On the screen.
-    static void tap(int x, int y)
-    {
-        zb::penDown(x, y);
-        settle();
-        zb::penUp(x, y);
-        settle();
     }
     HWND month() const
     {
@@ -129,7 +105,7 @@ class DatePickers : public zb::test::TextTest
     {
         POINT point{x, y};
         ClientToScreen(month(), &point);
-        tap(point.x, point.y);
+        tapAt(point.x, point.y);
     }
     std::vector<int> takeCodes()
     {
@@ -222,75 +198,75 @@ TEST_F(DatePickers, ArrowsChangeTheMarkedField)
 TEST_F(DatePickers, DigitsFillFieldsAndGoOn)
 {
     make(DTS_SHORTDATECENTURYFORMAT, at(2026, 1, 31));
-    type(u"2"); // no month begins with it but this one
+    typeText(u"2"); // no month begins with it but this one
     EXPECT_EQ(shown(), "2026-02-28 00:00:00");
-    type(u"14");
+    typeText(u"14");
     EXPECT_EQ(shown(), "2026-02-14 00:00:00");
-    type(u"1999");
+    typeText(u"1999");
     EXPECT_EQ(shown(), "1999-02-14 00:00:00");
     EXPECT_EQ(takeCodes(), (Codes{changed, changed, changed}));
     keys({VK_LEFT, VK_LEFT});
-    type(u"1/");
+    typeText(u"1/");
     EXPECT_EQ(shown(), "1999-01-14 00:00:00") << "a separator ends a field";
-    type(u"0");
-    type(u"\b3");
+    typeText(u"0");
+    typeText(u"\b3");
     EXPECT_EQ(shown(), "1999-01-14 00:00:00") << "not yet all of it";
     keys({VK_RIGHT});
     EXPECT_EQ(shown(), "1999-01-03 00:00:00");
-    type(u"29");
+    typeText(u"29");
     SetFocus(parent.window);
     EXPECT_EQ(shown(), "2029-01-03 00:00:00") << "two digits of a year";
     SetFocus(picker);
-    type(u"30");
+    typeText(u"30");
     keys({VK_LEFT});
     EXPECT_EQ(shown(), "1930-01-03 00:00:00");
-    type(u"99");
+    typeText(u"99");
     EXPECT_EQ(shown(), "1930-01-09 00:00:00") << "what can't follow begins anew";
 }
 
 TEST_F(DatePickers, ADayOfAMonthStillToCome)
 {
     make(0, at(2026, 2, 10), u"dd.MM.yyyy");
-    type(u"3103");
+    typeText(u"3103");
     EXPECT_EQ(shown(), "2026-03-31 00:00:00");
 }
 
 TEST_F(DatePickers, NamesByTheirFirstLetters)
 {
     make(DTS_LONGDATEFORMAT, at(2026, 3, 19)); // Thursday, March 19, 2026
-    type(u"s");
+    typeText(u"s");
     EXPECT_EQ(shown(), "2026-03-21 00:00:00") << "Saturday";
-    type(u"S");
+    typeText(u"S");
     EXPECT_EQ(shown(), "2026-03-22 00:00:00") << "Sunday";
     keys({VK_RIGHT});
-    type(u"a");
+    typeText(u"a");
     EXPECT_EQ(shown(), "2026-04-22 00:00:00");
-    type(u"a");
+    typeText(u"a");
     EXPECT_EQ(shown(), "2026-08-22 00:00:00");
-    type(u"x");
+    typeText(u"x");
     EXPECT_EQ(shown(), "2026-08-22 00:00:00");
 }
 
 TEST_F(DatePickers, Times)
 {
     make(DTS_TIMEFORMAT, at(2026, 3, 19, 15, 7, 30)); // 3:07:30 PM
-    type(u"11");
+    typeText(u"11");
     EXPECT_EQ(shown(), "2026-03-19 23:07:30") << "the half of the day stays";
-    type(u"12");
+    typeText(u"12");
     EXPECT_EQ(shown(), "2026-03-19 23:12:30");
-    type(u"7"); // no seconds begin with it
+    typeText(u"7"); // no seconds begin with it
     EXPECT_EQ(shown(), "2026-03-19 23:12:07");
-    type(u"a");
+    typeText(u"a");
     EXPECT_EQ(shown(), "2026-03-19 11:12:07");
     keys({VK_UP});
     EXPECT_EQ(shown(), "2026-03-19 23:12:07");
     keys({VK_LEFT, VK_LEFT, VK_LEFT, VK_UP});
     EXPECT_EQ(shown(), "2026-03-19 00:12:07");
-    type(u"12");
+    typeText(u"12");
     EXPECT_EQ(shown(), "2026-03-19 00:12:07") << "twelve at night";
-    tap(10 + 85, 21); // the arrow up
+    tapAt(10 + 85, 21); // the arrow up
     EXPECT_EQ(shown(), "2026-03-19 00:13:07") << "of the minutes, where the mark has gone";
-    tap(10 + 110, 21);
+    tapAt(10 + 110, 21);
     EXPECT_EQ(shown(), "2026-03-19 00:12:07");
     keys({VK_F4});
     EXPECT_EQ(month(), nullptr);
@@ -299,13 +275,13 @@ TEST_F(DatePickers, Times)
 TEST_F(DatePickers, ACheckBoxForNoDate)
 {
     make(DTS_SHOWNONE, at(2026, 3, 19));
-    tap(10 + 10, 21);
+    tapAt(10 + 10, 21);
     EXPECT_EQ(shown(), "none");
     EXPECT_EQ(told, "none");
     keys({VK_UP});
-    type(u"5");
+    typeText(u"5");
     EXPECT_EQ(takeCodes(), (Codes{changed}));
-    type(u" ");
+    typeText(u" ");
     EXPECT_EQ(told, "2026-03-19 00:00:00");
     EXPECT_EQ(send(DTM_SETSYSTEMTIME, GDT_NONE), 1);
     EXPECT_EQ(shown(), "none");
@@ -316,13 +292,13 @@ TEST_F(DatePickers, ACheckBoxForNoDate)
 TEST_F(DatePickers, ATapMarksAField)
 {
     make(DTS_SHORTDATECENTURYFORMAT, at(2026, 3, 19)); // "3/19/2026" from 4 on, 5 a letter
-    tap(10 + 4 + 12, 21);
+    tapAt(10 + 4 + 12, 21);
     keys({VK_UP});
     EXPECT_EQ(shown(), "2026-03-20 00:00:00");
-    tap(10 + 4 + 40, 21);
+    tapAt(10 + 4 + 40, 21);
     keys({VK_UP});
     EXPECT_EQ(shown(), "2027-03-20 00:00:00");
-    tap(10 + 3, 21);
+    tapAt(10 + 3, 21);
     keys({VK_UP});
     EXPECT_EQ(shown(), "2027-04-20 00:00:00");
 }
@@ -330,7 +306,7 @@ TEST_F(DatePickers, ATapMarksAField)
 TEST_F(DatePickers, TheMonthByPen)
 {
     make(0, at(2026, 3, 19, 8, 30));
-    tap(10 + 110, 21);
+    tapAt(10 + 110, 21);
     ASSERT_NE(month(), nullptr);
     RECT place{};
     GetWindowRect(month(), &place);
@@ -340,7 +316,7 @@ TEST_F(DatePickers, TheMonthByPen)
     EXPECT_EQ(shown(), "2026-03-02 08:30:00");
     EXPECT_EQ(month(), nullptr);
     EXPECT_EQ(takeCodes(), (Codes{-753, changed}));
-    tap(10 + 110, 21);
+    tapAt(10 + 110, 21);
     tapMonth(110, 14); // a month later
     tapMonth(200, 14); // a year later
     tapMonth(200, 14);
@@ -348,12 +324,12 @@ TEST_F(DatePickers, TheMonthByPen)
     EXPECT_EQ(takeCodes(), (Codes{-754})) << "nothing is taken by looking around";
     tapMonth(15, 59);
     EXPECT_EQ(shown(), "2027-03-28 08:30:00") << "the week in which April 2027 begins";
-    tap(10 + 110, 21);
+    tapAt(10 + 110, 21);
     tapMonth(100, 195); // today
     EXPECT_EQ(shown(), "2026-03-02 08:30:00");
-    tap(10 + 110, 21);
+    tapAt(10 + 110, 21);
     takeCodes();
-    tap(290, 290);
+    tapAt(290, 290);
     EXPECT_EQ(month(), nullptr);
     EXPECT_EQ(takeCodes(), (Codes{-753})) << "a tap beside gives up";
     zb::penDown(10 + 110, 21);
@@ -377,9 +353,9 @@ TEST_F(DatePickers, TheMonthByKeys)
     keys({VK_F4, VK_LEFT, VK_UP, VK_ESCAPE});
     EXPECT_EQ(shown(), "2026-05-31 00:00:00");
     EXPECT_EQ(month(), nullptr);
-    type(u" ");
+    typeText(u" ");
     ASSERT_NE(month(), nullptr);
-    keys({VK_PRIOR}, VK_CONTROL);
+    keys({VK_PRIOR}, {VK_CONTROL});
     keys({VK_HOME, VK_RIGHT, VK_DOWN, VK_SPACE});
     EXPECT_EQ(shown(), "2025-05-09 00:00:00");
     const SYSTEMTIME range[2] = {at(2025, 5, 5), at(2025, 5, 20)};

@@ -3,6 +3,7 @@
 #include "platform/clipboard.h"
 #include "platform/controls.h"
 #include "support/DialogBytes.h"
+#include "support/PenAndKeys.h"
 #include "support/ScreenWindow.h"
 #include "support/TextStage.h"
 
@@ -10,8 +11,10 @@
 
 namespace
 {
+using zb::test::pressKey;
 using zb::test::ScreenWindow;
 using zb::test::settle;
+using zb::test::typeText;
 
 constexpr int margin = 3;
 
@@ -74,31 +77,6 @@ class Edits : public zb::test::TextTest
         send(EM_GETSEL, reinterpret_cast<WPARAM>(&first), reinterpret_cast<LPARAM>(&last));
         return {static_cast<int>(first), static_cast<int>(last)};
     }
-    void key(int one, bool shift = false, bool control = false) const
-    {
-        for (const auto &[held, which] : {std::pair(shift, VK_SHIFT), std::pair(control, VK_CONTROL)})
-        {
-            if (held)
-            {
-                zb::keyDown(which);
-            }
-        }
-        settle();
-        zb::keyDown(one);
-        settle();
-        zb::keyUp(one);
-        zb::keyUp(VK_SHIFT);
-        zb::keyUp(VK_CONTROL);
-        settle();
-    }
-    void type(std::u16string_view characters) const
-    {
-        for (const WCHAR character : characters)
-        {
-            zb::typeCharacter(character);
-        }
-        settle();
-    }
     /// At a place of the edit's client area.
     void pen(void (*what)(int, int), int x, int y) const
     {
@@ -109,17 +87,7 @@ class Edits : public zb::test::TextTest
     }
     std::vector<int> codes()
     {
-        std::vector<int> all;
-        for (const auto &one : parent.told)
-        {
-            if (one.message == WM_COMMAND && LOWORD(one.wParam) == 5)
-            {
-                EXPECT_EQ(one.lParam, reinterpret_cast<LPARAM>(edit));
-                all.push_back(HIWORD(one.wParam));
-            }
-        }
-        parent.clear();
-        return all;
+        return parent.takeCodes(5, edit);
     }
     using Codes = std::vector<int>;
     using Range = std::pair<int, int>;
@@ -181,7 +149,7 @@ TEST_F(Edits, SelectionByMessages)
     select(5, 2);
     EXPECT_EQ(selection(), Range(2, 5));
     focus();
-    key(VK_LEFT, true);
+    pressKey(VK_LEFT, {VK_SHIFT});
     EXPECT_EQ(selection(), Range(1, 5)) << "the end given first stays";
     SetWindowTextW(edit, u"e\u0301x");
     select(1, 3);
@@ -217,9 +185,9 @@ TEST_F(Edits, TheLimitHoldsForTheUserAlone)
     send(EM_LIMITTEXT, 3);
     EXPECT_EQ(send(EM_GETLIMITTEXT), 3);
     focus();
-    type(u"abc");
+    typeText(u"abc");
     codes();
-    type(u"d");
+    typeText(u"d");
     EXPECT_EQ(codes(), Codes{EN_MAXTEXT});
     EXPECT_EQ(text(), u"abc");
     select(0, 2);
@@ -231,7 +199,7 @@ TEST_F(Edits, TheLimitHoldsForTheUserAlone)
     send(EM_LIMITTEXT, 0);
     EXPECT_EQ(send(EM_GETLIMITTEXT), 0x7FFFFFFE);
     send(EM_LIMITTEXT, 7);
-    type(u"\U0001F600");
+    typeText(u"\U0001F600");
     EXPECT_EQ(text(), u"longer") << "half a character doesn't come in";
 }
 
@@ -239,50 +207,50 @@ TEST_F(Edits, KeysMoveByCharactersWordsAndLines)
 {
     makeLines(u"one two\r\nthree\r\n\r\nfour", 0, 20, 4);
     const auto at = [this](int place) { return selection() == Range(place, place); };
-    key(VK_RIGHT);
+    pressKey(VK_RIGHT);
     EXPECT_TRUE(at(1));
-    key(VK_RIGHT, false, true);
+    pressKey(VK_RIGHT, {VK_CONTROL});
     EXPECT_TRUE(at(4));
-    key(VK_END);
+    pressKey(VK_END);
     EXPECT_TRUE(at(7));
-    key(VK_RIGHT);
+    pressKey(VK_RIGHT);
     EXPECT_TRUE(at(9)) << "over both characters of the line end";
-    key(VK_LEFT);
+    pressKey(VK_LEFT);
     EXPECT_TRUE(at(7));
-    key(VK_DOWN);
+    pressKey(VK_DOWN);
     EXPECT_TRUE(at(14)) << "the line is shorter";
-    key(VK_DOWN);
+    pressKey(VK_DOWN);
     EXPECT_TRUE(at(16));
-    key(VK_UP);
-    key(VK_UP);
+    pressKey(VK_UP);
+    pressKey(VK_UP);
     EXPECT_TRUE(at(7)) << "the goal stays";
-    key(VK_LEFT, false, true);
+    pressKey(VK_LEFT, {VK_CONTROL});
     EXPECT_TRUE(at(4));
-    key(VK_HOME);
+    pressKey(VK_HOME);
     EXPECT_TRUE(at(0));
-    key(VK_END, false, true);
+    pressKey(VK_END, {VK_CONTROL});
     EXPECT_TRUE(at(22));
-    key(VK_HOME, false, true);
+    pressKey(VK_HOME, {VK_CONTROL});
     EXPECT_TRUE(at(0));
-    key(VK_NEXT);
+    pressKey(VK_NEXT);
     EXPECT_TRUE(at(18)) << "a page is one line less than can be seen";
-    key(VK_PRIOR);
+    pressKey(VK_PRIOR);
     EXPECT_TRUE(at(0));
 }
 
 TEST_F(Edits, ShiftSelectsAndAMoveEndsTheSelectionAtItsSide)
 {
     makeLines(u"one two\r\nthree", 0, 20);
-    key(VK_RIGHT, true);
-    key(VK_RIGHT, true, true);
+    pressKey(VK_RIGHT, {VK_SHIFT});
+    pressKey(VK_RIGHT, {VK_SHIFT, VK_CONTROL});
     EXPECT_EQ(selection(), Range(0, 4));
-    key(VK_DOWN, true);
+    pressKey(VK_DOWN, {VK_SHIFT});
     EXPECT_EQ(selection(), Range(0, 13));
-    key(VK_LEFT);
+    pressKey(VK_LEFT);
     EXPECT_EQ(selection(), Range(0, 0));
-    key(VK_END, true, true);
+    pressKey(VK_END, {VK_SHIFT, VK_CONTROL});
     EXPECT_EQ(selection(), Range(0, 14));
-    key(VK_RIGHT);
+    pressKey(VK_RIGHT);
     EXPECT_EQ(selection(), Range(14, 14));
 }
 
@@ -290,11 +258,11 @@ TEST_F(Edits, OnOneLineUpAndDownMoveByCharacters)
 {
     make(0, u"abc");
     focus();
-    key(VK_DOWN);
+    pressKey(VK_DOWN);
     EXPECT_EQ(selection(), Range(1, 1));
-    key(VK_UP);
+    pressKey(VK_UP);
     EXPECT_EQ(selection(), Range(0, 0));
-    key(VK_NEXT);
+    pressKey(VK_NEXT);
     EXPECT_EQ(selection(), Range(0, 0));
 }
 
@@ -302,12 +270,12 @@ TEST_F(Edits, TheEndOfABrokenLineStaysOnIt)
 {
     makeLines(u"aaaa bbbb cccc", 0, 10); // "aaaa bbbb " and "cccc"
     EXPECT_EQ(send(EM_GETLINECOUNT), 2);
-    key(VK_END);
+    pressKey(VK_END);
     EXPECT_EQ(selection(), Range(10, 10));
     EXPECT_EQ(send(EM_LINEINDEX, static_cast<WPARAM>(-1)), 0) << "the caret is on the first line";
-    key(VK_DOWN);
+    pressKey(VK_DOWN);
     EXPECT_EQ(selection(), Range(14, 14));
-    key(VK_HOME);
+    pressKey(VK_HOME);
     EXPECT_EQ(selection(), Range(10, 10));
     EXPECT_EQ(send(EM_LINEINDEX, static_cast<WPARAM>(-1)), 10);
 }
@@ -316,30 +284,30 @@ TEST_F(Edits, ErasingByKeys)
 {
     make(0, u"one two e\u0301x");
     focus();
-    key(VK_DELETE);
+    pressKey(VK_DELETE);
     EXPECT_EQ(text(), u"ne two e\u0301x");
-    key(VK_DELETE, false, true);
+    pressKey(VK_DELETE, {VK_CONTROL});
     EXPECT_EQ(text(), u"two e\u0301x");
-    key(VK_END);
-    key(VK_BACK);
-    key(VK_BACK);
+    pressKey(VK_END);
+    pressKey(VK_BACK);
+    pressKey(VK_BACK);
     EXPECT_EQ(text(), u"two ") << "a letter goes with its accent";
-    key(VK_BACK, false, true);
+    pressKey(VK_BACK, {VK_CONTROL});
     EXPECT_EQ(text(), u"");
     codes();
-    key(VK_BACK);
-    key(VK_DELETE);
+    pressKey(VK_BACK);
+    pressKey(VK_DELETE);
     EXPECT_EQ(codes(), Codes{}) << "there was nothing";
     SetWindowTextW(edit, u"abcd");
     select(1, 3);
-    key(VK_DELETE);
+    pressKey(VK_DELETE);
     EXPECT_EQ(text(), u"ad");
 }
 
 TEST_F(Edits, AKeyAndItsCharacterCountOnce)
 {
     makeLines(u"abc");
-    key(VK_END);
+    pressKey(VK_END);
     zb::keyDown(VK_BACK);
     zb::typeCharacter(8);
     settle();
@@ -365,21 +333,21 @@ TEST_F(Edits, CutCopyPasteAndTakingBack)
     make(0, u"abcdef");
     focus();
     select(1, 3);
-    key('C', false, true);
+    pressKey('C', {VK_CONTROL});
     EXPECT_EQ(zb::clipboardText(), u"bc");
-    key('X', false, true);
+    pressKey('X', {VK_CONTROL});
     EXPECT_EQ(text(), u"adef");
-    key(VK_END);
-    key('V', false, true);
+    pressKey(VK_END);
+    pressKey('V', {VK_CONTROL});
     EXPECT_EQ(text(), u"adefbc");
-    key('Z', false, true);
+    pressKey('Z', {VK_CONTROL});
     EXPECT_EQ(text(), u"adef");
-    key('Z', false, true);
+    pressKey('Z', {VK_CONTROL});
     EXPECT_EQ(text(), u"abcdef");
     EXPECT_EQ(selection(), Range(1, 3));
-    key('Y', false, true);
+    pressKey('Y', {VK_CONTROL});
     EXPECT_EQ(text(), u"adef");
-    key('A', false, true);
+    pressKey('A', {VK_CONTROL});
     EXPECT_EQ(selection(), Range(0, 4));
     codes();
     send(WM_COPY);
@@ -408,17 +376,17 @@ TEST_F(Edits, CharactersOfControlKeysWorkAsTheKeys)
 {
     make(0, u"ab");
     focus();
-    type(u"\x01\x03");
+    typeText(u"\x01\x03");
     EXPECT_EQ(zb::clipboardText(), u"ab");
-    type(u"\x18");
+    typeText(u"\x18");
     EXPECT_EQ(text(), u"");
-    type(u"\x16\x16");
+    typeText(u"\x16\x16");
     EXPECT_EQ(text(), u"abab");
-    type(u"\x1A");
+    typeText(u"\x1A");
     EXPECT_EQ(text(), u"ab");
-    type(u"\x19");
+    typeText(u"\x19");
     EXPECT_EQ(text(), u"abab");
-    type(u"\x1B\t\r\n");
+    typeText(u"\x1B\t\r\n");
     EXPECT_EQ(text(), u"abab") << "nothing else of these is text on one line";
 }
 
@@ -453,20 +421,20 @@ TEST_F(Edits, ReadOnlyTextCanBeCopiedAndNotChanged)
 {
     make(ES_READONLY, u"abc");
     focus();
-    key('A', false, true);
-    key('X', false, true);
+    pressKey('A', {VK_CONTROL});
+    pressKey('X', {VK_CONTROL});
     EXPECT_EQ(zb::clipboardText(), u"abc");
-    type(u"x");
-    key(VK_BACK);
-    key(VK_DELETE);
-    key('V', false, true);
+    typeText(u"x");
+    pressKey(VK_BACK);
+    pressKey(VK_DELETE);
+    pressKey('V', {VK_CONTROL});
     send(WM_CLEAR);
-    key('Z', false, true);
+    pressKey('Z', {VK_CONTROL});
     EXPECT_EQ(text(), u"abc");
     EXPECT_EQ(codes(), Codes{});
     send(EM_SETREADONLY, FALSE);
     EXPECT_EQ(GetWindowLongW(edit, GWL_STYLE) & static_cast<LONG_PTR>(ES_READONLY), 0);
-    type(u"x");
+    typeText(u"x");
     EXPECT_EQ(text(), u"x");
 }
 
@@ -474,7 +442,7 @@ TEST_F(Edits, StylesThatChangeWhatIsTyped)
 {
     make(ES_NUMBER);
     focus();
-    type(u"1a-2");
+    typeText(u"1a-2");
     EXPECT_EQ(text(), u"12");
     zb::setClipboardText(u"3,4");
     send(WM_PASTE);
@@ -482,12 +450,12 @@ TEST_F(Edits, StylesThatChangeWhatIsTyped)
     DestroyWindow(edit);
     make(ES_UPPERCASE);
     focus();
-    type(u"a\u00E4");
+    typeText(u"a\u00E4");
     EXPECT_EQ(text(), u"A\u00C4");
     DestroyWindow(edit);
     make(ES_LOWERCASE);
     focus();
-    type(u"AB");
+    typeText(u"AB");
     EXPECT_EQ(text(), u"ab");
 }
 
@@ -561,12 +529,12 @@ TEST_F(Edits, LongLinesScrollWithTheCaret)
 {
     make(0, u"", 56, 20); // ten characters
     focus();
-    type(u"abcdefghijklmnop");
+    typeText(u"abcdefghijklmnop");
     const auto end = static_cast<SHORT>(LOWORD(static_cast<DWORD_PTR>(send(EM_POSFROMCHAR, 16))));
     EXPECT_GT(end, 30);
     EXPECT_LE(end, 53) << "the caret is seen";
     EXPECT_GT(send(EM_GETFIRSTVISIBLELINE), 0);
-    key(VK_HOME);
+    pressKey(VK_HOME);
     EXPECT_EQ(send(EM_POSFROMCHAR, 0), MAKELONG(3, 5));
     EXPECT_EQ(send(EM_GETFIRSTVISIBLELINE), 0);
 }
@@ -587,7 +555,7 @@ TEST_F(Edits, ManyLinesScroll)
     EXPECT_EQ(send(EM_GETFIRSTVISIBLELINE), 4);
     send(EM_SCROLLCARET);
     EXPECT_EQ(send(EM_GETFIRSTVISIBLELINE), 0);
-    key(VK_END, false, true);
+    pressKey(VK_END, {VK_CONTROL});
     EXPECT_EQ(send(EM_GETFIRSTVISIBLELINE), 6);
     POINT point{20, 20};
     ClientToScreen(edit, &point);
@@ -605,7 +573,7 @@ TEST_F(Edits, TheScrollBarFollowsTheText)
     EXPECT_EQ(info.nMax, 9);
     EXPECT_EQ(info.nPage, 4U);
     EXPECT_EQ(info.nPos, 0);
-    key(VK_END, false, true);
+    pressKey(VK_END, {VK_CONTROL});
     GetScrollInfo(edit, SB_VERT, &info);
     EXPECT_EQ(info.nPos, 6);
     send(WM_VSCROLL, SB_TOP);
@@ -693,10 +661,10 @@ TEST_F(Edits, ThePairOfATypedFaceComesInAsOne)
 {
     make(0);
     focus();
-    type(u"\U0001F600");
+    typeText(u"\U0001F600");
     EXPECT_EQ(text(), u"\U0001F600");
     EXPECT_EQ(codes(), (Codes{EN_UPDATE, EN_CHANGE}));
-    key(VK_BACK);
+    pressKey(VK_BACK);
     EXPECT_EQ(text(), u"");
 }
 
@@ -716,7 +684,7 @@ TEST_F(Edits, AParentMayEndItInAnyNotification)
             return false;
         };
         SetFocus(edit);
-        type(u"ab");
+        typeText(u"ab");
         send(EM_SCROLL, SB_LINEDOWN);
         SetFocus(parent.window);
         EXPECT_FALSE(IsWindow(edit)) << code;
@@ -738,7 +706,7 @@ TEST_F(Edits, AMillionCharactersCanBeEdited)
     send(EM_SCROLLCARET);
     for (int i = 0; i < 100; ++i)
     {
-        type(u"x");
+        typeText(u"x");
     }
     EXPECT_EQ(send(WM_GETTEXTLENGTH), static_cast<LRESULT>(large.size()) + 100);
     const LRESULT lines = send(EM_GETLINECOUNT);

@@ -1,5 +1,6 @@
 // The list box: every message, what the parent hears, keys and pen.
 #include "platform/controls.h"
+#include "support/PenAndKeys.h"
 #include "support/ScreenWindow.h"
 #include "support/TextStage.h"
 
@@ -7,8 +8,10 @@
 
 namespace
 {
+using zb::test::pressKey;
 using zb::test::ScreenWindow;
 using zb::test::settle;
+using zb::test::typeText;
 
 class ListBoxes : public zb::test::TextTest
 {
@@ -48,33 +51,9 @@ class ListBoxes : public zb::test::TextTest
         EXPECT_EQ(send(LB_GETTEXT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(text.data())), length);
         return text;
     }
-    void key(int one, bool shift = false) const
-    {
-        if (shift)
-        {
-            zb::keyDown(VK_SHIFT);
-            settle();
-        }
-        zb::keyDown(one);
-        settle();
-        zb::keyUp(one);
-        zb::keyUp(VK_SHIFT);
-        settle();
-    }
-    void type(std::u16string_view characters) const
-    {
-        for (const WCHAR character : characters)
-        {
-            zb::typeCharacter(character);
-        }
-        settle();
-    }
     void tapRow(int row) const
     {
-        zb::penDown(20, 10 + row * 20 + 5);
-        settle();
-        zb::penUp(20, 10 + row * 20 + 5);
-        settle();
+        zb::test::tapAt(20, 10 + row * 20 + 5);
     }
     std::vector<int> chosen() const
     {
@@ -85,16 +64,7 @@ class ListBoxes : public zb::test::TextTest
     }
     std::vector<int> codes()
     {
-        std::vector<int> all;
-        for (const auto &one : parent.told)
-        {
-            if (one.message == WM_COMMAND && LOWORD(one.wParam) == 5)
-            {
-                all.push_back(HIWORD(one.wParam));
-            }
-        }
-        parent.clear();
-        return all;
+        return parent.takeCodes(5, list);
     }
     using Codes = std::vector<int>;
 
@@ -197,19 +167,19 @@ TEST_F(ListBoxes, ManyChoicesByMessages)
 TEST_F(ListBoxes, KeysChooseAndAreTold)
 {
     make(LBS_NOTIFY, {u"a", u"b", u"c", u"d", u"e", u"f", u"g"});
-    key(VK_DOWN);
+    pressKey(VK_DOWN);
     EXPECT_EQ(send(LB_GETCURSEL), 0) << "the first step chooses the first";
-    key(VK_DOWN);
+    pressKey(VK_DOWN);
     EXPECT_EQ(send(LB_GETCURSEL), 1);
     EXPECT_EQ(codes(), (Codes{LBN_SELCHANGE, LBN_SELCHANGE}));
-    key(VK_END);
+    pressKey(VK_END);
     EXPECT_EQ(send(LB_GETCURSEL), 6);
     EXPECT_EQ(send(LB_GETTOPINDEX), 3) << "four rows of 20 can be seen";
-    key(VK_PRIOR);
+    pressKey(VK_PRIOR);
     EXPECT_EQ(send(LB_GETCURSEL), 3);
-    key(VK_HOME);
+    pressKey(VK_HOME);
     codes();
-    key(VK_UP);
+    pressKey(VK_UP);
     EXPECT_EQ(codes(), Codes{}) << "already the first";
     SetFocus(parent.window);
     EXPECT_EQ(codes(), Codes{LBN_KILLFOCUS});
@@ -218,15 +188,15 @@ TEST_F(ListBoxes, KeysChooseAndAreTold)
 TEST_F(ListBoxes, TypedLettersGoToRows)
 {
     make(LBS_NOTIFY, {u"apple", u"banana", u"blueberry", u"cherry"});
-    type(u"b");
+    typeText(u"b");
     EXPECT_EQ(send(LB_GETCURSEL), 1);
-    type(u"b");
+    typeText(u"b");
     EXPECT_EQ(send(LB_GETCURSEL), 2) << "the same letter goes on";
     Sleep(1100);
-    type(u"bl");
+    typeText(u"bl");
     EXPECT_EQ(send(LB_GETCURSEL), 2);
     Sleep(1100);
-    type(u"C");
+    typeText(u"C");
     EXPECT_EQ(send(LB_GETCURSEL), 3);
 }
 
@@ -248,7 +218,7 @@ TEST_F(ListBoxes, ExtendedChoices)
     make(LBS_NOTIFY | LBS_EXTENDEDSEL, {u"a", u"b", u"c", u"d"});
     tapRow(1);
     EXPECT_EQ(chosen(), (Codes{1}));
-    key(VK_DOWN, true);
+    pressKey(VK_DOWN, {VK_SHIFT});
     EXPECT_EQ(chosen(), (Codes{1, 2}));
     zb::keyDown(VK_CONTROL);
     tapRow(3);

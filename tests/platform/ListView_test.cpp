@@ -1,6 +1,7 @@
 // The list view: rows, states, columns, what the parent hears, keys, pen and labels.
 #include "platform/controls.h"
 #include "platform/list_view.h"
+#include "support/PenAndKeys.h"
 #include "support/ScreenWindow.h"
 #include "support/TextStage.h"
 
@@ -11,8 +12,10 @@
 namespace
 {
 using zb::test::pair;
+using zb::test::pressKey;
 using zb::test::ScreenWindow;
 using zb::test::settle;
+using zb::test::typeText;
 
 /// What was told, as far as tests look at it.
 struct Heard
@@ -149,36 +152,10 @@ class ListViews : public zb::test::TextTest
     {
         return static_cast<int>(send(LVM_GETNEXTITEM, -1, LVNI_FOCUSED));
     }
-    static void key(int one, int held = 0)
-    {
-        if (held != 0)
-        {
-            zb::keyDown(held);
-        }
-        zb::keyDown(one);
-        settle();
-        zb::keyUp(one);
-        if (held != 0)
-        {
-            zb::keyUp(held);
-        }
-        settle();
-    }
-    static void type(std::u16string_view characters)
-    {
-        for (const WCHAR character : characters)
-        {
-            zb::typeCharacter(character);
-        }
-        settle();
-    }
     /// In client coordinates of the list.
     static void tap(int x, int y)
     {
-        zb::penDown(10 + x, 10 + y);
-        settle();
-        zb::penUp(10 + x, 10 + y);
-        settle();
+        zb::test::tapAt(10 + x, 10 + y);
     }
     All takeHeard()
     {
@@ -320,7 +297,7 @@ TEST_F(ListViews, CheckBoxes)
     tap(10, 30); // on the box of the second row
     EXPECT_EQ(takeHeard({changed, -2}), (All{{changed, 0, 0, 1}, {changed, 1, 1, 0}, {changed, 1, 0x2000, 0x1000}, {-2, 1}}));
     EXPECT_EQ(chosen(), Rows{}) << "the box alone";
-    key(VK_SPACE);
+    pressKey(VK_SPACE);
     EXPECT_EQ(takeHeard({changed}), (All{{changed, 1, 0x1000, 0x2000}}));
     EXPECT_EQ(insert(2, u"c"), 2);
     EXPECT_EQ(state(2) & LVIS_STATEIMAGEMASK, 0x1000U);
@@ -516,44 +493,44 @@ TEST_F(ListViews, KeysChoose)
 {
     make(LVS_REPORT, {u"a", u"b", u"c", u"d", u"e", u"f", u"g"});
     EXPECT_EQ(focused(), 0);
-    key(VK_DOWN);
+    pressKey(VK_DOWN);
     EXPECT_EQ(chosen(), Rows{0}) << "the first step chooses the first";
-    key(VK_DOWN);
+    pressKey(VK_DOWN);
     EXPECT_EQ(chosen(), Rows{1});
-    key(VK_DOWN, VK_SHIFT);
+    pressKey(VK_DOWN, {VK_SHIFT});
     EXPECT_EQ(chosen(), (Rows{1, 2}));
-    key(VK_END, VK_CONTROL);
+    pressKey(VK_END, {VK_CONTROL});
     EXPECT_EQ(chosen(), (Rows{1, 2}));
     EXPECT_EQ(focused(), 6);
     EXPECT_EQ(send(LVM_GETTOPINDEX), 2) << "five rows of 20";
-    key(VK_SPACE, VK_CONTROL);
+    pressKey(VK_SPACE, {VK_CONTROL});
     EXPECT_EQ(chosen(), (Rows{1, 2, 6}));
-    key(VK_PRIOR);
+    pressKey(VK_PRIOR);
     EXPECT_EQ(chosen(), Rows{2});
-    key(VK_HOME);
+    pressKey(VK_HOME);
     EXPECT_EQ(chosen(), Rows{0});
-    type(u"\x01");
+    typeText(u"\x01");
     EXPECT_EQ(chosen().size(), 7U);
     heard.clear();
-    key(VK_RETURN);
+    pressKey(VK_RETURN);
     EXPECT_EQ(takeHeard(), (All{{-155, -1}, {-4, -1}, {-114, 0}}));
 }
 
 TEST_F(ListViews, TypedLettersGoToRows)
 {
     make(LVS_REPORT, {u"apple", u"banana", u"blueberry", u"cherry"});
-    type(u"b");
+    typeText(u"b");
     EXPECT_EQ(chosen(), Rows{1});
-    type(u"b");
+    typeText(u"b");
     EXPECT_EQ(chosen(), Rows{2}) << "the same letter goes on";
     WCHAR typed[16] = {};
     EXPECT_EQ(send(LVM_GETISEARCHSTRINGW, 0, reinterpret_cast<LPARAM>(typed)), 1);
     EXPECT_EQ(std::u16string(typed), u"b");
     zb::skipTime(1100);
-    type(u"bA");
+    typeText(u"bA");
     EXPECT_EQ(chosen(), Rows{1});
     zb::skipTime(1100);
-    type(u"a");
+    typeText(u"a");
     EXPECT_EQ(chosen(), Rows{0}) << "around at the end";
 }
 
@@ -616,26 +593,26 @@ TEST_F(ListViews, LabelsAreEditedByKeys)
 {
     make(LVS_REPORT | LVS_EDITLABELS, {u"a", u"b"});
     answer = [](NMHDR &header, LRESULT &result) { return result = 1, header.code == LVN_ENDLABELEDITW; };
-    key(VK_DOWN);
+    pressKey(VK_DOWN);
     heard.clear();
-    key(VK_F2);
+    pressKey(VK_F2);
     EXPECT_EQ(takeHeard({-175}), (All{{-175, 0}}));
     const auto edit = reinterpret_cast<HWND>(send(LVM_GETEDITCONTROL));
     EXPECT_EQ(GetFocus(), edit);
-    type(u"new");
-    key(VK_RETURN);
+    typeText(u"new");
+    pressKey(VK_RETURN);
     EXPECT_EQ(takeHeard({-176}), (All{{-176, 0}}));
     EXPECT_EQ(text(0), u"new");
     EXPECT_EQ(IsWindow(edit), FALSE);
     EXPECT_EQ(GetFocus(), list);
-    key(VK_F2);
-    type(u"other");
-    key(VK_ESCAPE);
+    pressKey(VK_F2);
+    typeText(u"other");
+    pressKey(VK_ESCAPE);
     EXPECT_EQ(text(0), u"new");
     EXPECT_EQ(edited, u"");
     answer = [](NMHDR &header, LRESULT &result) { return result = 0, header.code == LVN_ENDLABELEDITW; };
-    key(VK_F2);
-    type(u"refused");
+    pressKey(VK_F2);
+    typeText(u"refused");
     SetFocus(parent.window);
     settle();
     EXPECT_EQ(edited, u"refused") << "leaving it is like Enter";
@@ -657,7 +634,7 @@ TEST_F(ListViews, ATapOnTheChosenLabelEditsIt)
     zb::skipTime(550);
     settle();
     EXPECT_NE(send(LVM_GETEDITCONTROL), 0);
-    type(u"kept");
+    typeText(u"kept");
     DestroyWindow(list);
     EXPECT_EQ(takeHeard({-176}), (All{{-176, 1}}));
     EXPECT_EQ(edited, u"kept") << "nothing that was typed is lost";
@@ -684,7 +661,7 @@ TEST_F(ListViews, AParentMayDestroyItInAnyNotification)
             return false;
         };
         settle();
-        key(VK_DOWN);
+        pressKey(VK_DOWN);
         tap(20, 10);
         tap(20, 50);
         zb::penDown(30, 40);
@@ -694,7 +671,7 @@ TEST_F(ListViews, AParentMayDestroyItInAnyNotification)
         zb::penUp(30, 70);
         settle();
         send(LVM_EDITLABELW, 0);
-        key(VK_RETURN);
+        pressKey(VK_RETURN);
         send(LVM_DELETEITEM, 0);
         EXPECT_EQ(IsWindow(gone), FALSE) << static_cast<int>(code);
     }
@@ -717,6 +694,6 @@ TEST_F(ListViews, TwentyThousandRows)
     }
     EXPECT_EQ(chosen(), Rows{499 * 40});
     EXPECT_EQ(send(LVM_GETTOPINDEX), 499 * 40 - 3);
-    key(VK_END);
+    pressKey(VK_END);
     EXPECT_EQ(send(LVM_GETTOPINDEX), many - 4);
 }

@@ -2,6 +2,7 @@
 #include "platform/controls.h"
 #include "platform/dialog.h"
 #include "platform/tab_control.h"
+#include "support/PenAndKeys.h"
 #include "support/ScreenWindow.h"
 #include "support/TextStage.h"
 
@@ -9,6 +10,7 @@
 
 namespace
 {
+using zb::test::pressKey;
 using zb::test::ScreenWindow;
 using zb::test::settle;
 
@@ -56,15 +58,7 @@ class TabControls : public zb::test::TextTest
     }
     static void tap(int x, int y)
     {
-        zb::penDown(10 + x, 10 + y);
-        zb::penUp(10 + x, 10 + y);
-        settle();
-    }
-    static void key(int one)
-    {
-        zb::keyDown(one);
-        zb::keyUp(one);
-        settle();
+        zb::test::tapAt(10 + x, 10 + y);
     }
     /// The codes of all notifications, and what was chosen when each came.
     void listen()
@@ -222,15 +216,15 @@ TEST_F(TabControls, KeysChoose)
     make(0, {u"a", u"b", u"c"});
     SetFocus(tabs);
     listen();
-    key(VK_RIGHT);
+    pressKey(VK_RIGHT);
     EXPECT_EQ(heard, (Heard{{TCN_SELCHANGING, 0}, {TCN_SELCHANGE, 1}}));
-    key(VK_END);
+    pressKey(VK_END);
     EXPECT_EQ(send(TCM_GETCURSEL), 2);
-    key(VK_RIGHT);
+    pressKey(VK_RIGHT);
     EXPECT_EQ(send(TCM_GETCURSEL), 2) << "not around";
-    key(VK_LEFT);
+    pressKey(VK_LEFT);
     EXPECT_EQ(send(TCM_GETCURSEL), 1);
-    key(VK_HOME);
+    pressKey(VK_HOME);
     EXPECT_EQ(send(TCM_GETCURSEL), 0);
     heard.clear();
     send(TCM_SETCURFOCUS, 2);
@@ -299,7 +293,7 @@ TEST_F(TabControls, AHostMayEndItInAnswer)
             }
             return false;
         };
-        key(VK_RIGHT);
+        pressKey(VK_RIGHT);
         EXPECT_FALSE(IsWindow(tabs)) << code;
     }
 }

@@ -1,6 +1,7 @@
 // The tree view: items, opening, choosing, what the parent hears, keys, pen and labels.
 #include "platform/controls.h"
 #include "platform/tree_view.h"
+#include "support/PenAndKeys.h"
 #include "support/ScreenWindow.h"
 #include "support/TextStage.h"
 
@@ -11,6 +12,7 @@ namespace
 {
 using zb::test::ScreenWindow;
 using zb::test::settle;
+using zb::test::typeText;
 
 constexpr DWORD full = TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT;
 constexpr int changing = -450;
@@ -159,27 +161,13 @@ class TreeViews : public zb::test::TextTest
     {
         for (const int key : all)
         {
-            zb::keyDown(key);
-            settle();
-            zb::keyUp(key);
+            zb::test::pressKey(key);
         }
-        settle();
-    }
-    static void type(std::u16string_view characters)
-    {
-        for (const WCHAR character : characters)
-        {
-            zb::typeCharacter(character);
-        }
-        settle();
     }
     /// In client coordinates of the tree.
     static void tap(int x, int y)
     {
-        zb::penDown(10 + x, 10 + y);
-        settle();
-        zb::penUp(10 + x, 10 + y);
-        settle();
+        zb::test::tapAt(10 + x, 10 + y);
     }
     std::string takeHeard()
     {
@@ -391,16 +379,16 @@ TEST_F(TreeViews, Keys)
     EXPECT_EQ(chosen(), "f");
     keys({VK_HOME});
     takeHeard();
-    type(u"*");
+    typeText(u"*");
     EXPECT_EQ(takeHeard(), "(bb)") << "only what was not open yet";
     EXPECT_EQ(rows(), "abcdef");
     keys({VK_END, VK_UP, VK_UP, VK_LEFT});
     EXPECT_EQ(chosen(), "b");
     keys({VK_LEFT});
     EXPECT_EQ(rows(), "abef");
-    type(u"+");
+    typeText(u"+");
     EXPECT_EQ(rows(), "abcdef");
-    type(u"-");
+    typeText(u"-");
     EXPECT_EQ(rows(), "abef");
     keys({VK_ADD});
     EXPECT_EQ(rows(), "abcdef");
@@ -411,9 +399,9 @@ TEST_F(TreeViews, Keys)
     takeHeard();
     keys({VK_RETURN});
     EXPECT_EQ(takeHeard(), "enter");
-    type(u"c");
+    typeText(u"c");
     EXPECT_EQ(chosen(), "c") << "around at the end";
-    type(u"-"); // a letter of the name that is being typed
+    typeText(u"-"); // a letter of the name that is being typed
     EXPECT_EQ(chosen(), "c");
 }
 
@@ -454,7 +442,7 @@ TEST_F(TreeViews, CheckBoxes)
     tap(30, 10);
     EXPECT_EQ(state(a) & TVIS_STATEIMAGEMASK, 0x2000U);
     EXPECT_EQ(takeHeard(), "tap");
-    type(u" ");
+    typeText(u" ");
     keys({VK_SPACE});
     EXPECT_EQ(state(a) & TVIS_STATEIMAGEMASK, 0x1000U);
     TVITEMW set{TVIF_STATE, f, 0x2000, TVIS_STATEIMAGEMASK, nullptr, 0, 0, 0, 0, 0};
@@ -528,13 +516,13 @@ TEST_F(TreeViews, LabelsAreEdited)
     keys({VK_F2});
     const auto edit = reinterpret_cast<HWND>(send(TVM_GETEDITCONTROL));
     EXPECT_EQ(GetFocus(), edit);
-    type(u"pear");
+    typeText(u"pear");
     keys({VK_RETURN});
     EXPECT_EQ(takeHeard(), "<>");
     EXPECT_EQ(name(a), "p");
     EXPECT_EQ(GetFocus(), tree);
     EXPECT_NE(sendItem(TVM_EDITLABELW, 0, a), 0);
-    type(u"x");
+    typeText(u"x");
     EXPECT_EQ(send(TVM_ENDEDITLABELNOW, TRUE), 1);
     EXPECT_EQ(edited, u"(none)");
     EXPECT_EQ(name(a), "p");
@@ -544,7 +532,7 @@ TEST_F(TreeViews, LabelsAreEdited)
     settle();
     EXPECT_NE(send(TVM_GETEDITCONTROL), 0) << "a tap on the label of the chosen one";
     answer = nullptr;
-    type(u"refused");
+    typeText(u"refused");
     keys({VK_RETURN});
     EXPECT_EQ(edited, u"refused");
     EXPECT_EQ(name(a), "p");

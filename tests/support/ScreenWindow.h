@@ -91,6 +91,22 @@ class ScreenWindow
         told.clear();
         painted.clear();
     }
+    /// What the control with that number has told by WM_COMMAND, and then nothing. Where the control is given, it must have
+    /// told by its own window.
+    std::vector<int> takeCodes(int id, HWND control = nullptr)
+    {
+        std::vector<int> codes;
+        for (const Told &one : told)
+        {
+            if (one.message == WM_COMMAND && LOWORD(one.wParam) == id)
+            {
+                EXPECT_TRUE(control == nullptr || one.lParam == reinterpret_cast<LPARAM>(control));
+                codes.push_back(HIWORD(one.wParam));
+            }
+        }
+        clear();
+        return codes;
+    }
 
     HWND window = nullptr;
     std::vector<Told> told;
