@@ -141,7 +141,9 @@ void firstPaint(benchmark::State &state)
             });
 }
 
-void rowScroll(benchmark::State &state)
+/// A step again and again, in a list of all rows.
+template <typename Step>
+void measureSteps(benchmark::State &state, Step &&step)
 {
     List list;
     list.fill();
@@ -149,44 +151,27 @@ void rowScroll(benchmark::State &state)
             [&]
             {
                 const double begin = zb::bench::threadSeconds();
-                for (int step = 0; step < stepsARound; ++step)
+                for (int one = 0; one < stepsARound; ++one)
                 {
-                    list.grid.ScrollByRowDown(1, false);
+                    step(list.grid);
                 }
                 return zb::bench::threadSeconds() - begin;
             });
+}
+
+void rowScroll(benchmark::State &state)
+{
+    measureSteps(state, [](CHTMLGrid &grid) { grid.ScrollByRowDown(1, false); });
 }
 
 void page(benchmark::State &state)
 {
-    List list;
-    list.fill();
-    measure(state, stepsARound,
-            [&]
-            {
-                const double begin = zb::bench::threadSeconds();
-                for (int step = 0; step < stepsARound; ++step)
-                {
-                    list.grid.ScrollByPageDown();
-                }
-                return zb::bench::threadSeconds() - begin;
-            });
+    measureSteps(state, [](CHTMLGrid &grid) { grid.ScrollByPageDown(); });
 }
 
 void currentRowDown(benchmark::State &state)
 {
-    List list;
-    list.fill();
-    measure(state, stepsARound,
-            [&]
-            {
-                const double begin = zb::bench::threadSeconds();
-                for (int step = 0; step < stepsARound; ++step)
-                {
-                    SendMessageW(list.grid, WM_KEYDOWN, VK_DOWN, 1);
-                }
-                return zb::bench::threadSeconds() - begin;
-            });
+    measureSteps(state, [](CHTMLGrid &grid) { SendMessageW(grid, WM_KEYDOWN, VK_DOWN, 1); });
 }
 
 void toTheEndAndBack(benchmark::State &state)
