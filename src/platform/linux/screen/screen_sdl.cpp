@@ -1,7 +1,7 @@
 // libZBScreen: the screen's window by SDL, on a thread of its own.
 //
-// The window's picture is a plain surface that the desktop takes over as it is: no graphics card has to be woken for a
-// few rows of text, which would cost more than the whole start of the program.
+// On the X Window System the window's picture is a plain surface that the desktop takes over as it is: no graphics card
+// has to be woken for a few rows of text, which would cost more than the whole start of the program.
 #include "platform/linux/screen/screen_sdl.h"
 
 #include "platform/linux/session_bus.h"
@@ -23,7 +23,6 @@ constexpr int plainDensity = 96;
 void setHints()
 {
     SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1"); // Ctrl+C in the terminal ends the program
-    SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
     SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
     SDL_SetHint(SDL_HINT_VIDEO_X11_NET_WM_BYPASS_COMPOSITOR, "0");
     SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1");
@@ -72,6 +71,7 @@ void SdlScreen::run()
         const std::lock_guard guard(m_waking);
         m_wakeEvent = 0;
     }
+    m_canvas.reset();
     SDL_DestroyWindow(m_window);
     SDL_QuitSubSystem(SDL_INIT_VIDEO);
     SDL_ClearHints();
@@ -91,6 +91,10 @@ std::string SdlScreen::open()
     {
         return "neither DISPLAY nor WAYLAND_DISPLAY leads to one";
     }
+    if (driver == "x11")
+    {
+        SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
+    }
     SDL_StopTextInput();
     m_window = SDL_CreateWindow(m_request.title.c_str(), SDL_WINDOWPOS_UNDEFINED, SDL_WINDOWPOS_UNDEFINED, m_request.width,
                                 m_request.height, SDL_WINDOW_HIDDEN | SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI);
@@ -104,6 +108,11 @@ std::string SdlScreen::open()
     if (units(m_request.width) != m_request.width)
     {
         SDL_SetWindowSize(m_window, units(m_request.width), units(m_request.height));
+    }
+    m_canvas.emplace(*m_window);
+    if (m_canvas->surface() == nullptr)
+    {
+        return SDL_GetError();
     }
     const std::lock_guard guard(m_waking);
     m_wakeEvent = SDL_RegisterEvents(1);
@@ -301,7 +310,7 @@ void SdlScreen::present(bool all)
     m_platform.lend(all,
                     [&](const ScreenPixels &pixels)
                     {
-                        SDL_Surface *const surface = SDL_GetWindowSurface(m_window);
+                        SDL_Surface *const surface = m_canvas->surface();
                         if (surface == nullptr)
                         {
                             return;
@@ -319,7 +328,7 @@ void SdlScreen::present(bool all)
                     });
     if (changed.w > 0 && changed.h > 0)
     {
-        SDL_UpdateWindowSurfaceRects(m_window, &changed, 1);
+        m_canvas->show(changed);
     }
 }
 

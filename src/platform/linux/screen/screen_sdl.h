@@ -1,13 +1,13 @@
 // The screen's window by SDL.
 #pragma once
 
+#include "platform/linux/screen/screen_canvas.h"
 #include "platform/linux/screen_backend.h"
-
-#include <SDL2/SDL.h>
 
 #include <atomic>
 #include <future>
 #include <mutex>
+#include <optional>
 #include <thread>
 #include <vector>
 
@@ -47,6 +47,7 @@ class SdlScreen final : public ScreenBackend
     std::atomic<bool> m_ends{false};
 
     SDL_Window *m_window = nullptr;
+    std::optional<ScreenCanvas> m_canvas;
     bool m_shown = false;
     bool m_penDown = false;
     int m_zoom = 1;         ///< pixels of the window for one of the screen, each way
