@@ -1,12 +1,10 @@
-// Numbers of the texts, and of the menu, of the calendar views.
+// Numbers of the texts and commands of the calendar views.
 #pragma once
 
 #include "platform/types.h"
 
 namespace zb::screens
 {
-inline constexpr WORD calendarMenu = 60200;
-
 inline constexpr UINT commandToday = 1001;
 inline constexpr UINT commandBack = 1002;
 inline constexpr UINT commandOn = 1003;

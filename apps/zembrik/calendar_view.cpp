@@ -2,10 +2,9 @@
 
 #include "common/days.h"
 #include "core/CRegistry.h"
-#include "platform/menu.h"
-#include "platform/resources.h"
 #include "zembrik/calendar_card.h"
 #include "zembrik/calendar_texts.h"
+#include "zembrik/menu_states.h"
 #include "zembrik/numbers.h"
 #include "zembrik/texts.h"
 
@@ -52,36 +51,6 @@ int startingDay()
 CalendarSettings storedSettings()
 {
     return CalendarSettings::read(CCalendarThread::DEFAULT_SETTINGS_KEY);
-}
-
-/// Copies the entries of one menu to the end of another, pop-ups with all that is in them.
-void copyEntries(HMENU from, HMENU to)
-{
-    for (UINT place = 0; place < static_cast<UINT>(GetMenuItemCount(from)); ++place)
-    {
-        std::array<WCHAR, 100> words{};
-        MENUITEMINFOW entry{};
-        entry.cbSize = sizeof entry;
-        entry.fMask = MIIM_STATE | MIIM_ID | MIIM_SUBMENU | MIIM_TYPE;
-        entry.dwTypeData = words.data();
-        entry.cch = static_cast<UINT>(words.size());
-        GetMenuItemInfoW(from, place, TRUE, &entry);
-        UINT_PTR id = entry.wID;
-        UINT flags = entry.fType;
-        if (entry.hSubMenu != nullptr)
-        {
-            const HMENU copy = CreatePopupMenu();
-            copyEntries(entry.hSubMenu, copy);
-            id = reinterpret_cast<UINT_PTR>(copy);
-            flags |= MF_POPUP;
-        }
-        AppendMenuW(to, flags, id, words.data());
-    }
-}
-
-void check(HMENU menu, UINT id, bool checked)
-{
-    CheckMenuItem(menu, id, MF_BYCOMMAND | (checked ? MF_CHECKED : MF_UNCHECKED));
 }
 } // namespace
 
@@ -213,21 +182,20 @@ void CalendarView::closeCard()
 
 // --- Commands
 
-void CalendarView::addCommands(HMENU menu)
+WORD CalendarView::commands() const
 {
-    const HMENU all = LoadMenuW(nullptr, MAKEINTRESOURCEW(calendarMenu));
-    copyEntries(GetSubMenu(all, 0), menu);
-    DestroyMenu(all);
+    return calendarMenu;
+}
+
+void CalendarView::showStates(HMENU menu) const
+{
     const CalendarSettings settings = storedSettings();
-    EnableMenuItem(menu, commandOpenItem, MF_BYCOMMAND | (hasChosen() && !m_card.isShown() ? MF_ENABLED : MF_GRAYED));
-    check(menu, commandShowTasks, settings.*m_showTasks != 0);
-    check(menu, commandShowBirthdays, settings.ReadBirthdays != 0);
-    check(menu, commandShowDone, settings.CA_ShowCompletedTasks != 0);
+    setEnabled(menu, commandOpenItem, hasChosen() && !m_card.isShown());
+    setChecked(menu, commandShowTasks, settings.*m_showTasks != 0);
+    setChecked(menu, commandShowBirthdays, settings.ReadBirthdays != 0);
+    setChecked(menu, commandShowDone, settings.CA_ShowCompletedTasks != 0);
     const auto chosen = std::ranges::find(statusChoices, settings.CAV_StatusFilter) - statusChoices.begin();
-    for (UINT n = 0; n < statusChoices.size(); ++n)
-    {
-        check(menu, commandStatus + n, n == static_cast<UINT>(chosen));
-    }
+    setChosen(menu, commandStatus, statusChoices.size(), static_cast<std::size_t>(chosen));
 }
 
 void CalendarView::change(const WCHAR *name, DWORD value)
@@ -358,10 +326,9 @@ LRESULT CalendarView::asked(UINT, WPARAM, LPARAM, bool &)
 
 void switchView(HWND frame, std::string_view name)
 {
-    const auto found = std::ranges::find(viewKinds(), name, &ViewKind::name);
-    if (found != viewKinds().end())
+    if (const ViewKind *kind = findViewKind(name))
     {
-        PostMessageW(frame, WM_COMMAND, firstSwitchCommand + static_cast<UINT>(found - viewKinds().begin()), 0);
+        PostMessageW(frame, WM_COMMAND, kind->command, 0);
     }
 }
 } // namespace zb::screens

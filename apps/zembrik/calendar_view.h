@@ -31,7 +31,8 @@ class CalendarView : public View, public CeWnd
         return m_hWnd;
     }
     void takeFocus() override;
-    void addCommands(HMENU menu) override;
+    WORD commands() const override;
+    void showStates(HMENU menu) const override;
     bool command(UINT id) override;
     bool key(const MSG &message) override;
     bool isBusy() const override

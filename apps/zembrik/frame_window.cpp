@@ -4,8 +4,11 @@
 #include "platform/resources.h"
 #include "platform/screen.h"
 #include "platform/text.h"
+#include "zembrik/menu_states.h"
 #include "zembrik/numbers.h"
 #include "zembrik/texts.h"
+
+#include <algorithm>
 
 namespace zb::screens
 {
@@ -120,24 +123,7 @@ void FrameWindow::buildMenu()
 {
     m_menu = LoadMenuW(nullptr, MAKEINTRESOURCEW(frameMenu));
     m_ownEntries = GetMenuItemCount(GetSubMenu(m_menu, 1));
-    UINT id = firstSwitchCommand;
-    for (const ViewKind &kind : viewKinds())
-    {
-        AppendMenuW(GetSubMenu(m_menu, 0), MF_STRING, id++, text(kind.title).c_str());
-    }
     setMenuBar(m_hWnd, m_menu);
-}
-
-void FrameWindow::refreshViews(HMENU menu) const
-{
-    for (std::size_t n = 0; n < viewKinds().size(); ++n)
-    {
-        if (&viewKinds()[n] == m_kind)
-        {
-            const auto count = static_cast<UINT>(viewKinds().size());
-            CheckMenuRadioItem(menu, 0, count - 1, static_cast<UINT>(n), MF_BYPOSITION);
-        }
-    }
 }
 
 void FrameWindow::refreshCommands(HMENU menu)
@@ -146,13 +132,11 @@ void FrameWindow::refreshCommands(HMENU menu)
     {
         DeleteMenu(menu, 0, MF_BYPOSITION);
     }
-    const HMENU commands = CreatePopupMenu();
-    m_view->addCommands(commands);
-    if (const UINT count = moveEntries(commands, menu); count > 0)
-    {
-        InsertMenuW(menu, count, MF_BYPOSITION | MF_SEPARATOR, 0, nullptr);
-    }
+    const HMENU commands = LoadMenuW(nullptr, MAKEINTRESOURCEW(m_view->commands()));
+    const UINT count = moveEntries(commands, menu);
+    InsertMenuW(menu, count, MF_BYPOSITION | MF_SEPARATOR, 0, nullptr);
     DestroyMenu(commands);
+    m_view->showStates(menu);
 }
 
 void FrameWindow::about()
@@ -201,10 +185,10 @@ LRESULT FrameWindow::OnCommand(WPARAM wParam, LPARAM, bool &handled)
 {
     handled = true;
     const UINT id = LOWORD(wParam);
-    const std::size_t place = id - firstSwitchCommand;
-    if (id >= firstSwitchCommand && place < viewKinds().size())
+    const auto kind = std::ranges::find(viewKinds(), id, &ViewKind::command);
+    if (kind != viewKinds().end())
     {
-        show(viewKinds()[place]);
+        show(*kind);
     }
     else if (id == commandAbout)
     {
@@ -233,7 +217,7 @@ LRESULT FrameWindow::OnMessage(UINT uMsg, WPARAM wParam, LPARAM, bool &handled)
     case WM_INITMENUPOPUP:
         if (menu == GetSubMenu(m_menu, 0))
         {
-            refreshViews(menu);
+            setChosen(menu, viewKinds().front().command, viewKinds().size(), m_kind->command - viewKinds().front().command);
         }
         else if (menu == GetSubMenu(m_menu, 1))
         {

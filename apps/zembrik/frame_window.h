@@ -46,7 +46,6 @@ class FrameWindow final : public CeWnd
 
   private:
     void buildMenu();
-    void refreshViews(HMENU menu) const;
     void refreshCommands(HMENU menu);
     void about();
     void help();

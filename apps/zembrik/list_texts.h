@@ -6,7 +6,6 @@
 namespace zb::screens
 {
 inline constexpr UINT textBack = 60300;
-inline constexpr UINT textOpen = 60301;
 inline constexpr UINT textCategories = 60302;
 inline constexpr UINT textNotes = 60303;
 inline constexpr UINT textToday = 60304;
@@ -22,27 +21,6 @@ inline constexpr UINT textNoSubject = 60312;
 inline constexpr UINT textDue = 60313;
 inline constexpr UINT textStarts = 60314;
 inline constexpr UINT textCompleted = 60315;
-inline constexpr UINT textToggleDone = 60316;
-inline constexpr UINT textShowCompleted = 60317;
-inline constexpr UINT textShowUndated = 60318;
-inline constexpr UINT textExpandAll = 60319;
-inline constexpr UINT textCollapseAll = 60320;
-inline constexpr UINT textGroupBy = 60321;
-inline constexpr UINT textGroupNone = 60322;
-inline constexpr UINT textGroupCategory = 60323;
-inline constexpr UINT textGroupImportance = 60324;
-inline constexpr UINT textGroupLetter = 60325;
-inline constexpr UINT textGroupProgress = 60326;
-inline constexpr UINT textGroupCompletion = 60327;
-inline constexpr UINT textGroupDue = 60328;
-inline constexpr UINT textGroupManager = 60329;
-inline constexpr UINT textGroupTree = 60330;
-inline constexpr UINT textSortBy = 60331;
-inline constexpr UINT textSortPriority = 60332;
-inline constexpr UINT textSortDue = 60333;
-inline constexpr UINT textSortSubject = 60334;
-inline constexpr UINT textSortLetter = 60335;
-inline constexpr UINT textSortCategory = 60336;
 
 inline constexpr UINT textContactsTitle = 60337;
 inline constexpr UINT textContactsHelp = 60338;
@@ -50,12 +28,6 @@ inline constexpr UINT textNoContacts = 60339;
 inline constexpr UINT textContactsNone = 60340;
 inline constexpr UINT textContactsNotFound = 60341;
 inline constexpr UINT textNoName = 60342;
-inline constexpr UINT textSearchDeep = 60343;
-inline constexpr UINT textByFileAs = 60344;
-inline constexpr UINT textByFirstName = 60345;
-inline constexpr UINT textByLastName = 60346;
-inline constexpr UINT textByCompany = 60347;
-inline constexpr UINT textByCategory = 60348;
 inline constexpr UINT textMobile = 60349;
 inline constexpr UINT textWork = 60350;
 inline constexpr UINT textWork2 = 60351;
@@ -81,8 +53,6 @@ inline constexpr UINT textOtherAddress = 60370;
 inline constexpr UINT textBirthday = 60371;
 inline constexpr UINT textAnniversary = 60372;
 
-inline constexpr UINT textNest = 60373;
-inline constexpr UINT textLift = 60374;
 inline constexpr UINT textBelowTask = 60375;
 inline constexpr UINT textToTheTop = 60376;
 } // namespace zb::screens

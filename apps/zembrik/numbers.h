@@ -6,19 +6,27 @@
 namespace zb::screens
 {
 inline constexpr WORD frameMenu = 60100;
+inline constexpr WORD startMenu = 60101;
+inline constexpr WORD calendarMenu = 60200;
+inline constexpr WORD tasksMenu = 60300;
+inline constexpr WORD contactsMenu = 60310;
 
 inline constexpr UINT commandHelp = 60151;
 inline constexpr UINT commandAbout = 60152;
 inline constexpr UINT commandExit = 60153;
-/// The view of that place in viewKinds().
-inline constexpr UINT firstSwitchCommand = 60160;
-inline constexpr UINT lastSwitchCommand = 60199;
+/// Each leads to a view.
+inline constexpr UINT commandStart = 60160;
+inline constexpr UINT commandAgenda = 60161;
+inline constexpr UINT commandDay = 60162;
+inline constexpr UINT commandWeek = 60163;
+inline constexpr UINT commandMonth = 60164;
+inline constexpr UINT commandTasks = 60165;
+inline constexpr UINT commandContacts = 60166;
 
 inline constexpr UINT textProgram = 60110;
 inline constexpr UINT textAbout = 60113;
 inline constexpr UINT textHelp = 60114;
 inline constexpr UINT textClose = 60115;
-inline constexpr UINT textRefresh = 60121;
 inline constexpr UINT textStart = 60120;
 inline constexpr UINT textAppointments = 60122;
 inline constexpr UINT textTasks = 60123;

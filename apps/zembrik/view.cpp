@@ -33,7 +33,7 @@ std::u16string View::title() const
     return {};
 }
 
-void View::addCommands(HMENU)
+void View::showStates(HMENU) const
 {
 }
 
@@ -74,7 +74,7 @@ const ViewKind *findViewKind(std::string_view name)
 
 ViewRegistration::ViewRegistration(const ViewKind &kind)
 {
-    const auto behind = std::ranges::upper_bound(kinds(), kind.order, {}, &ViewKind::order);
+    const auto behind = std::ranges::upper_bound(kinds(), kind.command, {}, &ViewKind::command);
     kinds().insert(behind, kind);
 }
 } // namespace zb::screens

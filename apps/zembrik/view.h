@@ -1,8 +1,8 @@
 // A screen of the host: what stands between the frame's title and its menu bar.
 //
-// A view is one file: a class derived from View, and a ViewRegistration at the file's end, which puts it into the menu
-// and makes its name known to the command line. The frame makes it when it is to be shown and ends it, window and all,
-// when another one is. Threads: the main thread alone.
+// A view is one file: a class derived from View, and a ViewRegistration at the file's end, which makes it known to the
+// command line and to the entry of the frame's menu that leads to it. The frame makes it when it is to be shown and ends
+// it, window and all, when another one is. Threads: the main thread alone.
 #pragma once
 
 #include "platform/menu.h"
@@ -38,9 +38,10 @@ class View
     virtual void takeFocus();
     /// For the frame's title bar; empty for the name that the menu has. FrameWindow::titleChanged() makes it ask again.
     virtual std::u16string title() const;
-    /// Puts the view's own commands at the top of the right menu, which is empty there; called each time before that
-    /// opens, so states are those of the moment.
-    virtual void addCommands(HMENU menu);
+    /// Number of the menu resource with the view's own commands, which the frame puts at the top of the right menu.
+    virtual WORD commands() const = 0;
+    /// Sets their hooks, dots and what can't be chosen in a menu that holds them; called each time before it opens.
+    virtual void showStates(HMENU menu) const;
     /// A chosen command of the view's own numbers; false for one that it does not know.
     virtual bool command(UINT id);
     /// A key's WM_KEYDOWN on its way to the window that has the focus; true takes it away. Not called while a menu or a
@@ -59,7 +60,7 @@ struct ViewKind
 {
     std::string_view name; ///< on the command line: small letters
     UINT title;            ///< number of the text in menu and title bar
-    int order;             ///< place in the menu, from low to high
+    UINT command;          ///< of its entry in the frame's menu, which has them by rising number
     std::unique_ptr<View> (*make)();
 };
 

@@ -9,6 +9,7 @@
 #include "zembrik/calendar_texts.h"
 #include "zembrik/calendar_view.h"
 #include "zembrik/date_words.h"
+#include "zembrik/numbers.h"
 #include "zembrik/paint.h"
 #include "zembrik/texts.h"
 
@@ -382,6 +383,6 @@ class AgendaView final : public CalendarView
     bool m_jump = true;
 };
 
-const ViewRegistration registration({"agenda", textAgenda, 10, [] { return std::unique_ptr<View>(new AgendaView); }});
+const ViewRegistration registration({"agenda", textAgenda, commandAgenda, [] { return std::unique_ptr<View>(new AgendaView); }});
 } // namespace
 } // namespace zb::screens

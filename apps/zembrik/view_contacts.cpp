@@ -7,9 +7,12 @@
 #include "zembrik/item_card.h"
 #include "zembrik/letter_bar.h"
 #include "zembrik/list_texts.h"
+#include "zembrik/menu_states.h"
+#include "zembrik/numbers.h"
 #include "zembrik/texts.h"
 #include "zembrik/view.h"
 
+#include <algorithm>
 #include <array>
 #include <vector>
 
@@ -25,16 +28,9 @@ constexpr UINT commandOpen = firstViewCommand;
 constexpr UINT commandDeep = firstViewCommand + 1;
 constexpr UINT commandDisplay = firstViewCommand + 10; // and the place in the table
 
-struct DisplayChoice
-{
-    UINT text;
-    ContactsDisplay display;
-};
-constexpr std::array<DisplayChoice, 5> displays = {{{textByFileAs, contactsFileAs},
-                                                    {textByFirstName, contactsFirstName},
-                                                    {textByLastName, contactsLastName},
-                                                    {textByCompany, contactsCompanies},
-                                                    {textByCategory, contactsCategories}}};
+/// In the order of the menu.
+constexpr std::array<ContactsDisplay, 5> displays = {contactsFileAs, contactsFirstName, contactsLastName,
+                                                     contactsCompanies, contactsCategories};
 
 ContactListSettings settings()
 {
@@ -149,19 +145,18 @@ class ContactsView final : public View
         }
     }
 
-    void addCommands(HMENU menu) override
+    WORD commands() const override
     {
-        const bool contact = m_list.currentContact() != 0 && !m_card.isShown();
-        AppendMenuW(menu, MF_STRING | (contact ? 0U : MF_GRAYED), commandOpen, text(textOpen).c_str());
-        AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
-        const LONG now = settings().CV_DisplayFormat;
-        for (UINT n = 0; n < displays.size(); ++n)
-        {
-            AppendMenuW(menu, MF_STRING | (displays[n].display == now ? MF_CHECKED : 0U), commandDisplay + n,
-                        text(displays[n].text).c_str());
-        }
-        AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
-        AppendMenuW(menu, MF_STRING | (m_deep ? MF_CHECKED : 0U), commandDeep, text(textSearchDeep).c_str());
+        return contactsMenu;
+    }
+
+    void showStates(HMENU menu) const override
+    {
+        setEnabled(menu, commandOpen, m_list.currentContact() != 0 && !m_card.isShown());
+        const auto display =
+            std::ranges::find(displays, static_cast<ContactsDisplay>(settings().CV_DisplayFormat)) - displays.begin();
+        setChosen(menu, commandDisplay, displays.size(), static_cast<std::size_t>(display));
+        setChecked(menu, commandDeep, m_deep);
     }
 
     bool command(UINT id) override
@@ -170,7 +165,7 @@ class ContactsView final : public View
         {
             CRegistry store;
             store.OpenKey(HKEY_CURRENT_USER, CContactsThread::SETTINGS_KEY);
-            store.SetValue(u"CV_DisplayFormat", static_cast<DWORD>(displays[id - commandDisplay].display));
+            store.SetValue(u"CV_DisplayFormat", static_cast<DWORD>(displays[id - commandDisplay]));
             m_list.reload();
             return true;
         }
@@ -285,7 +280,7 @@ class ContactsView final : public View
     ItemCard m_card;
 };
 
-const ViewRegistration registration({"contacts", textContactsTitle, 60,
+const ViewRegistration registration({"contacts", textContactsTitle, commandContacts,
                                      [] { return std::unique_ptr<View>(new ContactsView); }});
 } // namespace
 } // namespace zb::screens

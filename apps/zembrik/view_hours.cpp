@@ -629,8 +629,8 @@ class HoursView final : public CalendarView
     bool m_opened = false;
 };
 
-const ViewRegistration dayRegistration({"day", textDay, 20, [] { return std::unique_ptr<View>(new HoursView(false)); }});
-const ViewRegistration weekRegistration({"week", textWeek, 30,
+const ViewRegistration dayRegistration({"day", textDay, commandDay, [] { return std::unique_ptr<View>(new HoursView(false)); }});
+const ViewRegistration weekRegistration({"week", textWeek, commandWeek,
                                          [] { return std::unique_ptr<View>(new HoursView(true)); }});
 } // namespace
 } // namespace zb::screens

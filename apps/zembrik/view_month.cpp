@@ -7,6 +7,7 @@
 #include "zembrik/calendar_view.h"
 #include "zembrik/date_words.h"
 #include "zembrik/month_grid.h"
+#include "zembrik/numbers.h"
 #include "zembrik/paint.h"
 
 #include <algorithm>
@@ -251,6 +252,6 @@ class MonthView final : public CalendarView
     MonthGrid m_grid;
 };
 
-const ViewRegistration registration({"month", textMonth, 40, [] { return std::unique_ptr<View>(new MonthView); }});
+const ViewRegistration registration({"month", textMonth, commandMonth, [] { return std::unique_ptr<View>(new MonthView); }});
 } // namespace
 } // namespace zb::screens

@@ -213,9 +213,9 @@ class StartView final : public View
         SetFocus(m_panes->counts);
     }
 
-    void addCommands(HMENU menu) override
+    WORD commands() const override
     {
-        AppendMenuW(menu, MF_STRING, commandRefresh, text(textRefresh).c_str());
+        return startMenu;
     }
 
     bool command(UINT id) override
@@ -278,6 +278,6 @@ class StartView final : public View
     std::unique_ptr<StartPanes> m_panes;
 };
 
-const ViewRegistration registration({"start", textStart, 0, [] { return std::unique_ptr<View>(new StartView); }});
+const ViewRegistration registration({"start", textStart, commandStart, [] { return std::unique_ptr<View>(new StartView); }});
 } // namespace
 } // namespace zb::screens

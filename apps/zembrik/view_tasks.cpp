@@ -2,11 +2,14 @@
 #include "core/CRegistry.h"
 #include "zembrik/item_objects.h"
 #include "zembrik/list_texts.h"
+#include "zembrik/menu_states.h"
+#include "zembrik/numbers.h"
 #include "zembrik/task_list.h"
 #include "zembrik/task_rows.h"
 #include "zembrik/texts.h"
 #include "zembrik/view.h"
 
+#include <algorithm>
 #include <array>
 
 namespace zb::screens
@@ -26,21 +29,11 @@ constexpr UINT commandLift = firstViewCommand + 7;
 constexpr UINT commandGroup = firstViewCommand + 10; // and the grouping
 constexpr UINT commandSort = firstViewCommand + 30;  // and the place in the table
 
-/// In the order of the groupings' numbers.
-constexpr std::array<UINT, 9> groupTexts = {textGroupNone,   textGroupCategory, textGroupImportance,
-                                            textGroupLetter, textGroupProgress, textGroupCompletion,
-                                            textGroupDue,    textGroupManager,  textGroupTree};
+constexpr std::size_t groupings = 9;
 
-struct SortChoice
-{
-    UINT text;
-    ULONG key;
-};
-constexpr std::array<SortChoice, 5> sorts = {{{textSortPriority, taskSortPriority},
-                                              {textSortDue, taskSortDueDate},
-                                              {textSortSubject, taskSortSubject},
-                                              {textSortLetter, taskSortLetter},
-                                              {textSortCategory, taskSortCategory}}};
+/// In the order of the menu.
+constexpr std::array<ULONG, 5> sorts = {taskSortPriority, taskSortDueDate, taskSortSubject, taskSortLetter,
+                                        taskSortCategory};
 
 void store(const WCHAR *name, DWORD value)
 {
@@ -52,11 +45,6 @@ void store(const WCHAR *name, DWORD value)
 TaskListSettings settings()
 {
     return TaskListSettings::read(CTasksThread::DEFAULT_SETTINGS_KEY);
-}
-
-void append(HMENU menu, UINT id, UINT words, bool checked = false, bool enabled = true)
-{
-    AppendMenuW(menu, MF_STRING | (checked ? MF_CHECKED : 0U) | (enabled ? 0U : MF_GRAYED), id, text(words).c_str());
 }
 
 class TasksView final : public View
@@ -114,42 +102,37 @@ class TasksView final : public View
         return text(textTasksTitle) + (open == 0 ? u"" : u" (" + decimal(open) + u")");
     }
 
-    void addCommands(HMENU menu) override
+    WORD commands() const override
+    {
+        return tasksMenu;
+    }
+
+    void showStates(HMENU menu) const override
     {
         const TaskListSettings now = settings();
         const bool task = m_list.currentTask() != 0 && !m_card.isShown();
-        append(menu, commandOpen, textOpen, false, task);
-        append(menu, commandToggle, textToggleDone, false, task);
-        AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
-        const HMENU groups = CreatePopupMenu();
-        for (UINT group = 0; group < groupTexts.size(); ++group)
-        {
-            append(groups, commandGroup + group, groupTexts[group], now.GroupBy == group);
-        }
-        AppendMenuW(menu, MF_POPUP | MF_STRING, reinterpret_cast<UINT_PTR>(groups), text(textGroupBy).c_str());
-        const HMENU orders = CreatePopupMenu();
-        for (UINT n = 0; n < sorts.size(); ++n)
-        {
-            append(orders, commandSort + n, sorts[n].text, now.TV_Sort0 == sorts[n].key);
-        }
-        AppendMenuW(menu, MF_POPUP | MF_STRING, reinterpret_cast<UINT_PTR>(orders), text(textSortBy).c_str());
-        append(menu, commandShowCompleted, textShowCompleted, now.bShowCompleted != 0);
-        append(menu, commandShowUndated, textShowUndated, now.bShowUndated != 0);
-        append(menu, commandNest, textNest, false, task && m_list.isTree());
-        append(menu, commandLift, textLift, false, task && m_list.isTree());
-        append(menu, commandExpandAll, textExpandAll, false, m_list.isGrouped());
-        append(menu, commandCollapseAll, textCollapseAll, false, m_list.isGrouped());
+        setEnabled(menu, commandOpen, task);
+        setEnabled(menu, commandToggle, task);
+        setChosen(menu, commandGroup, groupings, now.GroupBy);
+        const auto sort = std::ranges::find(sorts, now.TV_Sort0) - sorts.begin();
+        setChosen(menu, commandSort, sorts.size(), static_cast<std::size_t>(sort));
+        setChecked(menu, commandShowCompleted, now.bShowCompleted != 0);
+        setChecked(menu, commandShowUndated, now.bShowUndated != 0);
+        setEnabled(menu, commandNest, task && m_list.isTree());
+        setEnabled(menu, commandLift, task && m_list.isTree());
+        setEnabled(menu, commandExpandAll, m_list.isGrouped());
+        setEnabled(menu, commandCollapseAll, m_list.isGrouped());
     }
 
     bool command(UINT id) override
     {
-        if (id >= commandGroup && id < commandGroup + groupTexts.size())
+        if (id >= commandGroup && id < commandGroup + groupings)
         {
             return change(u"GroupBy", id - commandGroup);
         }
         if (id >= commandSort && id < commandSort + sorts.size())
         {
-            return change(u"TV_Sort0", sorts[id - commandSort].key);
+            return change(u"TV_Sort0", sorts[id - commandSort]);
         }
         switch (id)
         {
@@ -260,6 +243,6 @@ class TasksView final : public View
     ItemCard m_card;
 };
 
-const ViewRegistration registration({"tasks", textTasksTitle, 50, [] { return std::unique_ptr<View>(new TasksView); }});
+const ViewRegistration registration({"tasks", textTasksTitle, commandTasks, [] { return std::unique_ptr<View>(new TasksView); }});
 } // namespace
 } // namespace zb::screens
