@@ -3,6 +3,8 @@
 #include "common/agenda_words.h"
 #include "common/days.h"
 #include "common/markup_text.h"
+#include "common/row_texts.h"
+#include "common/texts.h"
 #include "common/visible_text.h"
 #include "framework/HIDPI.h"
 #include "platform/text.h"
@@ -79,7 +81,7 @@ std::u16string wordsMarkup(const std::string &words)
 std::u16string subjectMarkup(const AgendaRow &row)
 {
     const std::string subject = subjectOf(row);
-    const std::u16string words = wordsMarkup(subject.empty() ? "(no subject)" : subject);
+    const std::u16string words = subject.empty() ? plainMarkup(text(textNoSubject)) : wordsMarkup(subject);
     const std::u16string picture = kindPicture(row);
     const std::u16string styled = row.isComplete ? u"<FONT SIZE=2 COLOR=#7A848F><S>" + words + u"</S>"
                                                  : u"<FONT SIZE=2 COLOR=#16202B><B>" + words + u"</B>";

@@ -1,9 +1,13 @@
 #include "common/agenda_words.h"
 
 #include "common/days.h"
+#include "common/row_texts.h"
+#include "common/texts.h"
 #include "common/visible_text.h"
+#include "platform/text.h"
 
 #include <algorithm>
+#include <array>
 #include <set>
 #include <tuple>
 
@@ -11,17 +15,29 @@ namespace zb::host
 {
 namespace
 {
+std::string words(UINT number)
+{
+    return toUtf8(std::u16string_view(text(number)));
+}
+
+std::string words(UINT number, std::initializer_list<std::string> values)
+{
+    std::array<std::u16string, 2> wide;
+    std::ranges::transform(values, wide.begin(), [](const std::string &value) { return toUtf16(value); });
+    return toUtf8(std::u16string_view(text(number, {wide[0], wide[1]})));
+}
+
 /// What is worth telling of a task besides its subject, on the day on which it shows.
 std::vector<std::string> taskMarks(const AgendaRow &row)
 {
     std::vector<std::string> marks;
     if (row.due && dayOf(*row.due) != row.day)
     {
-        marks.push_back("due " + shortDate(dayOf(*row.due)));
+        marks.push_back(words(textRowDue, {shortDate(dayOf(*row.due))}));
     }
     if (row.importance != 1)
     {
-        marks.push_back(std::string(importanceWord(row.importance)) + " importance");
+        marks.push_back(words(row.importance > 1 ? textRowHigh : textRowLow));
     }
     return marks;
 }
@@ -31,16 +47,16 @@ std::vector<std::string> appointmentMarks(const AgendaRow &row)
     std::vector<std::string> marks;
     if (row.allDay && row.lastDay > row.firstDay)
     {
-        marks.push_back("day " + std::to_string(row.day - row.firstDay + 1) + " of " +
-                        std::to_string(row.lastDay - row.firstDay + 1));
+        marks.push_back(words(textRowDayOf, {std::to_string(row.day - row.firstDay + 1),
+                                             std::to_string(row.lastDay - row.firstDay + 1)}));
     }
     if (row.busyStatus == 1)
     {
-        marks.emplace_back("tentative");
+        marks.push_back(words(textRowTentative));
     }
     if (row.busyStatus == 3)
     {
-        marks.emplace_back("out of office");
+        marks.push_back(words(textRowOutOfOffice));
     }
     return marks;
 }
@@ -81,20 +97,15 @@ std::string categoryText(const AgendaRow &row)
     return joined(categoriesOf(row), ", ");
 }
 
-const char *importanceWord(int importance)
-{
-    return importance >= 2 ? "high" : importance <= 0 ? "low" : "normal";
-}
-
 std::string timeOf(const AgendaRow &row)
 {
     if (row.kind == AgendaKind::Task)
     {
-        return row.isComplete ? "done" : row.isOverdue ? "overdue" : "to do";
+        return words(row.isComplete ? textRowDone : row.isOverdue ? textRowOverdue : textRowToDo);
     }
     if (row.allDay)
     {
-        return "all day";
+        return words(textRowAllDay);
     }
     const bool begins = row.day == row.firstDay;
     const bool ends = row.day == row.lastDay;
@@ -105,7 +116,9 @@ std::string timeOf(const AgendaRow &row)
         const bool moment = start == end && dayOf(row.start) == dayOf(row.end);
         return moment ? start : start + " – " + end;
     }
-    return begins ? "from " + timeText(row.start) : ends ? "until " + timeText(row.end) : "all day long";
+    return begins ? words(textRowFrom, {timeText(row.start)})
+           : ends ? words(textRowUntil, {timeText(row.end)})
+                  : words(textRowAllDayLong);
 }
 
 std::string detailsOf(const AgendaRow &row)
@@ -113,7 +126,7 @@ std::string detailsOf(const AgendaRow &row)
     std::vector<std::string> marks = marksOf(row);
     if (row.isPrivate)
     {
-        marks.emplace_back("private");
+        marks.push_back(words(textRowPrivate));
     }
     std::string text = visibleText(row.location);
     const std::string told = joined(marks, ", ");
@@ -130,13 +143,14 @@ std::string subjectOf(const AgendaRow &row)
 
 std::string countText(std::size_t appointments, std::size_t tasks)
 {
-    const auto count = [](std::size_t number, const std::string &what)
-    { return (number == 0 ? "no" : std::to_string(number)) + " " + what + (number == 1 ? "" : "s"); };
-    if (appointments == 0 && tasks != 0)
+    const auto count = [](std::size_t number, UINT first)
+    { return words(first + static_cast<UINT>(std::min<std::size_t>(number, 2)), {std::to_string(number)}); };
+    if (tasks == 0)
     {
-        return count(tasks, "task");
+        return count(appointments, textFirstAppointmentCount);
     }
-    return count(appointments, "appointment") + (tasks == 0 ? "" : " and " + count(tasks, "task"));
+    const std::string counted = count(tasks, textFirstTaskCount);
+    return appointments == 0 ? counted : words(textBothCounts, {count(appointments, textFirstAppointmentCount), counted});
 }
 
 std::size_t countOf(const std::vector<AgendaRow> &rows)

@@ -9,7 +9,6 @@
 
 namespace zb::host
 {
-const char *importanceWord(int importance);
 /// When the row's item is, on the row's day: "09:00 – 10:30", "all day", "until 12:00", "overdue".
 std::string timeOf(const AgendaRow &row);
 std::string subjectOf(const AgendaRow &row);

@@ -1,5 +1,6 @@
 #include "interchange/card_values.h"
 
+#include "common/year_of_no_year.h"
 #include "interchange/calendar_text.h"
 #include "interchange/card_reader.h"
 #include "platform/clock.h"
@@ -222,7 +223,7 @@ std::optional<CardDate> readCardDate(std::string_view value, std::string_view om
     }
     date.hasYear = fields->year && (omittedYear.empty() || whole.substr(0, omittedYear.size()) != omittedYear);
     SYSTEMTIME parts{};
-    parts.wYear = date.hasYear ? static_cast<WORD>(*fields->year) : yearOfNoYear;
+    parts.wYear = date.hasYear ? static_cast<WORD>(*fields->year) : host::yearOfNoYear;
     parts.wMonth = static_cast<WORD>(fields->month);
     parts.wDay = static_cast<WORD>(fields->day);
     return SystemTimeToFileTime(&parts, &date.day) != FALSE ? std::optional(date) : std::nullopt;

@@ -22,14 +22,10 @@ std::vector<std::string_view> cardParts(const Card &card, std::string_view raw, 
 /// A day of a year, or of every year.
 struct CardDate
 {
-    FILETIME day{}; ///< midnight in no zone; without a year in yearOfNoYear
+    FILETIME day{}; ///< midnight in no zone; without a year in host::yearOfNoYear
     bool hasYear = true;
     bool hasTime = false; ///< a time of day other than midnight was told too
 };
-
-/// Records hold whole dates alone. In a leap year of the far future the day of a year without year keeps its place in
-/// lists, and they show no age.
-inline constexpr WORD yearOfNoYear = 2996;
 
 /// "1980-03-22", "19800322", with a time of day behind it, "--0412" and "--04-12". `omittedYear` is the year that
 /// stands for none, empty for no such year. Nothing for what has no month and day, or is no date.

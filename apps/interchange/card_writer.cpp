@@ -1,5 +1,6 @@
 #include "interchange/card_writer.h"
 
+#include "common/year_of_no_year.h"
 #include "interchange/base64.h"
 #include "interchange/card_reader.h"
 #include "interchange/card_values.h"
@@ -153,7 +154,7 @@ class CardWriter
         }
         const SYSTEMTIME fields = fieldsOf(ticksOf(*date));
         const std::string text = utcText(ticksOf(*date)).substr(0, 8);
-        if (fields.wYear != yearOfNoYear)
+        if (fields.wYear != host::yearOfNoYear)
         {
             m_lines.line(std::string(name) + ":" + text.substr(0, 4) + "-" + text.substr(4, 2) + "-" + text.substr(6));
             return;

@@ -1,4 +1,5 @@
 // Days of a contact's life and the people that a card names: spouse, children, assistant, agents.
+#include "common/year_of_no_year.h"
 #include "interchange/contact_builder.h"
 
 #include "interchange/calendar_text.h"
@@ -47,7 +48,7 @@ void ContactBuilder::setDate(bool birthday, std::string_view value, std::string_
     if (!date->hasYear)
     {
         m_reading.findings.push_back(
-            {property.line, "the " + what + " has no year and came in with the year " + std::to_string(yearOfNoYear)});
+            {property.line, "the " + what + " has no year and came in with the year " + std::to_string(host::yearOfNoYear)});
     }
     if (date->hasTime)
     {

@@ -1,14 +1,16 @@
 // zb agenda: appointments, birthdays and tasks day by day.
 #include "calendar/DATACALENDAR.h"
+#include "common/agenda_words.h"
+#include "common/complain.h"
+#include "common/days.h"
+#include "common/exit_code.h"
+#include "common/open_device.h"
 #include "platform/locale.h"
 #include "platform/text.h"
 #include "zb/agenda_picture.h"
-#include "zb/agenda_words.h"
 #include "zb/calendar_load.h"
 #include "zb/commands.h"
-#include "zb/days.h"
 #include "zb/json.h"
-#include "zb/open_device.h"
 #include "zb/shot.h"
 #include "zb/terminal.h"
 
@@ -19,6 +21,8 @@
 
 namespace zb::cli
 {
+using namespace host;
+
 namespace
 {
 constexpr int daysOfWeek = 7;
@@ -90,21 +94,6 @@ const char *kindWord(AgendaKind kind)
 {
     constexpr std::array<const char *, 4> words = {"appointment", "birthday", "anniversary", "task"};
     return words[static_cast<std::size_t>(kind)];
-}
-
-Json dateJson(const std::optional<SYSTEMTIME> &date)
-{
-    return date ? Json(isoDate(*date)) : Json();
-}
-
-Json namesJson(const std::vector<std::u16string> &names)
-{
-    Json list = Json::array();
-    for (const std::u16string &name : names)
-    {
-        list.push_back(toUtf8(std::u16string_view(name)));
-    }
-    return list;
 }
 
 void addTask(Json &json, const AgendaRow &row)

@@ -1,13 +1,16 @@
 #include "zb/agenda_picture.h"
 
 #include "common/agenda_markup.h"
-#include "zb/agenda_words.h"
+#include "common/agenda_rows.h"
+#include "common/agenda_words.h"
+#include "common/days.h"
 #include "zb/cell_sheet.h"
-#include "zb/days.h"
 #include "zb/shot.h"
 
 namespace zb::cli
 {
+using namespace host;
+
 namespace
 {
 constexpr COLORREF headerBack = RGB(0xE6, 0xEB, 0xF2);

@@ -7,5 +7,5 @@
 namespace zb::cli
 {
 /// Writes the rows of the range as PNG and returns the exit code.
-int drawAgenda(const std::vector<AgendaRow> &rows, const DayRange &range, const PictureArguments &picture);
+int drawAgenda(const std::vector<host::AgendaRow> &rows, const DayRange &range, const PictureArguments &picture);
 } // namespace zb::cli

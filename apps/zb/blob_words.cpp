@@ -2,6 +2,8 @@
 
 #include "calendar/CRecurrenceReader.h"
 #include "calendar/RecurrenceWalk.h"
+#include "common/days.h"
+#include "common/visible_text.h"
 #include "platform/clock.h"
 #include "platform/pim.h"
 #include "platform/pim_recurrence.h"
@@ -14,6 +16,8 @@
 
 namespace zb::cli
 {
+using namespace host;
+
 namespace
 {
 constexpr DWORD minutesPerDay = 1440;

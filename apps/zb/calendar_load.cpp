@@ -1,12 +1,12 @@
 #include "zb/calendar_load.h"
 
 #include "calendar/CCalendarThread.h"
+#include "common/days.h"
 #include "platform/clock.h"
 #include "platform/locale.h"
 #include "platform/pim.h"
 #include "records/CeDb.h"
 #include "records/CeDbRecord.h"
-#include "zb/days.h"
 #include "zb/loader_window.h"
 #include "zb/task_list_load.h"
 
@@ -15,6 +15,8 @@
 
 namespace zb::cli
 {
+using namespace host;
+
 namespace
 {
 constexpr int daysOfYear = 366;

@@ -14,8 +14,6 @@ class DATACALENDAR;
 
 namespace zb::cli
 {
-using namespace zb::host;
-
 /// What to show where the settings of the device don't decide it.
 struct CalendarChoice
 {
@@ -33,7 +31,7 @@ void visitCalendar(int firstDay, int lastDay, const CalendarChoice &choice,
 
 /// Rows from the first day to the last, itself included, in the order in which they show: by day, whole days first,
 /// then by start, then the tasks.
-std::vector<AgendaRow> loadAgenda(int firstDay, int lastDay, const CalendarChoice &choice);
+std::vector<host::AgendaRow> loadAgenda(int firstDay, int lastDay, const CalendarChoice &choice);
 
 struct DayRange
 {

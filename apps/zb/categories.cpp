@@ -1,11 +1,14 @@
 // zb categories: the device's categories, listed and changed.
+#include "common/complain.h"
+#include "common/exit_code.h"
+#include "common/open_device.h"
+#include "common/visible_text.h"
 #include "platform/text.h"
 #include "records/CategoryEdit.h"
 #include "records/FullCategories.h"
 #include "zb/bad_usage.h"
 #include "zb/commands.h"
 #include "zb/json.h"
-#include "zb/open_device.h"
 #include "zb/recorded.h"
 #include "zb/terminal.h"
 
@@ -17,6 +20,8 @@
 
 namespace zb::cli
 {
+using namespace host;
+
 namespace
 {
 struct Category

@@ -1,5 +1,6 @@
 #include "zb/cell_sheet.h"
 
+#include "common/markup_text.h"
 #include "display/DrawHTML.h"
 #include "display/HTMLText.h"
 #include "framework/HIDPI.h"
@@ -11,6 +12,8 @@
 
 namespace zb::cli
 {
+using namespace host;
+
 namespace
 {
 constexpr int margin = 8;

@@ -1,7 +1,6 @@
 // A picture of marked-up cells, one row under the other: what `zb agenda` and `zb shot` draw.
 #pragma once
 
-#include "common/markup_text.h"
 #include "display/CHTMLParser.h"
 #include "platform/gdi.h"
 #include "zb/picture_window.h"
@@ -14,8 +13,6 @@
 
 namespace zb::cli
 {
-using namespace zb::host;
-
 /// Colours are of COLORREF. Lengths are pixels of 96 dots an inch.
 struct SheetRow
 {

@@ -4,7 +4,6 @@
 
 #include "zb/calendar_load.h"
 #include "zb/category_choice.h"
-#include "zb/exit_code.h"
 #include "zb/task_list_load.h"
 
 #include <cstddef>

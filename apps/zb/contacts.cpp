@@ -1,9 +1,12 @@
 // zb contacts: the contacts, flat or as trees, searched as a list on the device searches.
+#include "common/category_words.h"
+#include "common/exit_code.h"
+#include "common/open_device.h"
+#include "common/visible_text.h"
 #include "contacts/CContactsThread.h"
 #include "platform/text.h"
 #include "zb/commands.h"
 #include "zb/json.h"
-#include "zb/open_device.h"
 #include "zb/property_text.h"
 #include "zb/task_list_load.h"
 #include "zb/terminal.h"
@@ -13,6 +16,8 @@
 
 namespace zb::cli
 {
+using namespace host;
+
 namespace
 {
 struct Group

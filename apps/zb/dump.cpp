@@ -1,4 +1,7 @@
 // zb dump and zb show: the records of one database, or one record, property by property.
+#include "common/complain.h"
+#include "common/exit_code.h"
+#include "common/open_device.h"
 #include "platform/kernel.h"
 #include "platform/text.h"
 #include "records/CeDb.h"
@@ -6,7 +9,6 @@
 #include "zb/blob_words.h"
 #include "zb/commands.h"
 #include "zb/json.h"
-#include "zb/open_device.h"
 #include "zb/property_text.h"
 #include "zb/terminal.h"
 
@@ -15,6 +17,8 @@
 
 namespace zb::cli
 {
+using namespace host;
+
 namespace
 {
 bool open(CeDb &database, const std::string &name)

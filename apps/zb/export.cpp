@@ -1,14 +1,16 @@
 // zb export: items as a calendar file, or as a file of cards.
-#include "interchange/export.h"
+#include "common/complain.h"
+#include "common/days.h"
+#include "common/exit_code.h"
+#include "common/open_device.h"
 #include "interchange/appointment_store.h"
+#include "interchange/export.h"
 #include "platform/clock.h"
 #include "platform/text.h"
 #include "records/FullCategories.h"
 #include "zb/bad_usage.h"
 #include "zb/commands.h"
-#include "zb/days.h"
 #include "zb/json.h"
-#include "zb/open_device.h"
 #include "zb/recorded.h"
 #include "zb/terminal.h"
 #include "zb/whole_file.h"
@@ -17,6 +19,8 @@
 
 namespace zb::cli
 {
+using namespace host;
+
 namespace
 {
 LONGLONG ticksOfDay(const std::string &text, const char *option)

@@ -1,10 +1,12 @@
 // zb import: events and to-dos of iCalendar files into the device's appointments and tasks, cards of vCard files into
 // its contacts, one transaction a file.
+#include "common/complain.h"
+#include "common/exit_code.h"
+#include "common/open_device.h"
 #include "interchange/appointment_store.h"
 #include "interchange/import_file.h"
 #include "zb/commands.h"
 #include "zb/json.h"
-#include "zb/open_device.h"
 #include "zb/recorded.h"
 #include "zb/terminal.h"
 
@@ -12,6 +14,8 @@
 
 namespace zb::cli
 {
+using namespace host;
+
 namespace
 {
 constexpr int longestWords = 100;

@@ -1,10 +1,12 @@
 // zb info: the databases of the device.
+#include "common/exit_code.h"
+#include "common/open_device.h"
+#include "common/visible_text.h"
 #include "platform/locale.h"
 #include "platform/text.h"
 #include "records/CeDbEnum.h"
 #include "zb/commands.h"
 #include "zb/json.h"
-#include "zb/open_device.h"
 #include "zb/property_text.h"
 #include "zb/terminal.h"
 
@@ -12,6 +14,8 @@
 
 namespace zb::cli
 {
+using namespace host;
+
 namespace
 {
 struct Database

@@ -1,10 +1,13 @@
 // zb init: makes a device, or finds that there is one.
+#include "common/exit_code.h"
+#include "common/open_device.h"
 #include "zb/commands.h"
-#include "zb/open_device.h"
 #include "zb/terminal.h"
 
 namespace zb::cli
 {
+using namespace host;
+
 int runInit(const InitArguments &arguments)
 {
     const std::unique_ptr<Device> device = openDevice(arguments.device, Missing::Make);

@@ -1,16 +1,20 @@
 #include "zb/item_words.h"
 
+#include "common/complain.h"
+#include "common/days.h"
+#include "common/exit_code.h"
+#include "common/visible_text.h"
 #include "platform/clock.h"
 #include "platform/text.h"
 #include "zb/bad_usage.h"
-#include "zb/days.h"
-#include "zb/exit_code.h"
 #include "zb/terminal.h"
 
 #include <cstdio>
 
 namespace zb::cli
 {
+using namespace host;
+
 namespace
 {
 std::string takeText(BSTR text)

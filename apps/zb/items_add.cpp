@@ -1,16 +1,18 @@
 // zb add: one appointment, task or contact.
+#include "common/exit_code.h"
+#include "common/open_device.h"
 #include "platform/propdb.h"
 #include "records/COutlook.h"
-#include "zb/exit_code.h"
 #include "zb/item_words.h"
 #include "zb/items.h"
 #include "zb/json.h"
-#include "zb/open_device.h"
 #include "zb/recorded.h"
 #include "zb/terminal.h"
 
 namespace zb::cli
 {
+using namespace host;
+
 int runAdd(const ItemArguments &arguments)
 {
     const std::unique_ptr<Device> device = openDevice(arguments.device, Missing::Refuse);

@@ -1,17 +1,19 @@
 // zb delete and zb done: single items.
+#include "common/exit_code.h"
+#include "common/open_device.h"
 #include "records/COutlook.h"
 #include "tasks/TaskRegeneration.h"
 #include "zb/bad_usage.h"
-#include "zb/exit_code.h"
 #include "zb/item_words.h"
 #include "zb/items.h"
 #include "zb/json.h"
-#include "zb/open_device.h"
 #include "zb/recorded.h"
 #include "zb/terminal.h"
 
 namespace zb::cli
 {
+using namespace host;
+
 namespace
 {
 bool isSeries(IPOutlookItem &item)

@@ -1,17 +1,19 @@
 // zb edit: an appointment, task or contact that is there; of a series also one day, or one day and all later ones.
+#include "common/exit_code.h"
+#include "common/open_device.h"
 #include "platform/propdb.h"
 #include "records/COutlook.h"
 #include "zb/bad_usage.h"
-#include "zb/exit_code.h"
 #include "zb/item_words.h"
 #include "zb/items.h"
 #include "zb/json.h"
-#include "zb/open_device.h"
 #include "zb/recorded.h"
 #include "zb/terminal.h"
 
 namespace zb::cli
 {
+using namespace host;
+
 namespace
 {
 using AppointmentCount = Counted<IAppointment>;

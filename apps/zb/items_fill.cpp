@@ -1,8 +1,8 @@
 // What zb add and zb edit put into items.
+#include "common/days.h"
 #include "platform/text.h"
 #include "records/CategoryEdit.h"
 #include "zb/bad_usage.h"
-#include "zb/days.h"
 #include "zb/item_words.h"
 #include "zb/items.h"
 

@@ -5,7 +5,9 @@
 
 #include <nlohmann/json.hpp>
 
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace zb::cli
 {
@@ -21,4 +23,9 @@ std::string text(const Json &value);
 std::string isoTime(const SYSTEMTIME &time, bool utc);
 /// "2026-11-21".
 std::string isoDate(const SYSTEMTIME &date);
+/// The date alone; null without one.
+Json dateJson(const std::optional<SYSTEMTIME> &date);
+Json namesJson(const std::vector<std::u16string> &names);
+/// "low", "normal", "high" for 0, 1, 2.
+const char *importanceWord(LONG importance);
 } // namespace zb::cli

@@ -1,5 +1,7 @@
 // zb: the command line host. Arguments only; the commands stand in files of their own.
 #include "calendar/CalendarSettings.h"
+#include "common/complain.h"
+#include "common/exit_code.h"
 #include "contacts/ContactListSettings.h"
 #include "platform/undo.h"
 #include "zb/bad_usage.h"
@@ -19,6 +21,7 @@
 namespace
 {
 using namespace zb::cli;
+using namespace zb::host;
 
 constexpr const char *exitCodes =
     "Exit codes: 0 done; 1 done, but something of the input could not be taken; 2 wrong usage; 3 the device can't be\n"

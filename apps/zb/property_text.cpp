@@ -1,5 +1,6 @@
 #include "zb/property_text.h"
 
+#include "common/visible_text.h"
 #include "platform/clock.h"
 #include "platform/pim.h"
 #include "platform/text.h"
@@ -10,6 +11,8 @@
 
 namespace zb::cli
 {
+using namespace host;
+
 namespace
 {
 constexpr std::size_t longestText = 200;

@@ -1,11 +1,14 @@
 // zb settings: the text store of settings, read and written.
+#include "common/complain.h"
+#include "common/exit_code.h"
+#include "common/open_device.h"
+#include "common/visible_text.h"
 #include "core/CRegistry.h"
 #include "platform/text.h"
 #include "zb/bad_usage.h"
 #include "zb/commands.h"
 #include "zb/json.h"
 #include "zb/known_settings.h"
-#include "zb/open_device.h"
 #include "zb/recorded.h"
 #include "zb/terminal.h"
 
@@ -17,6 +20,8 @@
 
 namespace zb::cli
 {
+using namespace host;
+
 namespace
 {
 const std::u16string rootKey = u"Software\\Kelvo\\Zembrik";

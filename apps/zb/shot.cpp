@@ -1,6 +1,8 @@
 // zb shot: marked-up text as a picture.
 #include "zb/shot.h"
 
+#include "common/complain.h"
+#include "common/exit_code.h"
 #include "platform/kernel.h"
 #include "platform/text.h"
 #include "zb/terminal.h"
@@ -11,6 +13,8 @@
 
 namespace zb::cli
 {
+using namespace host;
+
 namespace
 {
 /// A device that is only there to draw on; its folder goes with it.

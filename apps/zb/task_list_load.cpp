@@ -1,5 +1,6 @@
 #include "zb/task_list_load.h"
 
+#include "common/category_words.h"
 #include "platform/clock.h"
 #include "tasks/DATATASKS.h"
 #include "zb/bad_usage.h"
@@ -10,6 +11,8 @@
 
 namespace zb::cli
 {
+using namespace host;
+
 namespace
 {
 struct SortKey

@@ -1,7 +1,6 @@
 // A task list as its loader gives it, for a program without a screen.
 #pragma once
 
-#include "common/category_words.h"
 #include "platform/types.h"
 #include "tasks/CTasksThread.h"
 #include "zb/category_choice.h"
@@ -12,8 +11,6 @@
 
 namespace zb::cli
 {
-using namespace zb::host;
-
 /// What to show where the settings of the device don't decide it.
 struct TaskListChoice
 {

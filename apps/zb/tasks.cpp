@@ -1,10 +1,14 @@
 // zb tasks: the tasks, grouped, nested and sorted.
+#include "common/days.h"
+#include "common/exit_code.h"
+#include "common/open_device.h"
+#include "common/row_texts.h"
+#include "common/texts.h"
+#include "common/visible_text.h"
 #include "platform/text.h"
 #include "zb/bad_usage.h"
 #include "zb/commands.h"
-#include "zb/days.h"
 #include "zb/json.h"
-#include "zb/open_device.h"
 #include "zb/terminal.h"
 
 #include <algorithm>
@@ -12,6 +16,8 @@
 
 namespace zb::cli
 {
+using namespace host;
+
 namespace
 {
 constexpr int narrowestText = 10;
@@ -22,11 +28,6 @@ std::string utf8(const std::u16string &text)
     return toUtf8(std::u16string_view(text));
 }
 
-const char *importanceWord(LONG importance)
-{
-    return importance >= taskImportanceHigh ? "high" : importance <= taskImportanceLow ? "low" : "normal";
-}
-
 const char *groupingWord(ULONG grouping)
 {
     constexpr std::array<const char *, 9> words = {"none",       "category", "importance", "priority", "progress",
@@ -35,11 +36,6 @@ const char *groupingWord(ULONG grouping)
 }
 
 // --- JSON --------------------------------------------------------------------------------------------------------
-
-Json dateJson(const std::optional<SYSTEMTIME> &date)
-{
-    return date ? Json(isoDate(*date)) : Json();
-}
 
 Json asJson(const TaskNode &task);
 
@@ -55,11 +51,6 @@ Json asJson(const std::vector<TaskNode> &tasks)
 
 Json asJson(const TaskNode &task)
 {
-    Json categories = Json::array();
-    for (const std::u16string &name : task.categories)
-    {
-        categories.push_back(utf8(name));
-    }
     Json json = {{"id", task.id},
                  {"subject", utf8(task.subject)},
                  {"priority", utf8(task.priority)},
@@ -75,7 +66,7 @@ Json asJson(const TaskNode &task)
                  {"reminder", task.hasReminder},
                  {"recurring", task.isRecurring},
                  {"notes", task.hasNotes},
-                 {"categories", categories}};
+                 {"categories", namesJson(task.categories)}};
     if (!task.children.empty())
     {
         json["parentOnly"] = task.isParentOnly;
@@ -181,7 +172,7 @@ std::string detailsOf(const TaskNode &task)
     std::vector<std::string> parts;
     if (task.importance != taskImportanceNormal)
     {
-        parts.push_back(std::string(importanceWord(task.importance)) + " importance");
+        parts.push_back(utf8(host::text(task.importance == taskImportanceLow ? textRowLow : textRowHigh)));
     }
     if (task.repeatDays != 0)
     {
@@ -189,7 +180,7 @@ std::string detailsOf(const TaskNode &task)
     }
     if (task.isPrivate)
     {
-        parts.emplace_back("private");
+        parts.push_back(utf8(host::text(textRowPrivate)));
     }
     std::string text;
     for (const std::string &part : parts)

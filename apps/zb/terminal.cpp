@@ -1,5 +1,6 @@
 #include "zb/terminal.h"
 
+#include "common/complain.h"
 #include "platform/text.h"
 
 #include <algorithm>
@@ -13,6 +14,8 @@
 
 namespace zb::cli
 {
+using namespace host;
+
 namespace
 {
 constexpr int usualWidth = 80;

@@ -4,9 +4,6 @@
 // to move the cursor or recolour the screen).
 #pragma once
 
-#include "common/complain.h"
-#include "common/visible_text.h"
-
 #include <cstdint>
 #include <cstdio>
 #include <string>
@@ -14,8 +11,6 @@
 
 namespace zb::cli
 {
-using namespace zb::host;
-
 enum class Style
 {
     Plain,
@@ -76,8 +71,6 @@ class Output
   private:
     bool m_failed = false;
 };
-
-using host::complain;
 
 /// A bar on standard error for work that takes long enough to wonder; only on a terminal.
 class ProgressBar

@@ -1,4 +1,8 @@
 // zb undo and zb redo, and the recordings that they work on.
+#include "common/complain.h"
+#include "common/exit_code.h"
+#include "common/open_device.h"
+#include "common/visible_text.h"
 #include "core/CRegistry.h"
 #include "platform/clock.h"
 #include "platform/locale.h"
@@ -9,7 +13,6 @@
 #include "zb/commands.h"
 #include "zb/item_words.h"
 #include "zb/json.h"
-#include "zb/open_device.h"
 #include "zb/recorded.h"
 #include "zb/terminal.h"
 
@@ -17,6 +20,8 @@
 
 namespace zb::cli
 {
+using namespace host;
+
 namespace
 {
 constexpr int longestTitle = 60;

@@ -2,11 +2,11 @@
 
 #include "common/agenda_markup.h"
 #include "common/markup_text.h"
+#include "common/texts.h"
 #include "zembrik/calendar_texts.h"
 #include "zembrik/date_words.h"
 #include "zembrik/list_texts.h"
 #include "zembrik/paint.h"
-#include "zembrik/texts.h"
 
 namespace zb::screens
 {

@@ -2,6 +2,8 @@
 
 #include "common/agenda_words.h"
 #include "common/days.h"
+#include "common/row_texts.h"
+#include "common/texts.h"
 #include "common/visible_text.h"
 #include "zembrik/calendar_texts.h"
 #include "zembrik/date_words.h"
@@ -9,7 +11,6 @@
 #include "zembrik/item_objects.h"
 #include "zembrik/list_texts.h"
 #include "zembrik/task_rows.h"
-#include "zembrik/texts.h"
 
 namespace zb::screens
 {
@@ -65,9 +66,7 @@ std::u16string reminderWords(IAppointment &item)
     {
         return {};
     }
-    std::u16string words = text(textReminderMinutes);
-    words.replace(std::min(words.find(u"%d"), words.size()), 2, decimal(minutes));
-    return words;
+    return text(textReminderMinutes, {decimal(minutes)});
 }
 
 CardWords appointmentCard(const AgendaRow &row)
@@ -104,7 +103,7 @@ CardWords cardOf(const AgendaRow &row)
     if (row.kind != AgendaKind::Task)
     {
         CardWords card = appointmentCard(row);
-        card.title = card.title.empty() ? text(textNoSubjectHere) : card.title;
+        card.title = card.title.empty() ? text(textNoSubject) : card.title;
         return card;
     }
     std::optional<TaskDetails> details = taskDetails(row.id);

@@ -25,7 +25,6 @@ inline constexpr UINT textQuietToday = 60222;
 inline constexpr UINT textQuietHint = 60223;
 inline constexpr UINT textEarlier = 60224;
 inline constexpr UINT textLater = 60225;
-inline constexpr UINT textWeekNumber = 60226;
 inline constexpr UINT textMore = 60227;
 inline constexpr UINT textWhen = 60230;
 inline constexpr UINT textWhere = 60231;
@@ -43,6 +42,5 @@ inline constexpr UINT textNotMoved = 60245;
 inline constexpr UINT textNotMovedNeighbour = 60246;
 inline constexpr UINT textNotMovedLength = 60247;
 inline constexpr UINT textGone = 60248;
-inline constexpr UINT textNoSubjectHere = 60249;
 inline constexpr UINT textOfContact = 60250;
 } // namespace zb::screens

@@ -6,7 +6,7 @@
 #include "zembrik/calendar_texts.h"
 #include "zembrik/menu_states.h"
 #include "zembrik/numbers.h"
-#include "zembrik/texts.h"
+#include "zembrik/remembered.h"
 
 #include <algorithm>
 #include <array>

@@ -1,14 +1,16 @@
 #include "zembrik/contact_list.h"
 
+#include "common/texts.h"
 #include "platform/propdb.h"
 #include "zembrik/contact_rows.h"
 #include "zembrik/list_texts.h"
-#include "zembrik/texts.h"
 
 namespace zb::screens
 {
 namespace
 {
+using host::text;
+
 constexpr UINT_PTR runTimer = 0x434C;
 /// One import or one save changes several records: they are waited for, but not felt.
 constexpr UINT changeDelay = 150;

@@ -1,6 +1,8 @@
 #include "zembrik/contact_rows.h"
 
 #include "common/markup_text.h"
+#include "common/texts.h"
+#include "common/year_of_no_year.h"
 #include "framework/HIDPI.h"
 #include "platform/clock.h"
 #include "records/CCategoryColor.h"
@@ -8,7 +10,6 @@
 #include "zembrik/item_card.h"
 #include "zembrik/item_objects.h"
 #include "zembrik/list_texts.h"
-#include "zembrik/texts.h"
 
 #include <array>
 
@@ -16,8 +17,8 @@ namespace zb::screens
 {
 namespace
 {
-/// Days of cards that name no year are kept in this one.
-constexpr WORD yearOfNoYear = 2996;
+using host::text;
+
 constexpr COLORREF headGround = RGB(0xE6, 0xEB, 0xF2);
 constexpr COLORREF noCategory = RGB(0xB8, 0xC4, 0xD2);
 
@@ -106,7 +107,7 @@ std::u16string dateOf(IContact &contact, HRESULT (IContact::*get)(DATE *))
     {
         return {};
     }
-    return fields.wYear == yearOfNoYear ? shortDayWords(static_cast<int>(date)) : dateWords(date, true);
+    return fields.wYear == host::yearOfNoYear ? shortDayWords(static_cast<int>(date)) : dateWords(date, true);
 }
 } // namespace
 

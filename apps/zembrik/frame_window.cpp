@@ -1,12 +1,13 @@
 #include "zembrik/frame_window.h"
 
+#include "common/texts.h"
 #include "dialogs/CKelvoMBox.h"
 #include "platform/resources.h"
 #include "platform/screen.h"
 #include "platform/text.h"
 #include "zembrik/menu_states.h"
 #include "zembrik/numbers.h"
-#include "zembrik/texts.h"
+#include "zembrik/remembered.h"
 
 #include <algorithm>
 
@@ -14,6 +15,8 @@ namespace zb::screens
 {
 namespace
 {
+using host::text;
+
 /// Puts all entries of a menu at the top of another one, pop-ups with all that is in them, and counts them.
 UINT moveEntries(HMENU from, HMENU to)
 {

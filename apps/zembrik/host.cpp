@@ -8,9 +8,9 @@
 #include "platform/screen.h"
 #include "platform/text.h"
 #include "zembrik/frame_window.h"
+#include "zembrik/remembered.h"
 #include "zembrik/screen_size_text.h"
 #include "zembrik/script_player.h"
-#include "zembrik/texts.h"
 
 #include <fstream>
 #include <iostream>

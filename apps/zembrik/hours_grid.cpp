@@ -1,11 +1,11 @@
 #include "zembrik/hours_grid.h"
 
 #include "common/agenda_words.h"
+#include "common/texts.h"
 #include "framework/HIDPI.h"
 #include "platform/text.h"
 #include "zembrik/calendar_texts.h"
 #include "zembrik/paint.h"
-#include "zembrik/texts.h"
 
 #include <algorithm>
 
@@ -23,12 +23,6 @@ constexpr int chipGap = 1;
 constexpr int nowWidth = 2;
 constexpr int leastWords = 46;
 
-std::u16string moreWords(std::size_t count)
-{
-    std::u16string words = text(textMore);
-    words.replace(std::min(words.find(u"%d"), words.size()), 2, toUtf16(std::to_string(count)));
-    return words;
-}
 } // namespace
 
 std::size_t HoursGrid::shownOf(std::size_t count)
@@ -74,7 +68,7 @@ void HoursGrid::drawWholeDays(HDC hdc, int column, const RECT &rect) const
     if (shown < rows.size())
     {
         const std::size_t more = rows.size() - shown;
-        drawLine(hdc, box, narrow ? u"+" + toUtf16(std::to_string(more)) : moreWords(more), 0, todayColor);
+        drawLine(hdc, box, narrow ? u"+" + toUtf16(std::to_string(more)) : text(textMore, {toUtf16(std::to_string(more))}), 0, todayColor);
     }
 }
 

@@ -1,13 +1,15 @@
 #include "zembrik/item_card.h"
 
 #include "common/markup_text.h"
+#include "common/texts.h"
 #include "zembrik/list_texts.h"
-#include "zembrik/texts.h"
 
 namespace zb::screens
 {
 namespace
 {
+using host::text;
+
 constexpr COLORREF headGround = RGB(0xE6, 0xEB, 0xF2);
 }
 

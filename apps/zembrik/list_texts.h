@@ -17,7 +17,6 @@ inline constexpr UINT textTasksHelp = 60308;
 inline constexpr UINT textNoTasks = 60309;
 inline constexpr UINT textTasksNone = 60310;
 inline constexpr UINT textTasksHidden = 60311;
-inline constexpr UINT textNoSubject = 60312;
 inline constexpr UINT textDue = 60313;
 inline constexpr UINT textStarts = 60314;
 inline constexpr UINT textCompleted = 60315;

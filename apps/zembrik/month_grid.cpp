@@ -2,11 +2,11 @@
 
 #include "common/agenda_words.h"
 #include "common/days.h"
+#include "common/texts.h"
 #include "framework/HIDPI.h"
 #include "platform/text.h"
 #include "zembrik/calendar_texts.h"
 #include "zembrik/paint.h"
-#include "zembrik/texts.h"
 
 #include <algorithm>
 
@@ -23,13 +23,6 @@ constexpr int markHeight = 4;
 constexpr int markGap = 2;
 constexpr int side = 3;
 constexpr int frame = 2;
-
-std::u16string moreWords(std::size_t count)
-{
-    std::u16string words = text(textMore);
-    words.replace(std::min(words.find(u"%d"), words.size()), 2, toUtf16(std::to_string(count)));
-    return words;
-}
 
 bool hasTime(const AgendaRow &row)
 {

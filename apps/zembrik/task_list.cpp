@@ -1,6 +1,7 @@
 #include "zembrik/task_list.h"
 
 #include "common/markup_text.h"
+#include "common/texts.h"
 #include "platform/propdb.h"
 #include "records/CCategoryColor.h"
 #include "records/COutlook.h"
@@ -9,12 +10,13 @@
 #include "zembrik/item_objects.h"
 #include "zembrik/list_texts.h"
 #include "zembrik/task_rows.h"
-#include "zembrik/texts.h"
 
 namespace zb::screens
 {
 namespace
 {
+using host::text;
+
 constexpr UINT_PTR reloadTimer = 0x544C;
 /// One import or one save changes several records: they are waited for, but not felt.
 constexpr UINT reloadDelay = 150;

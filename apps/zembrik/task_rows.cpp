@@ -1,6 +1,8 @@
 #include "zembrik/task_rows.h"
 
 #include "common/markup_text.h"
+#include "common/row_texts.h"
+#include "common/texts.h"
 #include "framework/HIDPI.h"
 #include "platform/clock.h"
 #include "platform/locale.h"
@@ -9,7 +11,6 @@
 #include "zembrik/item_card.h"
 #include "zembrik/item_objects.h"
 #include "zembrik/list_texts.h"
-#include "zembrik/texts.h"
 
 #include <array>
 
@@ -17,6 +18,8 @@ namespace zb::screens
 {
 namespace
 {
+using host::text;
+
 // In pixels at 96 dots an inch.
 constexpr int step = 18;  // of depth, and the room of an arrow
 constexpr int strip = 16; // in front of what is drawn
@@ -88,7 +91,7 @@ std::u16string secondLine(const DATATASKS &task, int today)
 std::u16string subject(const DATATASKS &task)
 {
     const bool without = task.m_pszSubject == nullptr || task.m_pszSubject[0] == 0;
-    const std::u16string words = without ? host::plainMarkup(text(textNoSubject)) : plain(task.m_pszSubject);
+    const std::u16string words = without ? host::plainMarkup(text(host::textNoSubject)) : plain(task.m_pszSubject);
     if (task.m_bComplete != 0)
     {
         return u"<FONT SIZE=2 COLOR=#7A848F><S>" + words + u"</S></FONT>";

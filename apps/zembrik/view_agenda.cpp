@@ -1,6 +1,8 @@
 // The view "agenda": the days one below the other, each with what it holds.
 #include "common/agenda_markup.h"
 #include "common/days.h"
+#include "common/row_texts.h"
+#include "common/texts.h"
 #include "display/DrawHTML.h"
 #include "framework/HIDPI.h"
 #include "platform/text.h"
@@ -11,7 +13,6 @@
 #include "zembrik/date_words.h"
 #include "zembrik/numbers.h"
 #include "zembrik/paint.h"
-#include "zembrik/texts.h"
 
 #include <algorithm>
 
@@ -299,7 +300,8 @@ class AgendaView final : public CalendarView
         if (m_timeColumn == 0)
         {
             const std::u16string late = minuteWords(22 * 60 + 58);
-            const std::u16string lines = u"<FONT SIZE=2>" + late + u"<BR><FONT SIZE=0>until " + late + u"<BR>all day long";
+            const std::u16string lines = u"<FONT SIZE=2>" + late + u"<BR><FONT SIZE=0>" + text(textRowFrom, {late}) +
+                                         u"<BR>" + text(textRowUntil, {late}) + u"<BR>" + text(textRowAllDayLong);
             CHTMLParser parser;
             parser.SetFontQuality(ANTIALIASED_QUALITY);
             parser.SetHTML(lines.c_str());

@@ -1,4 +1,5 @@
 // The view "contacts": what is typed or tapped cuts the list down; the card of one contact lies over it.
+#include "common/texts.h"
 #include "core/CRegistry.h"
 #include "framework/HIDPI.h"
 #include "platform/controls.h"
@@ -9,7 +10,7 @@
 #include "zembrik/list_texts.h"
 #include "zembrik/menu_states.h"
 #include "zembrik/numbers.h"
-#include "zembrik/texts.h"
+#include "zembrik/remembered.h"
 #include "zembrik/view.h"
 
 #include <algorithm>
@@ -20,6 +21,8 @@ namespace zb::screens
 {
 namespace
 {
+using host::text;
+
 constexpr const WCHAR *contactSetting = u"ContactsCurrent";
 constexpr int fieldHeight = 24; // at 96 dots an inch
 constexpr UINT fieldId = 1;

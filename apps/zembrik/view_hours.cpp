@@ -2,6 +2,8 @@
 #include "common/agenda_words.h"
 #include "common/days.h"
 #include "common/markup_text.h"
+#include "common/row_texts.h"
+#include "common/texts.h"
 #include "common/visible_text.h"
 #include "dialogs/CKelvoMBox.h"
 #include "framework/HIDPI.h"
@@ -15,7 +17,6 @@
 #include "zembrik/move_item.h"
 #include "zembrik/numbers.h"
 #include "zembrik/paint.h"
-#include "zembrik/texts.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -494,7 +495,7 @@ class HoursView final : public CalendarView
         const std::u16string ink = chosen ? u"#FFFFFF>" : u"#16202B>";
         const std::u16string size = columnWidth() < HIDPI_SCALEX(roomyColumn) ? u"<FONT SIZE=-1 COLOR=" : u"<FONT SIZE=0 COLOR=";
         const std::u16string subject = toUtf16(subjectOf(row));
-        std::u16string markup = body + size + ink + u"<B>" + plainMarkup(subject.empty() ? text(textNoSubjectHere) : subject) +
+        std::u16string markup = body + size + ink + u"<B>" + plainMarkup(subject.empty() ? text(textNoSubject) : subject) +
                                 u"</B>";
         if (!row.location.empty())
         {

@@ -1,4 +1,5 @@
 // The view "start": the date, and how much the device holds; two panes with a bar between them.
+#include "common/texts.h"
 #include "framework/CeSplitFrame.h"
 #include "framework/HIDPI.h"
 #include "platform/clock.h"
@@ -7,13 +8,15 @@
 #include "records/CeDbEnum.h"
 #include "zembrik/markup_pane.h"
 #include "zembrik/numbers.h"
-#include "zembrik/texts.h"
+#include "zembrik/remembered.h"
 #include "zembrik/view.h"
 
 namespace zb::screens
 {
 namespace
 {
+using host::text;
+
 constexpr UINT commandRefresh = firstViewCommand;
 constexpr const WCHAR *splitSetting = u"StartSplit"; // in parts of the length
 constexpr DWORD wholeLength = 10'000;

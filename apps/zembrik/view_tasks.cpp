@@ -1,12 +1,13 @@
 // The view "tasks": the task list with its groups or tree, and the card of one task.
+#include "common/texts.h"
 #include "core/CRegistry.h"
 #include "zembrik/item_objects.h"
 #include "zembrik/list_texts.h"
 #include "zembrik/menu_states.h"
 #include "zembrik/numbers.h"
+#include "zembrik/remembered.h"
 #include "zembrik/task_list.h"
 #include "zembrik/task_rows.h"
-#include "zembrik/texts.h"
 #include "zembrik/view.h"
 
 #include <algorithm>
@@ -16,6 +17,8 @@ namespace zb::screens
 {
 namespace
 {
+using host::text;
+
 constexpr const WCHAR *taskSetting = u"TasksCurrent";
 
 constexpr UINT commandOpen = firstViewCommand;

@@ -1,7 +1,6 @@
-#include "zembrik/texts.h"
+#include "zembrik/remembered.h"
 
 #include "core/CRegistry.h"
-#include "platform/resources.h"
 
 #include <array>
 
@@ -11,13 +10,6 @@ namespace
 {
 constexpr const WCHAR *settingsKey = u"Software\\Kelvo\\Zembrik\\Screens";
 } // namespace
-
-std::u16string text(UINT number)
-{
-    std::array<WCHAR, 2048> words{};
-    LoadStringW(nullptr, number, words.data(), static_cast<int>(words.size()));
-    return words.data();
-}
 
 std::optional<DWORD> rememberedNumber(const WCHAR *name)
 {

@@ -1,17 +1,13 @@
-// Words of the resources, and what views remember.
+// What the screens find again the next time.
 #pragma once
 
 #include "platform/types.h"
 
 #include <optional>
 #include <string>
-#include <string_view>
 
 namespace zb::screens
 {
-/// The text of that number; empty without one.
-std::u16string text(UINT number);
-
 /// Name of the view that showed last.
 inline constexpr const WCHAR *shownViewSetting = u"View";
 
