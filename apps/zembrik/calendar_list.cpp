@@ -1,7 +1,6 @@
 #include "zembrik/calendar_list.h"
 
 #include "common/days.h"
-#include "platform/clock.h"
 #include "platform/locale.h"
 #include "platform/pim.h"
 
@@ -9,30 +8,7 @@
 
 namespace zb::screens
 {
-namespace
-{
 using namespace zb::host;
-
-constexpr UINT_PTR changeTimer = 1;
-constexpr UINT_PTR midnightTimer = 2;
-/// Changes come in flocks: one load for all of one.
-constexpr UINT changeDelay = 40; // milliseconds
-
-/// Milliseconds up to the next day.
-UINT untilMidnight()
-{
-    SYSTEMTIME now{};
-    GetLocalTime(&now);
-    const UINT passed = ((now.wHour * 60U + now.wMinute) * 60U + now.wSecond) * 1000U + now.wMilliseconds;
-    return 24U * 60U * 60U * 1000U - passed;
-}
-
-bool isChange(UINT message)
-{
-    return message == DB_CEOID_CREATED || message == DB_CEOID_RECORD_DELETED || message == DB_CEOID_CHANGED ||
-           message == DB_CEOID_DATABASE_DELETED;
-}
-} // namespace
 
 CalendarList::CalendarList(DWORD CalendarSettings::*showTasks, Listener listener)
     : m_showTasks(showTasks), m_listener(std::move(listener))
@@ -43,7 +19,6 @@ CalendarList::~CalendarList()
 {
     m_loader.m_hWndHost = nullptr;
     m_loader.Stop(FALSE);
-    m_watched.clear();
     if (m_hWnd != nullptr)
     {
         DestroyWindow(m_hWnd);
@@ -52,21 +27,20 @@ CalendarList::~CalendarList()
 
 bool CalendarList::open()
 {
-    if (!Create(nullptr, nullptr, 0, 0, 0, 0, 0, 0, nullptr))
+    const auto dayChanged = [this](int former)
+    {
+        m_listener.dayChanged(former);
+        reload();
+    };
+    if (!Create(nullptr, nullptr, 0, 0, 0, 0, 0, 0, nullptr) || !m_days.open(dayChanged) ||
+        !m_changes.open({appointmentsDatabase, tasksDatabase, contactsDatabase}, [this](const auto &) { reload(); }))
     {
         return false;
     }
     m_loader.m_hWndHost = m_hWnd;
     // Headers of days are the views' own.
     m_loader.SetNoHeaderDates(true);
-    m_today = today();
-    awaitMidnight();
     return true;
-}
-
-void CalendarList::awaitMidnight()
-{
-    SetTimer(m_hWnd, midnightTimer, untilMidnight(), nullptr);
 }
 
 /// The settings of all calendar lists; of the tasks only those of this view count.
@@ -79,18 +53,6 @@ CalendarSettings CalendarList::settings() const
     settings.MV_ShowTasks = settings.MVD_ShowTasks = 0;
     settings.*m_showTasks = shows;
     return settings;
-}
-
-/// A database that is not there yet is tried again with the next load.
-void CalendarList::watch()
-{
-    for (const WCHAR *name : {appointmentsDatabase, tasksDatabase, contactsDatabase})
-    {
-        if (CeDb &database = m_watched[name]; !database.IsOpen())
-        {
-            database.Open(name, 0, 0, m_hWnd);
-        }
-    }
 }
 
 void CalendarList::load(int first, int last)
@@ -112,8 +74,6 @@ void CalendarList::reload()
 
 void CalendarList::start()
 {
-    KillTimer(m_hWnd, changeTimer);
-    watch();
     m_waiting = false;
     m_runFirst = m_first;
     m_runLast = m_last;
@@ -167,32 +127,6 @@ LRESULT CalendarList::OnMessage(UINT uMsg, WPARAM, LPARAM, bool &handled)
             start();
         }
     }
-    else if (isChange(uMsg))
-    {
-        handled = true;
-        m_waiting = true;
-        SetTimer(m_hWnd, changeTimer, changeDelay, nullptr);
-    }
     return 0;
-}
-
-void CalendarList::OnTimer(UINT_PTR id, bool &handled)
-{
-    handled = true;
-    if (id == changeTimer)
-    {
-        KillTimer(m_hWnd, changeTimer);
-        reload();
-    }
-    else if (id == midnightTimer)
-    {
-        awaitMidnight();
-        if (const int now = today(); now != m_today)
-        {
-            m_today = now;
-            m_listener.dayChanged();
-            reload();
-        }
-    }
 }
 } // namespace zb::screens

@@ -7,9 +7,10 @@
 #include "calendar/CCalendarThread.h"
 #include "common/agenda_rows.h"
 #include "framework/CeWnd.h"
+#include "zembrik/change_watch.h"
+#include "zembrik/day_watch.h"
 
 #include <functional>
-#include <map>
 #include <span>
 
 namespace zb::screens
@@ -17,14 +18,20 @@ namespace zb::screens
 using zb::host::AgendaKind;
 using zb::host::AgendaRow;
 
+struct DaySpan
+{
+    int first;
+    int last;
+};
+
 class CalendarList final : public CeWnd
 {
   public:
     /// What the owner wants to hear.
     struct Listener
     {
-        std::function<void()> loaded;     ///< rows() are new
-        std::function<void()> dayChanged; ///< it is another today; the rows follow
+        std::function<void()> loaded;               ///< rows() are new
+        std::function<void(int former)> dayChanged; ///< it is another today than the former one; the rows follow
     };
     /// `showTasks` is the setting of the owner's kind of view, such as CalendarSettings::AV_ShowTasks.
     CalendarList(DWORD CalendarSettings::*showTasks, Listener listener);
@@ -38,7 +45,7 @@ class CalendarList final : public CeWnd
     /// A load is under way or about to begin.
     bool isBusy() const
     {
-        return m_running || m_waiting;
+        return m_running || m_waiting || m_changes.isPending();
     }
 
     /// In the order in which they show: by day, whole days first, then by start, then the tasks.
@@ -66,19 +73,17 @@ class CalendarList final : public CeWnd
     }
 
     LRESULT OnMessage(UINT uMsg, WPARAM wParam, LPARAM lParam, bool &handled) override;
-    void OnTimer(UINT_PTR id, bool &handled) override;
 
   private:
     void start();
     void take();
-    void watch();
-    void awaitMidnight();
     CalendarSettings settings() const;
 
     DWORD CalendarSettings::*m_showTasks;
     Listener m_listener;
     CCalendarThread m_loader;
-    std::map<std::u16string, CeDb> m_watched; ///< open for as long as their changes are to be told
+    ChangeWatch m_changes;
+    DayWatch m_days;
     std::vector<AgendaRow> m_rows;
     int m_first = 0;
     int m_last = -1;
@@ -86,7 +91,6 @@ class CalendarList final : public CeWnd
     int m_runLast = -1;
     int m_shownFirst = 0;
     int m_shownLast = -1;
-    int m_today = 0;
     bool m_running = false;
     bool m_waiting = false;
 };

@@ -20,7 +20,6 @@ using namespace zb::host;
 
 constexpr const WCHAR *daySetting = u"CalendarDay";
 constexpr const WCHAR *daySetOnSetting = u"CalendarDaySetOn";
-constexpr UINT tapNotify = static_cast<UINT>(-114);
 /// Asks whether to leave out the wait for a hold.
 constexpr UINT skipsHold = static_cast<UINT>(-50);
 
@@ -60,7 +59,7 @@ CalendarView::CalendarView(DWORD CalendarSettings::*showTasks, const WCHAR *show
                              fill();
                              refreshWords();
                          },
-                         [this] { dayChanged(); }}),
+                         [this](int former) { dayChanged(former); }}),
       m_showTasks(showTasks), m_showTasksName(showTasksName)
 {
 }
@@ -143,9 +142,9 @@ void CalendarView::goTo(int day)
     refreshWords();
 }
 
-void CalendarView::dayChanged()
+void CalendarView::dayChanged(int former)
 {
-    if (m_day == today() - 1)
+    if (m_day == former)
     {
         setDay(today());
     }
@@ -298,7 +297,7 @@ void CalendarView::OnSize(UINT nType, int cx, int cy, bool &handled)
 LRESULT CalendarView::OnNotify(WPARAM, LPARAM lParam, bool &handled)
 {
     const auto &notify = *reinterpret_cast<const tagNM_GRIDVIEW *>(lParam);
-    if (notify.hdr.hwndFrom == grid().GetHwnd() && notify.hdr.code == tapNotify)
+    if (notify.hdr.hwndFrom == grid().GetHwnd() && notify.hdr.code == gridTapNotify)
     {
         handled = true;
         POINT point = notify.pt;

@@ -12,12 +12,6 @@
 
 namespace zb::screens
 {
-struct DaySpan
-{
-    int first;
-    int last;
-};
-
 class CalendarView : public View, public CeWnd
 {
   public:
@@ -77,8 +71,8 @@ class CalendarView : public View, public CeWnd
     virtual bool viewKey(UINT key, bool control, bool shift) = 0;
     /// A number of the grid's own; see GridRecords.h.
     virtual LRESULT asked(UINT message, WPARAM wParam, LPARAM lParam, bool &handled);
-    /// Another today.
-    virtual void dayChanged();
+    /// Another today: who looked at the former one sees it.
+    virtual void dayChanged(int former);
 
     int day() const
     {

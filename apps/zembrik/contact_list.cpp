@@ -1,6 +1,7 @@
 #include "zembrik/contact_list.h"
 
 #include "common/texts.h"
+#include "platform/pim.h"
 #include "platform/propdb.h"
 #include "zembrik/contact_rows.h"
 #include "zembrik/list_texts.h"
@@ -12,8 +13,6 @@ namespace
 using host::text;
 
 constexpr UINT_PTR runTimer = 0x434C;
-/// One import or one save changes several records: they are waited for, but not felt.
-constexpr UINT changeDelay = 150;
 constexpr UINT retryDelay = 10;
 constexpr int rowHeight = 40; // two lines
 
@@ -25,14 +24,14 @@ bool ContactList::open(HWND parent, const RECT &area, std::function<void()> chan
 {
     m_changed = std::move(changed);
     m_opened = std::move(opened);
-    if (!createIn(parent, area))
+    if (!createIn(parent, area) ||
+        !m_watch.open({contactsDatabase}, [this](const auto &changes) { hearChanges(changes); }))
     {
         return false;
     }
     setUniformRows(rowHeight);
     leaveFocus();
     m_loader.m_hWndHost = m_hWnd;
-    m_watch.Open(u"Contacts Database", 0, 0, m_hWnd);
     reload();
     return true;
 }
@@ -128,19 +127,29 @@ void ContactList::wantPage(int page)
     }
 }
 
+void ContactList::hearChanges(const std::vector<RecordChange> &changes)
+{
+    m_changes.insert(m_changes.end(), changes.begin(), changes.end());
+    if (!m_running)
+    {
+        takeChanges();
+        start();
+    }
+}
+
 void ContactList::takeChanges()
 {
     if (m_changes.empty())
     {
         return;
     }
-    if (m_changes.size() > mostChanges)
+    if (m_changes.size() > mostChanges || std::ranges::count(m_changes, CEOID{0}, &RecordChange::id) > 0)
     {
         m_loader.ClearCatCache();
     }
     else
     {
-        for (const Change &change : m_changes)
+        for (const RecordChange &change : m_changes)
         {
             change.message == DB_CEOID_RECORD_DELETED ? m_loader.DeleteCatCacheItem(change.id)
             : change.message == DB_CEOID_CREATED      ? m_loader.AddCatCacheItem(change.id)
@@ -163,12 +172,6 @@ bool ContactList::heard(UINT message, WPARAM wParam, LPARAM lParam)
     case loaderDone:
         runDone();
         return true;
-    case DB_CEOID_CREATED:
-    case DB_CEOID_CHANGED:
-    case DB_CEOID_RECORD_DELETED:
-        m_changes.push_back({message, static_cast<CEOID>(wParam)});
-        SetTimer(m_hWnd, runTimer, changeDelay, nullptr);
-        return true;
     default:
         return message == loaderBegun;
     }
@@ -180,13 +183,9 @@ void ContactList::OnTimer(UINT_PTR nId, bool &handled)
     if (handled)
     {
         KillTimer(m_hWnd, runTimer);
-        if (!m_running)
+        if (!m_running && m_pending)
         {
-            takeChanges();
-            if (m_pending)
-            {
-                start();
-            }
+            start();
         }
     }
 }

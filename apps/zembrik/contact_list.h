@@ -6,7 +6,7 @@
 #pragma once
 
 #include "contacts/CContactsThread.h"
-#include "records/CeDb.h"
+#include "zembrik/change_watch.h"
 #include "zembrik/list_pane.h"
 
 #include <functional>
@@ -24,7 +24,7 @@ class ContactList final : public ListPane
 
     bool isBusy() const
     {
-        return m_running || m_pending;
+        return m_running || m_pending || !m_changes.empty() || m_watch.isPending();
     }
     /// By the settings as they are now.
     void reload();
@@ -49,22 +49,17 @@ class ContactList final : public ListPane
     bool heard(UINT message, WPARAM wParam, LPARAM lParam) override;
 
   private:
-    struct Change
-    {
-        UINT message;
-        CEOID id;
-    };
-
     DATACONTACTS *contact(int index) const;
     void start();
     void listReady(int count);
     void runDone();
     void wantPage(int page);
+    void hearChanges(const std::vector<RecordChange> &changes);
     void takeChanges();
     void expand(DATACONTACTS &header, int index, bool open);
 
     mutable CContactsThread m_loader;
-    CeDb m_watch;
+    ChangeWatch m_watch;
     std::u16string m_search;
     bool m_deep = false;
     bool m_running = false;
@@ -73,7 +68,7 @@ class ContactList final : public ListPane
     int m_page = -1;         ///< first row of a page that is wanted, or being read
     std::set<int> m_pages;   ///< pages of this list that were read, by their first rows
     CEOID m_wanted = 0;
-    std::vector<Change> m_changes;
+    std::vector<RecordChange> m_changes; ///< that wait for the end of a run
     std::function<void()> m_changed;
     std::function<void(CEOID)> m_opened;
 };

@@ -5,6 +5,7 @@
 #include "common/open_device.h"
 #include "framework/CeBaseDialog.h"
 #include "framework/HIDPI.h"
+#include "platform/pim.h"
 #include "platform/screen.h"
 #include "platform/text.h"
 #include "zembrik/frame_window.h"
@@ -124,6 +125,12 @@ int runOpened(const HostArguments &arguments, Script script, ScreenWindow *windo
         }
     };
     FrameWindow frame(setTitle);
+    // Views hear of changes in databases that are there, so an empty device gets them first.
+    if (!createPimDatabases())
+    {
+        complain("the device can't be written");
+        return exitDevice;
+    }
     if (!frame.open() || !frame.show(chosenKind(arguments.view)))
     {
         complain("no window could be made");

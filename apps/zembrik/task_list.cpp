@@ -2,7 +2,7 @@
 
 #include "common/markup_text.h"
 #include "common/texts.h"
-#include "platform/propdb.h"
+#include "platform/pim.h"
 #include "records/CCategoryColor.h"
 #include "records/COutlook.h"
 #include "tasks/TaskHierarchy.h"
@@ -18,8 +18,7 @@ namespace
 using host::text;
 
 constexpr UINT_PTR reloadTimer = 0x544C;
-/// One import or one save changes several records: they are waited for, but not felt.
-constexpr UINT reloadDelay = 150;
+constexpr UINT retryDelay = 10;
 
 /// Completes a task, which may leave a completed copy and come again, or opens it again. The databases tell the list of
 /// it.
@@ -40,12 +39,12 @@ bool TaskList::open(HWND parent, const RECT &area, std::function<void()> changed
 {
     m_changed = std::move(changed);
     m_opened = std::move(opened);
-    if (!createIn(parent, area))
+    if (!createIn(parent, area) || !m_days.open([this](int) { reload(); }) ||
+        !m_changes.open({tasksDatabase}, [this](const auto &) { reload(); }))
     {
         return false;
     }
     m_loader.m_hWndHost = m_hWnd;
-    m_watch.Open(u"Tasks Database", 0, 0, m_hWnd);
     reload();
     return true;
 }
@@ -67,7 +66,7 @@ void TaskList::reload()
         if (!m_loading)
         {
             m_reloadPending = true;
-            SetTimer(m_hWnd, reloadTimer, reloadDelay, nullptr);
+            SetTimer(m_hWnd, reloadTimer, retryDelay, nullptr);
         }
     }
 }
@@ -96,12 +95,6 @@ bool TaskList::heard(UINT message, WPARAM, LPARAM)
             reload();
         }
         m_changed();
-        return true;
-    case DB_CEOID_CREATED:
-    case DB_CEOID_CHANGED:
-    case DB_CEOID_RECORD_DELETED:
-        m_reloadPending = true;
-        SetTimer(m_hWnd, reloadTimer, reloadDelay, nullptr);
         return true;
     default:
         return message == loaderBegun;

@@ -1,11 +1,13 @@
 // The list of tasks: the loader's rows in a pane, opened, closed and completed by pen and keys.
 //
 // The loader owns the rows. While a load is going nobody reads them; rows that show are the grid's own until then.
-// Changes of the device, by this program or another, load the list anew a moment later. Threads: the main thread.
+// Changes of the device, by this program or another, load the list anew a moment later, and so does another day.
+// Threads: the main thread.
 #pragma once
 
-#include "records/CeDb.h"
 #include "tasks/CTasksThread.h"
+#include "zembrik/change_watch.h"
+#include "zembrik/day_watch.h"
 #include "zembrik/item_card.h"
 #include "zembrik/list_pane.h"
 
@@ -22,7 +24,7 @@ class TaskList final : public ListPane
 
     bool isBusy() const
     {
-        return m_loading || m_reloadPending;
+        return m_loading || m_reloadPending || m_changes.isPending();
     }
     const CTasksThread::Counts &counts() const
     {
@@ -74,7 +76,8 @@ class TaskList final : public ListPane
     bool move(int index, int parent);
 
     mutable CTasksThread m_loader;
-    CeDb m_watch;
+    ChangeWatch m_changes;
+    DayWatch m_days;
     bool m_loading = false;
     bool m_complete = false; ///< the rows are ours to read
     bool m_reloadPending = false;

@@ -91,10 +91,10 @@ class AgendaView final : public CalendarView
     }
 
     /// Today keeps its place at the top while nothing else was asked for.
-    void dayChanged() override
+    void dayChanged(int former) override
     {
-        m_jump = m_jump || day() == today() - 1;
-        CalendarView::dayChanged();
+        m_jump = m_jump || day() == former;
+        CalendarView::dayChanged(former);
     }
 
     /// What was at the top and what was chosen stay so, as far as they are there.

@@ -4,8 +4,11 @@
 #include "framework/HIDPI.h"
 #include "platform/clock.h"
 #include "platform/locale.h"
+#include "platform/pim.h"
 #include "platform/text.h"
 #include "records/CeDbEnum.h"
+#include "zembrik/change_watch.h"
+#include "zembrik/day_watch.h"
 #include "zembrik/markup_pane.h"
 #include "zembrik/numbers.h"
 #include "zembrik/remembered.h"
@@ -22,7 +25,6 @@ constexpr const WCHAR *splitSetting = u"StartSplit"; // in parts of the length
 constexpr DWORD wholeLength = 10'000;
 constexpr int leastPane = 32; // at 96 dots an inch
 constexpr int barStep = 16;
-constexpr UINT_PTR midnightTimer = 0x5354;
 
 std::u16string dateText(const SYSTEMTIME &date, DWORD flags, const WCHAR *form)
 {
@@ -72,9 +74,9 @@ DWORD recordsOf(std::u16string_view database)
 std::u16string countMarkup()
 {
     std::u16string markup = u"<BODY BGCOLOR=#FFFFFF><FONT SIZE=3>";
-    constexpr std::pair<UINT, std::u16string_view> rows[] = {{textAppointments, u"Appointments Database"},
-                                                             {textTasks, u"Tasks Database"},
-                                                             {textContacts, u"Contacts Database"}};
+    constexpr std::pair<UINT, std::u16string_view> rows[] = {{textAppointments, appointmentsDatabase},
+                                                             {textTasks, tasksDatabase},
+                                                             {textContacts, contactsDatabase}};
     for (const auto &[label, database] : rows)
     {
         markup += text(label) + u"<P ALIGN=RIGHT><B>" + toUtf16(std::to_string(recordsOf(database))) + u"</B></P><BR>";
@@ -86,15 +88,6 @@ std::u16string countMarkup()
 DWORD rounded(DWORD dividend, DWORD divisor)
 {
     return (dividend + divisor / 2) / divisor;
-}
-
-/// Milliseconds up to the next day.
-UINT untilMidnight()
-{
-    SYSTEMTIME now{};
-    GetLocalTime(&now);
-    const UINT passed = ((now.wHour * 60U + now.wMinute) * 60U + now.wSecond) * 1000U + now.wMilliseconds;
-    return 24U * 60U * 60U * 1000U - passed;
 }
 
 /// The window of the view with what lies in it.
@@ -111,7 +104,10 @@ class StartPanes final : public CeSplitFrame
 
     bool open(HWND parent, const RECT &area, DWORD split)
     {
-        if (!Create(parent, area) || !date.createIn(m_hWnd) || !counts.createIn(m_hWnd))
+        const auto changed = [this](const auto &) { refresh(); };
+        if (!Create(parent, area) || !date.createIn(m_hWnd) || !counts.createIn(m_hWnd) ||
+            !m_days.open([this](int) { refresh(); }) ||
+            !m_changes.open({appointmentsDatabase, tasksDatabase, contactsDatabase}, changed))
         {
             return false;
         }
@@ -123,12 +119,16 @@ class StartPanes final : public CeSplitFrame
         return true;
     }
 
-    /// Reads everything anew, and again when the day is over.
+    /// Reads everything anew: on another day and after changes, too.
     void refresh()
     {
         date.setMarkup(dateMarkup());
         counts.setMarkup(countMarkup());
-        SetTimer(m_hWnd, midnightTimer, untilMidnight(), nullptr);
+    }
+
+    bool isBusy() const
+    {
+        return m_changes.isPending();
     }
 
     bool isSideBySide() const
@@ -155,17 +155,6 @@ class StartPanes final : public CeSplitFrame
         SetSplitter(std::clamp(GetSplitter() + step, least, std::max(static_cast<int>(length()) - 2 * least, least)));
     }
 
-    void OnTimer(UINT_PTR id, bool &handled) override
-    {
-        if (id == midnightTimer)
-        {
-            handled = true;
-            refresh();
-            return;
-        }
-        CeSplitFrame::OnTimer(id, handled);
-    }
-
     MarkupPane date;
     MarkupPane counts;
 
@@ -184,6 +173,8 @@ class StartPanes final : public CeSplitFrame
 
     bool m_sideBySide;
     DWORD m_split = 0;
+    DayWatch m_days;
+    ChangeWatch m_changes;
 };
 
 class StartView final : public View
@@ -246,6 +237,11 @@ class StartView final : public View
             return true;
         }
         return false;
+    }
+
+    bool isBusy() const override
+    {
+        return m_panes->isBusy();
     }
 
     void remember() override

@@ -1,0 +1,220 @@
+// Views that stay open while the day ends and while another process writes to their device: they must show what a view
+// opened afterwards shows. The views run in the test's own process, over a clock that it sets; the device is in Berlin.
+#include "apps/ZbProgram.h"
+#include "framework/CeWnd.h"
+#include "framework/HIDPI.h"
+#include "platform/pim.h"
+#include "support/Picture.h"
+#include "support/ScreenWindow.h"
+#include "support/TestDevice.h"
+#include "support/TestFace.h"
+#include "zembrik/view.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+namespace
+{
+using zb::screens::View;
+using zb::screens::ViewKind;
+using zb::screens::viewKinds;
+using zb::test::Picture;
+
+zb::DeviceOptions optionsWith(const std::filesystem::path &folder)
+{
+    zb::DeviceOptions options;
+    options.screen.width = 240;
+    options.screen.height = 320;
+    options.locale = "en-GB";
+    options.fonts = zb::test::testFonts(folder);
+    return options;
+}
+
+class ZembrikWatch : public ::testing::Test
+{
+  protected:
+    ZembrikWatch()
+    {
+        zb::createPimDatabases();
+        HIDPI_InitScaling();
+        m_parent.Create(nullptr, u"", WS_VISIBLE, 0, 0, 0, 240, 320, nullptr);
+    }
+    ~ZembrikWatch() override
+    {
+        DestroyWindow(m_parent);
+    }
+
+    /// Of the kind, hidden, with all that it loads.
+    std::unique_ptr<View> opened(const ViewKind &kind)
+    {
+        std::unique_ptr<View> view = kind.make();
+        EXPECT_TRUE(view->create(m_parent, {0, 0, 240, 320})) << kind.name;
+        MSG letter{};
+        letter.message = WM_KEYDOWN;
+        letter.wParam = u'T'; // the calendar views go to today
+        view->key(letter);
+        awaitRest(*view);
+        ShowWindow(view->window(), SW_HIDE);
+        return view;
+    }
+
+    static void awaitRest(const View &view)
+    {
+        for (int n = 0; n < 2000; ++n)
+        {
+            zb::test::settle();
+            if (!view.isBusy())
+            {
+                return;
+            }
+            Sleep(1);
+        }
+        ADD_FAILURE() << "still busy";
+    }
+
+    Picture pictureOf(const View &view) const
+    {
+        ShowWindow(view.window(), SW_SHOW);
+        zb::test::settle();
+        const HBITMAP bitmap = zb::captureScreen();
+        Picture picture = zb::test::pictureOf(bitmap);
+        DeleteObject(bitmap);
+        ShowWindow(view.window(), SW_HIDE);
+        zb::test::settle();
+        return picture;
+    }
+
+    std::vector<std::unique_ptr<View>> all()
+    {
+        std::vector<std::unique_ptr<View>> views;
+        for (const ViewKind &kind : viewKinds())
+        {
+            views.push_back(opened(kind));
+        }
+        return views;
+    }
+
+    std::vector<Picture> picturesOf(const std::vector<std::unique_ptr<View>> &views) const
+    {
+        std::vector<Picture> pictures;
+        for (const auto &view : views)
+        {
+            awaitRest(*view);
+            pictures.push_back(pictureOf(*view));
+        }
+        return pictures;
+    }
+
+    /// Against views that are opened now; all of them but those named must have changed since `before`.
+    void expectFresh(const std::vector<std::unique_ptr<View>> &views, const std::vector<Picture> &before,
+                     const std::set<std::string_view> &unchanged)
+    {
+        const std::vector<Picture> after = picturesOf(views);
+        for (std::size_t n = 0; n < views.size(); ++n)
+        {
+            const ViewKind &kind = viewKinds()[n];
+            EXPECT_TRUE(after[n] == pictureOf(*opened(kind))) << kind.name << " shows something else when opened now";
+            EXPECT_EQ(after[n] == before[n], unchanged.contains(kind.name)) << kind.name;
+        }
+    }
+
+    void import(const std::string &name, const std::string &text) const
+    {
+        const std::string file = zb::test::writeFile(m_folder.path() / name, text);
+        const auto result = zb::test::runZb({"--device", device.path().string(), "import", file});
+        EXPECT_EQ(result.exitCode, 0) << result.err;
+    }
+
+    /// A day with an appointment and a task that is due.
+    static std::string day(const std::string &date)
+    {
+        return "BEGIN:VEVENT\r\nUID:e" + date + "\r\nSUMMARY:Swim\r\nDTSTART;TZID=Europe/Berlin:" + date +
+               "T100000\r\nDTEND;TZID=Europe/Berlin:" + date + "T110000\r\nEND:VEVENT\r\n" +
+               "BEGIN:VTODO\r\nUID:t" + date + "\r\nSUMMARY:Pay\r\nDUE;VALUE=DATE:" + date + "\r\nEND:VTODO\r\n";
+    }
+    static std::string calendar(const std::string &items)
+    {
+        return "BEGIN:VCALENDAR\r\nVERSION:2.0\r\n" + items + "END:VCALENDAR\r\n";
+    }
+    static std::string cards(int first, int last)
+    {
+        std::string all;
+        for (int n = first; n <= last; ++n)
+        {
+            const std::string name = "Name" + std::to_string(n);
+            all += "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:" + name + "\r\nN:" + name + ";A;;;\r\nFN:" + name +
+                   "\r\nEND:VCARD\r\n";
+        }
+        return all;
+    }
+
+    zb::test::TemporaryFolder m_folder;
+    zb::test::TestDevice device{optionsWith(m_folder.path())};
+    CeWnd m_parent;
+};
+} // namespace
+
+TEST_F(ZembrikWatch, AtMidnightEveryViewGoesOnToTheNewDay)
+{
+    // A Friday, one second before midnight in Berlin.
+    device.setClock(zb::test::makeFileTime(2026, 11, 20, 22, 59, 59));
+    import("in.ics", calendar(day("20261120") + day("20261121")));
+    const auto views = all();
+    const auto before = picturesOf(views);
+    device.setClock(zb::test::makeFileTime(2026, 11, 20, 23, 0, 0));
+    zb::skipTime(1000);
+    expectFresh(views, before, {"contacts"});
+}
+
+TEST_F(ZembrikWatch, AClockThatIsSetFurtherIsSeenWithinAMinute)
+{
+    device.setClock(zb::test::makeFileTime(2026, 11, 20, 9, 0, 0));
+    const auto views = all();
+    const auto before = picturesOf(views);
+    device.setClock(zb::test::makeFileTime(2026, 11, 24, 9, 0, 0));
+    zb::skipTime(60'000);
+    for (std::size_t n = 0; n < views.size(); ++n)
+    {
+        const std::string_view name = viewKinds()[n].name;
+        const bool dated = name == "start" || name == "month";
+        EXPECT_TRUE(!dated || pictureOf(*views[n]) == pictureOf(*opened(viewKinds()[n]))) << name;
+        EXPECT_TRUE(!dated || pictureOf(*views[n]) != before[n]) << name;
+    }
+}
+
+TEST_F(ZembrikWatch, WhatAnotherProcessWritesShowsInAllOpenViews)
+{
+    device.setClock(zb::test::makeFileTime(2026, 11, 20, 9, 0, 0));
+    const auto views = all();
+    auto before = picturesOf(views);
+    const auto awaitChange = [&](std::string_view unchanged)
+    {
+        // Another process's changes are looked for several times a second.
+        for (std::size_t n = 0; n < views.size(); ++n)
+        {
+            const int most = viewKinds()[n].name == unchanged ? 0 : 300;
+            for (int tries = 0; tries < most && pictureOf(*views[n]) == before[n]; ++tries)
+            {
+                Sleep(10);
+                awaitRest(*views[n]);
+            }
+        }
+    };
+    import("in.ics", calendar(day("20261120")));
+    import("few.vcf", cards(100, 101));
+    awaitChange("start");
+    expectFresh(views, before, {"start"}); // the test's faces draw all digits alike
+    before = picturesOf(views);
+    // So much at once that it is not told record by record.
+    std::string many = day("20261121") + day("20261122");
+    for (int n = 10; n < 90; ++n)
+    {
+        many += "BEGIN:VTODO\r\nUID:" + std::to_string(n) + "\r\nSUMMARY:A" + std::to_string(n) +
+                "\r\nDUE;VALUE=DATE:20261120\r\nEND:VTODO\r\n";
+    }
+    import("many.ics", calendar(many));
+    import("many.vcf", cards(10, 99));
+    awaitChange("day");
+    expectFresh(views, before, {"day"});
+}
