@@ -17,6 +17,11 @@ std::u16string plainMarkup(std::u16string_view text)
     return markup;
 }
 
+std::u16string plainMarkup(const WCHAR *text)
+{
+    return plainMarkup(text == nullptr ? std::u16string_view() : std::u16string_view(text));
+}
+
 std::u16string colorMarkup(COLORREF color)
 {
     std::array<WCHAR, 16> text{};

@@ -10,6 +10,8 @@ namespace zb::host
 {
 /// Text of a user's as markup: nothing in it is taken for a tag.
 std::u16string plainMarkup(std::u16string_view text);
+/// Null is an empty text.
+std::u16string plainMarkup(const WCHAR *text);
 /// "#RRGGBB".
 std::u16string colorMarkup(COLORREF color);
 } // namespace zb::host

@@ -17,11 +17,6 @@ using namespace zb::host;
 /// The grid counts rows with 16 bits; what is beyond comes with a leaf.
 constexpr std::size_t mostLines = 60000;
 
-std::u16string ground(COLORREF color)
-{
-    return u"<BODY BGCOLOR=" + colorMarkup(color) + u">";
-}
-
 /// "today" and its neighbours.
 std::u16string nearWords(int day, int today)
 {
@@ -36,13 +31,13 @@ std::u16string headCell(const AgendaLine &line, int today)
     const bool isToday = line.day == today;
     const WCHAR *font = isToday ? u"<FONT SIZE=1 COLOR=#FFFFFF>" : u"<FONT SIZE=1 COLOR=#2B3A4C>";
     const std::u16string near = nearWords(line.day, today);
-    return ground(isToday ? todayColor : headerColor) + font + u"<B>" + plainMarkup(dayWords(line.day)) + u"</B>" +
+    return groundMarkup(isToday ? todayColor : headerColor) + font + u"<B>" + plainMarkup(dayWords(line.day)) + u"</B>" +
            (near.empty() ? near : u"<P ALIGN=RIGHT>" + plainMarkup(near) + u"</P>");
 }
 
 std::u16string leadCell(const WCHAR *arrow, UINT words)
 {
-    return ground(quietColor) + u"<P ALIGN=CENTER><FONT SIZE=1 COLOR=#2F5D96>" + arrow + u" " + plainMarkup(text(words));
+    return groundMarkup(quietColor) + u"<P ALIGN=CENTER><FONT SIZE=1 COLOR=#2F5D96>" + arrow + u" " + plainMarkup(text(words));
 }
 } // namespace
 
@@ -90,13 +85,13 @@ std::u16string timeCell(const AgendaLine &line, const std::vector<AgendaRow> &ro
     switch (line.kind)
     {
     case AgendaLine::Kind::Item:
-        return ground(RGB(255, 255, 255)) + u"<P ALIGN=RIGHT>" + timeMarkup(rows[line.row]);
+        return groundMarkup(RGB(255, 255, 255)) + u"<P ALIGN=RIGHT>" + timeMarkup(rows[line.row]);
     case AgendaLine::Kind::Head:
-        return ground(line.day == today ? todayColor : headerColor) + u" ";
+        return groundMarkup(line.day == today ? todayColor : headerColor) + u" ";
     case AgendaLine::Kind::Words:
-        return ground(RGB(255, 255, 255)) + u" ";
+        return groundMarkup(RGB(255, 255, 255)) + u" ";
     default:
-        return ground(quietColor) + u" ";
+        return groundMarkup(quietColor) + u" ";
     }
 }
 
@@ -105,11 +100,11 @@ std::u16string textCell(const AgendaLine &line, const std::vector<AgendaRow> &ro
     switch (line.kind)
     {
     case AgendaLine::Kind::Item:
-        return ground(RGB(255, 255, 255)) + subjectMarkup(rows[line.row]) + detailMarkup(rows[line.row]);
+        return groundMarkup(RGB(255, 255, 255)) + subjectMarkup(rows[line.row]) + detailMarkup(rows[line.row]);
     case AgendaLine::Kind::Head:
         return headCell(line, today);
     case AgendaLine::Kind::Words:
-        return ground(RGB(255, 255, 255)) + u"<P ALIGN=CENTER><FONT SIZE=1 COLOR=#5C6875>" + plainMarkup(line.words);
+        return groundMarkup(RGB(255, 255, 255)) + u"<P ALIGN=CENTER><FONT SIZE=1 COLOR=#5C6875>" + plainMarkup(line.words);
     case AgendaLine::Kind::Earlier:
         return leadCell(u"▲", textEarlier);
     default:

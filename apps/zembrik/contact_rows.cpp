@@ -1,5 +1,6 @@
 #include "zembrik/contact_rows.h"
 
+#include "common/agenda_markup.h"
 #include "common/markup_text.h"
 #include "common/texts.h"
 #include "common/year_of_no_year.h"
@@ -10,6 +11,7 @@
 #include "zembrik/item_card.h"
 #include "zembrik/item_objects.h"
 #include "zembrik/list_texts.h"
+#include "zembrik/paint.h"
 
 #include <array>
 
@@ -19,21 +21,13 @@ namespace
 {
 using host::text;
 
-constexpr COLORREF headGround = RGB(0xE6, 0xEB, 0xF2);
-constexpr COLORREF noCategory = RGB(0xB8, 0xC4, 0xD2);
-
-std::u16string plain(const WCHAR *words)
-{
-    return host::plainMarkup(words == nullptr ? std::u16string_view() : words);
-}
-
 ListRow headerRow(const DATACONTACTS &header)
 {
     ListRow row;
-    row.back = headGround;
+    row.back = headerColor;
     row.markup = (header.m_bOpen ? std::u16string(u"<IMG SRC=503> ") : std::u16string(u"<IMG SRC=502> ")) +
-                 u"<FONT SIZE=2 COLOR=#2B3A4C><B>" + plain(header.m_pszName) +
-                 u"</B></FONT> <FONT SIZE=1 COLOR=#5C6875>" + plain(header.m_pszDetail) + u"</FONT>";
+                 u"<FONT SIZE=2 COLOR=#2B3A4C><B>" + host::plainMarkup(header.m_pszName) +
+                 u"</B></FONT> <FONT SIZE=1 COLOR=#5C6875>" + host::plainMarkup(header.m_pszDetail) + u"</FONT>";
     return row;
 }
 
@@ -120,13 +114,13 @@ ListRow contactRow(const DATACONTACTS &contact, bool tree)
     CCategoryColor::InitCategoryColors();
     const COLORREF color = CCategoryColor::GetCategoryColorCR(contact.m_pszCategories);
     ListRow row;
-    row.strip = color == NO_CATEGORY_COLOR ? noCategory : color;
+    row.strip = color == NO_CATEGORY_COLOR ? host::noCategoryColor : color;
     row.indent = tree ? HIDPI_SCALEX(12) : 0;
-    const std::u16string name = plain(contact.m_pszName);
+    const std::u16string name = host::plainMarkup(contact.m_pszName);
     row.markup = u"<FONT SIZE=3 COLOR=#16202B><B>" + (name.empty() ? host::plainMarkup(text(textNoName)) : name) +
                  u"</B></FONT>";
     row.markup += contact.m_bHasNotes != 0 ? u" " + smallPicture(207) : u"";
-    const std::u16string detail = plain(contact.m_pszDetail);
+    const std::u16string detail = host::plainMarkup(contact.m_pszDetail);
     row.markup += detail.empty() ? detail : u"<BR><FONT SIZE=1 COLOR=#5C6875>" + detail + u"</FONT>";
     return row;
 }

@@ -20,6 +20,13 @@ constexpr UINT wheelRows = 3;
 constexpr POINT nowhere = {32000, 32000}; // past the last cell
 } // namespace
 
+WCHAR *handedOut(const std::u16string &words)
+{
+    auto *copy = static_cast<WCHAR *>(std::malloc((words.size() + 1) * sizeof(WCHAR)));
+    std::copy_n(words.c_str(), copy == nullptr ? 0 : words.size() + 1, copy);
+    return copy;
+}
+
 void FlickGrid::begin(POINT point)
 {
     m_stroke = Stroke::Undecided;

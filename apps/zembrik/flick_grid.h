@@ -7,9 +7,16 @@
 #include "display/CHTMLGrid.h"
 
 #include <functional>
+#include <string>
 
 namespace zb::screens
 {
+/// What a grid tells its parent of a plain tap.
+inline constexpr UINT gridTapNotify = static_cast<UINT>(-114);
+
+/// A text for one of the grid's questions: the grid frees it.
+WCHAR *handedOut(const std::u16string &words);
+
 class FlickGrid : public CHTMLGrid
 {
   public:
@@ -35,6 +42,10 @@ class FlickGrid : public CHTMLGrid
     void OnTimer(UINT_PTR nId, bool &handled) override;
     LRESULT OnMessage(UINT uMsg, WPARAM wParam, LPARAM lParam, bool &handled) override;
 
+  protected:
+    /// Ends a glide.
+    void stop();
+
   private:
     enum class Stroke
     {
@@ -47,7 +58,6 @@ class FlickGrid : public CHTMLGrid
     void begin(POINT point);
     bool scrollBy(LONG pixels);
     void glide();
-    void stop();
 
     Leaf m_leaf;
     Stroke m_stroke = Stroke::None;

@@ -17,10 +17,13 @@ using namespace zb::host;
 
 constexpr std::size_t mostWholeDays = 3;
 constexpr COLORREF halfHourColor = RGB(0xEF, 0xF1, 0xF5);
+constexpr COLORREF white = RGB(255, 255, 255);
+constexpr int carriedTint = 70;
 // At 96 dots an inch.
 constexpr int chipPadding = 1;
 constexpr int chipGap = 1;
 constexpr int nowWidth = 2;
+constexpr int chosenSide = 5;
 constexpr int leastWords = 46;
 
 } // namespace
@@ -50,25 +53,47 @@ std::size_t HoursGrid::wholeDayAt(int y) const
     return static_cast<std::size_t>(std::max(y - HIDPI_SCALEY(chipGap), 0) / line);
 }
 
+void HoursGrid::drawChip(HDC hdc, const RECT &box, const AgendaRow &row) const
+{
+    const COLORREF color = row.color.value_or(usualColor);
+    const bool narrow = box.right - box.left < HIDPI_SCALEX(leastWords);
+    if (m_sources.isChosen(row))
+    {
+        const LONG side = HIDPI_SCALEX(chosenSide);
+        fillBox(hdc, box, todayColor);
+        drawLine(hdc, {box.left + side, box.top, box.right, box.bottom}, narrow ? u"" : toUtf16(subjectOf(row)), 0, white);
+    }
+    else if (narrow)
+    {
+        fillBox(hdc, box, mixed(color, white, 60));
+    }
+    else
+    {
+        screens::drawChip(hdc, box, toUtf16(subjectOf(row)), color, 0);
+    }
+}
+
 void HoursGrid::drawWholeDays(HDC hdc, int column, const RECT &rect) const
 {
-    const auto rows = m_wholeDays(column);
+    if (covers(true, column))
+    {
+        fillBox(hdc, rect, mixed(todayColor, white, carriedTint));
+    }
+    const auto rows = m_sources.wholeDays(column);
     const int height = chipHeight();
     const LONG gap = HIDPI_SCALEY(chipGap);
     RECT box{rect.left + gap, rect.top + gap, rect.right - 2 * gap, rect.top + gap + height};
     const std::size_t shown = shownOf(rows.size());
-    const bool narrow = rect.right - rect.left < HIDPI_SCALEX(leastWords);
     for (std::size_t n = 0; n < shown; ++n)
     {
-        const COLORREF color = rows[n]->color.value_or(usualColor);
-        narrow ? fillBox(hdc, box, mixed(color, RGB(255, 255, 255), 60))
-               : drawChip(hdc, box, toUtf16(subjectOf(*rows[n])), color, 0);
+        drawChip(hdc, box, *rows[n]);
         OffsetRect(&box, 0, height + static_cast<int>(gap));
     }
     if (shown < rows.size())
     {
-        const std::size_t more = rows.size() - shown;
-        drawLine(hdc, box, narrow ? u"+" + toUtf16(std::to_string(more)) : text(textMore, {toUtf16(std::to_string(more))}), 0, todayColor);
+        const std::u16string more = toUtf16(std::to_string(rows.size() - shown));
+        const bool narrow = rect.right - rect.left < HIDPI_SCALEX(leastWords);
+        drawLine(hdc, box, narrow ? u"+" + more : text(textMore, {more}), 0, todayColor);
     }
 }
 
@@ -95,11 +120,15 @@ void HoursGrid::OnFixedCellDraw(HDC hdc, USHORT nRow, USHORT nCol, RECT rect)
     fillBox(hdc, {rect.right - 1, rect.top, rect.right, rect.bottom}, ruleColor);
 }
 
-/// The line of the present moment lies above all.
+/// What is carried lies over what stays, and the line of the present moment above all.
 void HoursGrid::OnCellFloatersDraw(HDC hdc, USHORT nRow, USHORT nCol, RECT rect, UINT uState)
 {
     CHTMLGrid::OnCellFloatersDraw(hdc, nRow, nCol, rect, uState);
-    const std::optional<int> now = m_now(nCol - 1);
+    if (covers(false, (nCol - 1) * slotsOfDay + nRow - firstSlot()))
+    {
+        fillBox(hdc, {rect.left, rect.top, rect.right - 1, rect.bottom}, mixed(todayColor, white, carriedTint));
+    }
+    const std::optional<int> now = m_sources.now(nCol - 1);
     if (now && *now / slotMinutes == nRow - firstSlot())
     {
         const LONG width = HIDPI_SCALEY(nowWidth);

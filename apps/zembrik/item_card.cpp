@@ -3,15 +3,11 @@
 #include "common/markup_text.h"
 #include "common/texts.h"
 #include "zembrik/list_texts.h"
+#include "zembrik/paint.h"
 
 namespace zb::screens
 {
-namespace
-{
 using host::text;
-
-constexpr COLORREF headGround = RGB(0xE6, 0xEB, 0xF2);
-}
 
 bool ItemCard::createIn(HWND parent, const RECT &area, std::function<void()> closed)
 {
@@ -61,7 +57,7 @@ std::optional<ListRow> ItemCard::row(int index)
 {
     if (index == 0)
     {
-        return ListRow{m_head, headGround};
+        return ListRow{m_head, headerColor};
     }
     return ListRow{m_values.at(static_cast<std::size_t>(index) - 1)};
 }

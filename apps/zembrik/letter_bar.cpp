@@ -2,6 +2,7 @@
 
 #include "framework/HIDPI.h"
 #include "platform/gdi.h"
+#include "zembrik/paint.h"
 
 #include <array>
 #include <string_view>
@@ -10,11 +11,13 @@ namespace zb::screens
 {
 namespace
 {
-constexpr int barHeight = 26; // at 96 dots an inch
+// At 96 dots an inch.
+constexpr int barHeight = 26;
+constexpr int letterHeight = 12;
+constexpr int letterRoom = 5; // beside the letters of a field
 constexpr std::array<std::u16string_view, 9> fields = {u"#",   u"abc",  u"def", u"ghi", u"jkl",
                                                        u"mno", u"pqrs", u"tuv", u"wxyz"};
 constexpr int count = static_cast<int>(fields.size());
-constexpr COLORREF ground = RGB(0xE6, 0xEB, 0xF2);
 constexpr COLORREF line = RGB(0xC6, 0xCE, 0xD8);
 
 WCHAR lower(WCHAR letter)
@@ -22,11 +25,26 @@ WCHAR lower(WCHAR letter)
     return letter >= u'A' && letter <= u'Z' ? static_cast<WCHAR>(letter - u'A' + u'a') : letter;
 }
 
-void fill(HDC hdc, const RECT &box, COLORREF color)
+/// Of letters in fields of that width: smaller where the widest of them would touch the next field.
+HFONT fontFor(HDC hdc, LONG width)
 {
-    const HBRUSH brush = CreateSolidBrush(color);
-    FillRect(hdc, &box, brush);
-    DeleteObject(brush);
+    LOGFONTW description{};
+    GetObjectW(GetStockObject(SYSTEM_FONT), sizeof description, &description);
+    description.lfHeight = -HIDPI_SCALEY(letterHeight);
+    description.lfQuality = ANTIALIASED_QUALITY;
+    const HFONT font = CreateFontIndirectW(&description);
+    const HGDIOBJ former = SelectObject(hdc, font);
+    SIZE widest{};
+    GetTextExtentPoint32W(hdc, fields.back().data(), static_cast<int>(fields.back().size()), &widest);
+    SelectObject(hdc, former);
+    const LONG room = width - HIDPI_SCALEX(letterRoom);
+    if (widest.cx <= room)
+    {
+        return font;
+    }
+    DeleteObject(font);
+    description.lfHeight = description.lfHeight * std::max<LONG>(room, 1) / widest.cx;
+    return CreateFontIndirectW(&description);
 }
 } // namespace
 
@@ -68,11 +86,8 @@ RECT LetterBar::field(int index) const
 
 void LetterBar::draw(HDC hdc) const
 {
-    LOGFONTW description{};
-    GetObjectW(GetStockObject(SYSTEM_FONT), sizeof description, &description);
-    description.lfHeight = -HIDPI_SCALEY(12);
-    description.lfQuality = ANTIALIASED_QUALITY;
-    const HFONT font = CreateFontIndirectW(&description);
+    const RECT first = field(0);
+    const HFONT font = fontFor(hdc, first.right - first.left);
     const HGDIOBJ former = SelectObject(hdc, font);
     SetBkMode(hdc, TRANSPARENT);
     for (int index = 0; index < count; ++index)
@@ -80,9 +95,9 @@ void LetterBar::draw(HDC hdc) const
         RECT box = field(index);
         const std::u16string_view letters = fields[static_cast<std::size_t>(index)];
         const bool marked = m_letter == 0 ? index == 0 : index > 0 && letters.find(m_letter) != letters.npos;
-        fill(hdc, box, marked ? GetSysColor(COLOR_HIGHLIGHT) : ground);
-        fill(hdc, {box.right - g_HIDPI_BorderPixels, box.top, box.right, box.bottom}, line);
-        fill(hdc, {box.left, box.bottom - g_HIDPI_BorderPixels, box.right, box.bottom}, line);
+        fillBox(hdc, box, marked ? GetSysColor(COLOR_HIGHLIGHT) : headerColor);
+        fillBox(hdc, {box.right - g_HIDPI_BorderPixels, box.top, box.right, box.bottom}, line);
+        fillBox(hdc, {box.left, box.bottom - g_HIDPI_BorderPixels, box.right, box.bottom}, line);
         SetTextColor(hdc, marked ? GetSysColor(COLOR_HIGHLIGHTTEXT) : RGB(0x2B, 0x3A, 0x4C));
         DrawTextW(hdc, letters.data(), static_cast<int>(letters.size()), &box,
                   DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOPREFIX);

@@ -5,9 +5,9 @@
 #include "platform/gdi.h"
 #include "platform/text.h"
 #include "platform/user.h"
+#include "zembrik/paint.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <utility>
 
 namespace zb::screens
@@ -21,17 +21,9 @@ constexpr int gap = 6;
 constexpr int padding = 4;
 constexpr int smallPictureHeight = 12;
 
-constexpr COLORREF lineColor = RGB(0xDD, 0xE2, 0xE8);
-constexpr UINT tapNotify = static_cast<UINT>(-114);
 /// The grid counts rows with 16 bits, and its last number is none.
 constexpr int mostRows = 0xFFFE;
 
-void fill(HDC hdc, const RECT &box, COLORREF color)
-{
-    const COLORREF former = SetBkColor(hdc, color);
-    ExtTextOutW(hdc, 0, 0, ETO_OPAQUE, &box, nullptr, 0, nullptr);
-    SetBkColor(hdc, former);
-}
 /// The row that a drag is over; -1 behind the last one.
 int targetOf(const tagGRIDDRAG &drag)
 {
@@ -64,7 +56,7 @@ bool ListPane::createIn(HWND parent, const RECT &area)
     m_grid.BeginUpdate();
     m_grid.SetMinRowHeight(static_cast<USHORT>(HIDPI_SCALEY(leastRow)));
     m_grid.SetFontQuality(ANTIALIASED_QUALITY);
-    m_grid.SetLinesColor(lineColor);
+    m_grid.SetLinesColor(ruleColor);
     m_grid.SetShowHLines(true);
     m_grid.SetShowVLines(false);
     m_grid.SetRowSelect(true);
@@ -197,13 +189,8 @@ std::optional<LRESULT> ListPane::answerDrag(UINT message, WPARAM wParam, LPARAM 
     case GRID_CANDROP:
         return reinterpret_cast<HWND>(wParam) == m_grid.GetHwnd() && tipOver(*drag) ? 1 : 0;
     case GRID_GETDRAGTIP:
-    {
-        const std::u16string words = tipOver(*drag).value_or(std::u16string());
-        auto *copy = static_cast<WCHAR *>(std::malloc((words.size() + 1) * sizeof(WCHAR)));
-        std::copy_n(words.c_str(), copy == nullptr ? 0 : words.size() + 1, copy);
-        *reinterpret_cast<WCHAR **>(wParam) = copy;
+        *reinterpret_cast<WCHAR **>(wParam) = handedOut(tipOver(*drag).value_or(std::u16string()));
         return 0;
-    }
     case GRID_DROP:
         if (const int row = std::exchange(m_dragged, -1); wParam != 0 && row >= 0)
         {
@@ -227,7 +214,7 @@ void ListPane::giveRow(GRIDCELLREQUEST &request)
         return;
     }
     const ListRow &content = *found;
-    m_text = u"<BODY BGCOLOR=" + host::colorMarkup(content.back) + u">" + content.markup;
+    m_text = groundMarkup(content.back) + content.markup;
     request.pszHTML = m_text.c_str();
     request.dwData = content.strip;
     const int left = HIDPI_SCALEX(content.strip == CLR_INVALID ? gap : 2 * gap + stripWidth) + content.indent;
@@ -243,12 +230,12 @@ int ListPane::drawGround(tagDRAWITEMSTRUCT *item, tagCELLINFO *cell)
         return 0;
     }
     const bool selected = (item->itemState & 1U) != 0;
-    fill(item->hDC, item->rcItem, selected ? GetSysColor(COLOR_HIGHLIGHT) : cell->GetBackColor(true));
+    fillBox(item->hDC, item->rcItem, selected ? GetSysColor(COLOR_HIGHLIGHT) : cell->GetBackColor(true));
     const int right = item->rcItem.left + cell->rcMargins.left - HIDPI_SCALEX(gap);
-    fill(item->hDC,
-         {right - HIDPI_SCALEX(stripWidth), item->rcItem.top + HIDPI_SCALEY(2), right,
-          item->rcItem.bottom - HIDPI_SCALEY(3)},
-         strip);
+    fillBox(item->hDC,
+            {right - HIDPI_SCALEX(stripWidth), item->rcItem.top + HIDPI_SCALEY(2), right,
+             item->rcItem.bottom - HIDPI_SCALEY(3)},
+            strip);
     return 2;
 }
 
@@ -278,7 +265,7 @@ LRESULT ListPane::OnNotify(WPARAM wParam, LPARAM lParam, bool &handled)
     }
     handled = true;
     // A picture in a row is a hot spot, which is no other place to us.
-    if (header->code == tapNotify || header->code == NM_HOTSPOT)
+    if (header->code == gridTapNotify || header->code == NM_HOTSPOT)
     {
         const auto *tap = reinterpret_cast<const tagNM_GRIDVIEW *>(lParam);
         POINT point = tap->pt;

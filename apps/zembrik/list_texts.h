@@ -54,4 +54,7 @@ inline constexpr UINT textAnniversary = 60372;
 
 inline constexpr UINT textBelowTask = 60375;
 inline constexpr UINT textToTheTop = 60376;
+
+inline constexpr UINT textTypeName = 60377;
+inline constexpr UINT textTypeAnything = 60378;
 } // namespace zb::screens

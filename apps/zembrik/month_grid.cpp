@@ -54,7 +54,7 @@ void MonthGrid::drawWords(HDC hdc, RECT box, std::span<const AgendaRow> items) c
     }
     if (shown < items.size() && room > 0)
     {
-        drawLine(hdc, line, moreWords(items.size() - shown), size, dimColor);
+        drawLine(hdc, line, text(textMore, {toUtf16(std::to_string(items.size() - shown))}), size, dimColor);
     }
 }
 

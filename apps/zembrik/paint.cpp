@@ -1,5 +1,6 @@
 #include "zembrik/paint.h"
 
+#include "common/markup_text.h"
 #include "display/DrawHTML.h"
 #include "framework/HIDPI.h"
 
@@ -43,6 +44,11 @@ class MarkupFont
     HGDIOBJ m_former;
 };
 } // namespace
+
+std::u16string groundMarkup(COLORREF color)
+{
+    return u"<BODY BGCOLOR=" + host::colorMarkup(color) + u">";
+}
 
 void fillBox(HDC hdc, const RECT &box, COLORREF color)
 {

@@ -17,6 +17,8 @@ inline constexpr COLORREF dimColor = RGB(0x5C, 0x68, 0x75);
 inline constexpr COLORREF usualColor = RGB(0x6C, 0x9B, 0xD2);
 inline constexpr COLORREF nowColor = RGB(0xC6, 0x28, 0x28);
 
+/// What the markup of a cell begins with: its ground.
+std::u16string groundMarkup(COLORREF color);
 void fillBox(HDC hdc, const RECT &box, COLORREF color);
 /// So many hundredths of `color`, the rest of `ground`.
 COLORREF mixed(COLORREF color, COLORREF ground, int hundredths);

@@ -1,5 +1,6 @@
 #include "zembrik/task_rows.h"
 
+#include "common/agenda_markup.h"
 #include "common/markup_text.h"
 #include "common/row_texts.h"
 #include "common/texts.h"
@@ -11,6 +12,7 @@
 #include "zembrik/item_card.h"
 #include "zembrik/item_objects.h"
 #include "zembrik/list_texts.h"
+#include "zembrik/paint.h"
 
 #include <array>
 
@@ -25,16 +27,9 @@ constexpr int step = 18;  // of depth, and the room of an arrow
 constexpr int strip = 16; // in front of what is drawn
 constexpr int checkWidth = 26;
 
-constexpr COLORREF headGround = RGB(0xE6, 0xEB, 0xF2);
-constexpr COLORREF noCategory = RGB(0xB8, 0xC4, 0xD2);
 constexpr const WCHAR *dim = u"<FONT SIZE=0 COLOR=#5C6875>";
 constexpr const WCHAR *late = u"<FONT SIZE=0 COLOR=#B3261E>";
 constexpr const WCHAR *endFont = u"</FONT>";
-
-std::u16string plain(const WCHAR *words)
-{
-    return host::plainMarkup(words == nullptr ? std::u16string_view() : words);
-}
 
 std::u16string arrow(const DATATASKS &task)
 {
@@ -83,7 +78,7 @@ std::u16string secondLine(const DATATASKS &task, int today)
     }
     if (task.m_pszCategories != nullptr && task.m_pszCategories[0] != 0)
     {
-        line += dim + std::u16string(line.empty() ? u"" : u"  ·  ") + plain(task.m_pszCategories) + endFont;
+        line += dim + std::u16string(line.empty() ? u"" : u"  ·  ") + host::plainMarkup(task.m_pszCategories) + endFont;
     }
     return line;
 }
@@ -91,7 +86,7 @@ std::u16string secondLine(const DATATASKS &task, int today)
 std::u16string subject(const DATATASKS &task)
 {
     const bool without = task.m_pszSubject == nullptr || task.m_pszSubject[0] == 0;
-    const std::u16string words = without ? host::plainMarkup(text(host::textNoSubject)) : plain(task.m_pszSubject);
+    const std::u16string words = without ? host::plainMarkup(text(host::textNoSubject)) : host::plainMarkup(task.m_pszSubject);
     if (task.m_bComplete != 0)
     {
         return u"<FONT SIZE=2 COLOR=#7A848F><S>" + words + u"</S></FONT>";
@@ -108,8 +103,8 @@ std::u16string priority(const DATATASKS &task)
 ListRow headerRow(const DATATASKS &group)
 {
     ListRow row;
-    row.back = headGround;
-    row.markup = arrow(group) + u"<FONT SIZE=1 COLOR=#2B3A4C><B>" + plain(group.m_pszSubject) + u"</B></FONT>" +
+    row.back = headerColor;
+    row.markup = arrow(group) + u"<FONT SIZE=1 COLOR=#2B3A4C><B>" + host::plainMarkup(group.m_pszSubject) + u"</B></FONT>" +
                  u"<P ALIGN=RIGHT><FONT SIZE=1 COLOR=#5C6875>" + decimal(group.NumChildren()) + u"</FONT></P>";
     return row;
 }
@@ -130,7 +125,7 @@ ListRow taskRow(const DATATASKS &task, bool tree, int today)
     ListRow row;
     CCategoryColor::InitCategoryColors();
     const COLORREF color = CCategoryColor::GetCategoryColorCR(task.m_pszCategories);
-    row.strip = color == NO_CATEGORY_COLOR ? noCategory : color;
+    row.strip = color == NO_CATEGORY_COLOR ? host::noCategoryColor : color;
     // The room of an arrow that is not there.
     row.indent = indentOf(task, tree) + (tree && !parent ? HIDPI_SCALEX(step) : 0);
     row.markup = (parent ? arrow(task) : std::u16string()) +

@@ -5,6 +5,7 @@
 #include "platform/controls.h"
 #include "zembrik/contact_list.h"
 #include "zembrik/contact_rows.h"
+#include "zembrik/cue_field.h"
 #include "zembrik/item_card.h"
 #include "zembrik/letter_bar.h"
 #include "zembrik/list_texts.h"
@@ -59,42 +60,23 @@ class ContactsPane final : public CeWnd
         {
             return false;
         }
-        m_field = CreateWindowExW(0, u"EDIT", u"", WS_CHILD | WS_VISIBLE | WS_BORDER | ES_AUTOHSCROLL, 0, 0, 0, 0,
-                                  m_hWnd, reinterpret_cast<HMENU>(static_cast<UINT_PTR>(fieldId)), nullptr, nullptr);
-        return m_field != nullptr;
+        return field.createIn(m_hWnd, fieldId);
     }
 
-    HWND field() const
-    {
-        return m_field;
-    }
-
-    std::u16string typedText() const
-    {
-        std::array<WCHAR, 256> words{};
-        GetWindowTextW(m_field, words.data(), static_cast<int>(words.size()));
-        return words.data();
-    }
-
-    void type(const std::u16string &text) const
-    {
-        SetWindowTextW(m_field, text.c_str());
-        SendMessageW(m_field, EM_SETSEL, text.size(), static_cast<LPARAM>(text.size()));
-    }
+    CueField field;
 
     LRESULT OnCommand(WPARAM wParam, LPARAM lParam, bool &handled) override
     {
         if (LOWORD(wParam) == fieldId && HIWORD(wParam) == EN_CHANGE)
         {
             handled = true;
-            m_typed(typedText());
+            m_typed(field.typedText());
             return 0;
         }
         return CeWnd::OnCommand(wParam, lParam, handled);
     }
 
   private:
-    HWND m_field = nullptr;
     std::function<void(const std::u16string &)> m_typed;
 };
 
@@ -110,10 +92,11 @@ class ContactsView final : public View
     {
         const RECT none{};
         if (!m_pane.open(frame, area, [this](const std::u16string &text) { search(text); }) ||
-            !m_letters.createIn(m_pane, none, [this](const std::u16string &letter) { m_pane.type(letter); }))
+            !m_letters.createIn(m_pane, none, [this](const std::u16string &letter) { m_pane.field.type(letter); }))
         {
             return false;
         }
+        m_pane.field.setCue(text(textTypeName));
         m_list.select(rememberedNumber(contactSetting).value_or(0));
         if (!m_list.open(
                 m_pane, none, [] {}, [this](CEOID id) { showCard(id); }) ||
@@ -144,7 +127,7 @@ class ContactsView final : public View
         }
         else
         {
-            SetFocus(m_pane.field());
+            SetFocus(m_pane.field);
         }
     }
 
@@ -179,7 +162,8 @@ class ContactsView final : public View
             return true;
         case commandDeep:
             m_deep = !m_deep;
-            search(m_pane.typedText());
+            m_pane.field.setCue(text(m_deep ? textTypeAnything : textTypeName));
+            search(m_pane.field.typedText());
             return true;
         default:
             return false;
@@ -193,7 +177,7 @@ class ContactsView final : public View
         {
             return m_card.key(message);
         }
-        const bool typed = !m_pane.typedText().empty();
+        const bool typed = !m_pane.field.typedText().empty();
         const auto key = static_cast<UINT>(message.wParam);
         switch (key)
         {
@@ -219,7 +203,7 @@ class ContactsView final : public View
         case VK_ESCAPE:
             if (typed)
             {
-                m_pane.type(u"");
+                m_pane.field.type(u"");
             }
             return typed;
         default:
@@ -249,7 +233,7 @@ class ContactsView final : public View
         const int height = area.bottom - area.top;
         const int field = HIDPI_SCALEY(fieldHeight);
         const int top = field + LetterBar::height();
-        MoveWindow(m_pane.field(), 0, 0, width, field, TRUE);
+        MoveWindow(m_pane.field, 0, 0, width, field, TRUE);
         MoveWindow(m_letters, 0, field, width, LetterBar::height(), TRUE);
         MoveWindow(m_list, 0, top, width, std::max(height - top, 0), TRUE);
         MoveWindow(m_card, 0, 0, width, height, TRUE);

@@ -1,6 +1,5 @@
 // The view "month": six weeks at a glance.
 #include "common/days.h"
-#include "common/markup_text.h"
 #include "framework/HIDPI.h"
 #include "platform/text.h"
 #include "zembrik/calendar_texts.h"
@@ -25,11 +24,6 @@ constexpr int numbersFrom = 320; // width of a month that has room for the numbe
 constexpr int numberColumn = 24;
 constexpr int headPadding = 3;
 constexpr int side = 3;
-
-std::u16string ground(COLORREF color)
-{
-    return u"<BODY BGCOLOR=" + colorMarkup(color) + u">";
-}
 
 class MonthView final : public CalendarView
 {
@@ -211,7 +205,7 @@ class MonthView final : public CalendarView
             const std::u16string name = col < 0 ? u" " : weekdayWords(first + col, narrow ? 2 : 0);
             const WCHAR *ink = col >= 0 && isWeekend(first + col) ? u"#8A94A0>" : u"#2B3A4C>";
             m_grid.SetCellText(static_cast<USHORT>(col + numberColumns()), 0,
-                               (ground(headerColor) + u"<P ALIGN=CENTER><FONT SIZE=0 COLOR=" + ink + name).c_str(), margins);
+                               (groundMarkup(headerColor) + u"<P ALIGN=CENTER><FONT SIZE=0 COLOR=" + ink + name).c_str(), margins);
         }
     }
 
@@ -222,7 +216,7 @@ class MonthView final : public CalendarView
         {
             const int number = weekNumber(dayAt(row, 1) + 3);
             m_grid.SetCellText(0, row,
-                               (ground(headerColor) + u"<P ALIGN=CENTER><FONT SIZE=-1 COLOR=#5C6875>" +
+                               (groundMarkup(headerColor) + u"<P ALIGN=CENTER><FONT SIZE=-1 COLOR=#5C6875>" +
                                 toUtf16(std::to_string(number)))
                                    .c_str(),
                                {0, HIDPI_SCALEY(3), 0, 0});
@@ -239,7 +233,7 @@ class MonthView final : public CalendarView
         const bool inside = monthStart(shown) == monthStart(day());
         const bool isToday = shown == today();
         const std::u16string number = dateByPicture(shown, u"d");
-        const std::u16string body = ground(isToday    ? mixed(todayColor, RGB(255, 255, 255), 14)
+        const std::u16string body = groundMarkup(isToday    ? mixed(todayColor, RGB(255, 255, 255), 14)
                                            : !inside || isWeekend(shown) ? quietColor
                                                                          : RGB(255, 255, 255));
         if (isToday)

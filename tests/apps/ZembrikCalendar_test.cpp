@@ -1,16 +1,10 @@
-// zembrik's agenda, day, week and month, by pen and by keys. The clock stands at Friday, 20 November 2026, 10:00 in
-// Berlin; the screen has 240 by 320 pixels of 96 dots an inch unless a test says otherwise.
-#include "apps/ZembrikScreens.h"
-
-#include <fstream>
-#include <nlohmann/json.hpp>
+// zembrik's agenda, day, week and month, by pen and by keys.
+#include "apps/ZembrikCalendar.h"
 
 namespace
 {
 using zb::test::count;
 using zb::test::Picture;
-using zb::test::ProgramResult;
-using Words = std::vector<std::string>;
 
 constexpr std::uint32_t todayColor = 0x2F5D96;
 constexpr std::uint32_t selectionColor = 0x1F4E8C;
@@ -29,73 +23,9 @@ constexpr int yAt(int hour, int minute = 0)
     return gridTop + ((hour - 8) * 60 + minute) * slot / 30;
 }
 
-class ZembrikCalendar : public zb::test::ZembrikTest
+class ZembrikCalendar : public zb::test::ZembrikCalendarTest
 {
   protected:
-    ProgramResult zb(Words words) const
-    {
-        words.insert(words.begin(), {"--device", device().string()});
-        zb::test::ProgramOptions options;
-        options.environment["ZB_NOW"] = now;
-        const ProgramResult result = zb::test::runZb(words, options);
-        EXPECT_EQ(result.exitCode, 0) << result.err;
-        return result;
-    }
-    /// "SUBJECT FROM TO" and more lines of the event, times as 20261120T100000 of Berlin.
-    static std::string event(const std::string &subject, const std::string &from, const std::string &to,
-                             const std::string &more = {})
-    {
-        const std::string kind = from.size() == 8 ? ";VALUE=DATE:" : ";TZID=Europe/Berlin:";
-        return "BEGIN:VEVENT\r\nUID:" + subject + "\r\nSUMMARY:" + subject + "\r\nDTSTART" + kind + from + "\r\nDTEND" +
-               kind + to + "\r\n" + more + "END:VEVENT\r\n";
-    }
-    static std::string today(const std::string &subject, const std::string &from, const std::string &to,
-                             const std::string &more = {})
-    {
-        return event(subject, "20261120T" + from + "00", "20261120T" + to + "00", more);
-    }
-    void import(const std::string &items) const
-    {
-        // A file of its own brings the category, so that it is there whatever the items name.
-        std::ofstream(file("category.ics")) << "BEGIN:VCALENDAR\r\nVERSION:2.0\r\n"
-                                            << event("Old", "20200101T080000", "20200101T090000", "CATEGORIES:Red\r\n")
-                                            << "END:VCALENDAR\r\n";
-        std::ofstream(file("in.ics")) << "BEGIN:VCALENDAR\r\nVERSION:2.0\r\n" << items << "END:VCALENDAR\r\n";
-        zb({"import", file("category.ics").string()});
-        zb({"categories", "color", "Red", "#E04040"});
-        zb({"import", file("in.ics").string()});
-    }
-    /// Beginning where the run before has ended.
-    Picture further(const std::string &view, const std::string &lines, Words words = {"--size", "240x320"}) const
-    {
-        words.push_back(view);
-        const ProgramResult result = play(lines + "\nshot @/out.png\n", words);
-        EXPECT_EQ(result.exitCode, 0) << result.err;
-        return drawn("out.png");
-    }
-    /// Beginning at today.
-    Picture after(const std::string &view, const std::string &lines, Words words = {"--size", "240x320"}) const
-    {
-        return further(view, "key T\n" + lines, std::move(words));
-    }
-    /// Start of the appointment of that name, as zb tells it; empty when it is not in these days.
-    std::string startOf(const std::string &subject, const std::string &from = "2026-11-16",
-                        const std::string &to = "2026-11-22") const
-    {
-        const auto told =
-            nlohmann::json::parse(zb({"agenda", "--from", from, "--to", to, "--json"}).out, nullptr, false);
-        for (const auto &day : told["days"])
-        {
-            for (const auto &item : day["appointments"])
-            {
-                if (item["subject"] == subject)
-                {
-                    return item["start"].get<std::string>().substr(0, 16);
-                }
-            }
-        }
-        return {};
-    }
     int rowsOf(const Picture &picture, std::uint32_t color, int x) const
     {
         return count(picture, color, x, gridTop, x + 1, gridBottom);
@@ -198,40 +128,6 @@ TEST_F(ZembrikCalendar, TheDayShowsBlocksAtTheirTimesSideBySideWhereTheyOverlap)
     // 26 hundredths of the category's colour.
     EXPECT_EQ(day.at(200, yAt(12, 50)), 0xF7CDCDU);
     EXPECT_EQ(count(day, nowColor, hours + 2, yAt(10), 220, yAt(10) + 2), 2 * (220 - hours - 2)) << "the present moment";
-}
-
-TEST_F(ZembrikCalendar, AStripPulledWithThePenMovesTheAppointment)
-{
-    import(today("One", "1210", "1300"));
-    const std::string pull = "pen down 35 " + std::to_string(yAt(12, 40)) + "\npen move 35 " +
-                             std::to_string(yAt(12, 55)) + "\npen move 60 " + std::to_string(yAt(13, 35)) + "\n";
-    const Picture after13 = after("day", pull + "pen up 60 " + std::to_string(yAt(13, 35)));
-    EXPECT_EQ(startOf("One"), "2026-11-20T13:10");
-    EXPECT_EQ(after13.at(35, yAt(13, 40)), todayColor);
-    EXPECT_NE(after13.at(35, yAt(12, 30)), todayColor);
-    after("day", "key Tab\nkey Shift+Up\nkey Shift+Up\nkey Shift+Right");
-    EXPECT_EQ(startOf("One"), "2026-11-21T12:10");
-}
-
-TEST_F(ZembrikCalendar, OneDayOfASeriesMovesAloneAndNotPastItsNeighbour)
-{
-    import(event("Daily", "20261118T120000", "20261118T130000", "RRULE:FREQ=DAILY;COUNT=5\r\n"));
-    const Picture moved = after("day", "key Tab\nkey Shift+Down");
-    EXPECT_EQ(after("day", "key Tab"), moved) << "the list follows what was written";
-    EXPECT_EQ(startOf("Daily", "2026-11-20", "2026-11-20"), "2026-11-20T12:30");
-    EXPECT_EQ(startOf("Daily", "2026-11-19", "2026-11-19"), "2026-11-19T12:00");
-    const Picture before = after("day", "key Tab");
-    const Picture refused = after("day", "key Tab\nkey Shift+Right");
-    EXPECT_NE(refused.at(0, 0), before.at(0, 0)) << "a box has the front";
-    EXPECT_EQ(startOf("Daily", "2026-11-20", "2026-11-20"), "2026-11-20T12:30");
-    EXPECT_EQ(after("day", "key Tab\nkey Shift+Right\nkey Enter"), before) << "nothing has changed";
-}
-
-TEST_F(ZembrikCalendar, WhatLastsOverSeveralDaysStaysWhereItIs)
-{
-    import(event("Long", "20261120T120000", "20261121T130000"));
-    after("day", "key Tab\nkey Shift+Down\npen down 35 250\npen move 35 270\npen up 35 270");
-    EXPECT_EQ(startOf("Long"), "2026-11-20T12:00");
 }
 
 TEST_F(ZembrikCalendar, WholeDaysStandOnTopAndOpen)
