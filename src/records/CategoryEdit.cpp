@@ -160,6 +160,13 @@ CategoryChange committed(zb::BulkWrite &bulk, bool written)
     return written && bulk.commit() ? CategoryChange::Done : CategoryChange::Failed;
 }
 
+/// Nothing was written, so a bulk of the caller's that this one joined must not lose what it holds.
+CategoryChange unchanged(zb::BulkWrite &bulk, CategoryChange why)
+{
+    bulk.commit();
+    return why;
+}
+
 bool setShown(CeDb &db, CEOID oid, bool keep, bool shown)
 {
     CEPROPVAL value{};
@@ -191,16 +198,16 @@ CategoryChange addCategory(const WCHAR *name, SHORT *id)
     CeDbRecord row;
     if (!db.Open(categoriesDatabase, CATEGORY_ID, 0, nullptr))
     {
-        return CategoryChange::Failed;
+        return unchanged(bulk, CategoryChange::Failed);
     }
     if (findRow(db, row, name) != 0)
     {
-        return CategoryChange::Exists;
+        return unchanged(bulk, CategoryChange::Exists);
     }
     const int free = lowestFreeId(db);
     if (free >= idCount)
     {
-        return CategoryChange::Full;
+        return unchanged(bulk, CategoryChange::Full);
     }
     const CategoryChange change = committed(bulk, writeNew(db, name, static_cast<SHORT>(free)) == CategoryChange::Done);
     if (change == CategoryChange::Done)
@@ -225,17 +232,17 @@ CategoryChange renameCategory(const WCHAR *name, const WCHAR *newName)
     CeDbRecord row;
     if (!db.Open(categoriesDatabase, 0, 0, nullptr))
     {
-        return CategoryChange::Failed;
+        return unchanged(bulk, CategoryChange::Failed);
     }
     const CEOID other = findRow(db, row, newName);
     const CEOID oid = name != nullptr ? findRow(db, row, name) : 0;
     if (oid == 0)
     {
-        return CategoryChange::NotFound;
+        return unchanged(bulk, CategoryChange::NotFound);
     }
     if (other != 0 && other != oid)
     {
-        return CategoryChange::Exists;
+        return unchanged(bulk, CategoryChange::Exists);
     }
     const CEPROPVAL value = nameValue(newName);
     const CategoryChange change = committed(bulk, CeWriteRecordProps(db.GetHandle(), oid, 1, &value) == oid);

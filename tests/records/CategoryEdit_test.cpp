@@ -162,6 +162,20 @@ TEST_F(CategoryEdit, ANameIsTakenOnce)
     EXPECT_EQ(allNames().size(), 2U);
 }
 
+TEST_F(CategoryEdit, WhatIsRefusedCostsABulkOfTheCallersNothing)
+{
+    EXPECT_EQ(addCategory(u"Home"), CategoryChange::Done);
+    {
+        BulkWrite bulk;
+        EXPECT_EQ(addCategory(u"Work"), CategoryChange::Done);
+        EXPECT_EQ(addCategory(u"Home"), CategoryChange::Exists);
+        EXPECT_EQ(renameCategory(u"None", u"Other"), CategoryChange::NotFound);
+        EXPECT_EQ(renameCategory(u"Home", u"Work"), CategoryChange::Exists);
+        EXPECT_TRUE(bulk.commit());
+    }
+    EXPECT_EQ(allNames().size(), 2U);
+}
+
 TEST_F(CategoryEdit, TheNameOfARetiredCategoryIsFree)
 {
     addCategoryRecord({.name = u"Work", .id = 0, .active = 0});
