@@ -1,6 +1,7 @@
 #include "interchange/task_store.h"
 
 #include "interchange/record_values.h"
+#include "platform/file_turn.h"
 #include "platform/kernel.h"
 #include "platform/text.h"
 #include "tasks/TaskHierarchy.h"
@@ -125,6 +126,7 @@ LinkResult saveTaskLinks(const std::vector<TaskLink> &links, bool write)
     LinkResult result;
     TaskHierarchy hierarchy;
     const std::u16string path = TaskHierarchy::FilePath();
+    const FileTurn turn;
     result.readable = links.empty() || hierarchy.Load(path.c_str()) == CELIST_OK;
     if (!result.readable)
     {

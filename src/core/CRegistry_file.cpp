@@ -3,6 +3,7 @@
 
 #include "core/textfile.h"
 #include "platform/device.h"
+#include "platform/file_turn.h"
 #include "platform/files.h"
 #include "platform/kernel.h"
 #include "platform/text.h"
@@ -510,6 +511,7 @@ std::u16string CRegistry::INIFile::written() const
 bool CRegistry::INIFile::save()
 {
     const SaveTurn turn(m_path);
+    const zb::FileTurn turnOfProcess;
     while (true)
     {
         INIFile copy(m_path);
