@@ -248,22 +248,33 @@ std::vector<Chosen> choose(Records &records, const Take &take, const Key &key)
     return chosen;
 }
 
-/// All in one transaction.
-void giveIdentities(Records &records, std::vector<Chosen> &chosen)
+/// One that another program has given it since it was looked at stands.
+void giveIdentity(Records &records, Chosen &one)
 {
-    std::optional<BulkWrite> writing;
-    for (Chosen &one : chosen)
+    if (one.identity.empty() && records.seek(one.id))
     {
+        one.identity = records.read().text(itemInterchangeId);
         if (one.identity.empty())
         {
-            writing ? void() : void(writing.emplace());
             one.identity = newIdentity();
             records.giveIdentity(one.id, one.identity);
         }
     }
-    if (writing && !writing->commit())
+}
+
+/// All in one transaction. Records that have gone meanwhile are not chosen any more.
+void giveIdentities(Records &records, std::vector<Chosen> &chosen)
+{
+    const auto lacksOne = [](const Chosen &one) { return one.identity.empty(); };
+    if (std::any_of(chosen.begin(), chosen.end(), lacksOne))
     {
-        throw StoreError(GetLastError());
+        BulkWrite writing;
+        std::for_each(chosen.begin(), chosen.end(), [&records](Chosen &one) { giveIdentity(records, one); });
+        if (!writing.commit())
+        {
+            throw StoreError(GetLastError());
+        }
+        chosen.erase(std::remove_if(chosen.begin(), chosen.end(), lacksOne), chosen.end());
     }
     std::sort(chosen.begin(), chosen.end(),
               [](const Chosen &a, const Chosen &b)

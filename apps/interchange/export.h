@@ -1,7 +1,8 @@
 // Items of the open device as a calendar file, or as a file of cards: the way back of the import.
 //
-// An item that has no identity for such files gets one, which its record keeps from then on; so a later import of the
-// file, here or elsewhere, knows the item again. The order is that of the days (tasks: of their due date, contacts: of
+// An item that has no identity for such files gets one, which its record keeps from then on, also when earlier changes of
+// it are taken back; so a later import of the file, here or elsewhere, knows the item again. The caller records no change
+// for that. The order is that of the days (tasks: of their due date, contacts: of
 // the names that they are filed under) and then of identities, and so the same on every device.
 #pragma once
 

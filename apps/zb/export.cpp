@@ -11,7 +11,6 @@
 #include "zb/bad_usage.h"
 #include "zb/commands.h"
 #include "zb/json.h"
-#include "zb/recorded.h"
 #include "zb/terminal.h"
 #include "zb/whole_file.h"
 
@@ -121,7 +120,6 @@ int runExport(const ExportArguments &arguments)
         return exitDevice;
     }
     const interchange::ExportChoice choice = choiceOf(arguments);
-    std::optional<Recorded> recorded(std::in_place, "identities of items that were exported");
     interchange::ExportResult result;
     try
     {
@@ -132,7 +130,6 @@ int runExport(const ExportArguments &arguments)
         complain(std::string("nothing exported, ") + error.what());
         return exitDevice;
     }
-    recorded.reset();
     if (!toFile)
     {
         Output output;

@@ -6,7 +6,9 @@
 //
 // Taking a change back puts the records that it changed into their former state, under their ids, where they still are
 // as the change left them. Where one was changed since by somebody who did not record it, nothing is taken back: no work
-// is ever overwritten. What was taken back can be made again until the next new change.
+// is ever overwritten. What was taken back can be made again until the next new change. The identity for files that an
+// export gives a record (itemInterchangeId, written without a recording) counts as no change: it stays whatever is taken
+// back.
 //
 // Files that belong to a change (settings) are named when its recording begins. They are compared at its end, and come
 // back where they still are as they were then; of a change that was interrupted they stay as they are.
@@ -48,7 +50,6 @@ class ZBPLATFORM_API ChangeRecording
   private:
     struct State;
     std::unique_ptr<State> m_state;
-    friend struct UndoStep;
 };
 
 struct RecordedChange
@@ -82,7 +83,9 @@ struct UndoResult
     std::vector<std::u16string> filesLeft; ///< could not be brought back, the rest was
 };
 
-/// Takes the newest change back, or makes the one again that was taken back last; in one transaction.
+/// Takes the newest change back, or makes the one again that was taken back last; in one transaction. Of a process that is
+/// killed in it, either nothing was done or all of it, the change's files included, for everybody who opens the device
+/// from then on.
 ZBPLATFORM_API UndoResult undoLastChange();
 ZBPLATFORM_API UndoResult redoLastChange();
 } // namespace zb

@@ -1,7 +1,9 @@
 // zb undo and zb redo: every command that changes the device is one change.
+#include "apps/StoredRecords.h"
 #include "apps/ZbFixture.h"
 #include "platform/device.h"
 #include "platform/pim.h"
+#include "platform/undo.h"
 #include "support/PropertyRecords.h"
 
 namespace
@@ -140,5 +142,74 @@ TEST_F(ZbUndoTest, aConflictIsToldByNameAndDoesNothing)
     EXPECT_EQ(list["changes"][0]["whole"], true);
     EXPECT_EQ(zb({"undo", "0"}).exitCode, 2);
     EXPECT_EQ(zb({"undo", "2", "--list"}).exitCode, 2);
+}
+
+TEST_F(ZbUndoTest, anExportIsNoChangeAndItsFileStaysKnown)
+{
+    const std::string id = add({"event", "Dentist", "--start", "2026-03-04 10:00"});
+    add({"task", "Pay"});
+    add({"contact", "--first", "Anna", "--last", "Berg"});
+    zb({"edit", "event", id, "--subject", "Doctor"});
+    const Words before = listed();
+    const std::string calendar = (folder() / "out.ics").string();
+    const std::string cards = (folder() / "out.vcf").string();
+    EXPECT_EQ(zb({"export", "-o", calendar}, now()).exitCode, 0);
+    EXPECT_EQ(zb({"export", "-o", cards}, now()).exitCode, 0);
+    EXPECT_EQ(listed(), before);
+    ASSERT_NE(zb::test::readFile(calendar).find("UID:zb-"), std::string::npos);
+    EXPECT_EQ(zb({"undo"}, now()).out, "taken back: edit appointment \"Dentist\"\n");
+    const std::string dentist = everything();
+    const Json read = json({"import", "--json", calendar, cards}, now());
+    EXPECT_EQ(read["files"][0]["new"], 0);
+    EXPECT_EQ(read["files"][0]["changed"], 1) << "the subject, as the file has it";
+    EXPECT_EQ(read["files"][1]["contacts"]["new"], 0);
+    EXPECT_EQ(storedCount(), 1);
+    EXPECT_EQ(zb({"undo"}, now()).exitCode, 0);
+    EXPECT_EQ(everything(), dentist);
+    // All the way back and on again: the items are still those of the files.
+    EXPECT_EQ(zb({"undo", "3"}, now()).exitCode, 0);
+    EXPECT_EQ(storedCount(), 0);
+    EXPECT_EQ(zb({"redo", "4"}, now()).exitCode, 0);
+    const Json again = json({"import", "--json", "--dry-run", calendar, cards}, now());
+    EXPECT_EQ(again["files"][0]["unchanged"], 1);
+    EXPECT_EQ(again["files"][0]["new"], 0);
+    EXPECT_EQ(again["files"][1]["contacts"]["unchanged"], 1);
+}
+
+TEST_F(ZbUndoTest, aKillAtAnyMomentLeavesTheOldOrTheNewWithItsFiles)
+{
+    // Records, the file of parent links, and settings (the colours of categories) in one change.
+    const std::string calendar = zb::test::calendarOf(
+        "BEGIN:VTODO\nUID:p\nSUMMARY:Parent\nEND:VTODO\nBEGIN:VTODO\nUID:c\nSUMMARY:Child\nRELATED-TO:p\nEND:VTODO\n" +
+        zb::test::eventOf("UID:e\nSUMMARY:E\nDTSTART:20260304T090000Z\nCATEGORIES:New\nCOLOR:red\n"));
+    const auto snapshot = [this]
+    {
+        zb::DeviceOptions options;
+        options.root = device();
+        const auto opened = zb::OpenDevice(options);
+        std::string all;
+        for (const WCHAR *const database : {zb::appointmentsDatabase, zb::tasksDatabase})
+        {
+            all += std::to_string(zb::test::storedRecords(database).size()) + " ";
+        }
+        for (const char *const name : {"Settings.txt", "TaskHierarchy.bin"})
+        {
+            all += zb::test::readFile(device() / "files" / "My Documents" / "Kelvo" / name) + "|";
+        }
+        return all + std::to_string(zb::recordedChanges(false).size());
+    };
+    zb({"settings", "set", "AV_ShowTasks", "1"});
+    const std::string former = snapshot();
+    EXPECT_EQ(zb({"import", file("work.ics", calendar)}, now()).exitCode, 0);
+    const std::string made = snapshot();
+    ASSERT_NE(former, made);
+    for (int n = 0; n < 10; ++n)
+    {
+        ProgramOptions options = now();
+        options.killAfterSeconds = 0.004 * n;
+        zb({n % 2 == 0 ? "undo" : "redo"}, options);
+        const std::string found = snapshot();
+        ASSERT_TRUE(found == former || found == made) << found << " after " << *options.killAfterSeconds;
+    }
 }
 } // namespace

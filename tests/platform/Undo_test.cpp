@@ -1,42 +1,16 @@
 // Changes taken back and made again: the same records, under the same ids, in every order, and never over somebody
 // else's work.
-#include "platform/undo.h"
-
-#include "platform/files.h"
+#include "platform/UndoStage.h"
+#include "platform/pim.h"
 #include "support/Child.h"
-#include "support/PropertyRecords.h"
-#include "support/TestDevice.h"
 
-#include <map>
+#include <functional>
 #include <random>
 
 namespace
 {
 using namespace zb;
 using namespace zb::test;
-
-constexpr CEPROPID keyId = MakePropId(1, CEVT_I4);
-constexpr CEPROPID textId = MakePropId(3, CEVT_LPWSTR);
-const std::u16string file = u"\\note.txt";
-
-/// Each record as it is read, by id.
-using Contents = std::map<CEOID, std::string>;
-
-Contents contentsOf(CEOID oid)
-{
-    Contents contents;
-    const OpenedDatabase database(oid, keyId);
-    for (const CEOID record : database.walk())
-    {
-        database.seek(CEDB_SEEK_CEOID, static_cast<LONG>(record));
-        const ReadRecord read(database);
-        contents[record] = std::to_string(read.number(keyId)) + " " + utf8(read.text(textId));
-    }
-    // The other order and the count go along.
-    EXPECT_EQ(OpenedDatabase(oid, textId).walkBack().size(), contents.size());
-    EXPECT_EQ(infoOf(oid).infDatabase.dwNumRecords, contents.size());
-    return contents;
-}
 
 /// One random write.
 void change(const OpenedDatabase &database, std::mt19937 &random)
@@ -57,48 +31,6 @@ void change(const OpenedDatabase &database, std::mt19937 &random)
         break;
     }
 }
-
-void writeFile(const std::string &text)
-{
-    const HANDLE opened = CreateFileW(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-    DWORD done = 0;
-    WriteFile(opened, text.data(), static_cast<DWORD>(text.size()), &done, nullptr);
-    EXPECT_NE(CloseHandle(opened), FALSE);
-}
-
-std::string readFile()
-{
-    const HANDLE opened = CreateFileW(file.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-    if (opened == INVALID_HANDLE_VALUE)
-    {
-        return "(none)";
-    }
-    char text[64] = {};
-    DWORD done = 0;
-    ReadFile(opened, text, sizeof text - 1, &done, nullptr);
-    CloseHandle(opened);
-    return text;
-}
-
-class UndoTest : public DeviceTest
-{
-  protected:
-    CEOID oid = makeDatabase(u"Undo", {{keyId, 0}, {textId, 0}});
-
-    CEOID add(LONG key, const WCHAR *text)
-    {
-        const std::u16string kept = text;
-        return OpenedDatabase(oid).add({longValue(keyId, key), textValue(textId, kept)});
-    }
-    static UndoOutcome undo()
-    {
-        return undoLastChange().outcome;
-    }
-    static UndoOutcome redo()
-    {
-        return redoLastChange().outcome;
-    }
-};
 
 TEST_F(UndoTest, whatIsNotRecordedCanNotBeTakenBack)
 {
@@ -341,5 +273,101 @@ TEST_F(UndoTest, aKillLeavesEveryChangeWithItsRecord)
         }
         EXPECT_EQ(contentsOf(oid), Contents());
     }
+}
+
+/// The record's key and its identity for files.
+std::string namedState(CEOID oid, CEOID record)
+{
+    const OpenedDatabase database(oid, keyId);
+    if (database.walk().empty())
+    {
+        return "(gone)";
+    }
+    database.seek(CEDB_SEEK_CEOID, static_cast<LONG>(record));
+    const ReadRecord read(database);
+    return std::to_string(read.number(keyId)) + " " + utf8(read.text(itemInterchangeId));
+}
+
+TEST_F(UndoTest, anIdentityForFilesIsNoChangeAndStaysWhateverIsTakenBack)
+{
+    const std::u16string identity = u"zb-1";
+    CEOID record = 0;
+    const auto recorded = [&](const std::function<void(const OpenedDatabase &)> &body)
+    {
+        const ChangeRecording recording(u"change");
+        body(OpenedDatabase(oid));
+    };
+    const auto edit = [&](LONG key)
+    { recorded([&](const OpenedDatabase &database) { database.write(record, {longValue(keyId, key)}); }); };
+    recorded([&](const OpenedDatabase &) { record = add(1, u"one"); });
+    edit(2);
+    edit(3);
+    EXPECT_EQ(undo(), UndoOutcome::Done);
+    OpenedDatabase(oid).write(record, {textValue(itemInterchangeId, identity)});
+    EXPECT_EQ(redo(), UndoOutcome::Done) << "what was taken back before can be made again";
+    EXPECT_EQ(namedState(oid, record), "3 zb-1");
+    edit(4);
+    recorded([&](const OpenedDatabase &database) { EXPECT_TRUE(database.remove(record)); });
+    for (int round = 0; round < 2; ++round)
+    {
+        for (const char *const state : {"4 zb-1", "3 zb-1", "2 zb-1", "1 zb-1", "(gone)"})
+        {
+            EXPECT_EQ(undo(), UndoOutcome::Done);
+            EXPECT_EQ(namedState(oid, record), state);
+        }
+        EXPECT_EQ(undo(), UndoOutcome::Nothing);
+        for (const char *const state : {"1 zb-1", "2 zb-1", "3 zb-1", "4 zb-1", "(gone)"})
+        {
+            EXPECT_EQ(redo(), UndoOutcome::Done);
+            EXPECT_EQ(namedState(oid, record), state);
+        }
+    }
+}
+
+TEST_F(UndoTest, anIdentityHidesNobodysWorkAndGoesWithTheChangeThatBroughtIt)
+{
+    const std::u16string identity = u"uid";
+    CEOID record = 0;
+    {
+        const ChangeRecording recording(u"add");
+        record = add(1, u"one");
+    }
+    const OpenedDatabase database(oid);
+    {
+        const ChangeRecording recording(u"import");
+        database.write(record, {longValue(keyId, 2), textValue(itemInterchangeId, identity)});
+    }
+    EXPECT_EQ(undo(), UndoOutcome::Done);
+    EXPECT_EQ(namedState(oid, record), "1 <none>");
+    database.write(record, {longValue(keyId, 9), textValue(itemInterchangeId, identity)});
+    EXPECT_EQ(undo(), UndoOutcome::Conflict);
+    database.write(record, {longValue(keyId, 1)});
+    EXPECT_EQ(undo(), UndoOutcome::Done);
+}
+
+TEST_F(UndoTest, whatFollowsAPartThatSomebodyTookBackIsAChangeOfItsOwn)
+{
+    const DeviceOptions options = device.options();
+    device.close();
+    Signal begun;
+    Child other(
+        [&]
+        {
+            begun.take();
+            const auto opened = OpenDevice(options);
+            return undo() == UndoOutcome::Done ? 0 : 1;
+        });
+    device.open();
+    {
+        const ChangeRecording recording(u"long");
+        const CEOID first = add(1, u"one");
+        begun.give();
+        EXPECT_EQ(other.wait(), 0);
+        EXPECT_EQ(contentsOf(oid).count(first), 0U);
+        add(2, u"two");
+    }
+    EXPECT_EQ(recordedChanges(false).size(), 1U);
+    EXPECT_EQ(undo(), UndoOutcome::Done);
+    EXPECT_EQ(contentsOf(oid), Contents());
 }
 } // namespace

@@ -13,6 +13,8 @@
 #include "platform/linux/registry_store.h"
 #include "platform/linux/screen_size.h"
 #include "platform/linux/store.h"
+#include "platform/linux/store_fault.h"
+#include "platform/linux/undo_files.h"
 #include "platform/pim.h"
 
 #include <atomic>
@@ -134,6 +136,7 @@ class OpenedDevice final : public Device
             folder.completeTree(m_state->files);
             internal::removeAbandonedBelow(m_state->files.string());
             makeDatabases();
+            finishUndo();
         }
         catch (...)
         {
@@ -155,6 +158,19 @@ class OpenedDevice final : public Device
     }
 
   private:
+    /// What a process left that was killed while it took a change back. Where the device can't be written now, whoever
+    /// opens it next tries again.
+    void finishUndo() const noexcept
+    {
+        try
+        {
+            internal::finishPlans(*m_state->store);
+        }
+        catch (...)
+        {
+            internal::reportStoreFault();
+        }
+    }
     void makeDatabases() const
     {
         if (!createPimDatabases())

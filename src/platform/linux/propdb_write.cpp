@@ -3,6 +3,10 @@
 #include "platform/linux/propdb_change.h"
 #include "platform/linux/propdb_handle.h"
 #include "platform/linux/store_fault.h"
+#include "platform/pim.h"
+
+#include <cstring>
+#include <optional>
 
 namespace zb::internal
 {
@@ -177,18 +181,63 @@ std::optional<StoredRecord> recordThere(WriteAccess &access, const JournalEntry 
     }
     return StoredRecord{copyOf(record.bytes(1)), {copyOf(record.bytes(2)), copyOf(record.bytes(3))}};
 }
+
+/// The name that an item has in calendar files and cards; empty for none.
+std::u16string identityOf(const RecordBytes &bytes)
+{
+    const auto value = RecordView(bytes.data, bytes.rest).find(itemInterchangeId);
+    if (!value)
+    {
+        return {};
+    }
+    std::u16string identity(value->bytes.size() / sizeof(char16_t), u'\0');
+    std::memcpy(identity.data(), value->bytes.data(), identity.size() * sizeof(char16_t));
+    return identity;
+}
+
+/// An empty one takes it away.
+RecordBytes withIdentity(const RecordBytes &bytes, std::u16string identity)
+{
+    CEPROPVAL value{};
+    value.propid = itemInterchangeId;
+    value.wFlags = identity.empty() ? CEDB_PROPDELETE : 0;
+    value.val.lpwstr = identity.data();
+    const RecordView view(bytes.data, bytes.rest);
+    return mergeRecord(&view, {&value, 1});
+}
+
+/// What the record has to become; nothing when it is not as the entry left it. An identity that it was given since, by
+/// an export, is no change of anybody's: it stays, else the file's item would come in once more.
+std::optional<RecordBytes> formerState(const std::optional<StoredRecord> &now, const JournalEntry &entry)
+{
+    RecordBytes former{entry.data, entry.rest};
+    if (now.has_value() != entry.isThere)
+    {
+        return std::nullopt;
+    }
+    if (!now || fingerprintOf(now->bytes.data, now->bytes.rest) == entry.after)
+    {
+        return former;
+    }
+    const std::u16string given = identityOf(now->bytes);
+    const RecordBytes without = withIdentity(now->bytes, u"");
+    if (given.empty() || fingerprintOf(without.data, without.rest) != entry.after)
+    {
+        return std::nullopt;
+    }
+    return entry.wasThere && identityOf(former).empty() ? withIdentity(former, given) : former;
+}
 } // namespace
 
 bool takeBack(Store &store, const JournalEntry &entry)
 {
     WriteAccess access(store);
     const std::optional<StoredRecord> now = recordThere(access, entry);
-    if (now.has_value() != entry.isThere ||
-        (now && fingerprintOf(now->bytes.data, now->bytes.rest) != entry.after))
+    const std::optional<RecordBytes> former = formerState(now, entry);
+    if (!former)
     {
         return false;
     }
-    const RecordBytes former{entry.data, entry.rest};
     UINT message = DB_CEOID_CHANGED;
     if (!entry.wasThere)
     {
@@ -197,12 +246,12 @@ bool takeBack(Store &store, const JournalEntry &entry)
     }
     else if (now)
     {
-        changeRecord(access, entry.database, entry.record, *now, former);
+        changeRecord(access, entry.database, entry.record, *now, *former);
     }
     else
     {
         message = DB_CEOID_CREATED;
-        addRecord(access, entry.database, entry.record, former);
+        addRecord(access, entry.database, entry.record, *former);
     }
     access.note(message, entry.database, entry.record, nullptr);
     access.commit();

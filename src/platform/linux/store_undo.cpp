@@ -1,10 +1,12 @@
 #include "platform/linux/store_undo.h"
 
 #include "platform/kernel.h"
+#include "platform/linux/once_statement.h"
 #include "platform/linux/store_fault.h"
 #include "platform/undo.h"
 
-#include <sqlite3.h>
+#include <chrono>
+#include <cstring>
 
 namespace zb::internal
 {
@@ -13,72 +15,6 @@ namespace
 constexpr std::int64_t mostBytes = 64LL * 1024 * 1024;
 constexpr BYTE wasThereFlag = 1;
 constexpr BYTE isThereFlag = 2;
-
-/// A statement for one run; the journal is written once a command, so nothing is kept.
-class Once
-{
-  public:
-    Once(Connection &connection, const char *sql) : m_connection(connection)
-    {
-        const int result = sqlite3_prepare_v2(connection.raw(), sql, -1, &m_statement, nullptr);
-        if (result != SQLITE_OK)
-        {
-            connection.fail(result);
-        }
-    }
-    ~Once()
-    {
-        sqlite3_finalize(m_statement);
-    }
-    Once(const Once &) = delete;
-    Once &operator=(const Once &) = delete;
-
-    Once &bind(int place, std::int64_t value)
-    {
-        sqlite3_bind_int64(m_statement, place, value);
-        return *this;
-    }
-    Once &bind(int place, BytesView bytes)
-    {
-        sqlite3_bind_blob64(m_statement, place, bytes.empty() ? reinterpret_cast<const BYTE *>("") : bytes.data(),
-                            bytes.size(), SQLITE_STATIC);
-        return *this;
-    }
-    Once &bind(int place, const std::u16string &text)
-    {
-        sqlite3_bind_text16(m_statement, place, text.data(), static_cast<int>(text.size() * sizeof(char16_t)),
-                            SQLITE_STATIC);
-        return *this;
-    }
-    bool step()
-    {
-        const int result = sqlite3_step(m_statement);
-        if (result != SQLITE_ROW && result != SQLITE_DONE)
-        {
-            m_connection.fail(result);
-        }
-        return result == SQLITE_ROW;
-    }
-    std::int64_t number(int column)
-    {
-        return sqlite3_column_int64(m_statement, column);
-    }
-    Bytes bytes(int column)
-    {
-        const auto *const data = static_cast<const BYTE *>(sqlite3_column_blob(m_statement, column));
-        return data == nullptr ? Bytes() : Bytes(data, data + sqlite3_column_bytes(m_statement, column));
-    }
-    std::u16string text(int column)
-    {
-        const auto *const data = static_cast<const char16_t *>(sqlite3_column_text16(m_statement, column));
-        const int size = sqlite3_column_bytes16(m_statement, column);
-        return data == nullptr ? std::u16string() : std::u16string(data, static_cast<std::size_t>(size) / 2);
-    }
-
-  private:
-    Connection &m_connection;
-    sqlite3_stmt *m_statement = nullptr;
-};
 
 void makeTables(Connection &connection)
 {
@@ -96,11 +32,11 @@ void dropLooseParts(Connection &connection)
 
 void forgetOldest(Connection &connection)
 {
-    Once(connection, "DELETE FROM undo_changes WHERE kind=0 AND id NOT IN"
+    OnceStatement(connection, "DELETE FROM undo_changes WHERE kind=0 AND id NOT IN"
                      " (SELECT id FROM undo_changes WHERE kind=0 ORDER BY id DESC LIMIT ?1)")
         .bind(1, static_cast<std::int64_t>(recordedChangesKept))
         .step();
-    Once(connection, "DELETE FROM undo_changes WHERE id<(SELECT max(id) FROM undo_changes) AND id IN"
+    OnceStatement(connection, "DELETE FROM undo_changes WHERE id<(SELECT max(id) FROM undo_changes) AND id IN"
                      " (SELECT id FROM (SELECT id, sum(size) OVER (ORDER BY id DESC) AS total FROM undo_changes)"
                      " WHERE total>?1)")
         .bind(1, mostBytes)
@@ -108,23 +44,37 @@ void forgetOldest(Connection &connection)
     dropLooseParts(connection);
 }
 
+/// Ids go by the time, whatever clock the device has: one that came again after its change was dropped would bring
+/// together what two processes recorded.
+std::int64_t momentOfHost()
+{
+    return std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::system_clock::now().time_since_epoch())
+        .count();
+}
+
+bool isThere(Connection &connection, const Recording &recording)
+{
+    OnceStatement row(connection, "SELECT 1 FROM undo_changes WHERE id=?1 AND kind=?2");
+    return recording.change != 0 && row.bind(1, recording.change).bind(2, recording.undone ? 1 : 0).step();
+}
+
 std::int64_t addChange(Connection &connection, const Recording &recording, std::int64_t now)
 {
     if (!recording.keepsUndone)
     {
-        // Ids may come again, so nothing may be left under them.
         connection.execute("DELETE FROM undo_changes WHERE kind=1");
         dropLooseParts(connection);
     }
-    Once next(connection, "SELECT coalesce(max(id), 0)+1 FROM undo_changes");
-    next.step();
+    OnceStatement next(connection, "SELECT max(coalesce(max(id), 0)+1, ?1) FROM undo_changes");
+    next.bind(1, momentOfHost()).step();
     const std::int64_t id = next.number(0);
-    Once(connection, "INSERT INTO undo_changes VALUES(?1, ?2, ?3, ?4, 0, 0, 0, ?5)")
+    OnceStatement(connection, "INSERT INTO undo_changes VALUES(?1, ?2, ?3, ?4, ?5, 0, 0, ?6)")
         .bind(1, id)
         .bind(2, recording.undone ? 1 : 0)
         .bind(3, now)
         .bind(4, recording.words)
-        .bind(5, BytesView(recording.files))
+        .bind(5, recording.whole ? 1 : 0)
+        .bind(6, BytesView(recording.files))
         .step();
     return id;
 }
@@ -283,7 +233,7 @@ std::vector<ChangeRow> changeRows(Connection &connection, bool undone)
     {
         return rows;
     }
-    Once all(connection,
+    OnceStatement all(connection,
              "SELECT id, made, words, whole, records, files FROM undo_changes WHERE kind=?1 ORDER BY id DESC");
     all.bind(1, undone ? 1 : 0);
     while (all.step())
@@ -297,7 +247,7 @@ std::vector<ChangeRow> changeRows(Connection &connection, bool undone)
 std::vector<Bytes> partsOf(Connection &connection, std::int64_t change)
 {
     std::vector<Bytes> parts;
-    Once all(connection, "SELECT entries FROM undo_parts WHERE change=?1 ORDER BY part DESC");
+    OnceStatement all(connection, "SELECT entries FROM undo_parts WHERE change=?1 ORDER BY part DESC");
     all.bind(1, change);
     while (all.step())
     {
@@ -308,23 +258,25 @@ std::vector<Bytes> partsOf(Connection &connection, std::int64_t change)
 
 void dropChange(Connection &connection, std::int64_t change)
 {
-    Once(connection, "DELETE FROM undo_parts WHERE change=?1").bind(1, change).step();
-    Once(connection, "DELETE FROM undo_changes WHERE id=?1").bind(1, change).step();
+    OnceStatement(connection, "DELETE FROM undo_parts WHERE change=?1").bind(1, change).step();
+    OnceStatement(connection, "DELETE FROM undo_changes WHERE id=?1").bind(1, change).step();
 }
 
 std::int64_t writeJournal(Connection &connection, const Recording &recording, const Journal &journal, std::int64_t now)
 {
     makeTables(connection);
-    const std::int64_t change = recording.change != 0 ? recording.change : addChange(connection, recording, now);
+    // What was recorded so far may have been taken back by another process; the rest is then a change of its own.
+    const std::int64_t change =
+        isThere(connection, recording) ? recording.change : addChange(connection, recording, now);
     if (!journal.empty())
     {
         const Bytes entries = journal.encoded();
-        Once(connection, "INSERT INTO undo_parts VALUES(?1, ?2, ?3)")
+        OnceStatement(connection, "INSERT INTO undo_parts VALUES(?1, ?2, ?3)")
             .bind(1, change)
             .bind(2, recording.part)
             .bind(3, BytesView(entries))
             .step();
-        Once(connection, "UPDATE undo_changes SET records=records+?2, size=size+?3 WHERE id=?1")
+        OnceStatement(connection, "UPDATE undo_changes SET records=records+?2, size=size+?3 WHERE id=?1")
             .bind(1, change)
             .bind(2, static_cast<std::int64_t>(journal.size()))
             .bind(3, static_cast<std::int64_t>(entries.size()))
@@ -336,14 +288,14 @@ std::int64_t writeJournal(Connection &connection, const Recording &recording, co
 
 void endChange(Connection &connection, std::int64_t change, const std::u16string &words, BytesView files, bool anyFile)
 {
-    Once(connection, "UPDATE undo_changes SET whole=1, files=?2, words=?3 WHERE id=?1")
+    OnceStatement(connection, "UPDATE undo_changes SET whole=1, files=?2, words=?3 WHERE id=?1")
         .bind(1, change)
         .bind(2, files)
         .bind(3, words)
         .step();
     if (!anyFile)
     {
-        Once(connection, "DELETE FROM undo_changes WHERE id=?1 AND NOT EXISTS"
+        OnceStatement(connection, "DELETE FROM undo_changes WHERE id=?1 AND NOT EXISTS"
                          " (SELECT 1 FROM undo_parts WHERE change=?1)")
             .bind(1, change)
             .step();

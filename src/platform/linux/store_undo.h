@@ -65,6 +65,7 @@ struct Recording
     bool undone = false;      ///< it takes back
     bool keepsUndone = false; ///< changes that were taken back stay
     bool force = false;       ///< its row is wanted with the next commit, whatever that changes
+    bool whole = false;       ///< one transaction, with which it and its files are known
     std::u16string words;
     Bytes files;
     std::int64_t change = 0; ///< its id once it is in the store

@@ -2,10 +2,10 @@
 #include "platform/undo.h"
 
 #include "platform/clock.h"
-#include "platform/files.h"
 #include "platform/kernel.h"
 #include "platform/linux/propdb_change.h"
 #include "platform/linux/store_fault.h"
+#include "platform/linux/undo_files.h"
 #include "platform/propdb.h"
 
 #include <optional>
@@ -15,146 +15,8 @@ namespace zb
 namespace
 {
 using internal::Bytes;
-using internal::BytesView;
 
-constexpr std::size_t largestFile = 16 * 1024 * 1024;
-constexpr BYTE wasThereFlag = 1;
-constexpr BYTE isThereFlag = 2;
-constexpr BYTE afterKnownFlag = 4;
-
-/// A file of the device as a change found it and left it.
-struct WatchedFile
-{
-    std::u16string path;
-    std::optional<Bytes> before; ///< none: there was no file
-    bool afterKnown = false;
-    bool isThere = false;
-    std::uint64_t after = 0;
-};
-
-std::uint64_t fingerprintOf(const Bytes &bytes)
-{
-    return internal::fingerprintOf(bytes, {});
-}
-
-/// Nothing for a file that is not there, or can't be read.
-std::optional<Bytes> contentOf(const std::u16string &path)
-{
-    const HANDLE file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE)
-    {
-        return std::nullopt;
-    }
-    const DWORD size = GetFileSize(file, nullptr);
-    Bytes bytes(size <= largestFile ? size : 0);
-    DWORD done = 0;
-    const bool read = size <= largestFile && ReadFile(file, bytes.data(), size, &done, nullptr) != FALSE;
-    CloseHandle(file);
-    return read && done == size ? std::optional(std::move(bytes)) : std::nullopt;
-}
-
-bool putContent(const std::u16string &path, const std::optional<Bytes> &content)
-{
-    if (!content)
-    {
-        return DeleteFileW(path.c_str()) != FALSE || GetLastError() == ERROR_FILE_NOT_FOUND;
-    }
-    const HANDLE file =
-        CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE)
-    {
-        return false;
-    }
-    DWORD done = 0;
-    const auto size = static_cast<DWORD>(content->size());
-    const bool written = WriteFile(file, content->data(), size, &done, nullptr) != FALSE && done == size;
-    return CloseHandle(file) != FALSE && written;
-}
-
-void put(Bytes &bytes, std::uint64_t value, std::size_t size)
-{
-    for (std::size_t n = 0; n < size; ++n)
-    {
-        bytes.push_back(static_cast<BYTE>(value >> 8U * n));
-    }
-}
-
-/// For each file: length and path (2 bytes each), flags (1), fingerprint (8), and length (4) and bytes before.
-Bytes encoded(const std::vector<WatchedFile> &files)
-{
-    Bytes bytes;
-    for (const WatchedFile &file : files)
-    {
-        put(bytes, file.path.size(), 2);
-        for (const char16_t ch : file.path)
-        {
-            put(bytes, ch, 2);
-        }
-        bytes.push_back(static_cast<BYTE>((file.before ? wasThereFlag : 0) | (file.isThere ? isThereFlag : 0) |
-                                          (file.afterKnown ? afterKnownFlag : 0)));
-        put(bytes, file.after, 8);
-        if (file.before)
-        {
-            put(bytes, file.before->size(), 4);
-            bytes.insert(bytes.end(), file.before->begin(), file.before->end());
-        }
-    }
-    return bytes;
-}
-
-std::uint64_t take(BytesView &bytes, std::size_t size)
-{
-    if (size > bytes.size())
-    {
-        throw internal::StoreFault(ERROR_FILE_CORRUPT);
-    }
-    std::uint64_t value = 0;
-    for (std::size_t n = size; n > 0; --n)
-    {
-        value = value << 8U | bytes[n - 1];
-    }
-    bytes = bytes.subspan(size);
-    return value;
-}
-
-std::vector<WatchedFile> decoded(BytesView bytes)
-{
-    std::vector<WatchedFile> files;
-    while (!bytes.empty())
-    {
-        WatchedFile file;
-        for (std::uint64_t length = take(bytes, 2); length > 0; --length)
-        {
-            file.path.push_back(static_cast<char16_t>(take(bytes, 2)));
-        }
-        const std::uint64_t flags = take(bytes, 1);
-        file.isThere = (flags & isThereFlag) != 0;
-        file.afterKnown = (flags & afterKnownFlag) != 0;
-        file.after = take(bytes, 8);
-        if ((flags & wasThereFlag) != 0)
-        {
-            const auto size = static_cast<std::size_t>(take(bytes, 4));
-            if (size > bytes.size())
-            {
-                throw internal::StoreFault(ERROR_FILE_CORRUPT);
-            }
-            file.before.emplace(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size));
-            bytes = bytes.subspan(size);
-        }
-        files.push_back(std::move(file));
-    }
-    return files;
-}
-
-std::vector<WatchedFile> watched(const std::vector<std::u16string> &paths)
-{
-    std::vector<WatchedFile> files;
-    for (const std::u16string &path : paths)
-    {
-        files.push_back({path, contentOf(path)});
-    }
-    return files;
-}
+using internal::WatchedFile;
 
 RecordedChange toldOf(const internal::ChangeRow &row)
 {
@@ -164,7 +26,7 @@ RecordedChange toldOf(const internal::ChangeRow &row)
     change.made = fileTimeOf(row.made);
     change.whole = row.whole;
     change.records = static_cast<std::uint64_t>(row.records);
-    for (const WatchedFile &file : decoded(row.files))
+    for (const WatchedFile &file : internal::decodedFiles(row.files))
     {
         change.files.push_back(file.path);
     }
@@ -181,7 +43,7 @@ struct ChangeRecording::State
     State(std::shared_ptr<internal::Store> opened, internal::Recording recording, std::vector<WatchedFile> known)
         : store(std::move(opened)), files(std::move(known)), words(recording.words)
     {
-        recording.files = encoded(files);
+        recording.files = internal::encodedFiles(files);
         if (!store->startRecording(std::move(recording)))
         {
             store = nullptr;
@@ -204,15 +66,11 @@ struct ChangeRecording::State
         std::vector<WatchedFile> changed;
         for (WatchedFile file : files)
         {
-            const std::optional<Bytes> now = contentOf(file.path);
-            if (now == file.before)
+            const std::optional<Bytes> now = internal::contentOf(file.path);
+            if (now != file.before)
             {
-                continue;
+                changed.push_back(internal::leftAs(std::move(file), now));
             }
-            file.afterKnown = true;
-            file.isThere = now.has_value();
-            file.after = now ? fingerprintOf(*now) : 0;
-            changed.push_back(std::move(file));
         }
         return changed;
     }
@@ -230,7 +88,7 @@ struct ChangeRecording::State
             {
                 internal::WriteAccess access(*store);
                 access.willChange();
-                internal::endChange(access.connection(), change, words, encoded(changed), !changed.empty());
+                internal::endChange(access.connection(), change, words, internal::encodedFiles(changed), !changed.empty());
                 access.commit();
             }
         }
@@ -252,9 +110,11 @@ ChangeRecording::ChangeRecording(const std::u16string &words, const std::vector<
 {
     try
     {
+        const std::shared_ptr<internal::Store> store = internal::openedStore();
+        internal::finishPlans(*store);
         internal::Recording recording;
         recording.words = words;
-        m_state = std::make_unique<State>(internal::openedStore(), std::move(recording), watched(files));
+        m_state = std::make_unique<State>(store, std::move(recording), internal::watchedFiles(files));
     }
     catch (...)
     {
@@ -278,76 +138,153 @@ bool ChangeRecording::announce()
     return m_state != nullptr && m_state->store != nullptr && m_state->announce();
 }
 
-/// One change taken back, or made again, which is the same the other way round.
-struct UndoStep
+namespace
 {
-    bool redo;
-    UndoResult result{};
-
-    void run()
+/// A recording of one transaction, without files of its own to watch.
+class StepRecording
+{
+  public:
+    StepRecording(std::shared_ptr<internal::Store> store, internal::Recording recording)
+        : m_store(std::move(store)), m_on(m_store->startRecording(std::move(recording)))
     {
-        const std::shared_ptr<internal::Store> store = internal::openedStore();
-        std::vector<WatchedFile> files;
-        std::unique_ptr<ChangeRecording::State> recording;
-        {
-            internal::ReadAccess access(*store);
-            const std::vector<internal::ChangeRow> rows = internal::changeRows(access.connection(), redo);
-            if (rows.empty())
-            {
-                return;
-            }
-            result.change = toldOf(rows.front());
-            files = decoded(rows.front().files);
-        }
-        if (!areAsLeft(files))
-        {
-            return;
-        }
-        internal::Recording other;
-        other.undone = !redo;
-        other.keepsUndone = true;
-        other.force = true;
-        other.words = result.change.words;
-        recording = std::make_unique<ChangeRecording::State>(store, std::move(other), watched(result.change.files));
-        if (recording->store == nullptr || !takeBackRecords(*store))
-        {
-            return;
-        }
-        result.outcome = UndoOutcome::Done;
-        bringBack(files);
+    }
+    ~StepRecording()
+    {
+        m_on ? m_store->stopRecording() : void();
+    }
+    StepRecording(const StepRecording &) = delete;
+    StepRecording &operator=(const StepRecording &) = delete;
+
+    bool isOn() const
+    {
+        return m_on;
     }
 
   private:
-    bool areAsLeft(const std::vector<WatchedFile> &files)
+    std::shared_ptr<internal::Store> m_store;
+    bool m_on;
+};
+
+/// One change taken back, or made again, which is the same the other way round. Its records, what it leaves to be taken
+/// back in turn, and what becomes of its files are one transaction.
+class UndoStep
+{
+  public:
+    explicit UndoStep(bool redo) : m_redo(redo)
+    {
+    }
+    UndoResult &result()
+    {
+        return m_result;
+    }
+    void run()
+    {
+        const std::shared_ptr<internal::Store> store = internal::openedStore();
+        internal::finishPlans(*store);
+        const std::optional<internal::ChangeRow> row = nextRow(*store);
+        if (!row)
+        {
+            return;
+        }
+        m_result.change = toldOf(*row);
+        if (!planFiles(internal::decodedFiles(row->files)))
+        {
+            return;
+        }
+        m_result.outcome = UndoOutcome::Failed;
+        const StepRecording recording(store, otherWay());
+        if (!recording.isOn() || !takeBack(*store))
+        {
+            return;
+        }
+        m_result.outcome = UndoOutcome::Done;
+        for (std::u16string &file : internal::finishPlans(*store))
+        {
+            m_result.filesLeft.push_back(std::move(file));
+        }
+    }
+
+  private:
+    std::optional<internal::ChangeRow> nextRow(internal::Store &store) const
+    {
+        internal::ReadAccess access(store);
+        std::vector<internal::ChangeRow> rows = internal::changeRows(access.connection(), m_redo);
+        return rows.empty() ? std::nullopt : std::optional(std::move(rows.front()));
+    }
+
+    /// False when one is not as the change left it.
+    bool planFiles(const std::vector<WatchedFile> &files)
     {
         for (const WatchedFile &file : files)
         {
-            const std::optional<Bytes> now = contentOf(file.path);
-            const bool asLeft = now.has_value() == file.isThere && (!now || fingerprintOf(*now) == file.after);
-            if (now != file.before && file.afterKnown && !asLeft)
+            std::optional<Bytes> now = internal::contentOf(file.path);
+            const WatchedFile found = internal::leftAs({file.path, {}}, now);
+            if (now == file.before)
             {
-                result.outcome = UndoOutcome::Conflict;
-                result.file = file.path;
+                continue;
+            }
+            if (!file.afterKnown)
+            {
+                m_result.filesLeft.push_back(file.path);
+                continue;
+            }
+            if (found.isThere != file.isThere || found.after != file.after)
+            {
+                m_result.outcome = UndoOutcome::Conflict;
+                m_result.file = file.path;
                 return false;
             }
+            m_plans.push_back({file.path, std::move(now), file.before});
         }
         return true;
     }
 
+    internal::Recording otherWay() const
+    {
+        std::vector<WatchedFile> files;
+        for (const internal::FilePlan &plan : m_plans)
+        {
+            files.push_back(internal::leftAs({plan.path, plan.now}, plan.wanted));
+        }
+        internal::Recording recording;
+        recording.undone = !m_redo;
+        recording.keepsUndone = true;
+        recording.force = !files.empty();
+        recording.whole = true;
+        recording.words = m_result.change.words;
+        recording.files = internal::encodedFiles(files);
+        return recording;
+    }
+
+    bool takeBack(internal::Store &store)
+    {
+        BulkWrite bulk;
+        const std::optional<internal::ChangeRow> row = nextRow(store);
+        if (!row || row->id != m_result.change.id)
+        {
+            SetLastError(ERROR_NOT_OWNER); // another process was quicker
+            return false;
+        }
+        if (!takeBackRecords(store))
+        {
+            return false;
+        }
+        {
+            internal::WriteAccess access(store);
+            access.willChange();
+            internal::dropChange(access.connection(), m_result.change.id);
+            internal::enterPlans(access, m_plans);
+            access.commit();
+        }
+        return bulk.commit();
+    }
+
     bool takeBackRecords(internal::Store &store)
     {
-        result.outcome = UndoOutcome::Failed;
-        BulkWrite bulk;
         std::vector<Bytes> parts;
         {
             internal::ReadAccess access(store);
-            const std::vector<internal::ChangeRow> rows = internal::changeRows(access.connection(), redo);
-            if (rows.empty() || rows.front().id != result.change.id)
-            {
-                SetLastError(ERROR_NOT_OWNER); // another process was quicker
-                return false;
-            }
-            parts = internal::partsOf(access.connection(), result.change.id);
+            parts = internal::partsOf(access.connection(), m_result.change.id);
         }
         for (const Bytes &part : parts)
         {
@@ -356,38 +293,23 @@ struct UndoStep
             {
                 if (!internal::takeBack(store, *entry))
                 {
-                    result.outcome = UndoOutcome::Conflict;
-                    result.record = entry->record;
+                    m_result.outcome = UndoOutcome::Conflict;
+                    m_result.record = entry->record;
                     return false;
                 }
             }
         }
-        {
-            internal::WriteAccess access(store);
-            access.willChange();
-            internal::dropChange(access.connection(), result.change.id);
-            access.commit();
-        }
-        return bulk.commit();
+        return true;
     }
 
-    void bringBack(const std::vector<WatchedFile> &files)
-    {
-        for (const WatchedFile &file : files)
-        {
-            if (contentOf(file.path) != file.before && (!file.afterKnown || !putContent(file.path, file.before)))
-            {
-                result.filesLeft.push_back(file.path);
-            }
-        }
-    }
+    bool m_redo;
+    UndoResult m_result;
+    std::vector<internal::FilePlan> m_plans;
 };
 
-namespace
-{
 UndoResult step(bool redo)
 {
-    UndoStep step{redo};
+    UndoStep step(redo);
     try
     {
         step.run();
@@ -395,9 +317,9 @@ UndoResult step(bool redo)
     catch (...)
     {
         internal::reportStoreFault();
-        step.result.outcome = UndoOutcome::Failed;
+        step.result().outcome = UndoOutcome::Failed;
     }
-    return step.result;
+    return step.result();
 }
 } // namespace
 
