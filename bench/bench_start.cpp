@@ -4,19 +4,12 @@
 //
 // Aim: at most 0.4 times.
 #include "support/LoaderStage.h"
+#include "support/Programs.h"
 #include "support/Rounds.h"
 #include "support/SqliteAgenda.h"
 
 #include <cstring>
-#include <fcntl.h>
 #include <iostream>
-#include <spawn.h>
-#include <stdexcept>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
-extern char **environ;
 
 namespace
 {
@@ -25,42 +18,6 @@ using namespace zb::bench;
 
 constexpr const char *readerMark = "--read";
 constexpr std::size_t eventCount = 100'000;
-
-fs::path ownPath()
-{
-    return fs::read_symlink("/proc/self/exe");
-}
-
-/// What all children that ended have worked.
-double childSeconds()
-{
-    rusage usage = {};
-    getrusage(RUSAGE_CHILDREN, &usage);
-    return static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
-           1e-6 * static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec);
-}
-
-/// Runs a program to its end, its output going to `output`. Throws std::runtime_error when it fails.
-void run(std::vector<std::string> arguments, const fs::path &output = "/dev/null")
-{
-    std::vector<char *> pointers;
-    for (std::string &argument : arguments)
-    {
-        pointers.push_back(argument.data());
-    }
-    pointers.push_back(nullptr);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    pid_t child = 0;
-    const int failed = posix_spawn(&child, arguments[0].c_str(), &actions, nullptr, pointers.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    int status = 0;
-    if (failed != 0 || waitpid(child, &status, 0) != child || status != 0)
-    {
-        throw std::runtime_error(arguments[0] + " failed");
-    }
-}
 
 /// Lines of appointments, which are the indented ones.
 std::size_t rowsIn(const fs::path &file)
