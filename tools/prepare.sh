@@ -23,7 +23,7 @@ prepare_packages() {
 build_packages=(g++ cmake ninja-build ccache mold pkg-config libsqlite3-dev libicu-dev libical-dev libcli11-dev
     nlohmann-json3-dev tzdata libpixman-1-dev libfreetype-dev libharfbuzz-dev libfontconfig-dev libsdl2-dev
     libsdl2-image-dev libx11-dev libdbus-1-dev librsvg2-bin fonts-dejavu-core fonts-wine)
-test_packages=(libgtest-dev xvfb xdotool xclip)
+test_packages=(libgtest-dev xvfb xdotool xclip dbus-daemon)
 
 # Compiler output shared between build folders; the precompiled headers need these allowances.
 export CCACHE_SLOPPINESS=${CCACHE_SLOPPINESS:-pch_defines,time_macros,include_file_mtime,include_file_ctime}

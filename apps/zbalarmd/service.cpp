@@ -2,7 +2,6 @@
 
 #include "common/complain.h"
 #include "platform/clock.h"
-#include "zbalarmd/waker.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -93,10 +92,15 @@ bool Service::run()
         return false;
     }
     Waker waker(m_folder);
+    return run([&waker](std::optional<LONGLONG> until) { return waker.wait(until); });
+}
+
+bool Service::run(const Wait &wait)
+{
     std::optional<LONGLONG> next = workOrRetry(false);
     for (;;)
     {
-        const Woken woken = waker.wait(next);
+        const Woken woken = wait(next);
         if (woken.end)
         {
             return true;

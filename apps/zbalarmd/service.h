@@ -4,7 +4,9 @@
 #include "platform/device.h"
 #include "platform/notify.h"
 #include "zbalarmd/alarm_runner.h"
+#include "zbalarmd/waker.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -20,6 +22,10 @@ class Service
     void runOnce();
     /// Returns when a signal or the end of the device's folder ends it; false when the device can't be opened any more.
     bool run();
+    /// Sleeps as Waker::wait does.
+    using Wait = std::function<Woken(std::optional<LONGLONG> until)>;
+    /// The same with another way of sleeping: tests have clocks of their own.
+    bool run(const Wait &wait);
 
   private:
     std::optional<LONGLONG> work(bool quiet);

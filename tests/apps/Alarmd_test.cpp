@@ -1,20 +1,11 @@
 // zbalarmd: what it starts, that each alarm is run exactly once, and how it waits and ends.
-#include "apps/ZbProgram.h"
-#include "platform/notify.h"
-#include "platform/registry.h"
+#include "apps/AlarmdStage.h"
+#include "platform/clock.h"
+#include "platform/locale.h"
 #include "support/Child.h"
-#include "support/TestDevice.h"
-#include "zbalarmd/alarm_runner.h"
 #include "zbalarmd/program_lookup.h"
 
-#include <gtest/gtest.h>
-
-#include <chrono>
-#include <csignal>
-#include <fcntl.h>
-#include <fstream>
-#include <sstream>
-#include <thread>
+#include <algorithm>
 
 namespace
 {
@@ -22,111 +13,6 @@ namespace fs = std::filesystem;
 using namespace zb;
 using namespace zb::alarmd;
 using namespace zb::test;
-
-/// A device with a program in its Windows folder that writes down its arguments, a line a start.
-class Alarmd : public DeviceTest
-{
-  protected:
-    void SetUp() override
-    {
-        putProgram("sink.exe", "#!/bin/sh\nfor word in \"$@\"; do line=\"$line<$word>\"; done\n"
-                               "printf '%s\\n' \"$line\" >> '" +
-                                   log().string() + "'\n");
-    }
-    fs::path log() const
-    {
-        return device.path() / "log.txt";
-    }
-    void putProgram(const std::string &name, const std::string &text) const
-    {
-        const fs::path file = device.files() / "Windows" / name;
-        std::ofstream(file) << text;
-        fs::permissions(file, fs::perms::owner_all);
-    }
-    std::vector<std::string> lines() const
-    {
-        std::istringstream text(readFile(log()));
-        std::vector<std::string> found;
-        for (std::string line; std::getline(text, line);)
-        {
-            found.push_back(line);
-        }
-        return found;
-    }
-    /// Programs are started, not waited for.
-    std::vector<std::string> linesOnceThere(std::size_t count) const
-    {
-        until([&] { return lines().size() >= count; });
-        return lines();
-    }
-    /// False when it does not come true in a time far longer than it takes.
-    static bool until(const std::function<bool()> &come)
-    {
-        for (int n = 0; n < 3000; ++n)
-        {
-            if (come())
-            {
-                return true;
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        }
-        return false;
-    }
-    /// Due since the beginning of the century, whatever the clock says.
-    static HANDLE set(const std::u16string &arguments, const WCHAR *program = u"sink.exe", DWORD actions = 0)
-    {
-        CE_NOTIFICATION_TRIGGER trigger{};
-        trigger.dwSize = sizeof trigger;
-        trigger.dwType = CNT_TIME;
-        trigger.lpszApplication = const_cast<WCHAR *>(program);
-        trigger.lpszArguments = const_cast<WCHAR *>(arguments.c_str());
-        trigger.stStartTime = makeSystemTime(2001, 1, 1);
-        WCHAR title[] = u"It's \"time\"; $(touch x)";
-        CE_USER_NOTIFICATION user{actions, title, const_cast<WCHAR *>(arguments.c_str()), nullptr, 0, 0};
-        return CeSetUserNotificationEx(nullptr, &trigger, &user);
-    }
-    pid_t start(std::vector<std::string> arguments, const std::string &now = "2026-03-02T09:00:00Z") const
-    {
-        arguments.insert(arguments.begin(), {ZBALARMD_PROGRAM, "--device", device.path().string()});
-        const pid_t child = fork();
-        if (child == 0)
-        {
-            now.empty() ? unsetenv("ZB_NOW") : setenv("ZB_NOW", now.c_str(), 1);
-            setenv("TZ", "Europe/Berlin", 1);
-            setenv("LC_ALL", "en_US.UTF-8", 1);
-            unsetenv("DBUS_SESSION_BUS_ADDRESS");
-            unsetenv("XDG_RUNTIME_DIR");
-            const int out = ::open((device.path() / "out.txt").c_str(), O_WRONLY | O_CREAT | O_APPEND, 0600);
-            dup2(out, STDERR_FILENO);
-            std::vector<char *> words;
-            for (std::string &each : arguments)
-            {
-                words.push_back(each.data());
-            }
-            words.push_back(nullptr);
-            execv(words[0], words.data());
-            _exit(127);
-        }
-        return child;
-    }
-    /// The exit code, or minus a signal.
-    static int wait(pid_t child)
-    {
-        int status = 0;
-        waitpid(child, &status, 0);
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
-    }
-    int once(const std::vector<std::string> &more = {}, const std::string &now = "2026-03-02T09:00:00Z") const
-    {
-        std::vector<std::string> arguments = {"--once"};
-        arguments.insert(arguments.end(), more.begin(), more.end());
-        return wait(start(arguments, now));
-    }
-    AlarmRunner::Places places() const
-    {
-        return {ZBALARMD_PROGRAM, device.path(), ""};
-    }
-};
 
 TEST_F(Alarmd, ProgramsAreFoundBesideItAndOnTheDeviceAlone)
 {
@@ -196,7 +82,6 @@ TEST_F(Alarmd, WithoutADesktopItSaysItOnStandardError)
 {
     set(u"The text", u"", PUN_DIALOG);
     EXPECT_EQ(once(), 0);
-    const auto said = [&] { return readFile(device.path() / "out.txt"); };
     EXPECT_TRUE(until([&] { return said().find("The text") != std::string::npos; })) << said();
 }
 
@@ -267,6 +152,66 @@ TEST_F(Alarmd, KilledWheneverItRunsEachAlarmOnce)
         wanted.push_back("<" + std::to_string(n) + ">");
     }
     EXPECT_EQ(found, wanted);
+}
+
+TEST_F(Alarmd, OfTwoRunnersEachAlarmIsRunByOne)
+{
+    std::vector<std::string> wanted;
+    for (int n = 10; n < 22; ++n)
+    {
+        set(utf16(std::to_string(n)));
+        wanted.push_back("<" + std::to_string(n) + ">");
+    }
+    const DeviceOptions options = device.options();
+    device.close();
+    const auto run = [&]
+    {
+        const auto opened = OpenDevice(options);
+        AlarmRunner(places()).runDue();
+        return 0;
+    };
+    Child one(run);
+    Child other(run);
+    EXPECT_EQ(one.wait(), 0);
+    EXPECT_EQ(other.wait(), 0);
+    device.open();
+    EXPECT_TRUE(dueAlarms().empty());
+    std::vector<std::string> found = linesOnceThere(wanted.size());
+    std::sort(found.begin(), found.end());
+    EXPECT_EQ(found, wanted);
+}
+
+TEST_F(Alarmd, AnotherNameOfItsFolderIsTheSameDevice)
+{
+    const pid_t service = start({}, "");
+    set(u"first");
+    ASSERT_EQ(linesOnceThere(1).size(), 1U);
+    m_root = device.path().parent_path() / "link";
+    fs::create_directory_symlink(device.path(), m_root);
+    EXPECT_EQ(wait(start({}, "")), 6);
+    EXPECT_EQ(once(), 0);
+    kill(service, SIGTERM);
+    EXPECT_EQ(wait(service), 0);
+    EXPECT_EQ(lines().size(), 1U);
+}
+
+TEST_F(Alarmd, RunsAtItsTimeAndNotBefore)
+{
+    using namespace std::chrono;
+    constexpr LONGLONG ticksFrom1601To1970 = 116'444'736'000'000'000;
+    const auto due = system_clock::now() + milliseconds(700);
+    const LONGLONG utc = duration_cast<nanoseconds>(due.time_since_epoch()).count() / 100 + ticksFrom1601To1970;
+    const LONGLONG wall = utc + zoneOffsetMinutes("Europe/Berlin", fileTimeOf(utc)).value_or(0) * ticksPerMinute;
+    const FILETIME local = fileTimeOf(wall);
+    SYSTEMTIME time{};
+    FileTimeToSystemTime(&local, &time);
+    ASSERT_TRUE(CeRunAppAtTime(u"sink.exe", &time));
+    const pid_t service = start({}, "");
+    EXPECT_EQ(linesOnceThere(1), std::vector<std::string>{"<AppRunAtTime>"});
+    const auto written = file_clock::to_sys(fs::last_write_time(log()));
+    EXPECT_GE(duration_cast<milliseconds>(written - due).count(), -20) << "file times have the grain of a tick";
+    kill(service, SIGTERM);
+    EXPECT_EQ(wait(service), 0);
 }
 
 TEST_F(Alarmd, WaitsForTheStoreAndEndsWhenItIsTold)

@@ -125,6 +125,17 @@ TEST_F(Reminders, WithoutTheFlagOrTheItemThereIsNone)
     EXPECT_EQ(at(2, 14, 0), "");
 }
 
+TEST_F(Reminders, WhatIsDueAndNotYetToldGoesWithItsItem)
+{
+    const Counted<IAppointment> item = appointment(u"gone", date(2026, 3, 2, 15), 0);
+    device.setClock(makeFileTime(2026, 3, 2, 14));
+    collectReminders(false); // and there the runner was killed
+    ASSERT_EQ(dueAlarms().size(), 1U);
+    ASSERT_EQ(item->Delete(), S_OK);
+    EXPECT_TRUE(dueAlarms().empty());
+    EXPECT_EQ(run(), "");
+}
+
 TEST_F(Reminders, AnAppointmentThatMovesIsToldAtItsNewTime)
 {
     const Counted<IAppointment> item = appointment(u"Move", date(2026, 3, 2, 15), 0);

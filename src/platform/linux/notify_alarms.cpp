@@ -17,8 +17,9 @@ namespace
 using namespace internal;
 
 constexpr const char *columns = "SELECT id, program, arguments, actions, title, text, sound, start FROM notifications";
-/// Parameter 1 is now; a period that is over counts no more.
-constexpr const char *waiting = " WHERE state = 0 AND (type <> 3 OR until >= ?1)";
+/// Parameter 1 is now; a period that is over counts no more, nor does a reminder whose item has gone since it was made.
+constexpr const char *waiting = " WHERE state = 0 AND (type <> 3 OR until >= ?1)"
+                                " AND (item IS NULL OR EXISTS (SELECT 1 FROM records WHERE oid = item))";
 
 /// Runs the body; a refusal of the store becomes a sentence.
 template <typename Body>
