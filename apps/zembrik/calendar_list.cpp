@@ -105,8 +105,8 @@ void CalendarList::take()
 
 std::span<const AgendaRow> CalendarList::rowsOf(int day) const
 {
-    const auto found = std::ranges::equal_range(m_rows, day, {}, &AgendaRow::day);
-    return {found.begin(), found.end()};
+    const auto first = std::ranges::lower_bound(m_rows, day, {}, &AgendaRow::day);
+    return {first, std::ranges::upper_bound(first, m_rows.end(), day, {}, &AgendaRow::day)};
 }
 
 LRESULT CalendarList::OnMessage(UINT uMsg, WPARAM, LPARAM, bool &handled)

@@ -36,7 +36,7 @@ class MenuPictures : public ::testing::TestWithParam<int>
     }
     LoopScript::Step shot(const std::string &name) const
     {
-        return [this, name]
+        return [name]
         {
             const HBITMAP screen = zb::captureScreen();
             EXPECT_TRUE(matchesPicture(screen, name + "-" + std::to_string(GetParam())));
