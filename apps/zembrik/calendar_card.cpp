@@ -7,7 +7,6 @@
 #include "common/visible_text.h"
 #include "zembrik/calendar_texts.h"
 #include "zembrik/date_words.h"
-#include "zembrik/item_card.h"
 #include "zembrik/item_objects.h"
 #include "zembrik/list_texts.h"
 #include "zembrik/task_rows.h"
@@ -36,26 +35,6 @@ std::u16string whenWords(const AgendaRow &row)
     return first + u", " + from + u" –\n" + last + u", " + to;
 }
 
-/// The values of a card, those left out that say nothing.
-class Values
-{
-  public:
-    void add(UINT label, const std::u16string &value)
-    {
-        if (!value.empty())
-        {
-            m_all.push_back(valueMarkup(text(label), value));
-        }
-    }
-    std::vector<std::u16string> take()
-    {
-        return std::move(m_all);
-    }
-
-  private:
-    std::vector<std::u16string> m_all;
-};
-
 std::u16string reminderWords(IAppointment &item)
 {
     VARIANT_BOOL set = VARIANT_FALSE;
@@ -69,48 +48,35 @@ std::u16string reminderWords(IAppointment &item)
     return text(textReminderMinutes, {decimal(minutes)});
 }
 
-CardWords appointmentCard(const AgendaRow &row)
+std::optional<CardWords> appointmentCard(const AgendaRow &row)
 {
-    CardWords card{toUtf16(subjectOf(row)), {}, {}};
-    Values values;
-    values.add(textWhen, whenWords(row));
-    values.add(textWhere, toUtf16(visibleText(row.location)));
+    const std::string subject = subjectOf(row);
+    CardWords card{subject.empty() ? text(textNoSubject) : toUtf16(subject), {}, {}};
+    card.add(textWhen, whenWords(row));
+    card.add(textWhere, toUtf16(visibleText(row.location)));
     if (row.kind != AgendaKind::Appointment)
     {
         card.below = text(textOfContact);
-        card.values = values.take();
         return card;
     }
     COutlook outlook;
     const Counted<IAppointment> item = itemOf<IAppointment>(outlook, row.id, IID_IAppointment);
-    std::u16string marks = row.recurring ? text(textSeries) : std::u16string();
-    marks += row.isPrivate ? (marks.empty() ? u"" : u" · ") + text(textPrivate) : std::u16string();
-    card.below = item ? marks : text(textGone);
-    values.add(textStatus, text(textFirstStatus + static_cast<UINT>(std::clamp(row.busyStatus, 0, 3))));
-    values.add(textCategories, toUtf16(categoryText(row)));
-    if (item)
+    if (!item)
     {
-        values.add(textReminder, reminderWords(*item.get()));
-        values.add(textNotes, bstrOf<IPOutlookItem>(*item.get(), &IPOutlookItem::get_Body));
+        return std::nullopt;
     }
-    card.values = values.take();
+    card.below = row.recurring ? text(textSeries) : std::u16string();
+    card.below += row.isPrivate ? (card.below.empty() ? u"" : u" · ") + text(textPrivate) : std::u16string();
+    card.add(textStatus, text(textFirstStatus + static_cast<UINT>(std::clamp(row.busyStatus, 0, 3))));
+    card.add(textCategories, toUtf16(categoryText(row)));
+    card.add(textReminder, reminderWords(*item.get()));
+    card.add(textNotes, bstrOf<IPOutlookItem>(*item.get(), &IPOutlookItem::get_Body));
     return card;
 }
 } // namespace
 
-CardWords cardOf(const AgendaRow &row)
+std::optional<CardWords> cardOf(const AgendaRow &row)
 {
-    if (row.kind != AgendaKind::Task)
-    {
-        CardWords card = appointmentCard(row);
-        card.title = card.title.empty() ? text(textNoSubject) : card.title;
-        return card;
-    }
-    std::optional<TaskDetails> details = taskDetails(row.id);
-    if (!details)
-    {
-        return {toUtf16(subjectOf(row)), text(textGone), {}};
-    }
-    return {details->title, details->below, std::move(details->values)};
+    return row.kind == AgendaKind::Task ? taskCard(row.id) : appointmentCard(row);
 }
 } // namespace zb::screens

@@ -2,19 +2,12 @@
 #pragma once
 
 #include "common/agenda_rows.h"
+#include "zembrik/item_card.h"
 
-#include <string>
-#include <vector>
+#include <optional>
 
 namespace zb::screens
 {
-struct CardWords
-{
-    std::u16string title;
-    std::u16string below;
-    std::vector<std::u16string> values; ///< markup, see ItemCard
-};
-
-/// Reads what the row itself does not hold from the device. Threads: the main thread.
-CardWords cardOf(const host::AgendaRow &row);
+/// Reads what the row itself does not hold from the device; nothing when that is gone. Threads: the main thread.
+std::optional<CardWords> cardOf(const host::AgendaRow &row);
 } // namespace zb::screens

@@ -58,6 +58,7 @@ CalendarView::CalendarView(DWORD CalendarSettings::*showTasks, const WCHAR *show
                          {
                              fill();
                              refreshWords();
+                             m_card.refresh();
                          },
                          [this](int former) { dayChanged(former); }}),
       m_showTasks(showTasks), m_showTasksName(showTasksName)
@@ -167,9 +168,19 @@ void CalendarView::remember()
 
 void CalendarView::openCard(const AgendaRow &row)
 {
-    CardWords card = cardOf(row);
-    ShowWindow(grid(), SW_HIDE);
-    m_card.show(card.title, card.below, std::move(card.values));
+    // The list may have another row for it by the time that the card is read anew.
+    const auto read = [this, known = row]
+    {
+        const auto rows = m_list.rowsOf(known.day);
+        const auto now = std::ranges::find_if(
+            rows, [&known](const AgendaRow &each) { return each.id == known.id && each.kind == known.kind; });
+        return cardOf(now == rows.end() ? known : *now);
+    };
+    m_card.show(read);
+    if (m_card.isShown())
+    {
+        ShowWindow(grid(), SW_HIDE);
+    }
 }
 
 void CalendarView::closeCard()

@@ -8,7 +8,6 @@
 #include "platform/clock.h"
 #include "records/CCategoryColor.h"
 #include "zembrik/date_words.h"
-#include "zembrik/item_card.h"
 #include "zembrik/item_objects.h"
 #include "zembrik/list_texts.h"
 #include "zembrik/paint.h"
@@ -125,7 +124,7 @@ ListRow contactRow(const DATACONTACTS &contact, bool tree)
     return row;
 }
 
-std::optional<ContactDetails> contactDetails(CEOID id)
+std::optional<CardWords> contactCard(CEOID id)
 {
     COutlook outlook;
     const Counted<IContact> contact = itemOf<IContact>(outlook, id, IID_IContact);
@@ -135,35 +134,29 @@ std::optional<ContactDetails> contactDetails(CEOID id)
     }
     IContact &person = *contact.get();
     const auto read = [&person](HRESULT (IContact::*get)(BSTR *)) { return bstrOf(person, get); };
-    ContactDetails details;
+    CardWords card;
     const std::u16string name = joined(joined(read(&IContact::get_FirstName), read(&IContact::get_MiddleName), u" "),
                                        joined(read(&IContact::get_LastName), read(&IContact::get_Suffix), u" "), u" ");
     const std::u16string company = read(&IContact::get_CompanyName);
-    details.name = !name.empty() ? name : !company.empty() ? company : read(&IContact::get_FileAs);
-    details.below = joined(read(&IContact::get_JobTitle), name.empty() ? std::u16string() : company, u", ");
-    const auto add = [&details](UINT label, const std::u16string &value)
-    {
-        if (!value.empty())
-        {
-            details.values.push_back(valueMarkup(text(label), value));
-        }
-    };
+    card.title = !name.empty() ? name : !company.empty() ? company : read(&IContact::get_FileAs);
+    card.title = card.title.empty() ? text(textNoName) : card.title;
+    card.below = joined(read(&IContact::get_JobTitle), name.empty() ? std::u16string() : company, u", ");
     for (const Field &field : fields)
     {
-        add(field.label, read(field.get));
+        card.add(field.label, read(field.get));
     }
     for (const AddressFields &address : addresses)
     {
-        add(address.label, addressOf(person, address));
+        card.add(address.label, addressOf(person, address));
     }
-    add(textBirthday, dateOf(person, &IContact::get_Birthday));
-    add(textAnniversary, dateOf(person, &IContact::get_Anniversary));
+    card.add(textBirthday, dateOf(person, &IContact::get_Birthday));
+    card.add(textAnniversary, dateOf(person, &IContact::get_Anniversary));
     for (const Field &field : family)
     {
-        add(field.label, read(field.get));
+        card.add(field.label, read(field.get));
     }
-    add(textCategories, bstrOf<IPOutlookItem>(person, &IPOutlookItem::get_Categories));
-    add(textNotes, bstrOf<IPOutlookItem>(person, &IPOutlookItem::get_Body));
-    return details;
+    card.add(textCategories, bstrOf<IPOutlookItem>(person, &IPOutlookItem::get_Categories));
+    card.add(textNotes, bstrOf<IPOutlookItem>(person, &IPOutlookItem::get_Body));
+    return card;
 }
 } // namespace zb::screens

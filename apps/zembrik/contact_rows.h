@@ -2,21 +2,14 @@
 #pragma once
 
 #include "contacts/DATACONTACTS.h"
-#include "zembrik/list_pane.h"
+#include "zembrik/item_card.h"
 
 #include <optional>
-#include <vector>
 
 namespace zb::screens
 {
 ListRow contactRow(const DATACONTACTS &contact, bool tree);
 
-struct ContactDetails
-{
-    std::u16string name;
-    std::u16string below; ///< title and company
-    std::vector<std::u16string> values;
-};
-/// What a contact holds, as rows of its card; nothing when it is gone.
-std::optional<ContactDetails> contactDetails(CEOID id);
+/// What a contact holds, with title and company below the name; nothing when it is gone.
+std::optional<CardWords> contactCard(CEOID id);
 } // namespace zb::screens

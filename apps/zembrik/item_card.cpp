@@ -2,6 +2,7 @@
 
 #include "common/markup_text.h"
 #include "common/texts.h"
+#include "zembrik/calendar_texts.h"
 #include "zembrik/list_texts.h"
 #include "zembrik/paint.h"
 
@@ -20,21 +21,49 @@ bool ItemCard::createIn(HWND parent, const RECT &area, std::function<void()> clo
     return true;
 }
 
-void ItemCard::show(const std::u16string &title, const std::u16string &below, std::vector<std::u16string> values)
+void CardWords::add(UINT label, const std::u16string &value)
 {
+    if (!value.empty())
+    {
+        values.push_back(valueMarkup(text(label), value));
+    }
+}
+
+void ItemCard::setWords(CardWords words)
+{
+    m_words = std::move(words);
     m_head = u"<FONT SIZE=1 COLOR=#1F4E8C>‹ " + host::plainMarkup(text(textBack)) +
-             u"</FONT><BR><FONT SIZE=4 COLOR=#16202B><B>" + host::plainMarkup(title) + u"</B></FONT>";
-    m_head += below.empty() ? u"" : u"<BR><FONT SIZE=1 COLOR=#5C6875>" + host::plainMarkup(below) + u"</FONT>";
-    m_values = std::move(values);
-    setRows(static_cast<int>(m_values.size()) + 1);
-    setCurrent(0);
-    SetWindowPos(m_hWnd, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_SHOWWINDOW);
-    takeFocus();
+             u"</FONT><BR><FONT SIZE=4 COLOR=#16202B><B>" + host::plainMarkup(m_words.title) + u"</B></FONT>";
+    m_head += m_words.below.empty()
+                  ? u""
+                  : u"<BR><FONT SIZE=1 COLOR=#5C6875>" + host::plainMarkup(m_words.below) + u"</FONT>";
+    setRows(static_cast<int>(m_words.values.size()) + 1);
+}
+
+void ItemCard::show(Read read)
+{
+    if (std::optional<CardWords> words = read())
+    {
+        m_read = std::move(read);
+        setWords(std::move(*words));
+        setCurrent(0);
+        SetWindowPos(m_hWnd, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_SHOWWINDOW);
+        takeFocus();
+    }
+}
+
+void ItemCard::refresh()
+{
+    if (isShown())
+    {
+        setWords(m_read().value_or(CardWords{m_words.title, text(textGone), {}}));
+    }
 }
 
 bool ItemCard::isShown() const
 {
-    return IsWindowVisible(m_hWnd) != FALSE;
+    // By itself: its view may be hidden.
+    return m_hWnd != nullptr && (GetWindowLongW(m_hWnd, GWL_STYLE) & WS_VISIBLE) != 0;
 }
 
 void ItemCard::hide()
@@ -59,7 +88,7 @@ std::optional<ListRow> ItemCard::row(int index)
     {
         return ListRow{m_head, headerColor};
     }
-    return ListRow{m_values.at(static_cast<std::size_t>(index) - 1)};
+    return ListRow{m_words.values.at(static_cast<std::size_t>(index) - 1)};
 }
 
 std::u16string ItemCard::emptyMarkup()

@@ -6,17 +6,33 @@
 #include "zembrik/list_pane.h"
 
 #include <functional>
+#include <optional>
 #include <vector>
 
 namespace zb::screens
 {
+/// What a card says: a title, a smaller line below it (which may be empty), and rows of markup.
+struct CardWords
+{
+    std::u16string title;
+    std::u16string below;
+    std::vector<std::u16string> values;
+
+    /// A value under the text of that number, as plain text; none for an empty one.
+    void add(UINT label, const std::u16string &value);
+};
+
 class ItemCard final : public ListPane
 {
   public:
     /// Makes the window, hidden; `closed` is called when the user leaves the card.
     bool createIn(HWND parent, const RECT &area, std::function<void()> closed);
-    /// Shows the card: a title, a smaller line below it (which may be empty), and a row for each of its values.
-    void show(const std::u16string &title, const std::u16string &below, std::vector<std::u16string> values);
+    /// What the item says now; nothing when it is gone.
+    using Read = std::function<std::optional<CardWords>()>;
+    /// Shows an item that is there.
+    void show(Read read);
+    /// Reads the item that shows anew, as it may have changed; one that is gone keeps its title and says so.
+    void refresh();
     bool isShown() const;
     /// Takes the card away; the caller gives the focus elsewhere.
     void hide();
@@ -29,8 +45,11 @@ class ItemCard final : public ListPane
     void tapped(int index, int x) override;
 
   private:
+    void setWords(CardWords words);
+
+    Read m_read;
+    CardWords m_words;
     std::u16string m_head;
-    std::vector<std::u16string> m_values;
     std::function<void()> m_closed;
 };
 

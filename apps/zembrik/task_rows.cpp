@@ -9,7 +9,6 @@
 #include "platform/locale.h"
 #include "records/CCategoryColor.h"
 #include "records/COutlook.h"
-#include "zembrik/item_card.h"
 #include "zembrik/item_objects.h"
 #include "zembrik/list_texts.h"
 #include "zembrik/paint.h"
@@ -151,7 +150,7 @@ TaskPart taskPartAt(const DATATASKS &task, bool tree, int x)
     return x < from + room + HIDPI_SCALEX(checkWidth) ? TaskPart::Check : TaskPart::Subject;
 }
 
-std::optional<TaskDetails> taskDetails(CEOID id)
+std::optional<CardWords> taskCard(CEOID id)
 {
     COutlook outlook;
     const Counted<ITask> task = itemOf<ITask>(outlook, id, IID_ITask);
@@ -159,29 +158,23 @@ std::optional<TaskDetails> taskDetails(CEOID id)
     {
         return std::nullopt;
     }
-    TaskDetails details;
-    details.title = bstrOf(*task.get(), &ITask::get_Subject);
+    CardWords card;
+    card.title = bstrOf(*task.get(), &ITask::get_Subject);
+    card.title = card.title.empty() ? text(host::textNoSubject) : card.title;
     VARIANT_BOOL complete = VARIANT_FALSE;
     task->get_Complete(&complete);
-    details.below = complete != VARIANT_FALSE ? text(textCompleted) : std::u16string();
-    const auto add = [&details](UINT label, const std::u16string &value)
-    {
-        if (!value.empty())
-        {
-            details.values.push_back(valueMarkup(text(label), value));
-        }
-    };
+    card.below = complete != VARIANT_FALSE ? text(textCompleted) : std::u16string();
     const auto date = [&task](HRESULT (ITask::*get)(DATE *))
     {
         DATE value = PIM_NO_DATE;
         ((*task.get()).*get)(&value);
         return value == PIM_NO_DATE ? std::u16string() : dateWords(value, true);
     };
-    add(textStarts, date(&ITask::get_StartDate));
-    add(textDue, date(&ITask::get_DueDate));
-    add(textCompleted, date(&ITask::get_DateCompleted));
-    add(textCategories, bstrOf<IPOutlookItem>(*task.get(), &IPOutlookItem::get_Categories));
-    add(textNotes, bstrOf<IPOutlookItem>(*task.get(), &IPOutlookItem::get_Body));
-    return details;
+    card.add(textStarts, date(&ITask::get_StartDate));
+    card.add(textDue, date(&ITask::get_DueDate));
+    card.add(textCompleted, date(&ITask::get_DateCompleted));
+    card.add(textCategories, bstrOf<IPOutlookItem>(*task.get(), &IPOutlookItem::get_Categories));
+    card.add(textNotes, bstrOf<IPOutlookItem>(*task.get(), &IPOutlookItem::get_Body));
+    return card;
 }
 } // namespace zb::screens

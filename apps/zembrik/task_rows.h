@@ -2,10 +2,9 @@
 #pragma once
 
 #include "tasks/DATATASKS.h"
-#include "zembrik/list_pane.h"
+#include "zembrik/item_card.h"
 
 #include <optional>
-#include <vector>
 
 namespace zb::screens
 {
@@ -22,12 +21,6 @@ ListRow taskRow(const DATATASKS &task, bool tree, int today);
 /// x in pixels of the pane.
 TaskPart taskPartAt(const DATATASKS &task, bool tree, int x);
 
-/// What a task holds, as rows of its card; empty when it is gone.
-struct TaskDetails
-{
-    std::u16string title;
-    std::u16string below;
-    std::vector<std::u16string> values;
-};
-std::optional<TaskDetails> taskDetails(CEOID id);
+/// What a task holds; nothing when it is gone.
+std::optional<CardWords> taskCard(CEOID id);
 } // namespace zb::screens

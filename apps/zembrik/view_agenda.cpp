@@ -29,10 +29,10 @@ constexpr int weekDays = 7;
 // At 96 dots an inch.
 constexpr int side = 8;
 constexpr int padding = 5;
-constexpr int headPadding = 4;
+constexpr int headPadding = 2;
 constexpr int leadPadding = 8;
 constexpr int wordsPadding = 12;
-constexpr int leastRow = 18;
+constexpr int leastRow = 16;
 
 class AgendaView final : public CalendarView
 {

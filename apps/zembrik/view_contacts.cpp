@@ -99,7 +99,7 @@ class ContactsView final : public View
         m_pane.field.setCue(text(textTypeName));
         m_list.select(rememberedNumber(contactSetting).value_or(0));
         if (!m_list.open(
-                m_pane, none, [] {}, [this](CEOID id) { showCard(id); }) ||
+                m_pane, none, [this] { m_card.refresh(); }, [this](CEOID id) { showCard(id); }) ||
             !m_card.createIn(m_pane, none, [this] { closeCard(); }))
         {
             return false;
@@ -247,11 +247,7 @@ class ContactsView final : public View
 
     void showCard(CEOID id)
     {
-        if (std::optional<ContactDetails> details = contactDetails(id))
-        {
-            m_card.show(details->name.empty() ? text(textNoName) : details->name, details->below,
-                        std::move(details->values));
-        }
+        m_card.show([id] { return contactCard(id); });
     }
 
     void closeCard()

@@ -217,6 +217,7 @@ class TasksView final : public View
 
     void listChanged()
     {
+        m_card.refresh();
         const std::u16string fresh = title();
         if (fresh != m_title)
         {
@@ -227,10 +228,7 @@ class TasksView final : public View
 
     void showCard(CEOID id)
     {
-        if (std::optional<TaskDetails> details = taskDetails(id))
-        {
-            m_card.show(details->title, details->below, std::move(details->values));
-        }
+        m_card.show([id] { return taskCard(id); });
     }
 
     void closeCard()

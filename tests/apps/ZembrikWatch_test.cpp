@@ -1,16 +1,7 @@
 // Views that stay open while the day ends and while another process writes to their device: they must show what a view
 // opened afterwards shows. The views run in the test's own process, over a clock that it sets; the device is in Berlin.
 #include "apps/ZbProgram.h"
-#include "framework/CeWnd.h"
-#include "framework/HIDPI.h"
-#include "platform/pim.h"
-#include "support/Picture.h"
-#include "support/ScreenWindow.h"
-#include "support/TestDevice.h"
-#include "support/TestFace.h"
-#include "zembrik/view.h"
-
-#include <gtest/gtest.h>
+#include "apps/ZembrikViews.h"
 
 #include <set>
 
@@ -21,70 +12,9 @@ using zb::screens::ViewKind;
 using zb::screens::viewKinds;
 using zb::test::Picture;
 
-zb::DeviceOptions optionsWith(const std::filesystem::path &folder)
-{
-    zb::DeviceOptions options;
-    options.screen.width = 240;
-    options.screen.height = 320;
-    options.locale = "en-GB";
-    options.fonts = zb::test::testFonts(folder);
-    return options;
-}
-
-class ZembrikWatch : public ::testing::Test
+class ZembrikWatch : public zb::test::ZembrikViewsTest
 {
   protected:
-    ZembrikWatch()
-    {
-        zb::createPimDatabases();
-        HIDPI_InitScaling();
-        m_parent.Create(nullptr, u"", WS_VISIBLE, 0, 0, 0, 240, 320, nullptr);
-    }
-    ~ZembrikWatch() override
-    {
-        DestroyWindow(m_parent);
-    }
-
-    /// Of the kind, hidden, with all that it loads.
-    std::unique_ptr<View> opened(const ViewKind &kind)
-    {
-        std::unique_ptr<View> view = kind.make();
-        EXPECT_TRUE(view->create(m_parent, {0, 0, 240, 320})) << kind.name;
-        MSG letter{};
-        letter.message = WM_KEYDOWN;
-        letter.wParam = u'T'; // the calendar views go to today
-        view->key(letter);
-        awaitRest(*view);
-        ShowWindow(view->window(), SW_HIDE);
-        return view;
-    }
-
-    static void awaitRest(const View &view)
-    {
-        for (int n = 0; n < 2000; ++n)
-        {
-            zb::test::settle();
-            if (!view.isBusy())
-            {
-                return;
-            }
-            Sleep(1);
-        }
-        ADD_FAILURE() << "still busy";
-    }
-
-    Picture pictureOf(const View &view) const
-    {
-        ShowWindow(view.window(), SW_SHOW);
-        zb::test::settle();
-        const HBITMAP bitmap = zb::captureScreen();
-        Picture picture = zb::test::pictureOf(bitmap);
-        DeleteObject(bitmap);
-        ShowWindow(view.window(), SW_HIDE);
-        zb::test::settle();
-        return picture;
-    }
-
     std::vector<std::unique_ptr<View>> all()
     {
         std::vector<std::unique_ptr<View>> views;
@@ -101,7 +31,7 @@ class ZembrikWatch : public ::testing::Test
         for (const auto &view : views)
         {
             awaitRest(*view);
-            pictures.push_back(pictureOf(*view));
+            pictures.push_back(shotOf(*view));
         }
         return pictures;
     }
@@ -114,7 +44,7 @@ class ZembrikWatch : public ::testing::Test
         for (std::size_t n = 0; n < views.size(); ++n)
         {
             const ViewKind &kind = viewKinds()[n];
-            EXPECT_TRUE(after[n] == pictureOf(*opened(kind))) << kind.name << " shows something else when opened now";
+            EXPECT_TRUE(after[n] == shotOf(*opened(kind))) << kind.name << " shows something else when opened now";
             EXPECT_EQ(after[n] == before[n], unchanged.contains(kind.name)) << kind.name;
         }
     }
@@ -148,10 +78,6 @@ class ZembrikWatch : public ::testing::Test
         }
         return all;
     }
-
-    zb::test::TemporaryFolder m_folder;
-    zb::test::TestDevice device{optionsWith(m_folder.path())};
-    CeWnd m_parent;
 };
 } // namespace
 
@@ -178,8 +104,47 @@ TEST_F(ZembrikWatch, AClockThatIsSetFurtherIsSeenWithinAMinute)
     {
         const std::string_view name = viewKinds()[n].name;
         const bool dated = name == "start" || name == "month";
-        EXPECT_TRUE(!dated || pictureOf(*views[n]) == pictureOf(*opened(viewKinds()[n]))) << name;
-        EXPECT_TRUE(!dated || pictureOf(*views[n]) != before[n]) << name;
+        EXPECT_TRUE(!dated || shotOf(*views[n]) == shotOf(*opened(viewKinds()[n]))) << name;
+        EXPECT_TRUE(!dated || shotOf(*views[n]) != before[n]) << name;
+    }
+}
+
+TEST_F(ZembrikWatch, AnOpenCardFollowsItsItem)
+{
+    device.setClock(zb::test::makeFileTime(2026, 11, 20, 9, 0, 0));
+    import("in.ics", calendar(day("20261120")));
+    import("in.vcf", cards(1, 1));
+    const auto cardOf = [this](const char *kind)
+    {
+        auto view = opened(*zb::screens::findViewKind(kind));
+        MSG key{};
+        key.message = WM_KEYDOWN;
+        for (const WPARAM pressed : {VK_DOWN, VK_RETURN})
+        {
+            key.wParam = pressed;
+            view->key(key);
+        }
+        return view;
+    };
+    for (const char *kind : {"agenda", "tasks", "contacts"})
+    {
+        const auto view = cardOf(kind);
+        const Picture before = shotOf(*view);
+        EXPECT_TRUE(shotOf(*opened(*zb::screens::findViewKind(kind))) != before) << kind << ": no card is open";
+        std::string items = calendar(day("20261120"));
+        items.replace(items.find("Swim"), 4, std::string("Rows of ") + kind);
+        items.replace(items.find("Pay"), 3, std::string("Pay for ") + kind);
+        std::string people = cards(1, 1);
+        people.replace(people.find("FN:"), 3, "ORG:" + std::string(kind) + "\r\nFN:");
+        import("changed.ics", items);
+        import("changed.vcf", people);
+        for (int tries = 0; tries < 300 && shotOf(*view) == before; ++tries)
+        {
+            Sleep(10);
+            awaitRest(*view);
+        }
+        EXPECT_TRUE(shotOf(*view) != before) << kind;
+        EXPECT_TRUE(shotOf(*view) == shotOf(*cardOf(kind))) << kind;
     }
 }
 
@@ -194,7 +159,7 @@ TEST_F(ZembrikWatch, WhatAnotherProcessWritesShowsInAllOpenViews)
         for (std::size_t n = 0; n < views.size(); ++n)
         {
             const int most = viewKinds()[n].name == unchanged ? 0 : 300;
-            for (int tries = 0; tries < most && pictureOf(*views[n]) == before[n]; ++tries)
+            for (int tries = 0; tries < most && shotOf(*views[n]) == before[n]; ++tries)
             {
                 Sleep(10);
                 awaitRest(*views[n]);
