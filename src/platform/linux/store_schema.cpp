@@ -8,6 +8,27 @@ namespace
 {
 constexpr int busyMilliseconds = 10'000;
 
+/// Asks again every millisecond. The longer and longer pauses that SQLite makes by itself would leave a process that saves
+/// now and then behind one that saves all the time.
+int waitForOthers(void *layer, int times)
+{
+    auto *const files = static_cast<sqlite3_vfs *>(layer);
+    files->xSleep(files, 1000);
+    return times < busyMilliseconds ? 1 : 0;
+}
+
+void waitWhenBusy(Connection &connection)
+{
+    sqlite3_vfs *files = nullptr;
+    sqlite3_file_control(connection.raw(), "main", SQLITE_FCNTL_VFS_POINTER, &files);
+    if (files == nullptr)
+    {
+        sqlite3_busy_timeout(connection.raw(), busyMilliseconds);
+        return;
+    }
+    sqlite3_busy_handler(connection.raw(), waitForOthers, files);
+}
+
 constexpr const char *schemaSql = R"sql(
 CREATE TABLE meta(
   id INTEGER PRIMARY KEY CHECK(id = 1),
@@ -74,7 +95,7 @@ std::string pragma(const char *name, std::int64_t value)
 
 void configureConnection(Connection &connection)
 {
-    sqlite3_busy_timeout(connection.raw(), busyMilliseconds);
+    waitWhenBusy(connection);
     connection.execute("PRAGMA journal_mode=WAL");
     connection.execute("PRAGMA synchronous=FULL");
     connection.execute("PRAGMA mmap_size=1073741824");
