@@ -201,7 +201,7 @@ void addFromStart(benchmark::State &state)
         [&]
         {
             zb::bench::run({zb, "--device", device, "add", "event", "A meeting", "--start", "2026-11-21 10:00",
-                            "--location", "Second floor", "--category", "Work"});
+                            "--location", "Second floor"});
         },
         25);
     std::error_code ignored;
