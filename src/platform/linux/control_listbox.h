@@ -94,6 +94,7 @@ class ListBox : public Control
     LRESULT copySelected(int most, int *rows) const;
 
     // control_listbox_input.cpp: keys and pen
+    void takeSpace();
     void chooseAndTell(int row);
     void moveTo(int row, bool extend, bool keep);
     void chooseByPen(int row);

@@ -1,5 +1,6 @@
 // Keys and pen in a list box.
 #include "platform/linux/control_listbox.h"
+#include "platform/linux/row_keys.h"
 
 #include <algorithm>
 #include <utility>
@@ -32,47 +33,32 @@ void ListBox::takeKey(int key)
     {
         return;
     }
-    const int page = std::max(pageRows() - 1, 1);
-    int row = m_caret;
-    switch (key)
+    if (key == VK_SPACE)
     {
-    case VK_UP:
-    case VK_LEFT:
-        row -= 1;
-        break;
-    case VK_DOWN:
-    case VK_RIGHT:
-        // The first step of a list of which nothing is chosen goes to the row with the frame.
-        row += !hasMany() && m_current < 0 ? 0 : 1;
-        break;
-    case VK_PRIOR:
-        row -= page;
-        break;
-    case VK_NEXT:
-        row += page;
-        break;
-    case VK_HOME:
-        row = 0;
-        break;
-    case VK_END:
-        row = count() - 1;
-        break;
-    case VK_SPACE:
-        if (hasMany())
-        {
-            item(m_caret).selected = !item(m_caret).selected;
-            m_anchor = m_caret;
-            tellChange();
-        }
-        else if (m_current != m_caret)
-        {
-            chooseAndTell(m_caret);
-        }
-        return;
-    default:
+        takeSpace();
         return;
     }
-    moveTo(std::clamp(row, 0, count() - 1), isKeyHeld(VK_SHIFT), isKeyHeld(VK_CONTROL));
+    const int along = key == VK_LEFT ? VK_UP : key == VK_RIGHT ? VK_DOWN : key;
+    if (const auto row = rowByKey(along, m_caret, pageRows(), count()); row.has_value())
+    {
+        // The first step of a list of which nothing is chosen goes to the row with the frame.
+        const bool isFirst = along == VK_DOWN && !hasMany() && m_current < 0;
+        moveTo(isFirst ? m_caret : std::clamp(*row, 0, count() - 1), isKeyHeld(VK_SHIFT), isKeyHeld(VK_CONTROL));
+    }
+}
+
+void ListBox::takeSpace()
+{
+    if (hasMany())
+    {
+        item(m_caret).selected = !item(m_caret).selected;
+        m_anchor = m_caret;
+        tellChange();
+    }
+    else if (m_current != m_caret)
+    {
+        chooseAndTell(m_caret);
+    }
 }
 
 void ListBox::chooseAndTell(int row)

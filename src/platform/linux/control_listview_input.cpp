@@ -46,23 +46,15 @@ void ListView::takeKey(int key)
     {
         return;
     }
-    const int page = std::max(pageRows() - 1, 1);
+    if (const auto row = rowByKey(key, m_focus, pageRows(), count()); row.has_value())
+    {
+        // The first step of a list of which nothing is chosen chooses where the frame is.
+        const bool isFirst = key == VK_DOWN && m_chosen == 0 && !isKeyHeld(VK_CONTROL);
+        return moveTo(isFirst ? m_focus : *row);
+    }
     const int step = scaledPixels(16);
     switch (key)
     {
-    case VK_UP:
-        return moveTo(m_focus - 1);
-    case VK_DOWN:
-        // The first step of a list of which nothing is chosen chooses where the frame is.
-        return moveTo(m_focus + (m_chosen == 0 && !isKeyHeld(VK_CONTROL) ? 0 : 1));
-    case VK_PRIOR:
-        return moveTo(m_focus - page);
-    case VK_NEXT:
-        return moveTo(m_focus + page);
-    case VK_HOME:
-        return moveTo(0);
-    case VK_END:
-        return moveTo(count() - 1);
     case VK_LEFT:
     case VK_RIGHT:
         scrollRightTo(static_cast<LONGLONG>(m_left) + (key == VK_LEFT ? -step : step));

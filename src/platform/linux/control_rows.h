@@ -7,6 +7,7 @@
 
 #include "platform/linux/control_notifying.h"
 #include "platform/linux/label_edit.h"
+#include "platform/linux/row_keys.h"
 #include "platform/linux/type_ahead.h"
 
 namespace zb::internal

@@ -34,24 +34,14 @@ void TreeView::takeKey(int key)
     {
         return;
     }
-    const int row = rowOf(m_chosen);
-    const int page = std::max(pageRows() - 1, 1);
+    if (const auto row = rowByKey(key, rowOf(m_chosen), pageRows(), rowCount()); row.has_value())
+    {
+        return moveTo(*row);
+    }
     const Node *chosen = find(m_chosen);
     const bool isOpen = chosen != nullptr && (chosen->state & TVIS_EXPANDED) != 0 && !chosen->children.empty();
     switch (key)
     {
-    case VK_UP:
-        return moveTo(row - 1);
-    case VK_DOWN:
-        return moveTo(row + 1);
-    case VK_PRIOR:
-        return moveTo(row - page);
-    case VK_NEXT:
-        return moveTo(row + page);
-    case VK_HOME:
-        return moveTo(0);
-    case VK_END:
-        return moveTo(rowCount() - 1);
     case VK_LEFT:
     case VK_BACK:
         if (key == VK_LEFT && isOpen)
