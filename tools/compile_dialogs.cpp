@@ -10,6 +10,8 @@
 // Kinds: push, check (changes by itself), radio (likewise), group, owner (drawn by the dialog), text, picture, edit,
 // list, combo. In a title "" is one quotation mark. The bytes are those that platform/dialog_template.h tells; the font
 // of all is Tahoma of 8 points. Trouble is told with file and line, and no output is written.
+#include "compile_lines.h"
+
 #include <cstdint>
 #include <cstdio>
 #include <exception>
@@ -245,25 +247,6 @@ void write(const char *output, const std::map<unsigned, Dialog> &all)
 
 int main(int count, char **arguments)
 {
-    if (count != 3)
-    {
-        std::fputs("usage: compile_dialogs OUTPUT.cpp DIALOGS.txt\n", stderr);
-        return 2;
-    }
-    int line = 0;
-    try
-    {
-        std::ifstream in(arguments[2]);
-        if (!in)
-        {
-            throw std::runtime_error("can't be read");
-        }
-        write(arguments[1], readAll(in, line));
-        return 0;
-    }
-    catch (const std::exception &error)
-    {
-        std::fprintf(stderr, "%s:%d: error: %s\n", arguments[2], line, error.what());
-        return 1;
-    }
+    return compileFile("compile_dialogs OUTPUT.cpp DIALOGS.txt", count, arguments,
+                       [](std::istream &in, int &line, const char *output) { write(output, readAll(in, line)); });
 }

@@ -14,6 +14,8 @@
 // States: checked, dot (checked, with a dot), grayed, column (begins another column). In quoted words "" is one
 // quotation mark. The bytes are those that platform/menu_template.h tells. Trouble is told with file and line, and no
 // output is written.
+#include "compile_lines.h"
+
 #include <cstdint>
 #include <cstdio>
 #include <exception>
@@ -248,25 +250,6 @@ void write(const char *output, const std::map<unsigned, Entries> &all)
 
 int main(int count, char **arguments)
 {
-    if (count != 3)
-    {
-        std::fputs("usage: compile_menus OUTPUT.cpp MENUS.txt\n", stderr);
-        return 2;
-    }
-    int line = 0;
-    try
-    {
-        std::ifstream in(arguments[2]);
-        if (!in)
-        {
-            throw std::runtime_error("can't be read");
-        }
-        write(arguments[1], readAll(in, line).all);
-        return 0;
-    }
-    catch (const std::exception &error)
-    {
-        std::fprintf(stderr, "%s:%d: error: %s\n", arguments[2], line, error.what());
-        return 1;
-    }
+    return compileFile("compile_menus OUTPUT.cpp MENUS.txt", count, arguments,
+                       [](std::istream &in, int &line, const char *output) { write(output, readAll(in, line).all); });
 }
