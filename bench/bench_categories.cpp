@@ -1,7 +1,6 @@
 // What a choice of categories costs: the test of every record against it, beside the walk that reads the one property.
 //
 // Aim: at most 1.2 times the walk.
-#include "platform/device.h"
 #include "platform/kernel.h"
 #include "platform/pim.h"
 #include "records/CCategoryFilterInfo.h"
@@ -9,18 +8,15 @@
 #include "records/CeDb.h"
 #include "records/CeDbRecord.h"
 #include "support/Appointments.h"
+#include "support/LoaderStage.h"
 #include "support/Rounds.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <filesystem>
 #include <random>
 #include <stdexcept>
 
 namespace
 {
-namespace fs = std::filesystem;
-
 constexpr std::size_t recordCount = 100'000;
 constexpr DWORD bufferSize = 0x20000;
 constexpr unsigned categoryCount = 200;
@@ -40,22 +36,11 @@ std::vector<BYTE> someCategories(std::mt19937 &random)
 }
 
 /// A device with appointments of which two in three have categories; gone with the object.
-class Stage
+class Stage : public zb::bench::DeviceStage
 {
   public:
-    Stage()
+    Stage() : DeviceStage(zb::bench::inZone("UTC"))
     {
-        std::string pattern = (fs::temp_directory_path() / "zb-bench-XXXXXX").string();
-        if (mkdtemp(pattern.data()) == nullptr)
-        {
-            throw std::runtime_error("no temporary folder");
-        }
-        m_folder = pattern;
-        zb::DeviceOptions options;
-        options.root = m_folder / "device";
-        options.locale = "en-US";
-        options.timeZone = "UTC";
-        m_device = zb::OpenDevice(options);
         std::mt19937 random{20'261'121};
         std::vector<zb::bench::Appointment> appointments = zb::bench::makeAppointments(recordCount);
         for (zb::bench::Appointment &appointment : appointments)
@@ -64,18 +49,6 @@ class Stage
         }
         zb::bench::storeAppointments(appointments);
     }
-    ~Stage()
-    {
-        m_device.reset();
-        std::error_code ignored;
-        fs::remove_all(m_folder, ignored);
-    }
-    Stage(const Stage &) = delete;
-    Stage &operator=(const Stage &) = delete;
-
-  private:
-    fs::path m_folder;
-    std::unique_ptr<zb::Device> m_device;
 };
 
 /// The chosen categories as a loader keeps them.

@@ -6,24 +6,21 @@
 // a contact beyond its texts.
 #include "contacts/CContactsThread.h"
 #include "platform/clock.h"
-#include "platform/device.h"
 #include "platform/kernel.h"
 #include "platform/pim.h"
 #include "platform/text.h"
 #include "platform/user.h"
 #include "records/CategoryEdit.h"
+#include "support/LoaderStage.h"
 #include "support/Rounds.h"
 
 #include <cstdlib>
-#include <filesystem>
 #include <malloc.h>
 #include <random>
 #include <stdexcept>
 
 namespace
 {
-namespace fs = std::filesystem;
-
 constexpr std::size_t contactCount = 20'000;
 constexpr unsigned categoryCount = 12;
 
@@ -118,47 +115,20 @@ void storeContacts()
 }
 
 /// A device with the contacts and a window that takes messages; gone with the object.
-class Stage
+class Stage : public zb::bench::DeviceStage
 {
   public:
     Stage()
     {
-        std::string pattern = (fs::temp_directory_path() / "zb-bench-XXXXXX").string();
-        if (mkdtemp(pattern.data()) == nullptr)
-        {
-            throw std::runtime_error("no temporary folder");
-        }
-        m_folder = pattern;
-        zb::DeviceOptions options;
-        options.root = m_folder / "device";
-        options.locale = "en-US";
-        options.timeZone = "Europe/Berlin";
-        m_device = zb::OpenDevice(options);
         storeContacts();
-        WNDCLASSW type{};
-        type.lpfnWndProc = DefWindowProcW;
-        type.lpszClassName = u"BenchHost";
-        RegisterClassW(&type);
-        m_window = CreateWindowExW(0, u"BenchHost", nullptr, 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
     }
-    ~Stage()
-    {
-        DestroyWindow(m_window);
-        m_device.reset();
-        std::error_code ignored;
-        fs::remove_all(m_folder, ignored);
-    }
-    Stage(const Stage &) = delete;
-    Stage &operator=(const Stage &) = delete;
     HWND window() const
     {
-        return m_window;
+        return m_host.handle();
     }
 
   private:
-    fs::path m_folder;
-    std::unique_ptr<zb::Device> m_device;
-    HWND m_window = nullptr;
+    zb::bench::ListHost m_host;
 };
 
 Stage &stage()

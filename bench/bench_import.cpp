@@ -3,12 +3,10 @@
 // Each round imports a calendar of its own (other UIDs), so that every event is new to a device that grows from round
 // to round; the second figure imports one that the device has already.
 #include "interchange/calendar_import.h"
-#include "platform/device.h"
+#include "support/LoaderStage.h"
 #include "support/Rounds.h"
 
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
 #include <libical/ical.h>
 #include <memory>
 #include <string>
@@ -51,42 +49,22 @@ std::string calendarText(int series)
 }
 
 /// A device in a temporary folder and the calendars of all rounds.
-class Stage
+class Stage : public zb::bench::DeviceStage
 {
   public:
     Stage()
     {
-        std::string name = (std::filesystem::temp_directory_path() / "zb-bench-XXXXXX").string();
-        if (::mkdtemp(name.data()) == nullptr)
-        {
-            throw std::runtime_error("no temporary folder");
-        }
-        m_folder = name;
-        zb::DeviceOptions options;
-        options.root = m_folder / "device";
-        options.timeZone = "Europe/Berlin";
-        m_device = zb::OpenDevice(options);
         for (int n = 0; n <= rounds; ++n)
         {
             m_calendars.push_back(calendarText(n));
         }
     }
-    ~Stage()
-    {
-        m_device.reset();
-        std::filesystem::remove_all(m_folder);
-    }
-    Stage(const Stage &) = delete;
-    Stage &operator=(const Stage &) = delete;
-
     const std::string &calendar(int number) const
     {
         return m_calendars.at(static_cast<std::size_t>(number));
     }
 
   private:
-    std::filesystem::path m_folder;
-    std::unique_ptr<zb::Device> m_device;
     std::vector<std::string> m_calendars;
 };
 

@@ -1,12 +1,12 @@
 // What single saves through the item objects cost, each on the disk when it returns, and "zb add" from start to exit.
 //
 // Aims: at most 1.5 times bare SQLite commits of the same bytes; "zb add" 60 ms.
-#include "platform/device.h"
 #include "platform/kernel.h"
 #include "platform/pim_objects.h"
 #include "platform/text.h"
 #include "platform/undo.h"
 #include "support/BareSaves.h"
+#include "support/LoaderStage.h"
 #include "support/Programs.h"
 #include "support/Rounds.h"
 
@@ -33,16 +33,11 @@ void require(HRESULT result)
     }
 }
 
-class Stage
+class Stage : public zb::bench::DeviceStage
 {
   public:
     Stage()
     {
-        zb::DeviceOptions options;
-        options.root = m_folder / "device";
-        options.locale = "en-US";
-        options.timeZone = "Europe/Berlin";
-        m_device = zb::OpenDevice(options);
         require(zb::registerObjectModel());
         require(CoCreateInstance(CLSID_Application, nullptr, CLSCTX_INPROC_SERVER, IID_IPOutlookApp,
                                  reinterpret_cast<void **>(m_application.out())));
@@ -55,10 +50,6 @@ class Stage
         SysFreeString(m_subject);
         SysFreeString(m_location);
         SysFreeString(m_notes);
-        m_application.reset();
-        m_device.reset();
-        std::error_code ignored;
-        fs::remove_all(m_folder, ignored);
     }
     Stage(const Stage &) = delete;
     Stage &operator=(const Stage &) = delete;
@@ -89,20 +80,8 @@ class Stage
     }
 
   private:
-    static fs::path newFolder()
-    {
-        std::string pattern = (fs::temp_directory_path() / "zb-bench-XXXXXX").string();
-        if (mkdtemp(pattern.data()) == nullptr)
-        {
-            throw std::runtime_error("no temporary folder");
-        }
-        return pattern;
-    }
-
-    fs::path m_folder = newFolder();
-    zb::bench::BareSaves m_bare{m_folder / "saves.db"};
+    zb::bench::BareSaves m_bare{folder() / "saves.db"};
     std::string m_bytes = std::string(2 * (34 + 12 + notesLength) + 80, 'x');
-    std::unique_ptr<zb::Device> m_device;
     zb::Counted<IPOutlookApp> m_application;
     BSTR m_subject = nullptr;
     BSTR m_location = nullptr;

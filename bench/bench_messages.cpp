@@ -4,11 +4,9 @@
 // default behind it, the procedure of a class that the object's stands before. Beside each stands an empty virtual call,
 // which is taken off. Aims: below 200 ns a level sent, below 1,000 ns posted and dispatched.
 #include "framework/CeWnd.h"
-#include "platform/device.h"
+#include "support/LoaderStage.h"
 #include "support/Rounds.h"
 
-#include <cstdlib>
-#include <filesystem>
 #include <functional>
 #include <memory>
 #include <stdexcept>
@@ -16,44 +14,24 @@
 
 namespace
 {
-namespace fs = std::filesystem;
-
 constexpr int messagesPerRound = 200'000;
 constexpr int postsAtOnce = 100; ///< as when a loader tells of many rows
 
-fs::path newFolder()
-{
-    std::string pattern = (fs::temp_directory_path() / "zb-bench-XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr)
-    {
-        throw std::runtime_error("no temporary folder");
-    }
-    return pattern;
-}
-
-/// A device without pictures of anything; gone with the object.
-class Stage
+/// A device with a small screen.
+class Stage : public zb::bench::DeviceStage
 {
   public:
-    Stage()
+    Stage() : DeviceStage(smallScreen())
     {
-        zb::DeviceOptions options;
-        options.root = m_folder / "device";
-        options.screen = {240, 320, 96};
-        m_device = zb::OpenDevice(options);
     }
-    ~Stage()
-    {
-        m_device.reset();
-        std::error_code ignored;
-        fs::remove_all(m_folder, ignored);
-    }
-    Stage(const Stage &) = delete;
-    Stage &operator=(const Stage &) = delete;
 
   private:
-    fs::path m_folder = newFolder();
-    std::unique_ptr<zb::Device> m_device;
+    static zb::DeviceOptions smallScreen()
+    {
+        zb::DeviceOptions options;
+        options.screen = {240, 320, 96};
+        return options;
+    }
 };
 
 /// The floor: a call through a table, of one of two classes so that nobody can see which.

@@ -1,71 +1,38 @@
 // What the record layer costs: the walk that every calendar load makes, beside the bare floor of the same bytes.
 //
 // Aim: at most 2.0 times the floor.
-#include "platform/device.h"
 #include "platform/kernel.h"
 #include "platform/pim.h"
 #include "records/CeDb.h"
 #include "records/CeDbRecord.h"
 #include "support/Appointments.h"
 #include "support/BareWalk.h"
+#include "support/LoaderStage.h"
 #include "support/Rounds.h"
 
-#include <cstdlib>
 #include <iterator>
 
 namespace
 {
-namespace fs = std::filesystem;
-
 constexpr std::size_t recordCount = 100'000;
 constexpr DWORD bufferSize = 0x20000;
 
-fs::path newFolder()
-{
-    std::string pattern = (fs::temp_directory_path() / "zb-bench-XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr)
-    {
-        throw std::runtime_error("no temporary folder");
-    }
-    return pattern;
-}
-
 /// A device and the floor's file, both with the same appointments; gone with the object.
-class Stage
+class Stage : public zb::bench::DeviceStage
 {
   public:
     Stage()
-        : m_folder(newFolder()), m_device(openDevice(m_folder / "device")),
-          m_appointments(zb::bench::makeAppointments(recordCount)), m_floor(m_folder / "floor.db", m_appointments)
+        : DeviceStage(zb::bench::inZone("UTC")), m_appointments(zb::bench::makeAppointments(recordCount)),
+          m_floor(folder() / "floor.db", m_appointments)
     {
         zb::bench::storeAppointments(m_appointments);
     }
-    ~Stage()
-    {
-        m_device.reset();
-        std::error_code ignored;
-        fs::remove_all(m_folder, ignored);
-    }
-    Stage(const Stage &) = delete;
-    Stage &operator=(const Stage &) = delete;
-
     zb::bench::BareWalk &floor()
     {
         return m_floor;
     }
 
   private:
-    static std::unique_ptr<zb::Device> openDevice(const fs::path &root)
-    {
-        zb::DeviceOptions options;
-        options.root = root;
-        options.locale = "en-US";
-        options.timeZone = "UTC";
-        return zb::OpenDevice(options);
-    }
-
-    fs::path m_folder;
-    std::unique_ptr<zb::Device> m_device;
     std::vector<zb::bench::Appointment> m_appointments;
     zb::bench::BareWalk m_floor;
 };

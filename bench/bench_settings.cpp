@@ -3,34 +3,19 @@
 //
 // Aim: below 1,000 ns a value, and no access to the disk.
 #include "core/CRegistry.h"
-#include "platform/device.h"
+#include "support/LoaderStage.h"
 #include "support/Rounds.h"
 
-#include <cstdlib>
-#include <filesystem>
-#include <stdexcept>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
 namespace
 {
-namespace fs = std::filesystem;
-
 constexpr std::size_t keyCount = 20;
 constexpr std::size_t valuesPerKey = 50;
 constexpr int readsPerRound = 200'000;
 constexpr const WCHAR *calendarKey = u"Software\\Kelvo\\Zembrik\\CAV";
-
-fs::path newFolder()
-{
-    std::string pattern = (fs::temp_directory_path() / "zb-bench-XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr)
-    {
-        throw std::runtime_error("no temporary folder");
-    }
-    return pattern;
-}
 
 std::u16string numbered(const WCHAR *word, std::size_t number)
 {
@@ -43,29 +28,17 @@ std::u16string numbered(const WCHAR *word, std::size_t number)
 }
 
 /// A device whose settings file holds a thousand values; gone with the object.
-class Stage
+class Stage : public zb::bench::DeviceStage
 {
   public:
     Stage()
     {
-        zb::DeviceOptions options;
-        options.root = m_folder / "device";
-        m_device = zb::OpenDevice(options);
         CRegistry registry;
         for (std::size_t key = 0; key < keyCount; ++key)
         {
             fill(registry, key == 0 ? std::u16string(calendarKey) : numbered(u"Software\\Kelvo\\Zembrik\\Key", key));
         }
     }
-    ~Stage()
-    {
-        m_device.reset();
-        std::error_code ignored;
-        fs::remove_all(m_folder, ignored);
-    }
-    Stage(const Stage &) = delete;
-    Stage &operator=(const Stage &) = delete;
-
     const std::vector<std::u16string> &names() const
     {
         return m_names;
@@ -83,8 +56,6 @@ class Stage
         }
     }
 
-    fs::path m_folder = newFolder();
-    std::unique_ptr<zb::Device> m_device;
     std::vector<std::u16string> m_names;
 };
 

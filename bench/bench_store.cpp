@@ -1,15 +1,14 @@
 // What the property databases cost without the record layer: walks, durable saves, bulk writes, look-ups.
 //
 // Aims: the walk at most 2.0 times the floor, 1,000 durable saves at most 1.5 times bare commits of the same bytes.
-#include "platform/device.h"
 #include "platform/kernel.h"
 #include "platform/propdb.h"
 #include "support/Appointments.h"
 #include "support/BareSaves.h"
 #include "support/BareWalk.h"
+#include "support/LoaderStage.h"
 #include "support/Rounds.h"
 
-#include <cstdlib>
 #include <cstring>
 #include <iterator>
 #include <stdexcept>
@@ -17,7 +16,6 @@
 
 namespace
 {
-namespace fs = std::filesystem;
 using zb::bench::Appointment;
 
 constexpr std::size_t recordCount = 100'000;
@@ -26,23 +24,14 @@ constexpr std::size_t savesPerRound = 1000 / saveRounds;
 constexpr CEPROPID start = zb::bench::loadedProperties[0];
 constexpr CEPROPID subject = zb::bench::loadedProperties[7];
 
-fs::path newFolder()
-{
-    std::string pattern = (fs::temp_directory_path() / "zb-bench-XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr)
-    {
-        throw std::runtime_error("no temporary folder");
-    }
-    return pattern;
-}
-
 /// A device with the appointments in a database of its own, and the floors beside it; gone with the object.
-class Stage
+class Stage : public zb::bench::DeviceStage
 {
   public:
-    Stage() : m_appointments(zb::bench::makeAppointments(recordCount)), m_walk(m_folder / "walk.db", m_appointments)
+    Stage()
+        : DeviceStage(zb::bench::inZone("UTC")), m_appointments(zb::bench::makeAppointments(recordCount)),
+          m_walk(folder() / "walk.db", m_appointments)
     {
-        openDevice();
         const SORTORDERSPEC orders[] = {{start, 0}, {subject, CEDB_SORT_CASEINSENSITIVE}};
         m_database = CeCreateDatabase(u"Bench", 0, 2, orders);
         const HANDLE handle = open(start);
@@ -54,17 +43,8 @@ class Stage
         bulk.commit();
         CloseHandle(handle);
         // Opened anew the log is in the file, as it is when a user begins the day.
-        m_device.reset();
-        openDevice();
+        reopen();
     }
-    ~Stage()
-    {
-        m_device.reset();
-        std::error_code ignored;
-        fs::remove_all(m_folder, ignored);
-    }
-    Stage(const Stage &) = delete;
-    Stage &operator=(const Stage &) = delete;
 
     HANDLE open(CEPROPID sort)
     {
@@ -99,20 +79,9 @@ class Stage
     }
 
   private:
-    void openDevice()
-    {
-        zb::DeviceOptions options;
-        options.root = m_folder / "device";
-        options.locale = "en-US";
-        options.timeZone = "UTC";
-        m_device = zb::OpenDevice(options);
-    }
-
-    fs::path m_folder = newFolder();
     std::vector<Appointment> m_appointments;
     zb::bench::BareWalk m_walk;
-    zb::bench::BareSaves m_saves{m_folder / "saves.db"};
-    std::unique_ptr<zb::Device> m_device;
+    zb::bench::BareSaves m_saves{folder() / "saves.db"};
     CEOID m_database = 0;
 };
 

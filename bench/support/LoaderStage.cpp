@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <ctime>
 #include <stdexcept>
+#include <utility>
 
 namespace zb::bench
 {
@@ -30,12 +31,25 @@ double processSeconds()
     return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
 }
 
-DeviceStage::DeviceStage(DeviceOptions options) : m_folder(newFolder())
+DeviceOptions inZone(const char *zone)
 {
-    options.root = device();
-    options.locale = options.locale.empty() ? "en-US" : options.locale;
-    options.timeZone = options.timeZone.empty() ? "Europe/Berlin" : options.timeZone;
-    m_device = zb::OpenDevice(options);
+    DeviceOptions options;
+    options.timeZone = zone;
+    return options;
+}
+
+DeviceStage::DeviceStage(DeviceOptions options) : m_folder(newFolder()), m_options(std::move(options))
+{
+    m_options.root = device();
+    m_options.locale = m_options.locale.empty() ? "en-US" : m_options.locale;
+    m_options.timeZone = m_options.timeZone.empty() ? "Europe/Berlin" : m_options.timeZone;
+    m_device = zb::OpenDevice(m_options);
+}
+
+void DeviceStage::reopen()
+{
+    m_device.reset();
+    m_device = zb::OpenDevice(m_options);
 }
 
 DeviceStage::~DeviceStage()

@@ -1,5 +1,4 @@
-// What a benchmark of the calendar loader runs on: a device in a temporary folder, and a window that waits for the
-// list.
+// What benchmarks run on: a device in a temporary folder, and a window that waits for a loader's list.
 #pragma once
 
 #include "platform/device.h"
@@ -23,6 +22,8 @@ class DeviceStage
     DeviceStage(const DeviceStage &) = delete;
     DeviceStage &operator=(const DeviceStage &) = delete;
 
+    /// As a later process finds it.
+    void reopen();
     /// The folder that goes with the object, with the device in it.
     const std::filesystem::path &folder() const
     {
@@ -35,8 +36,12 @@ class DeviceStage
 
   private:
     std::filesystem::path m_folder;
+    DeviceOptions m_options;
     std::unique_ptr<zb::Device> m_device;
 };
+
+/// Options of a device in another zone.
+DeviceOptions inZone(const char *zone);
 
 class ListHost
 {
