@@ -127,13 +127,7 @@ class CalendarCategories : public CalendarFilters
     }
     void choose(std::initializer_list<int> ids)
     {
-        restriction->m_pSelected->RemoveAll();
-        for (const int id : ids)
-        {
-            auto *category = new CFullCategory;
-            category->m_nId = static_cast<SHORT>(id);
-            restriction->m_pSelected->AddTail(category);
-        }
+        chooseCategories(*restriction, ids);
         loader().SetCategoryRestrict(true);
     }
     std::string shown()

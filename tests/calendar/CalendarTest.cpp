@@ -100,32 +100,6 @@ CEOID addRecord(const AppointmentRecord &record)
     return oid;
 }
 
-void makeIdDatabase(const char16_t *name, CEPROPID property, const std::vector<LONG> &values)
-{
-    const SORTORDERSPEC sort{property, 0};
-    CEOID database = CeCreateDatabase(name, 0, 1, &sort);
-    const HANDLE handle = CeOpenDatabase(&database, nullptr, property, 0, nullptr);
-    for (const LONG value : values)
-    {
-        RecordProperties properties;
-        properties.set(property, value);
-        CeWriteRecordProps(handle, 0, properties.count(), properties.values());
-    }
-    CloseHandle(handle);
-}
-
-Bytes categoryBlob(std::initializer_list<int> bits)
-{
-    Bytes blob(4);
-    for (const int bit : bits)
-    {
-        const auto byte = static_cast<std::size_t>(bit / 8);
-        blob.resize(std::max(blob.size(), (byte / 4 + 1) * 4));
-        blob[byte] = static_cast<BYTE>(blob[byte] | (1U << (bit % 8)));
-    }
-    return blob;
-}
-
 // --- The host window ---------------------------------------------------------------------------------------------
 
 HostWindow::HostWindow()

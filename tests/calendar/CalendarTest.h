@@ -5,6 +5,7 @@
 #include "calendar/CCalendarThread.h"
 #include "platform/propdb.h"
 #include "platform/user.h"
+#include "support/LoaderRecords.h"
 #include "support/TestDevice.h"
 
 #include <gtest/gtest.h>
@@ -46,8 +47,6 @@ AppointmentRecord yearlyAllDay(const char16_t *subject, int year, int month, int
 
 /// Adds it to the appointments of the device; 0 on failure.
 CEOID addRecord(const AppointmentRecord &record);
-/// A database with one long property in its records, one record for each value.
-void makeIdDatabase(const char16_t *name, CEPROPID property, const std::vector<LONG> &values);
 
 /// Category bits that have names on the test's device.
 inline constexpr int birthdaysBit = 1;
@@ -55,7 +54,6 @@ inline constexpr int anniversariesBit = 2;
 inline constexpr int holidayBit = 3;
 inline constexpr int floatsBit = 4;
 inline constexpr int workBit = 5;
-Bytes categoryBlob(std::initializer_list<int> bits);
 
 /// Keeps the messages that come to it.
 class HostWindow

@@ -1,6 +1,7 @@
 // Series as a user sees them: each file of tests/data/recurrence is one test, a series with its changes in a record of
 // a real database, a range, and the rows that the loader must show. SeriesCase.h tells what can stand in a file.
 #include "calendar/SeriesCase.h"
+#include "support/CaseFiles.h"
 
 namespace
 {
@@ -60,26 +61,5 @@ TEST_P(SeriesCases, ShowTheRowsOfTheFile)
     EXPECT_EQ(rows, expected);
 }
 
-std::vector<std::string> caseNames()
-{
-    std::vector<std::string> names;
-    for (const auto &entry : fs::directory_iterator(casesFolder))
-    {
-        if (entry.path().extension() == ".case")
-        {
-            names.push_back(entry.path().stem().string());
-        }
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
-std::string testName(const ::testing::TestParamInfo<std::string> &info)
-{
-    std::string name = info.param;
-    std::replace(name.begin(), name.end(), '-', '_');
-    return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(Files, SeriesCases, ::testing::ValuesIn(caseNames()), testName);
+INSTANTIATE_TEST_SUITE_P(Files, SeriesCases, ::testing::ValuesIn(caseNames(casesFolder)), caseTestName);
 } // namespace

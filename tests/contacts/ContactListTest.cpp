@@ -5,22 +5,13 @@
 #include "platform/kernel.h"
 #include "records/FullCategories.h"
 #include "support/CategoryRecords.h"
+#include "support/LoaderRecords.h"
 
 namespace zb::test
 {
 namespace
 {
 constexpr CEPROPID categoriesId = 0x00160041;
-
-Bytes categoryBlob(std::initializer_list<int> bits)
-{
-    Bytes blob(4);
-    for (const int bit : bits)
-    {
-        blob[0] = static_cast<BYTE>(blob[0] | (1U << bit));
-    }
-    return blob;
-}
 
 RecordProperties propertiesOf(const ContactItem &item, std::initializer_list<int> categories)
 {

@@ -1,6 +1,7 @@
 // The parser as its callers use it: cursor, bookmark, fonts, pictures, plain text, its lock.
 #include "display/Markup.h"
 #include "support/PlatformThread.h"
+#include "support/Repeated.h"
 
 #include <chrono>
 #include <mutex>
@@ -502,15 +503,6 @@ TEST(CHTMLParserLock, theLockIsFreeBehindAParse)
 /// Texts that would take hours if anything were read again and again.
 TEST_F(CHTMLParserTest, hostileTextsAreReadInOnePass)
 {
-    const auto repeated = [](const std::u16string &part, int count)
-    {
-        std::u16string text;
-        for (int i = 0; i < count; ++i)
-        {
-            text += part;
-        }
-        return text;
-    };
     const std::vector<std::u16string> texts = {
         std::u16string(1'000'000, u'<'),
         std::u16string(1'000'000, u'>'),

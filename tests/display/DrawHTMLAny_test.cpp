@@ -1,5 +1,6 @@
 // What holds for any markup in any rectangle: what is measured is what is painted; and hostile markup ends.
 #include "display/Board.h"
+#include "support/Repeated.h"
 
 namespace
 {
@@ -157,15 +158,6 @@ TEST_F(AnyMarkup, paintingTwiceGivesTheSamePixels)
 
 TEST_F(AnyMarkup, hostileMarkupIsDrawnInOnePass)
 {
-    const auto repeated = [](const std::u16string &part, int count)
-    {
-        std::u16string text;
-        for (int i = 0; i < count; ++i)
-        {
-            text += part;
-        }
-        return text;
-    };
     const std::vector<std::u16string> texts = {
         std::u16string(200'000, u'x'),
         std::u16string(200'000, u','),

@@ -4,6 +4,7 @@
 //   markup <B>x</B>  to the end of the line; \n is a line feed, \\ a backslash
 // and then the tokens as Markup.h writes them.
 #include "display/Markup.h"
+#include "support/CaseFiles.h"
 
 #include <fstream>
 
@@ -77,26 +78,6 @@ TEST_P(MarkupCases, hasTheseTokens)
     EXPECT_EQ(dumpMarkup(utf16(expected.markup), window.handle()), expected.tokens) << expected.markup;
 }
 
-std::vector<std::string> caseNames()
-{
-    std::vector<std::string> names;
-    for (const auto &entry : fs::directory_iterator(casesFolder))
-    {
-        if (entry.path().extension() == ".case")
-        {
-            names.push_back(entry.path().stem().string());
-        }
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
-std::string testName(const ::testing::TestParamInfo<std::string> &info)
-{
-    std::string name = info.param;
-    std::replace(name.begin(), name.end(), '-', '_');
-    return name;
-}
-
-INSTANTIATE_TEST_SUITE_P(Files, MarkupCases, ::testing::ValuesIn(caseNames()), testName);
+INSTANTIATE_TEST_SUITE_P(Files, MarkupCases, ::testing::ValuesIn(zb::test::caseNames(casesFolder)),
+                         zb::test::caseTestName);
 } // namespace

@@ -5,6 +5,7 @@
 #include "support/DialogBytes.h"
 #include "support/PenAndKeys.h"
 #include "support/Picture.h"
+#include "support/ScreenOptions.h"
 #include "support/ScreenWindow.h"
 #include "support/TestDevice.h"
 
@@ -22,12 +23,6 @@ constexpr COLORREF white = RGB(255, 255, 255);
 class Buttons : public ::testing::Test
 {
   protected:
-    static zb::DeviceOptions options()
-    {
-        zb::DeviceOptions options;
-        options.screen = {200, 150, 96};
-        return options;
-    }
     HWND make(DWORD style, int x = 10, int y = 10, int id = 5, const WCHAR *className = u"BUTTON",
               const WCHAR *text = u"Text")
     {
@@ -41,7 +36,7 @@ class Buttons : public ::testing::Test
     }
     using Codes = std::vector<int>;
 
-    TestDevice device{options()};
+    TestDevice device{zb::test::withScreen(200, 150)};
     ScreenWindow parent{white, WS_POPUP | WS_VISIBLE, 0, 0, 200, 150};
 };
 } // namespace

@@ -2,6 +2,7 @@
 #include "platform/controls.h"
 #include "platform/kernel.h"
 #include "support/DialogBytes.h"
+#include "support/ScreenOptions.h"
 #include "support/ScreenWindow.h"
 #include "support/TestDevice.h"
 #include "support/TestFace.h"
@@ -24,12 +25,6 @@ constexpr COLORREF red = RGB(200, 0, 0);
 class Dialogs : public ::testing::Test
 {
   protected:
-    static zb::DeviceOptions options()
-    {
-        zb::DeviceOptions options;
-        options.screen = {400, 300, 96};
-        return options;
-    }
     HWND make(const DialogBytes &bytes, HWND parent = nullptr)
     {
         return CreateDialogIndirectParamW(nullptr, bytes.data(), parent, DialogHost::procedure,
@@ -66,7 +61,7 @@ class Dialogs : public ::testing::Test
         return GetDlgCtrlID(GetFocus());
     }
 
-    TestDevice device{options()};
+    TestDevice device{zb::test::withScreen(400, 300)};
     DialogHost host;
 };
 } // namespace

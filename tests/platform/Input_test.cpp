@@ -1,5 +1,6 @@
 // Pen and keys: which window they reach, the focus, the capture, the active window.
 #include "support/PlatformThread.h"
+#include "support/ScreenOptions.h"
 #include "support/ScreenWindow.h"
 #include "support/TestDevice.h"
 
@@ -18,13 +19,7 @@ constexpr COLORREF blue = RGB(0, 0, 200);
 class Input : public ::testing::Test
 {
   protected:
-    static zb::DeviceOptions options()
-    {
-        zb::DeviceOptions options;
-        options.screen = {300, 200, 96};
-        return options;
-    }
-    TestDevice device{options()};
+    TestDevice device{zb::test::withScreen(300, 200)};
 };
 } // namespace
 

@@ -1,4 +1,5 @@
 // The scroll bars of a window: range, page and position, what shows, and what the pen does with them.
+#include "support/ScreenOptions.h"
 #include "support/ScreenWindow.h"
 #include "support/TestDevice.h"
 
@@ -16,13 +17,7 @@ constexpr int thick = 13; // of a bar at 96 dots an inch
 class ScrollBars : public ::testing::Test
 {
   protected:
-    static zb::DeviceOptions options()
-    {
-        zb::DeviceOptions options;
-        options.screen = {300, 200, 96};
-        return options;
-    }
-    TestDevice device{options()};
+    TestDevice device{zb::test::withScreen(300, 200)};
     /// 100 by 126: the bar of it has a track of 100 between its arrows.
     ScreenWindow window{red, WS_POPUP | WS_VISIBLE | WS_VSCROLL, 0, 0, 100, 126};
 

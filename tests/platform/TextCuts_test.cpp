@@ -194,19 +194,33 @@ TEST(TextCutsOfFallbacks, partsLookLikeTextsOfTheirOwn)
     compareCuts(testFonts(faces.path()), u"Test Sans");
 }
 
-/// Blanks at the end of a line go with the line: to the right of words that go to the left.
-TEST(TextCutsOfFallbacks, theBlankThatEndsALineStandsToTheRight)
+/// A board with the test face, whose letters are 5 pixels wide with ink from 1 to 4.
+class TextCutsOnBoard : public ::testing::Test
 {
-    const TemporaryFolder faces;
-    DeviceOptions options;
-    options.fonts = testFonts(faces.path());
-    TestDevice device(options);
-    DrawingBoard board(60, 10);
-    const SelectedFont font(board.context(), plainFont(10));
-    SetBkMode(board.context(), TRANSPARENT);
+  protected:
+    static DeviceOptions withFonts(const std::filesystem::path &folder)
+    {
+        DeviceOptions options;
+        options.fonts = testFonts(folder);
+        return options;
+    }
+    TextCutsOnBoard()
+    {
+        SetBkMode(board.context(), TRANSPARENT);
+    }
+
+    TemporaryFolder faces;
+    TestDevice device{withFonts(faces.path())};
+    DrawingBoard board{60, 10};
+    SelectedFont font{board.context(), plainFont(10)};
+};
+
+/// Blanks at the end of a line go with the line: to the right of words that go to the left.
+TEST_F(TextCutsOnBoard, theBlankThatEndsALineStandsToTheRight)
+{
     const std::u16string whole = u"\u05D3\u05D4 \u05D5 \u05D6\u05D7";
     ASSERT_EQ(widthOf(board.context(), whole), 35);
-    // Letters of 5 pixels with ink from 1 to 4: the two of the first word from 0 on, then the blank.
+    // The two of the first word from 0 on, then the blank.
     textOut(board.context(), 0, 0, whole.substr(0, 3));
     EXPECT_EQ(inkOf(board).left, 1);
     EXPECT_EQ(inkOf(board).right, 9);
@@ -218,15 +232,8 @@ TEST(TextCutsOfFallbacks, theBlankThatEndsALineStandsToTheRight)
 }
 
 /// A tab is drawn as a blank, but where a part begins and ends is seen by the text itself, in which it is none.
-TEST(TextCutsOfFallbacks, aTabInFrontOfAPartIsDrawnAsABlank)
+TEST_F(TextCutsOnBoard, aTabInFrontOfAPartIsDrawnAsABlank)
 {
-    const TemporaryFolder faces;
-    DeviceOptions options;
-    options.fonts = testFonts(faces.path());
-    TestDevice device(options);
-    DrawingBoard board(60, 10);
-    const SelectedFont font(board.context(), plainFont(10));
-    SetBkMode(board.context(), TRANSPARENT);
     const std::u16string whole = u"\t\u05D3 \u05D4 \u05D5";
     ASSERT_EQ(widthOf(board.context(), whole), 30);
     textOut(board.context(), 0, 0, whole.substr(0, 3));

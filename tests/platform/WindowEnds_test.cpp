@@ -4,6 +4,7 @@
 #include "support/DialogBytes.h"
 #include "support/LoopScript.h"
 #include "support/OpenHandles.h"
+#include "support/ScreenOptions.h"
 #include "support/ScreenWindow.h"
 #include "support/TestDevice.h"
 
@@ -23,13 +24,7 @@ constexpr COLORREF white = RGB(255, 255, 255);
 class WindowEnds : public ::testing::Test
 {
   protected:
-    static zb::DeviceOptions options()
-    {
-        zb::DeviceOptions options;
-        options.screen = {240, 320, 96};
-        return options;
-    }
-    TestDevice device{options()};
+    TestDevice device{zb::test::withScreen(240, 320)};
 };
 
 /// A dialog that ends at one of its messages, whichever way it comes.

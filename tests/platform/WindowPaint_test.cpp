@@ -1,6 +1,7 @@
 // Painting of windows: when they are asked to, on what, and that the screen always shows the topmost one.
 #include "support/Picture.h"
 #include "support/PlatformThread.h"
+#include "support/ScreenOptions.h"
 #include "support/ScreenWindow.h"
 #include "support/TestDevice.h"
 
@@ -26,13 +27,7 @@ constexpr COLORREF blue = RGB(0, 0, 200);
 class WindowPaint : public ::testing::Test
 {
   protected:
-    static zb::DeviceOptions options()
-    {
-        zb::DeviceOptions options;
-        options.screen = {160, 120, 96};
-        return options;
-    }
-    TestDevice device{options()};
+    TestDevice device{zb::test::withScreen(160, 120)};
 };
 } // namespace
 

@@ -1,4 +1,5 @@
 // Where windows lie, their order, and what they are told of it.
+#include "support/ScreenOptions.h"
 #include "support/ScreenWindow.h"
 #include "support/TestDevice.h"
 
@@ -20,13 +21,7 @@ constexpr COLORREF blue = RGB(0, 0, 200);
 class WindowPlace : public ::testing::Test
 {
   protected:
-    static zb::DeviceOptions options()
-    {
-        zb::DeviceOptions options;
-        options.screen = {300, 200, 96};
-        return options;
-    }
-    TestDevice device{options()};
+    TestDevice device{zb::test::withScreen(300, 200)};
 };
 } // namespace
 

@@ -2,6 +2,7 @@
 // thousands of random steps that leave nothing behind.
 #include "support/OpenHandles.h"
 #include "support/PlatformThread.h"
+#include "support/ScreenOptions.h"
 #include "support/ScreenWindow.h"
 #include "support/TestDevice.h"
 
@@ -9,6 +10,7 @@
 
 #include <array>
 #include <atomic>
+#include <functional>
 #include <memory>
 #include <random>
 
@@ -20,17 +22,24 @@ using zb::test::TestDevice;
 
 constexpr COLORREF red = RGB(200, 0, 0);
 
-zb::DeviceOptions screen()
+/// Works in so many threads at once, each with its number, until all are done.
+void runThreads(int threads, const std::function<void(int)> &work)
 {
-    zb::DeviceOptions options;
-    options.screen = {200, 150, 96};
-    return options;
+    std::vector<std::unique_ptr<zb::test::PlatformThread>> all;
+    for (int n = 0; n < threads; ++n)
+    {
+        all.push_back(std::make_unique<zb::test::PlatformThread>([&work, n] { work(n); }));
+    }
+    for (const auto &one : all)
+    {
+        ASSERT_TRUE(one->ended(120'000));
+    }
 }
 } // namespace
 
 TEST(WindowStress, NoSentMessageIsLostOrDoubled)
 {
-    const TestDevice device(screen());
+    const TestDevice device(zb::test::withScreen(200, 150));
     constexpr int threads = 4;
     constexpr int sends = 25'000; // each: 100,000 in all
     std::array<std::atomic<HWND>, threads> windows{};
@@ -77,17 +86,7 @@ TEST(WindowStress, NoSentMessageIsLostOrDoubled)
             Sleep(1);
         }
     };
-    {
-        std::vector<std::unique_ptr<zb::test::PlatformThread>> all;
-        for (int n = 0; n < threads; ++n)
-        {
-            all.push_back(std::make_unique<zb::test::PlatformThread>([&work, n] { work(n); }));
-        }
-        for (const auto &one : all)
-        {
-            ASSERT_TRUE(one->ended(120'000));
-        }
-    }
+    ASSERT_NO_FATAL_FAILURE(runThreads(threads, work));
     EXPECT_EQ(wrong, 0);
     for (std::size_t n = 0; n < threads; ++n)
     {
@@ -97,7 +96,7 @@ TEST(WindowStress, NoSentMessageIsLostOrDoubled)
 
 TEST(WindowStress, AWindowMayEndInAnyOfItsMessages)
 {
-    const TestDevice device(screen());
+    const TestDevice device(zb::test::withScreen(200, 150));
     const UINT messages[] = {WM_NCCREATE,   WM_CREATE,    WM_SIZE,         WM_MOVE,           WM_SHOWWINDOW,
                              WM_SETFOCUS,   WM_KILLFOCUS, WM_PAINT,        WM_NCPAINT,
                              WM_ERASEBKGND, WM_ENABLE,    WM_LBUTTONDOWN,  WM_MOUSEMOVE,      WM_LBUTTONUP,
@@ -171,7 +170,7 @@ TEST(WindowStress, AWindowMayEndInAnyOfItsMessages)
 /// Each thread has a strip of the screen to itself, and asks and tells the windows of the others.
 TEST(WindowStress, ThreadsShareTheScreen)
 {
-    const TestDevice device(screen());
+    const TestDevice device(zb::test::withScreen(200, 150));
     const zb::internal::HandleCount before = zb::internal::countHandles();
     constexpr int threads = 3;
     constexpr int strip = 60;
@@ -239,22 +238,14 @@ TEST(WindowStress, ThreadsShareTheScreen)
             Sleep(1);
         }
     };
-    std::vector<std::unique_ptr<zb::test::PlatformThread>> all;
-    for (int n = 0; n < threads; ++n)
-    {
-        all.push_back(std::make_unique<zb::test::PlatformThread>([&work, n] { work(n); }));
-    }
-    for (const auto &one : all)
-    {
-        ASSERT_TRUE(one->ended(120'000));
-    }
+    ASSERT_NO_FATAL_FAILURE(runThreads(threads, work));
     EXPECT_EQ(zb::internal::countHandles(), before);
     EXPECT_EQ(GetForegroundWindow(), nullptr);
 }
 
 TEST(WindowStress, RandomStepsLeaveNothingBehind)
 {
-    const TestDevice device(screen());
+    const TestDevice device(zb::test::withScreen(200, 150));
     WNDCLASSW type{};
     type.lpfnWndProc = DefWindowProcW;
     type.lpszClassName = u"Stress";

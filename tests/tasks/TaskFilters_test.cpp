@@ -208,13 +208,7 @@ class TaskCategories : public TaskFilters
     }
     void choose(std::initializer_list<int> ids)
     {
-        restriction->m_pSelected->RemoveAll();
-        for (const int id : ids)
-        {
-            auto *category = new CFullCategory;
-            category->m_nId = static_cast<SHORT>(id);
-            restriction->m_pSelected->AddTail(category);
-        }
+        chooseCategories(*restriction, ids);
         loader().SetCategoryRestrict(false);
     }
     CCategoryFilterInfo *restriction = nullptr;

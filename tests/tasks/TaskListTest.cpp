@@ -108,31 +108,6 @@ std::unique_ptr<CeDbRecord> readTask(CEOID oid)
     return record;
 }
 
-Bytes categoryBlob(std::initializer_list<int> bits)
-{
-    Bytes blob(4);
-    for (const int bit : bits)
-    {
-        blob[static_cast<std::size_t>(bit / 8)] =
-            static_cast<BYTE>(blob[static_cast<std::size_t>(bit / 8)] | (1U << (bit % 8)));
-    }
-    return blob;
-}
-
-void makeIdDatabase(const char16_t *name, CEPROPID property, const std::vector<LONG> &values)
-{
-    const SORTORDERSPEC sort{property, 0};
-    CEOID database = CeCreateDatabase(name, 0, 1, &sort);
-    const HANDLE handle = CeOpenDatabase(&database, nullptr, property, 0, nullptr);
-    for (const LONG value : values)
-    {
-        RecordProperties properties;
-        properties.set(property, value);
-        CeWriteRecordProps(handle, 0, properties.count(), properties.values());
-    }
-    CloseHandle(handle);
-}
-
 void setSetting(const WCHAR *key, const WCHAR *name, DWORD value)
 {
     CRegistry registry;

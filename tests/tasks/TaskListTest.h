@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/types.h"
+#include "support/LoaderRecords.h"
 #include "support/QuickDevice.h"
 #include "support/TestDevice.h"
 #include "tasks/CTasksThread.h"
@@ -51,10 +52,6 @@ inline constexpr int workBit = 1;
 inline constexpr int homeBit = 2;
 inline constexpr int gardenBit = 3;
 inline constexpr int urgentBit = 4;
-Bytes categoryBlob(std::initializer_list<int> bits);
-
-/// A database with one long property in its records, one record for each value.
-void makeIdDatabase(const char16_t *name, CEPROPID property, const std::vector<LONG> &values);
 
 inline constexpr const WCHAR *listKey = u"Software\\Kelvo\\Zembrik\\TV";
 inline constexpr const WCHAR *headingsKey = u"Software\\Kelvo\\Zembrik\\TV\\GroupHeadings";
