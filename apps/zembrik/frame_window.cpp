@@ -89,7 +89,7 @@ bool FrameWindow::show(const ViewKind &kind)
     }
     m_view = std::move(fresh);
     m_kind = &kind;
-    titleChanged();
+    showTitle();
     if (IsWindowVisible(m_hWnd) == FALSE)
     {
         ShowWindow(m_hWnd, SW_SHOW);
@@ -98,12 +98,11 @@ bool FrameWindow::show(const ViewKind &kind)
     return true;
 }
 
-void FrameWindow::titleChanged()
+void FrameWindow::showTitle()
 {
     std::u16string title = m_view->title();
     title = title.empty() ? text(m_kind->title) : title;
     SetWindowTextW(m_hWnd, title.c_str());
-    m_titled(title);
 }
 
 bool FrameWindow::isBusy() const
@@ -212,7 +211,7 @@ LRESULT FrameWindow::OnCommand(WPARAM wParam, LPARAM, bool &handled)
     return 0;
 }
 
-LRESULT FrameWindow::OnMessage(UINT uMsg, WPARAM wParam, LPARAM, bool &handled)
+LRESULT FrameWindow::OnMessage(UINT uMsg, WPARAM wParam, LPARAM lParam, bool &handled)
 {
     const auto menu = reinterpret_cast<HMENU>(wParam);
     switch (uMsg)
@@ -226,6 +225,9 @@ LRESULT FrameWindow::OnMessage(UINT uMsg, WPARAM wParam, LPARAM, bool &handled)
         {
             refreshCommands(menu);
         }
+        break;
+    case WM_SETTEXT:
+        m_titled(reinterpret_cast<const WCHAR *>(lParam));
         break;
     case WM_SETFOCUS:
         // What had it last in here is gone, or never was.

@@ -28,8 +28,6 @@ class FrameWindow final : public CeWnd
     {
         return m_kind;
     }
-    /// The view's title is to be read again.
-    void titleChanged();
     /// Whether the view still works in the background.
     bool isBusy() const;
     /// Looks at a message before it is dispatched; true for a key that frame or view has taken.
@@ -45,6 +43,7 @@ class FrameWindow final : public CeWnd
     LRESULT OnMessage(UINT uMsg, WPARAM wParam, LPARAM lParam, bool &handled) override;
 
   private:
+    void showTitle();
     void buildMenu();
     void refreshCommands(HMENU menu);
     void about();

@@ -36,7 +36,8 @@ class View
     virtual void place(const RECT &area);
     /// Puts the focus on what keys are for: the window itself.
     virtual void takeFocus();
-    /// For the frame's title bar; empty for the name that the menu has. FrameWindow::titleChanged() makes it ask again.
+    /// For the frame's title bar; empty for the name that the menu has. Asked when the view is shown; a view whose title
+    /// changes then sets the frame's text.
     virtual std::u16string title() const;
     /// Number of the menu resource with the view's own commands, which the frame puts at the top of the right menu.
     virtual WORD commands() const = 0;

@@ -64,13 +64,19 @@ class ZembrikViewsTest : public ::testing::Test
         ADD_FAILURE() << "still busy";
     }
 
-    Picture shotOf(const screens::View &view) const
+    static Picture screen()
     {
-        ShowWindow(view.window(), SW_SHOW);
         settle();
         const HBITMAP bitmap = captureScreen();
         Picture picture = pictureOf(bitmap);
         DeleteObject(bitmap);
+        return picture;
+    }
+
+    Picture shotOf(const screens::View &view) const
+    {
+        ShowWindow(view.window(), SW_SHOW);
+        Picture picture = screen();
         ShowWindow(view.window(), SW_HIDE);
         settle();
         return picture;

@@ -2,8 +2,10 @@
 // opened afterwards shows. The views run in the test's own process, over a clock that it sets; the device is in Berlin.
 #include "apps/ZbProgram.h"
 #include "apps/ZembrikViews.h"
+#include "platform/screen.h"
 
 #include <set>
+#include <tuple>
 
 namespace
 {
@@ -106,6 +108,47 @@ TEST_F(ZembrikWatch, AClockThatIsSetFurtherIsSeenWithinAMinute)
         const bool dated = name == "start" || name == "month";
         EXPECT_TRUE(!dated || shotOf(*views[n]) == shotOf(*opened(viewKinds()[n]))) << name;
         EXPECT_TRUE(!dated || shotOf(*views[n]) != before[n]) << name;
+    }
+}
+
+TEST_F(ZembrikWatch, APullThatAChangeInterruptsMovesNothing)
+{
+    device.setClock(zb::test::makeFileTime(2026, 11, 20, 9, 0, 0));
+    const std::string night = "BEGIN:VEVENT\r\nUID:n\r\nSUMMARY:Night\r\nDTSTART;TZID=Europe/Berlin:20261120T220000\r\n"
+                              "DTEND;TZID=Europe/Berlin:20261121T020000\r\nEND:VEVENT\r\n";
+    import("in.ics", calendar(day("20261120") + night));
+    const auto told = [this]
+    {
+        return zb::test::runZb({"--device", device.path().string(), "agenda", "--from", "2026-11-20", "--to",
+                                "2026-11-20", "--json"})
+            .out;
+    };
+    const std::string before = told();
+    const auto view = opened(*zb::screens::findViewKind("day"));
+    ShowWindow(view->window(), SW_SHOW);
+    view->takeFocus();
+    constexpr int strip = 35; // behind the column of the hours
+    // What the grid moves lies two hours below the bar; then what is carried, at the end of the day.
+    for (const auto &[key, y, other] : {std::tuple{VK_ESCAPE, 24 + 4 * 20 + 5, "20261121"},
+                                        std::tuple{VK_END, 320 - 35, "20261122"}})
+    {
+        zb::keyDown(key);
+        const Picture still = screen();
+        zb::penDown(strip, y);
+        zb::penMove(strip, y - 25);
+        zb::penMove(strip, y - 45);
+        const Picture pulled = screen();
+        EXPECT_TRUE(pulled != still) << "it goes along";
+        import("more.ics", calendar(day(other)));
+        for (int tries = 0; tries < 300 && screen() == pulled; ++tries)
+        {
+            Sleep(10);
+            awaitRest(*view);
+        }
+        EXPECT_TRUE(screen() != pulled) << "the day was filled anew";
+        zb::penUp(strip, y - 45);
+        awaitRest(*view);
+        EXPECT_EQ(told(), before);
     }
 }
 
