@@ -243,6 +243,8 @@ class ZBPLATFORM_API RecordProperties
     void set(CEPROPID id, const FILETIME &value);
     void set(CEPROPID id, const std::u16string &value);
     void set(CEPROPID id, std::vector<BYTE> value);
+    /// A copy of a property of any type, with what it points to.
+    void set(const CEPROPVAL &value);
     /// A property that a write takes out of the record.
     void remove(CEPROPID id);
 

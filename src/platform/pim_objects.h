@@ -10,7 +10,8 @@
 //   save counts. The days of a series are one field each. A save without changes writes nothing.
 // - When Save has returned S_OK the item is on the disk, also after a power cut. A host that saves very many items at
 //   once puts them in a BulkWrite (propdb.h); each is then as durable as that.
-// - An item whose record is gone gives HRESULT_FROM_WIN32(2) from Save and Delete.
+// - An item whose record is gone gives HRESULT_FROM_WIN32(2) from Save and Delete, also when it was this object that
+//   deleted it.
 //
 // Dates are local times of the device; a date that no calendar has, or that lies before 1601-01-02 or behind
 // 4500-12-31, is refused. 949998.0 (4501-01-01) is "no date" for tasks, birthdays, anniversaries and ends of series.
@@ -117,8 +118,9 @@ struct IPOutlookItem : IDispatch
     /// A whole record; of one occurrence of a series the day alone. An item that was never saved has nothing to delete
     /// and gives S_OK.
     virtual HRESULT Delete() = 0;
-    /// A new item, not saved yet, with all that this one holds, a series with its changed days; PIM_E_SERIES for one
-    /// occurrence. Identities of interchange files stay with the original.
+    /// A new item, not saved yet, with all that this one holds, a series with its changed days, a task at its place in
+    /// its series, and with what else the record says (an icon, a preferred number, properties of other programs);
+    /// PIM_E_SERIES for one occurrence. Identities of interchange files and notifications stay with the original.
     virtual HRESULT Copy(IPOutlookItem **copy) = 0;
 
   protected:
@@ -217,7 +219,9 @@ struct IRecipients : IDispatch
     ~IRecipients() = default;
 };
 
-/// Start and length are what counts: putting the start keeps the length, putting the end changes it.
+/// Start and length are what counts: putting the start keeps the length, putting the end changes it. Putting the start of
+/// a series on a day that its pattern does not name moves the pattern along: a class on Mondays that starts on a Tuesday
+/// is one on Tuesdays. Where the pattern names that day (Mondays and Wednesdays, put on a Wednesday) it stays.
 ///
 /// All-day: whole days, from the day of the start to that of the end, both included (a time of day does not count), so
 /// one day has equal days for start and end. get_End tells the last minute of the last day, get_Duration
@@ -257,9 +261,10 @@ struct IAppointment : IPOutlookItem
     /// olMeeting when there are recipients, olMeetingCanceled after Cancel.
     virtual HRESULT get_MeetingStatus(LONG *status) = 0;
     virtual HRESULT get_Recipients(IRecipients **recipients) = 0;
-    /// Saves, and puts an invitation for the recipients into the outbox (see IFolder). E_INVALIDARG without any.
+    /// Saves, and puts an invitation for the recipients into the outbox (see IFolder). E_INVALIDARG without any; where
+    /// another program has written them it is saved alone, as nobody knows their addresses.
     virtual HRESULT Send() = 0;
-    /// Saves the meeting as cancelled and puts that message into the outbox.
+    /// Saves the meeting as cancelled and puts that message into the outbox. Of one occurrence that day is cancelled.
     virtual HRESULT Cancel() = 0;
 
   protected:
@@ -268,7 +273,8 @@ struct IAppointment : IPOutlookItem
 
 /// Dates are whole days. A task that repeats has the dates of one occurrence at a time: completing it (put_Complete and
 /// Save) moves both on to the next, by as many days, and it reads as not complete; the last one of its series is
-/// completed as any task is.
+/// completed as any task is. A day that another object has completed or passed over meanwhile is not completed or passed
+/// over again.
 struct ITask : IPOutlookItem
 {
     virtual HRESULT get_Subject(BSTR *text) = 0;
@@ -434,7 +440,8 @@ struct IFolder : IDispatch
 /// The door to all of it. Logged on once it has seen the databases; every other call does so by itself.
 struct IPOutlookApp : IDispatch
 {
-    /// Fails when the device has no such databases and they can't be made. The window is not used.
+    /// Fails when the device has no such databases and they can't be made, and with HRESULT_FROM_WIN32(1400) for a window
+    /// that is none. One that is, or null, makes no difference: nothing is asked here.
     virtual HRESULT Logon(HWND window) = 0;
     virtual HRESULT Logoff() = 0;
     virtual HRESULT CreateItem(int kind, IDispatch **item) = 0;

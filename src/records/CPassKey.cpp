@@ -2,14 +2,15 @@
 
 #include "core/CRegistry.h"
 #include "platform/kernel.h"
+#include "platform/shell.h"
 #include "platform/user.h"
 
 namespace
 {
 constexpr const WCHAR *settingsKey = u"Software\\Kelvo\\Zembrik";
-/// Export of the shell's library that takes care of the input panel behind a prompt.
-constexpr const WCHAR *shellExport = u"65";
-constexpr UINT shellArgument = 21;
+/// A prompt may take the shell's parts off the screen; they come back behind it.
+constexpr DWORD allOfTheShell = SHFS_SHOWTASKBAR | SHFS_SHOWSIPBUTTON | SHFS_SHOWSTARTICON;
+static_assert(allOfTheShell == 21);
 
 bool isPasswordWanted()
 {
@@ -37,15 +38,7 @@ bool CPassKey::CheckPass()
     {
         given = reinterpret_cast<Prompt>(prompt)(GetForegroundWindow()) != 0;
     }
-    if (const HMODULE shell = LoadLibraryW(u"AYGSHELL.dll"))
-    {
-        using Panel = void (*)(HWND, UINT);
-        if (void *const panel = GetProcAddressW(shell, shellExport))
-        {
-            reinterpret_cast<Panel>(panel)(GetForegroundWindow(), shellArgument);
-        }
-        FreeLibrary(shell);
-    }
+    SHFullScreen(GetForegroundWindow(), allOfTheShell);
     FreeLibrary(module);
     return given;
 }

@@ -35,6 +35,19 @@ class PimOutbox : public PimObjectsTest
         std::ifstream stream(outbox() / name, std::ios::binary);
         return {std::istreambuf_iterator<char>(stream), {}};
     }
+    /// The first line of a text that begins so, with what it folds to cut off; empty when none does.
+    static std::string lineOf(const std::string &text, const std::string &beginning)
+    {
+        std::istringstream lines(text);
+        for (std::string line; std::getline(lines, line);)
+        {
+            if (line.compare(0, beginning.size(), beginning) == 0)
+            {
+                return line.substr(0, line.find('\r'));
+            }
+        }
+        return {};
+    }
     /// Imports a file of the outbox and gives the record that came of it.
     LONG import(const std::string &name, const WCHAR *database)
     {
@@ -180,10 +193,19 @@ TEST_F(PimOutbox, aContactComesBackFromItsFile)
     contact->put_Anniversary(date(1999, 12, 31));
     contact->put_WebPage(Text(u"https://example.org/"));
     contact->put_Body(Text(u"One\ntwo"));
+    addCategoryRecord(u"Work", 1);
+    contact->put_FileAs(Text(u"The judge"));
+    contact->put_RadioTelephoneNumber(Text(u"555-03"));
+    contact->put_AssistantName(Text(u"Ben"));
+    contact->put_AssistantTelephoneNumber(Text(u"555-04"));
+    contact->put_OfficeLocation(Text(u"Room 7"));
+    contact->put_Spouse(Text(u"Kim"));
+    contact->put_Children(Text(u"Cleo, Dan"));
+    contact->put_Categories(Text(u"Work"));
     ASSERT_EQ(contact->Save(), S_OK);
     EXPECT_EQ(send(olContactItem, contact.get()), S_OK);
     ASSERT_EQ(contact->Delete(), S_OK);
-    const Counted<IContact> copy = itemOf<IContact>(app, import("Berg, Anna.vcf", contactsDatabase));
+    const Counted<IContact> copy = itemOf<IContact>(app, import("The judge.vcf", contactsDatabase));
     ASSERT_TRUE(copy);
     EXPECT_EQ(textOf(copy, &IContact::get_FirstName), "Anna");
     EXPECT_EQ(textOf(copy, &IContact::get_MiddleName), "Maria");
@@ -202,6 +224,14 @@ TEST_F(PimOutbox, aContactComesBackFromItsFile)
     EXPECT_EQ(dateOf(copy, &IContact::get_Anniversary), "1999-12-31 00:00");
     EXPECT_EQ(textOf(copy, &IContact::get_WebPage), "https://example.org/");
     EXPECT_EQ(textOf(copy, &IPOutlookItem::get_Body), "One\r\ntwo");
+    EXPECT_EQ(textOf(copy, &IContact::get_FileAs), "The judge");
+    EXPECT_EQ(textOf(copy, &IContact::get_RadioTelephoneNumber), "555-03");
+    EXPECT_EQ(textOf(copy, &IContact::get_AssistantName), "Ben");
+    EXPECT_EQ(textOf(copy, &IContact::get_AssistantTelephoneNumber), "555-04");
+    EXPECT_EQ(textOf(copy, &IContact::get_OfficeLocation), "Room 7");
+    EXPECT_EQ(textOf(copy, &IContact::get_Spouse), "Kim");
+    EXPECT_EQ(textOf(copy, &IContact::get_Children), "Cleo, Dan");
+    EXPECT_EQ(textOf(copy, &IPOutlookItem::get_Categories), "Work");
 }
 
 TEST_F(PimOutbox, filesNeverTakeEachOthersPlace)
@@ -258,5 +288,64 @@ TEST_F(PimOutbox, aMeetingIsAnInvitationWithItsPeopleAndThenACancellation)
     const std::string cancellation = file("Board (2).ics");
     EXPECT_NE(cancellation.find("METHOD:CANCEL\r\n"), std::string::npos);
     EXPECT_NE(cancellation.find("STATUS:CANCELLED\r\n"), std::string::npos);
+    EXPECT_EQ(lineOf(cancellation, "UID:"), lineOf(invitation, "UID:"));
+    EXPECT_EQ(lineOf(cancellation, "RECURRENCE-ID"), "");
+}
+
+TEST_F(PimOutbox, whatGoesOutKeepsItsIdentityAndNoOtherItemHasIt)
+{
+    std::vector<std::string> identities;
+    for (const WCHAR *subject : {u"One", u"Two"})
+    {
+        const Counted<ITask> task = newItem<ITask>(app);
+        task->put_Subject(Text(subject));
+        EXPECT_EQ(send(olTaskItem, task.get()), S_OK); // not saved yet
+        ASSERT_EQ(task->Save(), S_OK);
+        EXPECT_EQ(send(olTaskItem, task.get()), S_OK);
+        EXPECT_EQ(send(olTaskItem, reread<ITask>(oidOf(task)).get()), S_OK);
+        const std::string name = utf8(subject);
+        identities.push_back(lineOf(file(name + " (2).ics"), "UID:"));
+        EXPECT_EQ(lineOf(file(name + " (3).ics"), "UID:"), identities.back());
+        EXPECT_NE(lineOf(file(name + ".ics"), "UID:"), identities.back());
+        EXPECT_EQ(identities.back().size(), 4U + 3 + 32) << "as long as no other device finds the same by chance";
+        // Taken up by the device that it came from it is the same item.
+        EXPECT_EQ(import(name + " (2).ics", tasksDatabase), 0);
+    }
+    EXPECT_NE(identities[0], identities[1]);
+}
+
+TEST_F(PimOutbox, aDayOfASeriesGoesOutAsThatDay)
+{
+    const Counted<IAppointment> item = newItem<IAppointment>(app);
+    item->put_Subject(Text(u"Class"));
+    item->put_Start(date(2026, 3, 2, 10));
+    Counted<IRecurrencePattern> pattern;
+    item->GetRecurrencePattern(pattern.out());
+    pattern->put_RecurrenceType(olRecursDaily);
+    Counted<IRecipients> people;
+    item->get_Recipients(people.out());
+    Counted<IRecipient> person;
+    people->Add(Text(u"Anna"), person.out());
+    EXPECT_EQ(item->Send(), S_OK);
+    const std::string uid = lineOf(file("Class.ics"), "UID:");
+    Counted<IAppointment> day;
+    ASSERT_EQ(pattern->GetOccurrence(date(2026, 3, 4), day.out()), S_OK);
+    day->put_Start(date(2026, 3, 4, 12));
+    EXPECT_EQ(send(olAppointmentItem, day.get()), S_OK);
+    EXPECT_NE(lineOf(file("Class (2).ics"), "UID:"), uid) << "nobody can know that time yet";
+    ASSERT_EQ(day->Save(), S_OK);
+    EXPECT_EQ(send(olAppointmentItem, day.get()), S_OK);
+    EXPECT_EQ(day->Cancel(), S_OK);
+    for (const char *name : {"Class (3).ics", "Class (4).ics"})
+    {
+        EXPECT_EQ(lineOf(file(name), "UID:"), uid);
+        EXPECT_EQ(lineOf(file(name), "RECURRENCE-ID"), "RECURRENCE-ID:20260304T090000Z") << file(name);
+        EXPECT_EQ(lineOf(file(name), "RRULE"), "");
+    }
+    // Taken up again it takes nothing away from the series.
+    import("Class (3).ics", appointmentsDatabase);
+    EXPECT_EQ(valueOf<VARIANT_BOOL>(itemOf<IAppointment>(app, oidOf(item)), &IAppointment::get_IsRecurring), VARIANT_TRUE);
+    const int third = static_cast<int>(date(2026, 3, 3));
+    EXPECT_EQ(listedTimes(third, third + 4, "Class").size(), 5U);
 }
 } // namespace

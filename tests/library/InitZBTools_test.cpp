@@ -213,6 +213,25 @@ TEST_F(InitZBToolsTest, TheEntryKeepsTheInstanceForReasonOneAlone)
     sharedState().module = own;
 }
 
+TEST_F(InitZBToolsTest, TheEntryReadsTheDataFolderForReasonOneAlone)
+{
+    const HINSTANCE own = sharedState().module;
+    const auto folderOf = [own](DWORD reason)
+    {
+        zb::forgetKelvoDirectory();
+        SetToRegistrySZ(HKEY_CURRENT_USER, u"Software\\Kelvo\\Zembrik", u"Kelvo_Folder", u"\\Before");
+        EXPECT_EQ(ZBToolsEntry(own, reason, nullptr), 1);
+        SetToRegistrySZ(HKEY_CURRENT_USER, u"Software\\Kelvo\\Zembrik", u"Kelvo_Folder", u"\\Behind");
+        return utf8(GetKelvoDirectory());
+    };
+    EXPECT_EQ(folderOf(1), "\\Before");
+    for (const DWORD reason : {0U, 2U, 3U})
+    {
+        EXPECT_EQ(folderOf(reason), "\\Behind") << reason;
+    }
+    zb::forgetKelvoDirectory();
+}
+
 /// Runs only in the process that the test below starts, where there is no ZBResources.
 TEST_F(InitZBToolsTest, DISABLED_WithoutResources)
 {
@@ -228,9 +247,31 @@ TEST_F(InitZBToolsTest, DISABLED_WithoutResources)
     EXPECT_EQ(utf8(text), "");
 }
 
-TEST(InitZBToolsAlone, AMissingResourceLibraryIsToldAndTheStartGoesOn)
+/// Runs only where there is no library that could register the object model, or none that knows how to.
+TEST(OutlookAlone, DISABLED_WithoutRegistration)
 {
-    // This program with its libraries but that one, in a folder of their own beside them.
+    std::vector<std::string> told;
+    zb::DeviceOptions options;
+    options.messageBox = [&told](std::u16string_view text, std::u16string_view, UINT flags)
+    {
+        EXPECT_EQ(flags, 0x40010U);
+        told.push_back(utf8(text));
+        return IDOK;
+    };
+    const zb::test::TestDevice device(options);
+    COutlook outlook;
+    IDispatch *item = nullptr;
+    EXPECT_EQ(outlook.CreateItem(olTaskItem, &item), -1);
+    EXPECT_EQ(item, nullptr);
+    EXPECT_FALSE(outlook.IsOpen());
+    const char *const message = "Failed to register pimstore.DLL. Please make sure its in the \\WINDOWS directory.";
+    EXPECT_EQ(told, std::vector<std::string>{message}) << "and nothing else";
+}
+
+/// Runs a test of this program, which lies with the libraries that it can't do without in a folder of their own beside
+/// all others; `pimstore` is what it finds under that name there.
+void runBare(const std::string &test, const char *pimstore)
+{
     const fs::path program = fs::read_symlink("/proc/self/exe");
     const fs::path folder = program.parent_path() / ("bare-" + std::to_string(getpid()));
     fs::create_directory(folder);
@@ -238,8 +279,12 @@ TEST(InitZBToolsAlone, AMissingResourceLibraryIsToldAndTheStartGoesOn)
     {
         fs::create_hard_link(fs::canonical(file), folder / file.filename());
     }
+    if (pimstore != nullptr)
+    {
+        fs::create_hard_link(fs::canonical(program.parent_path() / pimstore), folder / "libpimstore.so");
+    }
     const std::string command = "GTEST_TOTAL_SHARDS=1 GTEST_SHARD_INDEX=0 '" + (folder / program.filename()).string() +
-                                "' --gtest_also_run_disabled_tests --gtest_filter=*DISABLED_WithoutResources 2>&1";
+                                "' --gtest_also_run_disabled_tests --gtest_filter=*DISABLED_" + test + " 2>&1";
     FILE *const output = popen(command.c_str(), "r");
     ASSERT_NE(output, nullptr);
     std::string said;
@@ -251,5 +296,16 @@ TEST(InitZBToolsAlone, AMissingResourceLibraryIsToldAndTheStartGoesOn)
     fs::remove_all(folder);
     EXPECT_EQ(status, 0) << said;
     EXPECT_NE(said.find("[  PASSED  ] 1 test."), std::string::npos) << said;
+}
+
+TEST(InitZBToolsAlone, AMissingResourceLibraryIsToldAndTheStartGoesOn)
+{
+    runBare("WithoutResources", nullptr);
+}
+
+TEST(InitZBToolsAlone, AnObjectModelThatNobodyCanRegisterIsTold)
+{
+    runBare("WithoutRegistration", nullptr);
+    runBare("WithoutRegistration", "libZBTestModule.so");
 }
 } // namespace

@@ -4,6 +4,7 @@
 #include "support/PropertyRecords.h"
 
 #include <cmath>
+#include <filesystem>
 #include <vector>
 
 namespace
@@ -289,5 +290,80 @@ TEST_F(PimAppointmentObject, aRefusedSaveInsideABulkDoesNotSpoilIt)
     EXPECT_EQ(item->Save(), S_OK);
     EXPECT_TRUE(bulk.commit());
     EXPECT_EQ(valueOf<LONG>(reread<IAppointment>(oid), &IAppointment::get_Duration), 5);
+}
+
+TEST_F(PimAppointmentObject, anAttendeeStaysTheSamePersonWhenAnotherIsRemoved)
+{
+    const Counted<IAppointment> item = saved(date(2026, 3, 4, 10), 60);
+    Counted<IRecipients> people;
+    ASSERT_EQ(item->get_Recipients(people.out()), S_OK);
+    Counted<IRecipient> anna;
+    Counted<IRecipient> ben;
+    Counted<IRecipient> alsoBen;
+    people->Add(Text(u"Anna"), anna.out());
+    people->Add(Text(u"Ben"), ben.out());
+    ASSERT_EQ(people->Item(2, alsoBen.out()), S_OK);
+    ASSERT_EQ(people->Remove(1), S_OK);
+    EXPECT_EQ(textOf(ben, &IRecipient::get_Name), "Ben");
+    EXPECT_EQ(ben->put_Address(Text(u"ben@example.org")), S_OK);
+    BSTR none = nullptr;
+    EXPECT_EQ(anna->get_Name(&none), E_UNEXPECTED);
+    EXPECT_EQ(anna->put_Address(Text(u"x")), E_UNEXPECTED);
+    Counted<IRecipient> only;
+    ASSERT_EQ(people->Item(1, only.out()), S_OK);
+    EXPECT_EQ(textOf(only, &IRecipient::get_Address), "ben@example.org");
+    only->put_Address(Text(u"b@example.org"));
+    EXPECT_EQ(textOf(ben, &IRecipient::get_Address), "b@example.org");
+}
+
+TEST_F(PimAppointmentObject, aMeetingOfAnotherProgramIsSavedThoughNobodyCanBeTold)
+{
+    const LONG oid = oidOf(saved(date(2026, 3, 4, 10), 60));
+    databaseOf(oid).write(static_cast<CEOID>(oid), {blobValue(appointmentAttendees, {9, 9, 9, 9, 9})});
+    const Counted<IAppointment> item = itemOf<IAppointment>(app, oid);
+    item->put_Subject(Text(u"Board"));
+    EXPECT_EQ(item->Send(), S_OK);
+    EXPECT_EQ(textOf(reread<IAppointment>(oid), &IAppointment::get_Subject), "Board");
+    EXPECT_FALSE(std::filesystem::exists(device.files() / "My Documents" / "Outbox"));
+}
+
+TEST_F(PimAppointmentObject, wholeDaysThatWereStoredToTheirMidnightAreAsManyDays)
+{
+    const LONG oid = oidOf(saved(date(2026, 3, 4), 60));
+    for (const auto &[minutes, days] : {std::pair(1440, 1), std::pair(2880, 2), std::pair(1441, 2), std::pair(0, 1)})
+    {
+        const auto start = static_cast<ULONGLONG>(ticksOf(makeFileTime(2026, 3, 4)));
+        databaseOf(oid).write(static_cast<CEOID>(oid),
+                              {timeValue(appointmentStart, start), longValue(appointmentDurationType, 1),
+                               longValue(appointmentDuration, minutes)});
+        const Counted<IAppointment> item = itemOf<IAppointment>(app, oid);
+        EXPECT_EQ(valueOf<LONG>(item, &IAppointment::get_Duration), days * 1440 - 1);
+        item->put_Subject(Text(utf16(std::to_string(minutes))));
+        ASSERT_EQ(item->Save(), S_OK);
+        EXPECT_EQ(storedLong(oid, appointmentDuration), days * 1440 - 1);
+    }
+}
+
+TEST_F(PimAppointmentObject, aCopyHasWhatElseItsOriginalSays)
+{
+    const LONG oid = oidOf(saved(date(2026, 3, 4, 10), 60));
+    const CEPROPID strange = MakePropId(0x7123, CEVT_UI4);
+    databaseOf(oid).write(static_cast<CEOID>(oid), {textValue(itemExtraText, u"cup.bmp"), longValue(strange, 7),
+                                                    textValue(itemInterchangeId, u"uid-1")});
+    Counted<IPOutlookItem> made;
+    ASSERT_EQ(itemOf<IAppointment>(app, oid)->Copy(made.out()), S_OK);
+    Counted<IPOutlookItem> second;
+    ASSERT_EQ(made->Copy(second.out()), S_OK);
+    for (const Counted<IPOutlookItem> &each : {made, second})
+    {
+        ASSERT_EQ(each->Save(), S_OK);
+        const OpenedDatabase database = databaseOf(oidOf(each));
+        database.seek(CEDB_SEEK_CEOID, oidOf(each));
+        const ReadRecord record(database);
+        EXPECT_EQ(record.text(itemSubject), u"Dentist");
+        EXPECT_EQ(record.text(itemExtraText), u"cup.bmp");
+        EXPECT_EQ(record.number(strange), 7);
+        EXPECT_EQ(record.find(itemInterchangeId), nullptr);
+    }
 }
 } // namespace

@@ -251,6 +251,9 @@ TEST_F(PimContactObject, deletedItemsAreGoneForAllObjects)
     EXPECT_EQ(contact->Delete(), S_OK);
     other->put_FirstName(Text(u"Anna"));
     EXPECT_EQ(other->Save(), HRESULT_FROM_WIN32(2));
+    EXPECT_EQ(other->Delete(), HRESULT_FROM_WIN32(2));
+    EXPECT_EQ(contact->Save(), HRESULT_FROM_WIN32(2)) << "what was deleted does not come back by saving it";
+    EXPECT_EQ(contact->Delete(), HRESULT_FROM_WIN32(2));
     Counted<IDispatch> gone;
     EXPECT_EQ(app->GetItemFromOid(oid, gone.out()), HRESULT_FROM_WIN32(2));
     EXPECT_EQ(gone.get(), nullptr);
@@ -262,6 +265,10 @@ TEST_F(PimContactObject, aCopyIsANewItemWithTheSameFields)
     contact->put_LastName(Text(u"Berg"));
     contact->put_Birthday(date(1970, 5, 6));
     ASSERT_EQ(contact->Save(), S_OK);
+    const auto oid = static_cast<CEOID>(oidOf(contact));
+    OpenedDatabase(infoOf(oid).infRecord.oidParent)
+        .write(oid, {longValue(contactPreferredNumber, 0x3a1c001f), textValue(itemInterchangeId, u"uid-1"),
+                     textValue(MakePropId(0x5a02, CEVT_LPWSTR), u"stamp")});
     Counted<IPOutlookItem> made;
     ASSERT_EQ(contact->Copy(made.out()), S_OK);
     EXPECT_EQ(oidOf(made), 0);
@@ -270,6 +277,14 @@ TEST_F(PimContactObject, aCopyIsANewItemWithTheSameFields)
     const Counted<IContact> copy = itemOf<IContact>(app, oidOf(made));
     EXPECT_EQ(textOf(copy, &IContact::get_LastName), "Berg");
     EXPECT_EQ(dateOf(copy, &IContact::get_Birthday), "1970-05-06 00:00");
+    const OpenedDatabase database(infoOf(oid).infRecord.oidParent);
+    database.seek(CEDB_SEEK_CEOID, oidOf(copy));
+    const ReadRecord record(database);
+    EXPECT_EQ(record.number(contactPreferredNumber), 0x3a1c001f);
+    EXPECT_EQ(record.find(itemInterchangeId), nullptr);
+    EXPECT_EQ(record.find(MakePropId(0x5a02, CEVT_LPWSTR)), nullptr);
+    ASSERT_EQ(contact->Delete(), S_OK);
+    EXPECT_EQ(itemOf<IContact>(app, oidOf(copy))->Copy(made.out()), S_OK);
 }
 
 TEST_F(PimContactObject, theClassIsFoundOnlyOnceItIsRegistered)

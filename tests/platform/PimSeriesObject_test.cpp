@@ -5,6 +5,7 @@
 #include "platform/pim_recurrence.h"
 #include "support/PropertyRecords.h"
 
+#include <cmath>
 #include <random>
 #include <vector>
 
@@ -564,5 +565,164 @@ TEST_F(PimSeriesObject, aSeriesOfAnotherZoneKeepsItsZoneWhileItsTimesStay)
     EXPECT_TRUE(ReadRecord(database).bytes(appointmentZone).empty());
     EXPECT_EQ(dateOf(occurrence(oid, date(2026, 3, 16)), &IAppointment::get_Start), "2026-03-16 09:00");
     EXPECT_EQ(dateOf(occurrence(oid, date(2026, 3, 11)), &IAppointment::get_Start), "2026-03-11 17:00");
+}
+
+TEST_F(PimSeriesObject, aDayThatIsSilencedAndDeletedLeavesNothingBehind)
+{
+    // The way in which item windows delete a day.
+    const LONG oid = weeklyClass();
+    const Counted<IAppointment> whole = itemOf<IAppointment>(app, oid);
+    whole->put_ReminderSet(VARIANT_TRUE);
+    ASSERT_EQ(whole->Save(), S_OK);
+    const Counted<IAppointment> day = occurrence(oid, date(2026, 3, 11));
+    EXPECT_EQ(valueOf<VARIANT_BOOL>(day, &IAppointment::get_ReminderSet), VARIANT_TRUE);
+    day->put_ReminderSet(VARIANT_FALSE);
+    ASSERT_EQ(day->Save(), S_OK);
+    ASSERT_EQ(day->Delete(), S_OK);
+    EXPECT_EQ(appointments(), 1U);
+    EXPECT_EQ(stored(oid).deleted, std::vector<DWORD>{minutes(2026, 3, 11)});
+    EXPECT_EQ(valueOf<VARIANT_BOOL>(reread<IAppointment>(oid), &IAppointment::get_ReminderSet), VARIANT_TRUE);
+}
+
+TEST_F(PimSeriesObject, whatIsGoneIsToldAlsoWhenNothingWasChanged)
+{
+    const LONG oid = weeklyClass();
+    const Counted<IAppointment> day = occurrence(oid, date(2026, 3, 11));
+    const Counted<IAppointment> other = occurrence(oid, date(2026, 3, 18));
+    EXPECT_EQ(day->Save(), S_OK);
+    ASSERT_EQ(occurrence(oid, date(2026, 3, 11))->Delete(), S_OK);
+    EXPECT_EQ(day->Save(), PIM_E_NO_OCCURRENCE);
+    EXPECT_EQ(day->Delete(), PIM_E_NO_OCCURRENCE);
+    const Counted<IAppointment> whole = itemOf<IAppointment>(app, oid);
+    ASSERT_EQ(whole->Delete(), S_OK);
+    for (const Counted<IAppointment> &each : {whole, other})
+    {
+        EXPECT_EQ(each->Save(), HRESULT_FROM_WIN32(2));
+        EXPECT_EQ(each->Delete(), HRESULT_FROM_WIN32(2));
+    }
+    EXPECT_EQ(appointments(), 0U);
+}
+
+TEST_F(PimSeriesObject, aSeriesThatIsPutOnAnotherDayTakesItsPatternAlong)
+{
+    struct Row
+    {
+        LONG type, mask, instance;
+        DATE from, to;
+        LONG maskAfter, dayAfter, instanceAfter, monthAfter;
+        const char *first;
+    };
+    const Row rows[] = {
+        // Mondays to Tuesdays, and back over the end of the week.
+        {olRecursWeekly, 2, 0, date(2026, 3, 2, 9), date(2026, 3, 3, 9), 4, 0, 0, 0, "2026-03-03 09:00"},
+        {olRecursWeekly, 2, 0, date(2026, 3, 2, 9), date(2026, 2, 28, 9), 64, 0, 0, 0, "2026-02-28 09:00"},
+        {olRecursWeekly, 10, 0, date(2026, 3, 2, 9), date(2026, 3, 3, 9), 20, 0, 0, 0, "2026-03-03 09:00"},
+        // A day that it has anyway is where it begins.
+        {olRecursWeekly, 10, 0, date(2026, 3, 2, 9), date(2026, 3, 4, 9), 10, 0, 0, 0, "2026-03-04 09:00"},
+        {olRecursMonthly, 0, 0, date(2026, 3, 10, 9), date(2026, 3, 12, 9), 0, 12, 0, 0, "2026-03-12 09:00"},
+        {olRecursMonthly, 0, 0, date(2026, 1, 31, 9), date(2026, 2, 28, 9), 0, 31, 0, 0, "2026-02-28 09:00"},
+        {olRecursYearly, 0, 0, date(2026, 3, 10, 9), date(2026, 4, 9, 9), 0, 9, 0, 4, "2026-04-09 09:00"},
+        // The second Tuesday to the third Thursday; the last Friday to the last Thursday.
+        {olRecursMonthNth, 4, 2, date(2026, 3, 10, 9), date(2026, 3, 19, 9), 16, 0, 3, 0, "2026-03-19 09:00"},
+        {olRecursMonthNth, 32, 5, date(2026, 3, 27, 9), date(2026, 3, 26, 9), 16, 0, 5, 0, "2026-03-26 09:00"},
+        {olRecursYearNth, 2, 1, date(2026, 9, 7, 9), date(2026, 10, 14, 9), 8, 0, 2, 10, "2026-10-14 09:00"},
+        // Working days can't follow: the first one of the month stays the first.
+        {olRecursMonthNth, 62, 1, date(2026, 3, 2, 9), date(2026, 3, 3, 9), 62, 0, 1, 0, "2026-04-01 09:00"},
+        {olRecursDaily, 0, 0, date(2026, 3, 2, 9), date(2026, 3, 3, 11), 0, 0, 0, 0, "2026-03-03 11:00"},
+    };
+    for (const Row &row : rows)
+    {
+        const Counted<IAppointment> item = appointment(row.from, 60);
+        Counted<IRecurrencePattern> pattern = patternOf(item);
+        pattern->put_RecurrenceType(row.type);
+        row.mask != 0 ? pattern->put_DayOfWeekMask(row.mask) : S_OK;
+        row.instance != 0 ? pattern->put_Instance(row.instance) : S_OK;
+        ASSERT_EQ(item->Save(), S_OK);
+        ASSERT_EQ(dateOf(item, &IAppointment::get_Start), text(row.from));
+        const Counted<IAppointment> moved = reread<IAppointment>(oidOf(item));
+        EXPECT_EQ(moved->put_Start(row.to), S_OK);
+        ASSERT_EQ(moved->Save(), S_OK) << row.first;
+        pattern = patternOf(moved);
+        EXPECT_EQ(dateOf(moved, &IAppointment::get_Start), row.first);
+        EXPECT_EQ(valueOf<LONG>(pattern, &IRecurrencePattern::get_RecurrenceType), row.type) << row.first;
+        EXPECT_EQ(valueOf<LONG>(pattern, &IRecurrencePattern::get_DayOfWeekMask), row.maskAfter) << row.first;
+        EXPECT_EQ(valueOf<LONG>(pattern, &IRecurrencePattern::get_DayOfMonth), row.dayAfter) << row.first;
+        EXPECT_EQ(valueOf<LONG>(pattern, &IRecurrencePattern::get_Instance), row.instanceAfter) << row.first;
+        EXPECT_EQ(valueOf<LONG>(pattern, &IRecurrencePattern::get_MonthOfYear), row.monthAfter) << row.first;
+    }
+}
+
+TEST_F(PimSeriesObject, whatWasSaidAboutSingleDaysFollowsThemInTheirWeeksAndMonths)
+{
+    struct Row
+    {
+        LONG type;
+        DATE start, deleted, renamed, late; ///< the last one an hour later
+        DATE to;
+        const char *renamedAfter, *lateAfter;
+        DATE deletedAfter;
+    };
+    const Row rows[] = {
+        {olRecursWeekly, date(2026, 3, 2, 10), date(2026, 3, 9), date(2026, 3, 16), date(2026, 3, 23),
+         date(2026, 3, 3, 9), "2026-03-17 09:00", "2026-03-24 11:00", date(2026, 3, 10)},
+        {olRecursMonthly, date(2026, 3, 10, 10), date(2026, 4, 10), date(2026, 5, 10), date(2026, 6, 10),
+         date(2026, 3, 12, 9), "2026-05-12 09:00", "2026-06-12 11:00", date(2026, 4, 12)},
+        {olRecursYearly, date(2026, 3, 10, 10), date(2027, 3, 10), date(2028, 3, 10), date(2029, 3, 10),
+         date(2026, 3, 12, 9), "2028-03-12 09:00", "2029-03-12 11:00", date(2027, 3, 12)},
+    };
+    for (const Row &row : rows)
+    {
+        const Counted<IAppointment> item = appointment(row.start, 60);
+        patternOf(item)->put_RecurrenceType(row.type);
+        ASSERT_EQ(item->Save(), S_OK);
+        const LONG oid = oidOf(item);
+        EXPECT_EQ(occurrence(oid, row.deleted)->Delete(), S_OK);
+        const Counted<IAppointment> renamed = occurrence(oid, row.renamed);
+        renamed->put_Subject(Text(u"Exam"));
+        ASSERT_EQ(renamed->Save(), S_OK);
+        const Counted<IAppointment> late = occurrence(oid, row.late);
+        late->put_Start(row.late + 11.0 / 24);
+        ASSERT_EQ(late->Save(), S_OK);
+        const Counted<IAppointment> whole = itemOf<IAppointment>(app, oid);
+        whole->put_Start(row.to);
+        ASSERT_EQ(whole->Save(), S_OK);
+        EXPECT_EQ(stored(oid).deleted.size(), 1U);
+        EXPECT_EQ(stored(oid).exceptions.size(), 2U);
+        EXPECT_EQ(find(oid, row.deletedAfter), PIM_E_NO_OCCURRENCE);
+        const double days = std::floor(row.to) - std::floor(row.start);
+        EXPECT_EQ(dateOf(occurrence(oid, row.renamed + days), &IAppointment::get_Start), row.renamedAfter);
+        EXPECT_EQ(textOf(occurrence(oid, row.renamed + days), &IAppointment::get_Subject), "Exam");
+        EXPECT_EQ(dateOf(occurrence(oid, row.late + days), &IAppointment::get_Start), row.lateAfter);
+    }
+}
+
+TEST_F(PimSeriesObject, patternsPeopleAndDaysLiveOnWithoutTheirItem)
+{
+    const LONG oid = weeklyClass();
+    Counted<IAppointment> item = itemOf<IAppointment>(app, oid);
+    const Counted<IRecurrencePattern> pattern = patternOf(item);
+    Counted<IRecipients> people;
+    ASSERT_EQ(item->get_Recipients(people.out()), S_OK);
+    EXPECT_EQ(item->AddRef(), 4U) << "each of the two holds a count of it";
+    EXPECT_EQ(item->Release(), 3U);
+    item.reset();
+    app.reset();
+    Counted<IRecipient> anna;
+    ASSERT_EQ(people->Add(Text(u"Anna"), anna.out()), S_OK);
+    people.reset();
+    EXPECT_EQ(textOf(anna, &IRecipient::get_Name), "Anna");
+    EXPECT_EQ(valueOf<LONG>(pattern, &IRecurrencePattern::get_DayOfWeekMask), 10);
+    Counted<IAppointment> day;
+    ASSERT_EQ(pattern->GetOccurrence(date(2026, 3, 4), day.out()), S_OK);
+    EXPECT_EQ(day->AddRef(), 2U);
+    EXPECT_EQ(day->Release(), 1U);
+    void *same = nullptr;
+    ASSERT_EQ(pattern->QueryInterface(IID_IDispatch, &same), S_OK);
+    EXPECT_EQ(pattern->Release(), 1U);
+    EXPECT_EQ(pattern->QueryInterface(IID_IAppointment, &same), E_NOINTERFACE);
+    EXPECT_EQ(same, nullptr);
+    EXPECT_EQ(pattern->QueryInterface(IID_IDispatch, nullptr), E_POINTER);
+    day->put_Subject(Text(u"Alone"));
+    EXPECT_EQ(day->Save(), S_OK);
 }
 } // namespace

@@ -217,4 +217,79 @@ TEST_F(PimTaskObject, reminderPropertiesOfOthersStay)
     EXPECT_EQ(record.number(handle), 77);
     EXPECT_EQ(record.number(itemReminderMinutes), -480);
 }
+
+TEST_F(PimTaskObject, aCopyStandsWhereItsOriginalDoes)
+{
+    const Counted<ITask> task = recurring(date(2026, 3, 3), 3);
+    ASSERT_EQ(task->SkipRecurrence(), S_OK);
+    const auto oid = static_cast<CEOID>(oidOf(task));
+    OpenedDatabase(infoOf(oid).infRecord.oidParent)
+        .write(oid, {longValue(MakePropId(0x0002, CEVT_I4), 77), longValue(itemReminderMinutes, 480),
+                     textValue(itemExtraText, u"cup.bmp"), textValue(itemInterchangeId, u"uid-1")});
+    Counted<IPOutlookItem> made;
+    ASSERT_EQ(task->Copy(made.out()), S_OK);
+    ASSERT_EQ(made->Save(), S_OK);
+    const Counted<ITask> copy = reread<ITask>(oidOf(made));
+    EXPECT_EQ(dateOf(copy, &ITask::get_DueDate), "2026-03-17 00:00");
+    EXPECT_EQ(dateOf(copy, &ITask::get_StartDate), "2026-03-14 00:00");
+    {
+        const ReadRecord record = recordOf(oidOf(copy));
+        EXPECT_EQ(record.number(itemReminderMinutes), 480);
+        EXPECT_EQ(record.text(itemExtraText), u"cup.bmp");
+        EXPECT_EQ(record.find(MakePropId(0x0002, CEVT_I4)), nullptr) << "the notification is the original's";
+        EXPECT_EQ(record.find(itemInterchangeId), nullptr);
+    }
+    EXPECT_EQ(copy->SkipRecurrence(), S_OK);
+    EXPECT_EQ(copy->SkipRecurrence(), PIM_E_NO_OCCURRENCE) << "two of three were left";
+    copy->put_Complete(VARIANT_TRUE);
+    ASSERT_EQ(copy->Save(), S_OK);
+    device.setClock(makeFileTime(2026, 3, 9, 9));
+    ASSERT_EQ(copy->Copy(made.out()), S_OK);
+    ASSERT_EQ(made->Save(), S_OK);
+    const Counted<ITask> completed = itemOf<ITask>(app, oidOf(made));
+    EXPECT_EQ(valueOf<VARIANT_BOOL>(completed, &ITask::get_Complete), VARIANT_TRUE);
+    EXPECT_EQ(dateOf(completed, &ITask::get_DateCompleted), "2026-03-02 00:00");
+}
+
+TEST_F(PimTaskObject, aDayThatAnotherObjectDealtWithIsNotDealtWithAgain)
+{
+    const LONG oid = oidOf(recurring(date(2026, 3, 3), 0));
+    const Counted<ITask> first = itemOf<ITask>(app, oid);
+    const Counted<ITask> second = itemOf<ITask>(app, oid);
+    const Counted<ITask> third = itemOf<ITask>(app, oid);
+    first->put_Complete(VARIANT_TRUE);
+    ASSERT_EQ(first->Save(), S_OK);
+    second->put_Complete(VARIANT_TRUE);
+    second->put_Importance(olImportanceHigh);
+    ASSERT_EQ(second->Save(), S_OK);
+    EXPECT_EQ(valueOf<LONG>(second, &ITask::get_Importance), olImportanceHigh);
+    EXPECT_EQ(third->SkipRecurrence(), S_OK);
+    for (const Counted<ITask> &each : {second, third, reread<ITask>(oid)})
+    {
+        EXPECT_EQ(dateOf(each, &ITask::get_DueDate), "2026-03-17 00:00");
+        EXPECT_EQ(valueOf<VARIANT_BOOL>(each, &ITask::get_Complete), VARIANT_FALSE);
+    }
+    // Another date is none of its days, so the day that is meant is still to be done.
+    const Counted<ITask> late = itemOf<ITask>(app, oid);
+    const Counted<ITask> dated = itemOf<ITask>(app, oid);
+    dated->put_DueDate(date(2026, 3, 18));
+    ASSERT_EQ(dated->Save(), S_OK);
+    late->put_Complete(VARIANT_TRUE);
+    ASSERT_EQ(late->Save(), S_OK);
+    EXPECT_EQ(dateOf(late, &ITask::get_DueDate), "2026-03-31 00:00");
+}
+
+TEST_F(PimTaskObject, subjectsOfAnyCharactersComeBack)
+{
+    // Scrambled subjects are made of whatever comes: halves of characters, controls, what no text has.
+    const std::u16string scrambled = u"\xD800\x0001\xFFFF\xDC00\xDC01 \xFFFE\x000D\x000A\xFEFF";
+    const Counted<ITask> task = newItem<ITask>(app);
+    task->put_Subject(Text(scrambled));
+    ASSERT_EQ(task->Save(), S_OK);
+    const Counted<ITask> again = reread<ITask>(oidOf(task));
+    BSTR subject = nullptr;
+    ASSERT_EQ(again->get_Subject(&subject), S_OK);
+    EXPECT_TRUE(std::u16string(subject, SysStringLen(subject)) == scrambled);
+    SysFreeString(subject);
+}
 } // namespace

@@ -93,6 +93,33 @@ TEST(RecordProperties, HoldEveryKindOfValueInTheOrderOfSetting)
     }
 }
 
+TEST(RecordProperties, TakeCopiesOfPropertiesOfAnyType)
+{
+    RecordProperties record;
+    {
+        std::u16string text = u"a text";
+        std::vector<BYTE> bytes = {1, 2, 3};
+        CEPROPVAL value{};
+        value.propid = textId;
+        value.val.lpwstr = text.data();
+        record.set(value);
+        value.propid = blobId;
+        value.val.blob = CEBLOB{3, bytes.data()};
+        record.set(value);
+        value.propid = MakePropId(6, CEVT_R8);
+        value.val.dblVal = 1.5;
+        record.set(value);
+        value.propid = MakePropId(7, CEVT_UI2);
+        value.val.uiVal = 0xFFFE;
+        record.set(value);
+    }
+    ASSERT_EQ(record.count(), 4);
+    EXPECT_EQ(textOf(record, textId), "a text");
+    EXPECT_EQ(bytesOf(*valueOf(record, blobId)), (std::vector<BYTE>{1, 2, 3}));
+    EXPECT_EQ(record.values()[2].val.dblVal, 1.5);
+    EXPECT_EQ(record.values()[3].val.uiVal, 0xFFFE);
+}
+
 TEST(RecordProperties, HoldEachPropertyOnce)
 {
     RecordProperties record;

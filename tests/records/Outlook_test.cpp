@@ -4,16 +4,19 @@
 
 #include "core/CRegistry.h"
 #include "platform/PimObjects.h"
+#include "platform/modules.h"
 #include "platform/registry.h"
 #include "platform/user.h"
 #include "records/CategoryNames.h"
 #include "records/FullCategories.h"
 #include "support/CategoryRecords.h"
+#include "support/ScreenWindow.h"
 #include "support/TestDevice.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -131,20 +134,38 @@ TEST_F(OutlookTest, closedItOpensAgainAndItemsLiveOn)
     EXPECT_EQ(outlook.GetItemFromOid(static_cast<ULONG>(oidOf(contact)), again.out()), S_OK);
 }
 
-TEST_F(OutlookTest, aParentThatIsGoneDoesNotMatter)
+TEST_F(OutlookTest, inPlaceOfAParentThatIsGoneTheForegroundWindowIsTaken)
 {
-    WNDCLASSW windowClass{};
-    windowClass.lpfnWndProc = DefWindowProcW;
-    windowClass.lpszClassName = u"OutlookTestParent";
-    RegisterClassW(&windowClass);
-    const HWND parent =
-        CreateWindowExW(0, windowClass.lpszClassName, u"", 0, 0, 0, 0, 0, nullptr, nullptr, nullptr, nullptr);
+    auto parent = std::make_unique<ScreenWindow>(RGB(1, 1, 1), WS_POPUP, 0, 0, 10, 10);
+    const ScreenWindow foreground(RGB(1, 1, 1), WS_POPUP | WS_VISIBLE, 0, 0, 10, 10);
+    const HWND stale = parent->window;
     COutlook outlook;
-    outlook.SetParentWindow(parent);
-    DestroyWindow(parent);
-    UnregisterClassW(windowClass.lpszClassName, nullptr);
+    outlook.SetParentWindow(stale);
+    outlook.Open(nullptr);
+    EXPECT_TRUE(outlook.IsOpen()) << "the parent itself";
+    outlook.Close();
+    parent.reset();
     Counted<IDispatch> item;
     EXPECT_EQ(outlook.CreateItem(olTaskItem, item.out()), S_OK);
+    EXPECT_TRUE(told.empty());
+    // A window that is named is taken as it is: nobody can be logged on for one that is gone.
+    outlook.Open(stale);
+    EXPECT_FALSE(outlook.IsOpen());
+    EXPECT_EQ(told, std::vector<std::string>{"Cannot logon to the Pocket Outlook Database."});
+}
+
+TEST_F(OutlookTest, aLogonThatFailsIsToldAndTheNextRequestTriesAgain)
+{
+    COutlook outlook;
+    outlook.Open(nullptr);
+    const Counted<IPOutlookApp> app = application();
+    EXPECT_EQ(app->Logon(reinterpret_cast<HWND>(0x7777)), HRESULT_FROM_WIN32(1400));
+    outlook.Open(reinterpret_cast<HWND>(0x7777));
+    EXPECT_EQ(told, std::vector<std::string>{"Cannot logon to the Pocket Outlook Database."});
+    EXPECT_FALSE(outlook.IsOpen());
+    Counted<IFolder> folder;
+    EXPECT_EQ(outlook.GetDefaultFolder(olFolderTasks, folder.out()), S_OK);
+    EXPECT_TRUE(outlook.IsOpen());
 }
 
 TEST_F(OutlookTest, aDatabaseThatWasDeletedIsMadeAnewByOpening)
@@ -234,7 +255,20 @@ TEST_F(PassKeyTest, theAnswerOfThePromptCounts)
     setenv("ZB_TEST_PASSWORD", "1", 1);
     EXPECT_TRUE(CPassKey().CheckPass());
     setenv("ZB_TEST_PASSWORD", "0", 1);
+    const ScreenWindow foreground(RGB(1, 1, 1), WS_POPUP | WS_VISIBLE, 0, 0, 10, 10);
+    const HMODULE module = LoadLibraryW(u"cplmain.cpl");
     EXPECT_FALSE(CPassKey().CheckPass());
+    EXPECT_EQ(*static_cast<HWND *>(GetProcAddressW(module, u"zbTestPrompted")), foreground.window);
+    FreeLibrary(module);
     unsetenv("ZB_TEST_PASSWORD");
+}
+
+TEST_F(PassKeyTest, aLibraryThatCannotAskLetsTheItemOpen)
+{
+    require(1);
+    const std::filesystem::path folder = std::filesystem::read_symlink("/proc/self/exe").parent_path();
+    std::filesystem::create_directories(device.files() / "Windows");
+    std::filesystem::copy_file(folder / "libpimstore.so", device.files() / "Windows" / "libcplmain.cpl.so");
+    EXPECT_TRUE(CPassKey().CheckPass());
 }
 } // namespace

@@ -7,6 +7,7 @@
 #include "platform/linux/pim_task_object.h"
 #include "platform/pim_objects.h"
 #include "platform/registry.h"
+#include "platform/user.h"
 
 #include <vector>
 
@@ -178,11 +179,15 @@ class InfraredFolder final : public CountedObject<IFolder>
 class ApplicationObject final : public CountedObject<IPOutlookApp>
 {
   public:
-    HRESULT Logon(HWND) override
+    HRESULT Logon(HWND window) override
     {
         if (deviceGeneration() == 0)
         {
             return HRESULT_FROM_WIN32(ERROR_INVALID_HANDLE);
+        }
+        if (window != nullptr && IsWindow(window) == FALSE)
+        {
+            return HRESULT_FROM_WIN32(ERROR_INVALID_WINDOW_HANDLE);
         }
         // A database that its owner deleted is made anew.
         if (FAILED(openAll()) && !createPimDatabases())

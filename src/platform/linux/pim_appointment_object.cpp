@@ -188,6 +188,7 @@ class AppointmentObject final : public ItemObject<IAppointment, AppointmentValue
     };
     HRESULT onSeries(const std::function<HRESULT(SeriesStep &)> &change, CEOID *own);
     static HRESULT setBlob(const SeriesRecord &series, RecordProperties &properties);
+    HRESULT checkDay() const;
     HRESULT saveDay();
     HRESULT deleteDay();
     HRESULT takeOut(SeriesStep &step, const AppointmentValues &values) const;
@@ -248,9 +249,18 @@ void AppointmentObject::makeWholeDays()
 
 HRESULT AppointmentObject::put_Start(DATE date)
 {
+    const LONGLONG before = times().start;
     times().start = ticksOfDate(date);
     makeWholeDays();
-    return times().start == badTime ? PIM_E_DATE : S_OK;
+    if (times().start == badTime)
+    {
+        return PIM_E_DATE;
+    }
+    if (m_mine.rule && before != badTime)
+    {
+        followStart(*m_mine.rule, dayOfTicks(before), dayOfTicks(times().start));
+    }
+    return S_OK;
 }
 
 HRESULT AppointmentObject::put_End(DATE date)
@@ -412,11 +422,23 @@ HRESULT AppointmentObject::onSeries(const std::function<HRESULT(SeriesStep &)> &
     return bulk.commit() ? S_OK : lastResult();
 }
 
+/// Whether the day is still one of the series.
+HRESULT AppointmentObject::checkDay() const
+{
+    StoredItem record;
+    if (const HRESULT result = m_store->read(kind(), m_oid, record); FAILED(result))
+    {
+        return result;
+    }
+    const std::optional<SeriesRecord> series = SeriesRecord::of(record);
+    return series && series->has(*m_day) ? S_OK : PIM_E_NO_OCCURRENCE;
+}
+
 HRESULT AppointmentObject::saveDay()
 {
     if (m_mine == m_base)
     {
-        return S_OK;
+        return checkDay();
     }
     CEOID own = 0;
     const HRESULT result = onSeries(
@@ -500,35 +522,33 @@ HRESULT AppointmentObject::Copy(IPOutlookItem **copy)
     {
         return PIM_E_SERIES;
     }
-    StoredItem record;
-    const HRESULT result = m_oid == 0 ? S_OK : m_store->read(kind(), m_oid, record);
-    if (FAILED(result))
+    Counted<AppointmentObject> made(new AppointmentObject(m_store, 0, AppointmentValues()));
+    if (const HRESULT result = fillCopy(*made.get()); FAILED(result))
     {
         return result;
     }
-    auto *const made = new AppointmentObject(m_store, 0, AppointmentValues());
-    made->m_mine = m_mine;
-    made->m_names = m_names;
     made->m_copied = m_copied;
-    if (const std::optional<SeriesRecord> series = SeriesRecord::of(record))
+    const std::optional<SeriesRecord> series =
+        made->m_original ? SeriesRecord::of(*made->m_original) : std::nullopt;
+    if (series)
     {
         made->m_copied = series->devicePattern();
     }
-    *copy = made;
+    *copy = given(made);
     return S_OK;
 }
 
 HRESULT AppointmentObject::tellRecipients(bool cancelled)
 {
-    if (m_mine.recipients.empty())
+    if (!hasAttendees())
     {
         return E_INVALIDARG;
     }
     m_mine.cancelled = cancelled;
     const HRESULT result = Save();
-    if (FAILED(result))
+    if (FAILED(result) || m_mine.recipients.empty())
     {
-        return result;
+        return result; // nobody knows where another program's attendees are reached
     }
     OutboxItem item;
     if (const HRESULT made = outboxAppointment(*this, cancelled ? OutboxMethod::Cancel : OutboxMethod::Request, item);

@@ -1,5 +1,6 @@
 #include "platform/linux/pim_appointment_record.h"
 
+#include "platform/linux/civil_date.h"
 #include "platform/linux/pim_dates.h"
 #include "platform/linux/pim_series_days.h"
 
@@ -26,7 +27,7 @@ AppointmentTimes singleTimes(const StoredItem &record)
     }
     const LONGLONG inDay = start % ticksPerDay;
     times.start = start - inDay + (inDay >= lastHourOfDay ? ticksPerDay : 0);
-    times.minutes = times.storedMinutes();
+    times.minutes = wholeDays(times.minutes) * LONGLONG{minutesOfDay} - 1;
     return times;
 }
 
@@ -38,7 +39,7 @@ void takeStoredTimes(AppointmentItem &item, const AppointmentValues &values, con
     item.partOfSeries = record.shortNumber(appointmentRecurringFlag, 0) != 0;
     item.start = fileTimeOf(record.ticks(appointmentStart).value_or(0));
     item.durationMinutes = record.number(appointmentDuration, 0);
-    item.days = std::max<LONG>(0, item.durationMinutes) / minutesOfDay + 1;
+    item.days = wholeDays(item.durationMinutes);
     if (item.allDay && item.recurrence.empty())
     {
         item.start = fileTimeOf(values.times.firstMoment());
@@ -63,10 +64,70 @@ OccurrenceTimes occurrenceTimes(const AppointmentTimes &times)
     return {minuteOfTicks(times.start), static_cast<LONG>(times.minutes), false};
 }
 
+/// Days from the weekdays of one pattern to those of another that has the same ones, each as many days later or
+/// earlier: -3 to 3; 0 when there are none.
+int daysBetween(DWORD from, DWORD to)
+{
+    for (const int days : {1, -1, 2, -2, 3, -3})
+    {
+        if (from != to && rotatedWeekdays(from, days) == to)
+        {
+            return days;
+        }
+    }
+    return 0;
+}
+
+/// Days that are named otherwise, in the same weeks, months or years.
+bool isMovedInside(const RecurrencePattern &old, const RecurrencePattern &pattern)
+{
+    if (old.frequency != pattern.frequency || old.type != pattern.type || old.interval != pattern.interval)
+    {
+        return false;
+    }
+    switch (pattern.type)
+    {
+    case RecurrenceType::Weekdays:
+        return daysBetween(old.weekdays, pattern.weekdays) != 0;
+    case RecurrenceType::DayOfMonth:
+        return old.dayOfMonth != pattern.dayOfMonth || old.month != pattern.month;
+    case RecurrenceType::NthWeekday:
+        return old.weekdays != pattern.weekdays || old.instance != pattern.instance;
+    default:
+        return false;
+    }
+}
+
+/// The day in the place of one of the former pattern's, so that what was said about single days stays with them. Nothing
+/// where there is none.
+std::optional<int> dayInPlaceOf(int day, const RecurrencePattern &old, const RecurrencePattern &pattern)
+{
+    const SeriesDays days(pattern);
+    if (!isMovedInside(old, pattern))
+    {
+        return days.isNear(day) ? std::optional(day) : std::nullopt;
+    }
+    if (pattern.type == RecurrenceType::Weekdays)
+    {
+        const int moved = day + daysBetween(old.weekdays, pattern.weekdays);
+        return days.contains(moved) ? std::optional(moved) : std::nullopt;
+    }
+    const CivilDate date = civilDate(day);
+    const bool yearly = pattern.frequency == RecurrenceFrequency::Yearly;
+    const int month = yearly ? static_cast<int>(pattern.month) : date.month;
+    const int first = dayNumber(date.year, month, 1);
+    const std::optional<int> moved = days.onOrAfter(first);
+    return moved && *moved < first + daysInMonth(date.year, month) ? moved : std::nullopt;
+}
+
 /// A changed day keeps what was changed about it; where only its texts were, its times follow those of the series.
 RecurrenceException carried(RecurrenceException exception, const RecurrencePattern &old, bool wasAllDay,
-                            const RecurrencePattern &pattern, bool isAllDay)
+                            const RecurrencePattern &pattern, bool isAllDay, int moved)
 {
+    const DWORD shift = static_cast<DWORD>(moved * minutesOfDay);
+    exception.originalStart += shift;
+    exception.newStart += shift;
+    exception.newEnd += shift;
     const DWORD day = exception.originalStart - exception.originalStart % minutesOfDay;
     const DWORD length = exception.newEnd - exception.newStart;
     const bool regular = exception.newStart == day + old.startMinute &&
@@ -88,14 +149,19 @@ RecurrenceException carried(RecurrenceException exception, const RecurrencePatte
 
 void carryChanges(const RecurrencePattern &old, bool wasAllDay, RecurrencePattern &pattern, bool isAllDay)
 {
-    const SeriesDays days(pattern);
-    const auto stays = [&](DWORD date) { return days.isNear(static_cast<int>(date / minutesOfDay)); };
-    std::copy_if(old.deleted.begin(), old.deleted.end(), std::back_inserter(pattern.deleted), stays);
+    for (const DWORD date : old.deleted)
+    {
+        if (const std::optional<int> day = dayInPlaceOf(static_cast<int>(date / minutesOfDay), old, pattern))
+        {
+            pattern.deleted.push_back(static_cast<DWORD>(*day * minutesOfDay));
+        }
+    }
     for (const RecurrenceException &exception : old.exceptions)
     {
-        if (stays(exception.originalStart))
+        const auto original = static_cast<int>(exception.originalStart / minutesOfDay);
+        if (const std::optional<int> day = dayInPlaceOf(original, old, pattern))
         {
-            pattern.exceptions.push_back(carried(exception, old, wasAllDay, pattern, isAllDay));
+            pattern.exceptions.push_back(carried(exception, old, wasAllDay, pattern, isAllDay, *day - original));
         }
     }
 }

@@ -80,6 +80,11 @@ LONG AppointmentTimes::storedMinutes() const
     return allDay ? days() * minutesOfDay - 1 : static_cast<LONG>(minutes);
 }
 
+LONG wholeDays(LONGLONG minutes)
+{
+    return static_cast<LONG>(std::max<LONGLONG>(1, (minutes + minutesOfDay - 1) / minutesOfDay));
+}
+
 HRESULT checkAppointment(const AppointmentValues &values)
 {
     const AppointmentTimes &times = values.times;

@@ -35,6 +35,9 @@ struct AppointmentTimes
     LONG storedMinutes() const;
 };
 
+/// Of minutes as records have them, rounded up and at least 1: some programs store n whole days as n x 1,440 minutes.
+LONG wholeDays(LONGLONG minutes);
+
 struct AppointmentValues
 {
     std::u16string subject;

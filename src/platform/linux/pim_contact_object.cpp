@@ -110,12 +110,11 @@ class ContactObject final : public ItemObject<IContact, ContactValues>
         {
             return E_POINTER;
         }
-        auto *const made = new ContactObject(m_store, 0, ContactValues());
-        made->m_mine = m_mine;
+        Counted<ContactObject> made(new ContactObject(m_store, 0, ContactValues()));
+        const HRESULT result = fillCopy(*made.get());
         made->m_mine.item.interchangeId.clear();
-        made->m_names = m_names;
-        *copy = made;
-        return S_OK;
+        *copy = FAILED(result) ? nullptr : given(made);
+        return result;
     }
     HRESULT get_Birthday(DATE *date) override
     {

@@ -1,11 +1,13 @@
 // What all item objects do alike: counts, categories, notes, and the frame of a save.
 //
 // An object holds two states: what the record said when it was read, and what the owner has made of it. A save takes
-// the difference into what the record says by then; see pim_merge.h.
+// the difference into what the record says by then; see pim_merge.h. A copy that was not saved yet holds the record of
+// its original too, since that says more than objects speak of (an icon, the minutes of a task's reminder).
 #pragma once
 
 #include "platform/kernel.h"
 #include "platform/linux/pim_category_names.h"
+#include "platform/linux/pim_further_properties.h"
 #include "platform/linux/pim_store.h"
 #include "platform/pim_objects.h"
 #include "platform/text.h"
@@ -31,6 +33,14 @@ inline HRESULT giveText(const std::u16string &text, BSTR *out)
     }
     *out = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
     return *out == nullptr ? E_OUTOFMEMORY : S_OK;
+}
+
+/// The one count that there is, for the caller of whoever made the object.
+template <typename Object>
+Object *given(const Counted<Object> &made)
+{
+    made->AddRef();
+    return made.get();
 }
 
 /// A text ends at its first zero, as in records.
@@ -179,6 +189,10 @@ class ItemObject : public CountedObject<Interface>
 
     HRESULT Save() override
     {
+        if (m_deleted)
+        {
+            return HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND);
+        }
         takeNames();
         if (const HRESULT result = check(m_mine); FAILED(result))
         {
@@ -190,10 +204,11 @@ class ItemObject : public CountedObject<Interface>
     {
         if (m_oid == 0)
         {
-            return S_OK;
+            return m_deleted ? HRESULT_FROM_WIN32(ERROR_FILE_NOT_FOUND) : S_OK;
         }
         const HRESULT result = deleteStored();
-        m_oid = SUCCEEDED(result) ? 0 : m_oid;
+        m_deleted = SUCCEEDED(result);
+        m_oid = m_deleted ? 0 : m_oid;
         return result;
     }
 
@@ -222,9 +237,28 @@ class ItemObject : public CountedObject<Interface>
         HRESULT result = encode(m_mine, Values(), StoredItem(), properties);
         if (SUCCEEDED(result))
         {
+            if (m_original)
+            {
+                addFurther(*m_original, properties);
+            }
             result = m_store->write(kind(), properties, m_oid);
         }
         return SUCCEEDED(result) ? reload() : result;
+    }
+    /// Gives a new item what this one holds, and what its record says beside that.
+    HRESULT fillCopy(ItemObject &copy) const
+    {
+        copy.m_mine = m_mine;
+        copy.m_names = m_names;
+        copy.m_original = m_original;
+        if (m_oid == 0)
+        {
+            return S_OK;
+        }
+        const auto record = std::make_shared<StoredItem>();
+        const HRESULT result = m_store->read(kind(), m_oid, *record);
+        copy.m_original = record;
+        return result;
     }
     virtual HRESULT saveExisting()
     {
@@ -271,6 +305,7 @@ class ItemObject : public CountedObject<Interface>
         {
             m_base = m_mine = decode(record);
             m_names.reset();
+            m_original.reset();
         }
         return result;
     }
@@ -296,5 +331,7 @@ class ItemObject : public CountedObject<Interface>
     Values m_base;
     Values m_mine;
     std::optional<std::u16string> m_names; ///< as they were put
+    std::shared_ptr<const StoredItem> m_original;
+    bool m_deleted = false; ///< by this object
 };
 } // namespace zb::internal

@@ -113,6 +113,20 @@ void OutboxLines::addText(const std::string &name, const std::u16string &value)
     }
 }
 
+void OutboxLines::addCategories(const std::u16string &names)
+{
+    // The commas between names are the list's own.
+    std::string list = escapedText(names);
+    for (std::size_t at = list.find("\\, "); at != std::string::npos; at = list.find("\\, ", at))
+    {
+        list.replace(at, 3, ",");
+    }
+    if (!list.empty())
+    {
+        add("CATEGORIES:" + list);
+    }
+}
+
 std::string escapedText(const std::u16string &value)
 {
     std::string escaped;

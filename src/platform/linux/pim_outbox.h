@@ -1,5 +1,8 @@
 // Items as files of the outbox: iCalendar for appointments and tasks, vCard for contacts.
 //
+// An item that goes out under no identity of interchange files gets one, which its record keeps: what goes out again is
+// known again by whoever has taken it up, and nobody takes it for an item of another device.
+//
 // Times of series are written without a zone, as the device's clock shows them; other times in UTC.
 #pragma once
 
@@ -23,6 +26,7 @@ struct OutboxItem
     std::string text; ///< UTF-8, lines end with CR LF
 };
 
+/// One day of a series goes out as a change of that day, so that it takes nobody's series away.
 HRESULT outboxAppointment(IAppointment &appointment, OutboxMethod method, OutboxItem &item);
 HRESULT outboxTask(ITask &task, OutboxItem &item);
 HRESULT outboxContact(IContact &contact, OutboxItem &item);

@@ -7,7 +7,10 @@
 #include "platform/linux/pim_outbox_lines.h"
 #include "platform/linux/pim_series_record.h"
 
+#include <algorithm>
 #include <array>
+#include <cstdio>
+#include <random>
 
 namespace zb::internal
 {
@@ -154,20 +157,6 @@ void addStatus(OutboxLines &lines, LONG busy)
     lines.add(std::string("X-MICROSOFT-CDO-BUSYSTATUS:") + status);
 }
 
-void addCategories(OutboxLines &lines, const std::u16string &names)
-{
-    // The commas between names are the list's own.
-    std::string list = escapedText(names);
-    for (std::size_t at = list.find("\\, "); at != std::string::npos; at = list.find("\\, ", at))
-    {
-        list.replace(at, 3, ",");
-    }
-    if (!list.empty())
-    {
-        lines.add("CATEGORIES:" + list);
-    }
-}
-
 void addPeople(OutboxLines &lines, IAppointment &item)
 {
     Counted<IRecipients> people;
@@ -195,7 +184,7 @@ void addPlain(OutboxLines &lines, IAppointment &item)
     lines.addText("SUMMARY", textFrom(item, &IAppointment::get_Subject));
     lines.addText("LOCATION", textFrom(item, &IAppointment::get_Location));
     lines.addText("DESCRIPTION", textFrom<IPOutlookItem>(item, &IPOutlookItem::get_Body));
-    addCategories(lines, textFrom<IPOutlookItem>(item, &IPOutlookItem::get_Categories));
+    lines.addCategories(textFrom<IPOutlookItem>(item, &IPOutlookItem::get_Categories));
     addStatus(lines, valueFrom(item, &IAppointment::get_BusyStatus));
     lines.add(valueFrom(item, &IAppointment::get_Sensitivity) == olNormal ? "CLASS:PUBLIC" : "CLASS:PRIVATE");
     if (valueFrom(item, &IAppointment::get_ReminderSet) != VARIANT_FALSE)
@@ -209,10 +198,81 @@ void addPlain(OutboxLines &lines, IAppointment &item)
     }
 }
 
-std::string identityOf(LONG oid, const StoredItem &record)
+std::u16string newIdentity()
 {
-    const std::u16string known = record.text(itemInterchangeId);
-    return known.empty() ? "zb-" + std::to_string(oid) : toUtf8(known.substr(0, known.find(u'\n')));
+    std::random_device device;
+    std::string text = "zb-";
+    for (int n = 0; n < 4; ++n)
+    {
+        char part[16];
+        std::snprintf(part, sizeof part, "%08x", static_cast<unsigned>(device()));
+        text += part;
+    }
+    return toUtf16(text);
+}
+
+/// How others know an item.
+struct Identity
+{
+    std::string uid;
+    std::string day; ///< of a series, as in interchange ids; empty: all of it
+};
+
+Identity identityFrom(const std::u16string &id)
+{
+    const std::size_t end = std::min(id.find(u'\n'), id.size());
+    return {toUtf8(id.substr(0, end)), toUtf8(id.substr(std::min(end + 1, id.size())))};
+}
+
+/// That of the record, which gets one where it lacks it; an item without a record has one for this time alone.
+HRESULT identityOf(PimKind kind, LONG oid, const StoredItem &record, Identity &identity)
+{
+    std::u16string id = record.text(itemInterchangeId);
+    if (id.empty())
+    {
+        id = newIdentity();
+        RecordProperties properties;
+        properties.set(itemInterchangeId, id);
+        auto written = static_cast<CEOID>(oid);
+        if (const HRESULT result = oid == 0 ? S_OK : PimStore().write(kind, properties, written); FAILED(result))
+        {
+            return result;
+        }
+    }
+    identity = identityFrom(id);
+    return S_OK;
+}
+
+bool isDayOfSeries(IAppointment &item)
+{
+    Counted<IRecurrencePattern> pattern;
+    return item.GetRecurrencePattern(pattern.out()) == PIM_E_SERIES;
+}
+
+/// An occurrence whose start was put and not saved is none of its series that others could know.
+HRESULT identityOfDay(LONG oid, const StoredItem &record, LONGLONG start, Identity &identity)
+{
+    const std::optional<SeriesRecord> series = SeriesRecord::of(record);
+    const std::optional<int> day = series ? series->find(start) : std::nullopt;
+    if (!day || series->valuesOf(*day).times.firstMoment() != start)
+    {
+        identity = identityFrom(newIdentity());
+        return S_OK;
+    }
+    const HRESULT result = identityOf(PimKind::Appointment, oid, record, identity);
+    identity.day = toUtf8(dayIdentity(series->originalStart(*day), series->series().times.allDay));
+    return result;
+}
+
+void addIdentity(OutboxLines &lines, const Identity &identity)
+{
+    constexpr std::size_t wholeDay = 8;
+    lines.add("UID:" + escapedText(toUtf16(identity.uid)));
+    if (!identity.day.empty())
+    {
+        lines.add((identity.day.size() == wholeDay ? "RECURRENCE-ID;VALUE=DATE:" : "RECURRENCE-ID:") + identity.day);
+    }
+    lines.add("DTSTAMP:" + nowText());
 }
 
 void addDeleted(const TimeWriter &times, const SeriesRecord &series, const RecurrencePattern &pattern)
@@ -225,7 +285,7 @@ void addDeleted(const TimeWriter &times, const SeriesRecord &series, const Recur
     }
 }
 
-void addChanged(OutboxLines &lines, const TimeWriter &times, const SeriesRecord &series, const std::string &identity)
+void addChanged(OutboxLines &lines, const TimeWriter &times, const SeriesRecord &series, const Identity &identity)
 {
     const bool wholeDays = series.series().times.allDay;
     for (const RecurrenceException &exception : series.devicePattern().exceptions)
@@ -236,8 +296,7 @@ void addChanged(OutboxLines &lines, const TimeWriter &times, const SeriesRecord 
                                       exception.allDay.value_or(wholeDays), false};
         const AppointmentValues &own = series.series();
         lines.add("BEGIN:VEVENT");
-        lines.add("UID:" + identity);
-        lines.add("DTSTAMP:" + nowText());
+        addIdentity(lines, identity);
         times.moment("RECURRENCE-ID", original, wholeDays);
         times.span(spanOf);
         lines.addText("SUMMARY", exception.subject.value_or(own.subject));
@@ -292,13 +351,18 @@ HRESULT outboxAppointment(IAppointment &item, OutboxMethod method, OutboxItem &m
     readRecord(PimKind::Appointment, oid, record);
     const bool recurring = valueFrom(item, &IAppointment::get_IsRecurring) != VARIANT_FALSE;
     const std::optional<SeriesRecord> series = recurring ? SeriesRecord::of(record) : std::nullopt;
-    const std::string identity = identityOf(oid, record);
+    Identity identity;
+    if (const HRESULT result = isDayOfSeries(item) ? identityOfDay(oid, record, span.start, identity)
+                                                   : identityOf(PimKind::Appointment, oid, record, identity);
+        FAILED(result))
+    {
+        return result;
+    }
     OutboxLines lines;
     const TimeWriter times(lines, recurring);
     begin(lines, method == OutboxMethod::Request ? "REQUEST" : method == OutboxMethod::Cancel ? "CANCEL" : "PUBLISH");
     lines.add("BEGIN:VEVENT");
-    lines.add("UID:" + identity);
-    lines.add("DTSTAMP:" + nowText());
+    addIdentity(lines, identity);
     times.span(span);
     if (recurring)
     {
@@ -325,11 +389,15 @@ HRESULT outboxTask(ITask &task, OutboxItem &made)
     StoredItem record;
     const LONG oid = valueFrom<LONG, IPOutlookItem>(task, &IPOutlookItem::get_Oid);
     readRecord(PimKind::Task, oid, record);
+    Identity identity;
+    if (const HRESULT result = identityOf(PimKind::Task, oid, record, identity); FAILED(result))
+    {
+        return result;
+    }
     OutboxLines lines;
     begin(lines, "PUBLISH");
     lines.add("BEGIN:VTODO");
-    lines.add("UID:" + identityOf(oid, record));
-    lines.add("DTSTAMP:" + nowText());
+    addIdentity(lines, identity);
     for (const auto &[name, date] : {std::pair("DTSTART", valueFrom(task, &ITask::get_StartDate)),
                                      std::pair("DUE", valueFrom(task, &ITask::get_DueDate))})
     {
@@ -341,7 +409,7 @@ HRESULT outboxTask(ITask &task, OutboxItem &made)
     const LONG importance = valueFrom(task, &ITask::get_Importance);
     lines.addText("SUMMARY", textFrom(task, &ITask::get_Subject));
     lines.addText("DESCRIPTION", textFrom<IPOutlookItem>(task, &IPOutlookItem::get_Body));
-    addCategories(lines, textFrom<IPOutlookItem>(task, &IPOutlookItem::get_Categories));
+    lines.addCategories(textFrom<IPOutlookItem>(task, &IPOutlookItem::get_Categories));
     lines.add(importance == olImportanceHigh  ? "PRIORITY:1"
               : importance == olImportanceLow ? "PRIORITY:9"
                                               : "PRIORITY:5");

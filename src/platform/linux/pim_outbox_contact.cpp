@@ -59,7 +59,15 @@ constexpr std::array fields{
     Field{"TEL;TYPE=HOME,FAX", &IContact::get_HomeFaxNumber},
     Field{"TEL;TYPE=CELL", &IContact::get_MobileTelephoneNumber},
     Field{"TEL;TYPE=CAR", &IContact::get_CarTelephoneNumber},
+    Field{"TEL;TYPE=RADIO", &IContact::get_RadioTelephoneNumber},
     Field{"TEL;TYPE=PAGER", &IContact::get_PagerNumber},
+    // What the format has no word for, under the names that our import knows.
+    Field{"X-ASSISTANT-PHONE", &IContact::get_AssistantTelephoneNumber},
+    Field{"X-FILE-AS", &IContact::get_FileAs},
+    Field{"X-OFFICE", &IContact::get_OfficeLocation},
+    Field{"X-ASSISTANT", &IContact::get_AssistantName},
+    Field{"X-SPOUSE", &IContact::get_Spouse},
+    Field{"X-CHILDREN", &IContact::get_Children},
 };
 
 void addDay(OutboxLines &lines, const char *name, DATE date)
@@ -108,6 +116,10 @@ HRESULT outboxContact(IContact &contact, OutboxItem &made)
     contact.get_Anniversary(&anniversary);
     addDay(lines, "BDAY", birthday);
     addDay(lines, "X-ANNIVERSARY", anniversary);
+    BSTR categories = nullptr;
+    contact.get_Categories(&categories);
+    lines.addCategories(textOf(categories));
+    SysFreeString(categories);
     BSTR notes = nullptr;
     contact.get_Body(&notes);
     lines.addText("NOTE", textOf(notes));

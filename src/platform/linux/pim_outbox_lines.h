@@ -15,6 +15,8 @@ class OutboxLines
     void add(const std::string &line);
     /// NAME:value, escaped; nothing for an empty value.
     void addText(const std::string &name, const std::u16string &value);
+    /// CATEGORIES of names with ", " between; nothing for none.
+    void addCategories(const std::u16string &names);
     const std::string &text() const
     {
         return m_text;

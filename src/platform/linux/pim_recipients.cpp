@@ -2,15 +2,19 @@
 
 #include "platform/linux/pim_item.h"
 
+#include <algorithm>
+
 namespace zb::internal
 {
 namespace
 {
-/// The attendee at a place; one that was removed meanwhile is refused, or another has moved up to its place.
+/// One attendee, known by name and address: others may be removed in front of it meanwhile. One that was removed
+/// itself is refused.
 class RecipientObject final : public CountedObject<IRecipient>
 {
   public:
-    RecipientObject(RecipientsOwner &owner, std::size_t place) : m_owner(owner), m_place(place)
+    RecipientObject(RecipientsOwner &owner, std::size_t place)
+        : m_owner(owner), m_place(place), m_known(owner.recipientsOfItem()[place])
     {
         m_owner.recipientsItem().AddRef();
     }
@@ -32,6 +36,7 @@ class RecipientObject final : public CountedObject<IRecipient>
             return E_UNEXPECTED;
         }
         own->address = storedText(address);
+        m_known = *own;
         return S_OK;
     }
 
@@ -40,14 +45,27 @@ class RecipientObject final : public CountedObject<IRecipient>
     {
         m_owner.recipientsItem().Release();
     }
+    /// Where it was, else where one like it is; else another object gave it its address.
     Recipient *recipient()
     {
         std::vector<Recipient> &all = m_owner.recipientsOfItem();
-        return m_place < all.size() ? &all[m_place] : nullptr;
+        const auto moved = std::find(all.begin(), all.end(), m_known);
+        const bool isThere = m_place < all.size() && all[m_place].name == m_known.name;
+        if (moved != all.end() && !(isThere && all[m_place] == m_known))
+        {
+            m_place = static_cast<std::size_t>(moved - all.begin());
+        }
+        else if (!isThere)
+        {
+            return nullptr;
+        }
+        m_known = all[m_place];
+        return &all[m_place];
     }
 
     RecipientsOwner &m_owner;
     std::size_t m_place;
+    Recipient m_known;
 };
 
 class RecipientsObject final : public CountedObject<IRecipients>

@@ -72,6 +72,22 @@ void RecordProperties::set(CEPROPID id, std::vector<BYTE> value)
     m_state->values[at].val.blob = CEBLOB{static_cast<DWORD>(bytes.size()), bytes.data()};
 }
 
+void RecordProperties::set(const CEPROPVAL &value)
+{
+    switch (TypeFromPropID(value.propid))
+    {
+    case CEVT_LPWSTR:
+        set(value.propid, value.val.lpwstr == nullptr ? std::u16string() : std::u16string(value.val.lpwstr));
+        break;
+    case CEVT_BLOB:
+        set(value.propid, std::vector<BYTE>(value.val.blob.lpb, value.val.blob.lpb + value.val.blob.dwCount));
+        break;
+    default:
+        m_state->values[m_state->place(value.propid)].val = value.val;
+        break;
+    }
+}
+
 void RecordProperties::remove(CEPROPID id)
 {
     m_state->values[m_state->place(id)].wFlags = CEDB_PROPDELETE;

@@ -26,24 +26,6 @@ DWORD minutesOfWall(LONGLONG wall)
     return static_cast<DWORD>(wall / ticksPerMinute);
 }
 
-LONG wholeDays(LONGLONG minutes)
-{
-    return std::max<LONG>(1, static_cast<LONG>((minutes + minutesOfDay - 1) / minutesOfDay));
-}
-
-/// A mask of weekdays, each `days` later.
-DWORD rotated(DWORD weekdays, int days)
-{
-    DWORD result = 0;
-    for (int day = 0; day < 7; ++day)
-    {
-        if ((weekdays >> static_cast<unsigned>(day) & 1U) != 0)
-        {
-            result |= 1U << static_cast<unsigned>((day + days + 7) % 7);
-        }
-    }
-    return result;
-}
 } // namespace
 
 std::optional<SeriesRecord> SeriesRecord::of(const StoredItem &record)
@@ -131,7 +113,7 @@ RecurrencePattern SeriesRecord::devicePattern() const
     pattern.lastDate = pattern.lastDate < endlessSeriesDate ? moved(pattern.lastDate) : pattern.lastDate;
     pattern.startMinute = static_cast<DWORD>(minuteOfTicks(times.start));
     pattern.endMinute = pattern.startMinute + static_cast<DWORD>(times.minutes);
-    pattern.weekdays = rotated(pattern.weekdays, shift);
+    pattern.weekdays = rotatedWeekdays(pattern.weekdays, shift);
     pattern.dayOfMonth = static_cast<DWORD>(std::clamp(static_cast<int>(pattern.dayOfMonth) + shift, 1, 31));
     std::transform(pattern.deleted.begin(), pattern.deleted.end(), pattern.deleted.begin(), moved);
     for (RecurrenceException &exception : pattern.exceptions)

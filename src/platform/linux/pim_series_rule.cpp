@@ -207,6 +207,67 @@ HRESULT patternOf(const SeriesRule &rule, int startDay, const OccurrenceTimes &t
     return S_OK;
 }
 
+namespace
+{
+/// Whether a series that began there would have that day itself.
+bool canBegin(SeriesRule rule, int day)
+{
+    rule.end = RecurrenceEnd::Never;
+    RecurrencePattern pattern;
+    return SUCCEEDED(patternOf(rule, day, {0, 0, true}, pattern)) &&
+           static_cast<int>(pattern.firstDate / minutesOfDay) == day;
+}
+
+void followNth(SeriesRule &rule, int to)
+{
+    const CivilDate date = civilDate(to);
+    const bool single = rule.weekdays && (*rule.weekdays & (*rule.weekdays - 1)) == 0;
+    if (!single)
+    {
+        return;
+    }
+    const bool inLastWeek = date.day + 7 > daysInMonth(date.year, date.month);
+    const bool last = rule.instance == lastInstance && inLastWeek;
+    rule.weekdays = bitOf(to);
+    rule.instance = last ? lastInstance : (date.day - 1) / 7 + 1;
+    rule.month = rule.month ? std::optional<LONG>(date.month) : std::nullopt;
+}
+} // namespace
+
+DWORD rotatedWeekdays(DWORD weekdays, int days)
+{
+    DWORD result = 0;
+    for (int day = 0; day < 7; ++day)
+    {
+        const bool isIn = (weekdays >> static_cast<unsigned>(day) & 1U) != 0;
+        result |= isIn ? 1U << static_cast<unsigned>((day + days % 7 + 7) % 7) : 0U;
+    }
+    return result;
+}
+
+void followStart(SeriesRule &rule, int from, int to)
+{
+    if (from == to || !canBegin(rule, from) || canBegin(rule, to))
+    {
+        return;
+    }
+    const CivilDate date = civilDate(to);
+    if (rule.type == olRecursWeekly)
+    {
+        const auto former = static_cast<DWORD>(rule.weekdays.value_or(bitOf(from)));
+        rule.weekdays = static_cast<LONG>(rotatedWeekdays(former, to - from));
+    }
+    else if (isByDay(rule.type))
+    {
+        rule.dayOfMonth = date.day;
+        rule.month = rule.month ? std::optional<LONG>(date.month) : std::nullopt;
+    }
+    else
+    {
+        followNth(rule, to);
+    }
+}
+
 SeriesRule ruleOf(const RecurrencePattern &pattern)
 {
     SeriesRule rule;

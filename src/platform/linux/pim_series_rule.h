@@ -44,6 +44,14 @@ struct OccurrenceTimes
 /// weekly on all days, since lists find all their days then. The codes of PIM_E_ for what is not valid.
 HRESULT patternOf(const SeriesRule &rule, int startDay, const OccurrenceTimes &times, RecurrencePattern &pattern);
 
+/// What is told about days follows the start of the series to another day, where that is none of the rule's and the
+/// former one was: Mondays and Wednesdays become Tuesdays and Thursdays, the 10th of a month the 12th, the last Friday
+/// the last Thursday. Days that are counted together (the first working day) stay.
+void followStart(SeriesRule &rule, int from, int to);
+
+/// A mask of weekdays, each `days` later; below 0 earlier.
+DWORD rotatedWeekdays(DWORD weekdays, int days);
+
 /// The way back.
 SeriesRule ruleOf(const RecurrencePattern &pattern);
 /// The last day of a series; nothing without end.

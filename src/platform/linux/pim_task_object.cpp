@@ -155,11 +155,11 @@ class TaskObject final : public ItemObject<ITask, TaskValues>, private PatternOw
         {
             return E_POINTER;
         }
-        auto *const made = new TaskObject(m_store, 0, TaskValues());
-        made->m_mine = m_mine;
-        made->m_names = m_names;
-        *copy = made;
-        return S_OK;
+        Counted<TaskObject> made(new TaskObject(m_store, 0, TaskValues()));
+        const HRESULT result = fillCopy(*made.get());
+        made->m_copied = m_oid != 0 ? std::optional(m_base) : m_copied;
+        *copy = FAILED(result) ? nullptr : given(made);
+        return result;
     }
     HRESULT get_Subject(BSTR *text) override
     {
@@ -273,14 +273,18 @@ class TaskObject final : public ItemObject<ITask, TaskValues>, private PatternOw
     }
     void merge(TaskValues &fresh) const override
     {
+        const bool wasComplete = fresh.complete;
+        const bool movedOn = hasMovedOn(fresh);
         using V = TaskValues;
         takeChanged(fresh, m_base, m_mine, &V::subject, &V::start, &V::due, &V::complete, &V::importance,
                     &V::sensitivity, &V::reminder, &V::team, &V::notes, &V::categories, &V::rule, &V::patternStart);
+        fresh.complete = movedOn ? wasComplete : fresh.complete; // the day that this object means is done already
     }
     HRESULT encode(const TaskValues &values, const TaskValues &before, const StoredItem &record,
                    RecordProperties &properties) override;
 
   private:
+    bool hasMovedOn(const TaskValues &fresh) const;
     static HRESULT alignedPattern(TaskValues &values, const TaskValues &before,
                                   std::optional<RecurrencePattern> &pattern);
     static void complete(TaskValues &values, const TaskValues &before, const std::optional<RecurrencePattern> &pattern);
@@ -321,6 +325,8 @@ class TaskObject final : public ItemObject<ITask, TaskValues>, private PatternOw
     {
         return E_NOTIMPL;
     }
+
+    std::optional<TaskValues> m_copied; ///< a copy that was not saved yet: what the record of its original said
 };
 
 HRESULT TaskObject::check(const TaskValues &values) const
@@ -336,6 +342,20 @@ HRESULT TaskObject::check(const TaskValues &values) const
     const bool known = values.importance >= olImportanceLow && values.importance <= olImportanceHigh &&
                        (values.sensitivity == olNormal || values.sensitivity == olPrivate);
     return known ? S_OK : E_INVALIDARG;
+}
+
+/// Whether another object has taken the task on to a later day of its series since this one read it.
+bool TaskObject::hasMovedOn(const TaskValues &fresh) const
+{
+    RecurrencePattern pattern;
+    if (!m_base.rule || fresh.rule != m_base.rule || fresh.patternStart != m_base.patternStart ||
+        m_base.anchor() == noDay || fresh.anchor() <= m_base.anchor() ||
+        FAILED(internal::patternOf(*fresh.rule, fresh.patternStart, {0, 0, true}, pattern)))
+    {
+        return false;
+    }
+    const SeriesDays days(pattern);
+    return days.contains(m_base.anchor()) && days.contains(fresh.anchor());
 }
 
 /// The pattern of a new or changed rule; the task's date moves to the first day that it names.
@@ -384,17 +404,19 @@ HRESULT TaskObject::encode(const TaskValues &values, const TaskValues &before, c
                            RecordProperties &properties)
 {
     TaskValues saved = values;
+    // A copy is where its original is: neither back on the first day of its series nor completed today.
+    const TaskValues &known = m_copied && record.count() == 0 ? *m_copied : before;
     std::optional<RecurrencePattern> pattern = patternOf(record);
     const bool newRule =
         saved.rule && (record.count() == 0 || saved.rule != before.rule || saved.patternStart != before.patternStart);
     if (newRule)
     {
-        if (const HRESULT result = alignedPattern(saved, before, pattern); FAILED(result))
+        if (const HRESULT result = alignedPattern(saved, known, pattern); FAILED(result))
         {
             return result;
         }
     }
-    complete(saved, before, saved.rule ? pattern : std::nullopt);
+    complete(saved, known, saved.rule ? pattern : std::nullopt);
     TaskItem item;
     item.subject = saved.subject;
     item.interchangeId = record.text(itemInterchangeId);
@@ -448,6 +470,11 @@ HRESULT TaskObject::SkipRecurrence()
     const std::optional<RecurrencePattern> pattern = SUCCEEDED(result) ? patternOf(record) : std::nullopt;
     TaskValues values = SUCCEEDED(result) ? valuesOf(record) : TaskValues();
     const TaskValues before = values;
+    if (SUCCEEDED(result) && pattern && hasMovedOn(values))
+    {
+        bulk.commit();
+        return reload(); // the day that this object means is passed over already
+    }
     if (SUCCEEDED(result) && (!pattern || values.anchor() == noDay || !rollOn(values, *pattern)))
     {
         result = PIM_E_NO_OCCURRENCE;
