@@ -148,6 +148,7 @@ int runDone(const DoneArguments &arguments)
     task->get_DueDate(&due);
     const std::string dueText = isoText(due, false);
     const bool movedOn = !arguments.undo && isComplete == VARIANT_FALSE;
+    const std::string again = due == PIM_NO_DATE ? "starts again " : "is due again ";
     Output output;
     if (arguments.json)
     {
@@ -159,7 +160,7 @@ int runDone(const DoneArguments &arguments)
     }
     else
     {
-        output.line(movedOn ? "\"" + title + "\" is due again " + dueText
+        output.line(movedOn ? "\"" + title + "\" " + again + isoText(dayOfTask(*task.get()), false)
                             : "\"" + title + "\" is " + (isComplete != VARIANT_FALSE ? "completed" : "open"));
     }
     return output.finish() ? exitOk : exitOutput;

@@ -180,6 +180,17 @@ TEST_F(ZbEditTest, aDayAndAllLaterOnesBecomeASeriesOfTheirOwn)
     }
 }
 
+TEST_F(ZbEditTest, aSeriesMovesToAnotherDayWithWhatWasChanged)
+{
+    const std::string id = add({"event", "Class", "--start", "2026-03-02 18:00", "--repeat", "weekly", "--times", "4"});
+    zb({"delete", id, "--day", "2026-03-16"});
+    edit({"event", id, "--occurrence", "2026-03-09", "--subject", "Exam"});
+    edit({"event", id, "--start", "2026-03-03"});
+    EXPECT_EQ(agenda("2026-03-01", "2026-03-31"),
+              (Words{"2026-03-03T18:00 to 19:00 Class", "2026-03-10T18:00 to 19:00 Exam",
+                     "2026-03-24T18:00 to 19:00 Class"}));
+}
+
 TEST_F(ZbEditTest, followingFromAMovedDayIsRefusedAndChangesNothing)
 {
     const std::string id = add({"event", "Class", "--start", "2026-03-02 18:00", "--repeat", "weekly", "--times", "3"});

@@ -100,6 +100,9 @@ TEST_F(ZbItemsTest, aDoneTaskIsCompletedAndARepeatingOneMovesOn)
         std::to_string(add({"task", "Water", "--due", "2026-03-03", "--repeat", "weekly", "--until", "2026-03-10"}));
     EXPECT_EQ(zb({"done", again}, now()).out, "\"Water\" is due again 2026-03-10\n");
     EXPECT_EQ(zb({"done", again}, now()).out, "\"Water\" is completed\n");
+    const std::string begun =
+        std::to_string(add({"task", "Sow", "--start", "2026-03-03", "--repeat", "monthly"}));
+    EXPECT_EQ(zb({"done", begun}, now()).out, "\"Sow\" starts again 2026-04-03\n");
     const std::string undated = std::to_string(add({"task", "Some day"}));
     EXPECT_TRUE(json({"done", undated, "--json"}, now())["due"].is_null());
     refusal({"done", "999999"}, 2);

@@ -24,6 +24,7 @@ namespace
 {
 using namespace zb;
 using namespace zb::test;
+using TestWindow = zb::test::ScreenWindow;
 
 class OutlookTest : public ::testing::Test
 {
@@ -136,8 +137,8 @@ TEST_F(OutlookTest, closedItOpensAgainAndItemsLiveOn)
 
 TEST_F(OutlookTest, inPlaceOfAParentThatIsGoneTheForegroundWindowIsTaken)
 {
-    auto parent = std::make_unique<ScreenWindow>(RGB(1, 1, 1), WS_POPUP, 0, 0, 10, 10);
-    const ScreenWindow foreground(RGB(1, 1, 1), WS_POPUP | WS_VISIBLE, 0, 0, 10, 10);
+    auto parent = std::make_unique<TestWindow>(RGB(1, 1, 1), WS_POPUP, 0, 0, 10, 10);
+    const TestWindow foreground(RGB(1, 1, 1), WS_POPUP | WS_VISIBLE, 0, 0, 10, 10);
     const HWND stale = parent->window;
     COutlook outlook;
     outlook.SetParentWindow(stale);
@@ -255,7 +256,7 @@ TEST_F(PassKeyTest, theAnswerOfThePromptCounts)
     setenv("ZB_TEST_PASSWORD", "1", 1);
     EXPECT_TRUE(CPassKey().CheckPass());
     setenv("ZB_TEST_PASSWORD", "0", 1);
-    const ScreenWindow foreground(RGB(1, 1, 1), WS_POPUP | WS_VISIBLE, 0, 0, 10, 10);
+    const TestWindow foreground(RGB(1, 1, 1), WS_POPUP | WS_VISIBLE, 0, 0, 10, 10);
     const HMODULE module = LoadLibraryW(u"cplmain.cpl");
     EXPECT_FALSE(CPassKey().CheckPass());
     EXPECT_EQ(*static_cast<HWND *>(GetProcAddressW(module, u"zbTestPrompted")), foreground.window);
