@@ -219,9 +219,9 @@ struct IRecipients : IDispatch
     ~IRecipients() = default;
 };
 
-/// Start and length are what counts: putting the start keeps the length, putting the end changes it. Putting the start of
-/// a series on a day that its pattern does not name moves the pattern along: a class on Mondays that starts on a Tuesday
-/// is one on Tuesdays. Where the pattern names that day (Mondays and Wednesdays, put on a Wednesday) it stays.
+/// Start and length are what counts: putting the start keeps the length, putting the end changes it. Putting the start
+/// of a series on a day that its pattern does not name moves the pattern along: a class on Mondays that starts on a
+/// Tuesday is one on Tuesdays. Where the pattern names that day (Mondays and Wednesdays, put on a Wednesday) it stays.
 ///
 /// All-day: whole days, from the day of the start to that of the end, both included (a time of day does not count), so
 /// one day has equal days for start and end. get_End tells the last minute of the last day, get_Duration
@@ -273,8 +273,8 @@ struct IAppointment : IPOutlookItem
 
 /// Dates are whole days. A task that repeats has the dates of one occurrence at a time: completing it (put_Complete and
 /// Save) moves both on to the next, by as many days, and it reads as not complete; the last one of its series is
-/// completed as any task is. A day that another object has completed or passed over meanwhile is not completed or passed
-/// over again.
+/// completed as any task is. A day that another object has completed or passed over meanwhile is not completed or
+/// passed over again.
 struct ITask : IPOutlookItem
 {
     virtual HRESULT get_Subject(BSTR *text) = 0;
@@ -440,8 +440,8 @@ struct IFolder : IDispatch
 /// The door to all of it. Logged on once it has seen the databases; every other call does so by itself.
 struct IPOutlookApp : IDispatch
 {
-    /// Fails when the device has no such databases and they can't be made, and with HRESULT_FROM_WIN32(1400) for a window
-    /// that is none. One that is, or null, makes no difference: nothing is asked here.
+    /// Fails when the device has no such databases and they can't be made, and with HRESULT_FROM_WIN32(1400) for a
+    /// window that is none. One that is, or null, makes no difference: nothing is asked here.
     virtual HRESULT Logon(HWND window) = 0;
     virtual HRESULT Logoff() = 0;
     virtual HRESULT CreateItem(int kind, IDispatch **item) = 0;

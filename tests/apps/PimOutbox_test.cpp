@@ -87,6 +87,7 @@ TEST_F(PimOutbox, anAppointmentComesBackFromItsFile)
     EXPECT_EQ(send(olAppointmentItem, item.get()), S_OK);
     const std::string name = fs::directory_iterator(outbox())->path().filename();
     EXPECT_EQ(name, "Lunch; with, _ everyone_ äöü and a subject that is so long t.ics");
+    ASSERT_EQ(item->Delete(), S_OK);
     const Counted<IAppointment> copy = itemOf<IAppointment>(app, import(name, appointmentsDatabase));
     ASSERT_TRUE(copy);
     EXPECT_EQ(textOf(copy, &IAppointment::get_Subject), textOf(item, &IAppointment::get_Subject));
@@ -162,6 +163,7 @@ TEST_F(PimOutbox, aTaskComesBackFromItsFile)
     task->put_Body(Text(u"Bank"));
     ASSERT_EQ(task->Save(), S_OK);
     EXPECT_EQ(send(olTaskItem, task.get()), S_OK);
+    ASSERT_EQ(task->Delete(), S_OK);
     const Counted<ITask> copy = itemOf<ITask>(app, import("A1_ Pay.ics", tasksDatabase));
     ASSERT_TRUE(copy);
     EXPECT_EQ(textOf(copy, &ITask::get_Subject), "A1: Pay");
@@ -344,7 +346,8 @@ TEST_F(PimOutbox, aDayOfASeriesGoesOutAsThatDay)
     }
     // Taken up again it takes nothing away from the series.
     import("Class (3).ics", appointmentsDatabase);
-    EXPECT_EQ(valueOf<VARIANT_BOOL>(itemOf<IAppointment>(app, oidOf(item)), &IAppointment::get_IsRecurring), VARIANT_TRUE);
+    EXPECT_EQ(valueOf<VARIANT_BOOL>(itemOf<IAppointment>(app, oidOf(item)), &IAppointment::get_IsRecurring),
+              VARIANT_TRUE);
     const int third = static_cast<int>(date(2026, 3, 3));
     EXPECT_EQ(listedTimes(third, third + 4, "Class").size(), 5U);
 }

@@ -528,8 +528,7 @@ HRESULT AppointmentObject::Copy(IPOutlookItem **copy)
         return result;
     }
     made->m_copied = m_copied;
-    const std::optional<SeriesRecord> series =
-        made->m_original ? SeriesRecord::of(*made->m_original) : std::nullopt;
+    const std::optional<SeriesRecord> series = made->m_original ? SeriesRecord::of(*made->m_original) : std::nullopt;
     if (series)
     {
         made->m_copied = series->devicePattern();

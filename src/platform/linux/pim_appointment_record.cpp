@@ -98,8 +98,8 @@ bool isMovedInside(const RecurrencePattern &old, const RecurrencePattern &patter
     }
 }
 
-/// The day in the place of one of the former pattern's, so that what was said about single days stays with them. Nothing
-/// where there is none.
+/// The day in the place of one of the former pattern's, so that what was said about single days stays with them.
+/// Nothing where there is none.
 std::optional<int> dayInPlaceOf(int day, const RecurrencePattern &old, const RecurrencePattern &pattern)
 {
     const SeriesDays days(pattern);

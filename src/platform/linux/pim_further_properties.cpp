@@ -12,9 +12,9 @@ namespace
 /// By imports: what a contact's picture looked like when they wrote it.
 constexpr CEPROPID pictureStamp = MakePropId(0x5a02, CEVT_LPWSTR);
 
-constexpr std::array stays = {itemInterchangeId,     taskNotification,      itemCategories,  appointmentAttendees,
-                              appointmentMeetingStatus, appointmentRecurrence, appointmentZone, taskRecurringFlag,
-                              taskOfTeam,            pictureStamp};
+constexpr std::array stays = {
+    itemInterchangeId,     taskNotification, itemCategories,    appointmentAttendees, appointmentMeetingStatus,
+    appointmentRecurrence, appointmentZone,  taskRecurringFlag, taskOfTeam,           pictureStamp};
 
 bool isTold(const RecordProperties &properties, CEPROPID id)
 {
