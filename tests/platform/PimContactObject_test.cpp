@@ -382,4 +382,54 @@ TEST_F(PimContactObject, nullOutParametersAndOtherKindsAreRefused)
     EXPECT_EQ(contact->QueryInterface(IID_ITask, &other), E_NOINTERFACE);
     EXPECT_EQ(other, nullptr);
 }
+
+TEST(PimConstants, haveTheNumbersThatItemWindowsKnow)
+{
+    const std::pair<HRESULT, DWORD> results[] = {{PIM_E_SERIES, 0x80040064},
+                                                 {PIM_E_DATE, 0x80040066},
+                                                 {PIM_E_END_BEFORE_START, 0x80040067},
+                                                 {PIM_E_REMINDER, 0x80040068},
+                                                 {PIM_E_NO_OCCURRENCE, 0x80040069},
+                                                 {PIM_E_RECURRENCE, 0x8004006A},
+                                                 {PIM_E_SERIES_END, 0x8004006B},
+                                                 {PIM_E_OCCURRENCE_LENGTH, 0x8004006C},
+                                                 {PIM_E_OCCURRENCE_MOVED, 0x8004006D},
+                                                 {E_UNEXPECTED, 0x8000FFFF},
+                                                 {E_INVALIDARG, 0x80070057},
+                                                 {E_OUTOFMEMORY, 0x8007000E},
+                                                 {E_ABORT, 0x80004004},
+                                                 {HRESULT_FROM_WIN32(2), 0x80070002}};
+    for (const auto &[result, number] : results)
+    {
+        EXPECT_EQ(static_cast<DWORD>(result), number);
+        EXPECT_TRUE(FAILED(result));
+    }
+    EXPECT_EQ(VARIANT_TRUE, -1);
+    EXPECT_EQ(PIM_NO_DATE, 949998.0);
+    const std::pair<int, int> numbers[] = {{olAppointmentItem, 1},
+                                           {olContactItem, 2},
+                                           {olTaskItem, 3},
+                                           {olFolderInfrared, 102},
+                                           {olFree, 0},
+                                           {olTentative, 1},
+                                           {olBusy, 2},
+                                           {olOutOfOffice, 3},
+                                           {olNormal, 0},
+                                           {olPrivate, 2},
+                                           {olNonMeeting, 0},
+                                           {olMeeting, 1},
+                                           {olImportanceLow, 0},
+                                           {olImportanceNormal, 1},
+                                           {olImportanceHigh, 2},
+                                           {olRecursDaily, 0},
+                                           {olRecursWeekly, 1},
+                                           {olRecursMonthly, 2},
+                                           {olRecursMonthNth, 3},
+                                           {olRecursYearly, 5},
+                                           {olRecursYearNth, 6}};
+    for (const auto &[constant, number] : numbers)
+    {
+        EXPECT_EQ(constant, number);
+    }
+}
 } // namespace
