@@ -4,6 +4,7 @@
 #include "platform/files.h"
 #include "platform/kernel.h"
 #include "platform/text.h"
+#include "platform/undo.h"
 
 #include <algorithm>
 
@@ -109,6 +110,9 @@ bool putPicture(const std::u16string &fileAs, const CardPicture &picture)
     const std::vector<std::u16string> former = filesOf(fileAs);
     CreateDirectoryW((SettingsBaseFolder() + u"\\Kelvo").c_str(), nullptr);
     CreateDirectoryW(pictureFolder().c_str(), nullptr);
+    watchFile(pictureFolder() + u"\\" + name);
+    std::for_each(former.begin(), former.end(),
+                  [](const std::u16string &each) { watchFile(pictureFolder() + u"\\" + each); });
     if (!canNamePicture(fileAs) || !writeFile(pictureFolder() + u"\\" + name, picture.bytes))
     {
         return false;
@@ -132,7 +136,11 @@ void renamePicture(const std::u16string &from, const std::u16string &to)
     for (const std::u16string &name : filesOf(from))
     {
         const std::u16string extension = name.substr(name.rfind(u'.'));
-        MoveFileW((pictureFolder() + u"\\" + name).c_str(), (pictureFolder() + u"\\" + to + extension).c_str());
+        const std::u16string former = pictureFolder() + u"\\" + name;
+        const std::u16string named = pictureFolder() + u"\\" + to + extension;
+        watchFile(former);
+        watchFile(named);
+        MoveFileW(former.c_str(), named.c_str());
     }
 }
 } // namespace zb::interchange

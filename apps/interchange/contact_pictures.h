@@ -1,5 +1,5 @@
 // The picture folder of the open device. A contact's picture is a file there that has the name which the contact is
-// filed under.
+// filed under. Pictures that change here join the change that is being recorded.
 #pragma once
 
 #include "interchange/card_values.h"

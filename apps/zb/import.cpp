@@ -147,14 +147,14 @@ int worse(int a, int b)
 }
 
 /// What the change is called.
-std::string wordsFor(const ImportArguments &arguments, bool pictures)
+std::string wordsFor(const ImportArguments &arguments)
 {
     std::string words = "import";
     for (const std::filesystem::path &file : arguments.files)
     {
         words += (words == "import" ? " " : ", ") + (file == "-" ? "standard input" : file.filename().string());
     }
-    return fitted(words, longestWords) + (pictures ? " (pictures of contacts stay when it is taken back)" : "");
+    return fitted(words, longestWords);
 }
 
 int resultOf(const ImportReport &report)
@@ -175,9 +175,8 @@ int runImport(const ImportArguments &arguments)
     std::optional<Recorded> recorded;
     if (!arguments.dryRun)
     {
-        recorded.emplace(wordsFor(arguments, false));
+        recorded.emplace(wordsFor(arguments));
     }
-    bool pictures = false;
     int result = exitOk;
     bool deviceFailed = false;
     for (const std::filesystem::path &file : arguments.files)
@@ -188,7 +187,6 @@ int runImport(const ImportArguments &arguments)
             print(report, arguments, output);
             files.push_back(asJson(report));
             result = worse(result, resultOf(report));
-            pictures = pictures || report.contacts.pictures != 0;
         }
         catch (const interchange::StoreError &error)
         {
@@ -198,10 +196,6 @@ int runImport(const ImportArguments &arguments)
             deviceFailed = true;
             break; // the next file would meet the same device
         }
-    }
-    if (recorded && pictures)
-    {
-        recorded->describe(wordsFor(arguments, true));
     }
     recorded.reset();
     if (arguments.json)

@@ -16,6 +16,7 @@
 #include "zb/recorded.h"
 #include "zb/terminal.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace zb::cli
@@ -25,6 +26,7 @@ using namespace host;
 namespace
 {
 constexpr int longestTitle = 60;
+constexpr std::size_t mostNamed = 10;
 
 std::vector<std::u16string> ownFiles()
 {
@@ -118,6 +120,19 @@ int refused(const UndoResult &result, bool redo)
     }
 }
 
+void tellLeft(const std::vector<std::u16string> &files)
+{
+    const std::size_t named = std::min(files.size(), mostNamed);
+    for (std::size_t n = 0; n < named; ++n)
+    {
+        complain(toUtf8(std::u16string_view(files[n])) + " stays as it is");
+    }
+    if (files.size() > named)
+    {
+        complain("so do " + std::to_string(files.size() - named) + " more files");
+    }
+}
+
 int stepBack(bool redo, const UndoArguments &arguments)
 {
     Output output;
@@ -131,10 +146,7 @@ int stepBack(bool redo, const UndoArguments &arguments)
             code = result.outcome == UndoOutcome::Nothing && n > 0 ? int{exitOk} : refused(result, redo);
             break;
         }
-        for (const std::u16string &file : result.filesLeft)
-        {
-            complain(toUtf8(std::u16string_view(file)) + " stays as it is");
-        }
+        tellLeft(result.filesLeft);
         done.push_back(asJson(result.change));
         if (!arguments.json)
         {

@@ -10,8 +10,9 @@
 // export gives a record (itemInterchangeId, written without a recording) counts as no change: it stays whatever is taken
 // back.
 //
-// Files that belong to a change (settings) are named when its recording begins. They are compared at its end, and come
-// back where they still are as they were then; of a change that was interrupted they stay as they are.
+// Files that belong to a change (settings) are named when its recording begins, or before they are changed (pictures).
+// They are compared at its end, and come back where they still are as they were then; of a change that was interrupted
+// they stay as they are.
 //
 // The last 100 changes are kept, fewer where they are very large (64 MiB in all; the newest always). They lie in the
 // tables undo_changes and undo_parts of the store, made by the first recording; see docs/formats/store.md.
@@ -29,6 +30,13 @@
 namespace zb
 {
 inline constexpr std::size_t recordedChangesKept = 100;
+
+/// Bytes of the files of a change that are kept; what goes beyond stays as it is when the change is taken back.
+inline constexpr std::size_t recordedFileBytesKept = 16 * 1024 * 1024;
+
+/// The file joins the change that this process records, as it is now. Nothing happens while none is recorded, or when the
+/// file belongs to it already.
+ZBPLATFORM_API void watchFile(const std::u16string &path);
 
 class ZBPLATFORM_API ChangeRecording
 {
@@ -50,6 +58,7 @@ class ZBPLATFORM_API ChangeRecording
   private:
     struct State;
     std::unique_ptr<State> m_state;
+    friend void watchFile(const std::u16string &path);
 };
 
 struct RecordedChange

@@ -6,6 +6,8 @@
 #include "platform/undo.h"
 #include "support/PropertyRecords.h"
 
+#include <map>
+
 namespace
 {
 using Json = nlohmann::json;
@@ -182,17 +184,19 @@ TEST_F(ZbUndoTest, aKillAtAnyMomentLeavesTheOldOrTheNewWithItsFiles)
     const std::string calendar = zb::test::calendarOf(
         "BEGIN:VTODO\nUID:p\nSUMMARY:Parent\nEND:VTODO\nBEGIN:VTODO\nUID:c\nSUMMARY:Child\nRELATED-TO:p\nEND:VTODO\n" +
         zb::test::eventOf("UID:e\nSUMMARY:E\nDTSTART:20260304T090000Z\nCATEGORIES:New\nCOLOR:red\n"));
+    const std::string card = "BEGIN:VCARD\r\nVERSION:3.0\r\nUID:b\r\nN:Berg;Anna\r\n"
+                             "PHOTO;ENCODING=b;TYPE=JPEG:/9j/4AAQSkZJRgABAQAAAQABAAD/\r\nEND:VCARD\r\n";
     const auto snapshot = [this]
     {
         zb::DeviceOptions options;
         options.root = device();
         const auto opened = zb::OpenDevice(options);
         std::string all;
-        for (const WCHAR *const database : {zb::appointmentsDatabase, zb::tasksDatabase})
+        for (const WCHAR *const database : {zb::appointmentsDatabase, zb::tasksDatabase, zb::contactsDatabase})
         {
             all += std::to_string(zb::test::storedRecords(database).size()) + " ";
         }
-        for (const char *const name : {"Settings.txt", "TaskHierarchy.bin"})
+        for (const char *const name : {"Settings.txt", "TaskHierarchy.bin", "ContactPics/Berg, Anna.jpg"})
         {
             all += zb::test::readFile(device() / "files" / "My Documents" / "Kelvo" / name) + "|";
         }
@@ -200,16 +204,54 @@ TEST_F(ZbUndoTest, aKillAtAnyMomentLeavesTheOldOrTheNewWithItsFiles)
     };
     zb({"settings", "set", "AV_ShowTasks", "1"});
     const std::string former = snapshot();
-    EXPECT_EQ(zb({"import", file("work.ics", calendar)}, now()).exitCode, 0);
+    EXPECT_EQ(zb({"import", file("work.ics", calendar), file("people.vcf", card)}, now()).exitCode, 0);
     const std::string made = snapshot();
-    ASSERT_NE(former, made);
-    for (int n = 0; n < 10; ++n)
+    ASSERT_NE(made.find("\xFF\xD8\xFF"), std::string::npos) << "the picture is there";
+    std::string found = made;
+    for (int n = 0; n < 12; ++n)
     {
         ProgramOptions options = now();
-        options.killAfterSeconds = 0.004 * n;
-        zb({n % 2 == 0 ? "undo" : "redo"}, options);
-        const std::string found = snapshot();
+        options.killAfterSeconds = 0.003 * n;
+        zb({found == made ? "undo" : "redo"}, options);
+        found = snapshot();
         ASSERT_TRUE(found == former || found == made) << found << " after " << *options.killAfterSeconds;
     }
+}
+
+TEST_F(ZbUndoTest, picturesOfContactsComeBackWithThem)
+{
+    const auto import = [this](const char *name, const char *photo)
+    {
+        const std::string card = std::string("BEGIN:VCARD\r\nVERSION:3.0\r\nUID:b\r\nN:") + name + ";Anna\r\nPHOTO;ENCODING=b:" +
+                                 photo + "\r\nEND:VCARD\r\n";
+        EXPECT_EQ(zb({"import", file("people.vcf", card)}, now()).exitCode, 0);
+    };
+    const auto pictures = [this]
+    {
+        std::map<std::string, std::string> found;
+        std::error_code none;
+        for (const auto &entry : std::filesystem::directory_iterator(
+                 device() / "files" / "My Documents" / "Kelvo" / "ContactPics", none))
+        {
+            found[entry.path().filename().string()] = zb::test::readFile(entry.path());
+        }
+        return found;
+    };
+    std::vector<std::map<std::string, std::string>> states = {pictures()};
+    import("Berg", "/9j/4AAQSkZJRgABAQAAAQABAAD/");
+    states.push_back(pictures());
+    import("Berg", "iVBORw0KGgoAAAANSUhEUgAAAAEAAAAB"); // of another kind
+    states.push_back(pictures());
+    import("Noll", "iVBORw0KGgoAAAANSUhEUgAAAAEAAAAB"); // under another name
+    states.push_back(pictures());
+    ASSERT_EQ(states[3].count("Noll, Anna.png"), 1U);
+    EXPECT_EQ(listed().front(), "import people.vcf");
+    for (std::size_t n = 3; n-- > 0;)
+    {
+        EXPECT_EQ(zb({"undo"}).exitCode, 0);
+        EXPECT_EQ(pictures(), states[n]) << n;
+    }
+    EXPECT_EQ(zb({"redo", "3"}).exitCode, 0);
+    EXPECT_EQ(pictures(), states[3]);
 }
 } // namespace

@@ -188,6 +188,35 @@ TEST_F(UndoTest, filesThatWereNamedComeBackToo)
     EXPECT_EQ(contentsOf(oid).size(), 1U);
 }
 
+TEST_F(UndoTest, filesThatJoinOnTheWayComeBackTooUpToWhatIsKept)
+{
+    const std::u16string large = u"\\large.bin";
+    const std::u16string larger = u"\\larger.bin";
+    const std::string most(9 * 1024 * 1024, 'x');
+    watchFile(file); // nothing is recorded
+    writeFile("old");
+    writeFile(most, large);
+    writeFile(most, larger);
+    {
+        const ChangeRecording recording(u"pictures");
+        add(1, u"one");
+        for (const std::u16string &path : {file, large, larger, file})
+        {
+            watchFile(path);
+            writeFile("new", path);
+        }
+    }
+    const UndoResult result = undoLastChange();
+    EXPECT_EQ(result.outcome, UndoOutcome::Done);
+    EXPECT_EQ(readFile(), "old");
+    EXPECT_EQ(readFile(large), std::string(63, 'x'));
+    EXPECT_EQ(result.filesLeft, std::vector<std::u16string>{larger}) << "18 MiB together, where 16 are kept";
+    EXPECT_EQ(readFile(larger), "new");
+    EXPECT_EQ(redo(), UndoOutcome::Done);
+    EXPECT_EQ(readFile(), "new");
+    EXPECT_EQ(readFile(large), "new");
+}
+
 TEST_F(UndoTest, aFileAloneIsAChangeAndOneThatWasNotThereGoes)
 {
     {

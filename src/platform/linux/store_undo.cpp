@@ -68,7 +68,7 @@ std::int64_t addChange(Connection &connection, const Recording &recording, std::
     OnceStatement next(connection, "SELECT max(coalesce(max(id), 0)+1, ?1) FROM undo_changes");
     next.bind(1, momentOfHost()).step();
     const std::int64_t id = next.number(0);
-    OnceStatement(connection, "INSERT INTO undo_changes VALUES(?1, ?2, ?3, ?4, ?5, 0, 0, ?6)")
+    OnceStatement(connection, "INSERT INTO undo_changes VALUES(?1, ?2, ?3, ?4, ?5, 0, length(?6), ?6)")
         .bind(1, id)
         .bind(2, recording.undone ? 1 : 0)
         .bind(3, now)
@@ -288,7 +288,8 @@ std::int64_t writeJournal(Connection &connection, const Recording &recording, co
 
 void endChange(Connection &connection, std::int64_t change, const std::u16string &words, BytesView files, bool anyFile)
 {
-    OnceStatement(connection, "UPDATE undo_changes SET whole=1, files=?2, words=?3 WHERE id=?1")
+    OnceStatement(connection, "UPDATE undo_changes SET whole=1, size=size-length(files)+length(?2), files=?2,"
+                             " words=?3 WHERE id=?1")
         .bind(1, change)
         .bind(2, files)
         .bind(3, words)

@@ -8,7 +8,9 @@
 #include "platform/linux/undo_files.h"
 #include "platform/propdb.h"
 
+#include <mutex>
 #include <optional>
+#include <unordered_set>
 
 namespace zb
 {
@@ -39,23 +41,59 @@ struct ChangeRecording::State
     std::shared_ptr<internal::Store> store;
     std::vector<WatchedFile> files;
     std::u16string words;
+    std::unordered_set<std::u16string> known; ///< paths of the files
+    std::size_t bytesKept = 0;
 
-    State(std::shared_ptr<internal::Store> opened, internal::Recording recording, std::vector<WatchedFile> known)
-        : store(std::move(opened)), files(std::move(known)), words(recording.words)
+    /// The one that is on; files join it.
+    inline static std::mutex currentMutex;
+    inline static State *current = nullptr;
+
+    State(std::shared_ptr<internal::Store> opened, internal::Recording recording, std::vector<WatchedFile> watched)
+        : store(std::move(opened)), files(std::move(watched)), words(recording.words)
     {
+        for (const WatchedFile &file : files)
+        {
+            known.insert(file.path);
+        }
         recording.files = internal::encodedFiles(files);
         if (!store->startRecording(std::move(recording)))
         {
             store = nullptr;
+            return;
         }
+        const std::lock_guard guard(currentMutex);
+        current = this;
     }
     ~State()
     {
         if (store != nullptr)
         {
+            {
+                const std::lock_guard guard(currentMutex);
+                current = nullptr;
+            }
             end();
             store->stopRecording();
         }
+    }
+    void watch(const std::u16string &path)
+    {
+        if (!known.insert(path).second)
+        {
+            return;
+        }
+        WatchedFile file{path, internal::contentOf(path)};
+        const std::size_t size = file.before ? file.before->size() : 0;
+        file.tooLarge = bytesKept + size > recordedFileBytesKept;
+        if (file.tooLarge)
+        {
+            file.before.reset();
+        }
+        else
+        {
+            bytesKept += size;
+        }
+        files.push_back(std::move(file));
     }
     State(const State &) = delete;
     State &operator=(const State &) = delete;
@@ -66,6 +104,11 @@ struct ChangeRecording::State
         std::vector<WatchedFile> changed;
         for (WatchedFile file : files)
         {
+            if (file.tooLarge)
+            {
+                changed.push_back(std::move(file));
+                continue;
+            }
             const std::optional<Bytes> now = internal::contentOf(file.path);
             if (now != file.before)
             {
@@ -130,6 +173,15 @@ void ChangeRecording::describe(const std::u16string &words)
     {
         m_state->store->describeRecording(words);
         m_state->words = words;
+    }
+}
+
+void watchFile(const std::u16string &path)
+{
+    const std::lock_guard guard(ChangeRecording::State::currentMutex);
+    if (ChangeRecording::State::current != nullptr)
+    {
+        ChangeRecording::State::current->watch(path);
     }
 }
 
@@ -215,6 +267,7 @@ class UndoStep
     /// False when one is not as the change left it.
     bool planFiles(const std::vector<WatchedFile> &files)
     {
+        std::size_t bytesLeft = recordedFileBytesKept;
         for (const WatchedFile &file : files)
         {
             std::optional<Bytes> now = internal::contentOf(file.path);
@@ -223,11 +276,14 @@ class UndoStep
             {
                 continue;
             }
-            if (!file.afterKnown)
+            // What can't be kept for making the change again stays, too.
+            const std::size_t size = now ? now->size() : 0;
+            if (!file.afterKnown || size > bytesLeft)
             {
                 m_result.filesLeft.push_back(file.path);
                 continue;
             }
+            bytesLeft -= size;
             if (found.isThere != file.isThere || found.after != file.after)
             {
                 m_result.outcome = UndoOutcome::Conflict;

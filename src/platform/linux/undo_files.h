@@ -25,6 +25,7 @@ struct WatchedFile
     bool afterKnown = false;
     bool isThere = false; ///< afterwards
     std::uint64_t after = 0;
+    bool tooLarge = false; ///< what it was is not kept, so it will stay as it is; not written down
 };
 
 /// Nothing for a file that is not there, or can't be read.
