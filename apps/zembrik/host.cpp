@@ -6,6 +6,7 @@
 #include "framework/CeBaseDialog.h"
 #include "framework/HIDPI.h"
 #include "platform/pim.h"
+#include "platform/resources.h"
 #include "platform/screen.h"
 #include "platform/text.h"
 #include "zembrik/frame_window.h"
@@ -24,6 +25,7 @@ namespace
 using namespace zb::host;
 
 constexpr const WCHAR *programName = u"Zembrik";
+constexpr UINT pictureIcon = 514;
 
 std::string knownViews()
 {
@@ -138,6 +140,9 @@ int runOpened(const HostArguments &arguments, Script script, ScreenWindow *windo
     }
     if (window != nullptr)
     {
+        const HBITMAP icon = LoadBitmapW(nullptr, MAKEINTRESOURCEW(pictureIcon));
+        window->setIcon(icon);
+        DeleteObject(icon);
         settle();
         window->show();
     }

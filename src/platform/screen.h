@@ -67,6 +67,8 @@ class ZBPLATFORM_API ScreenWindow
     /// Waits for the window and makes it visible. Throws ScreenWindowError.
     virtual void show() = 0;
     virtual void setTitle(std::u16string_view title) = 0;
+    /// The picture that the desktop shows for the window; copied. Nothing for what is no bitmap.
+    virtual void setIcon(HBITMAP picture) = 0;
 };
 
 class ZBPLATFORM_API ScreenWindowError : public std::runtime_error

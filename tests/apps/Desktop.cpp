@@ -2,11 +2,13 @@
 
 #include "apps/ZbProgram.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <csignal>
 #include <thread>
 
+#include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <fcntl.h>
 #include <poll.h>
@@ -39,6 +41,26 @@ std::uint32_t headerWord(const std::string &bytes, std::size_t index)
         value = value << 8U | static_cast<unsigned char>(bytes.at(4 * index + n));
     }
     return value;
+}
+
+void eachWindow(const std::string &name, const std::function<void(::Display *display, ::Window window)> &use)
+{
+    ::Display *const display = XOpenDisplay(name.c_str());
+    ::Window root = 0;
+    ::Window parent = 0;
+    ::Window *windows = nullptr;
+    unsigned count = 0;
+    XQueryTree(display, DefaultRootWindow(display), &root, &parent, &windows, &count);
+    for (unsigned n = 0; n < count; ++n)
+    {
+        XWindowAttributes looks{};
+        if (XGetWindowAttributes(display, windows[n], &looks) != 0 && looks.map_state == IsViewable)
+        {
+            use(display, windows[n]);
+        }
+    }
+    XFree(windows);
+    XCloseDisplay(display);
 }
 } // namespace
 
@@ -107,31 +129,42 @@ bool Desktop::act(const std::vector<std::string> &words) const
 
 bool Desktop::closeWindows() const
 {
-    ::Display *const display = XOpenDisplay(m_display.c_str());
-    ::Window root = 0;
-    ::Window parent = 0;
-    ::Window *windows = nullptr;
-    unsigned count = 0;
     int told = 0;
-    XQueryTree(display, DefaultRootWindow(display), &root, &parent, &windows, &count);
-    for (unsigned n = 0; n < count; ++n)
-    {
-        XWindowAttributes looks{};
-        XGetWindowAttributes(display, windows[n], &looks);
-        XEvent event{};
-        event.xclient.type = ClientMessage;
-        event.xclient.window = windows[n];
-        event.xclient.message_type = XInternAtom(display, "WM_PROTOCOLS", 0);
-        event.xclient.format = 32;
-        event.xclient.data.l[0] = static_cast<long>(XInternAtom(display, "WM_DELETE_WINDOW", 0));
-        if (looks.map_state == IsViewable)
-        {
-            told += XSendEvent(display, windows[n], 0, NoEventMask, &event) != 0 ? 1 : 0;
-        }
-    }
-    XFree(windows);
-    XCloseDisplay(display);
+    eachWindow(m_display,
+               [&told](::Display *display, ::Window window)
+               {
+                   XEvent event{};
+                   event.xclient.type = ClientMessage;
+                   event.xclient.window = window;
+                   event.xclient.message_type = XInternAtom(display, "WM_PROTOCOLS", 0);
+                   event.xclient.format = 32;
+                   event.xclient.data.l[0] = static_cast<long>(XInternAtom(display, "WM_DELETE_WINDOW", 0));
+                   told += XSendEvent(display, window, 0, NoEventMask, &event) != 0 ? 1 : 0;
+               });
     return told > 0;
+}
+
+std::vector<std::uint32_t> Desktop::icon() const
+{
+    constexpr long most = 1'000'000;
+    std::vector<std::uint32_t> values;
+    eachWindow(m_display,
+               [&values](::Display *display, ::Window window)
+               {
+                   Atom type = 0;
+                   int bits = 0;
+                   unsigned long count = 0;
+                   unsigned long left = 0;
+                   unsigned char *bytes = nullptr;
+                   XGetWindowProperty(display, window, XInternAtom(display, "_NET_WM_ICON", 0), 0, most, 0, XA_CARDINAL,
+                                      &type, &bits, &count, &left, &bytes);
+                   const auto *words = reinterpret_cast<const unsigned long *>(bytes);
+                   // Words of 64 bits here, in which 32 bits lie with their sign.
+                   std::transform(words, words + count, std::back_inserter(values),
+                                  [](unsigned long word) { return static_cast<std::uint32_t>(word); });
+                   XFree(bytes);
+               });
+    return values;
 }
 
 std::string Desktop::clipboard() const

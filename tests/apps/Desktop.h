@@ -36,6 +36,8 @@ class Desktop
     bool act(const std::vector<std::string> &words) const;
     /// What a window's close button does, to every window there; false when there is none.
     bool closeWindows() const;
+    /// The picture of the window that shows, as it lies in its property: width, height, 0xAARRGGBB of each pixel.
+    std::vector<std::uint32_t> icon() const;
     /// The desktop's clipboard.
     std::string clipboard() const;
     void setClipboard(const std::string &text) const;

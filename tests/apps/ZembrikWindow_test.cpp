@@ -166,6 +166,29 @@ TEST_F(ZembrikWindow, ClosingItLeavesABoxFirstAndThenEndsIt)
     expectEnd(open);
 }
 
+TEST_F(ZembrikWindow, HasAPictureForTheDesktop)
+{
+    const Picture plain = headless("");
+    auto running = start();
+    ASSERT_TRUE(shows(plain));
+    const std::vector<std::uint32_t> icon = desktop().icon();
+    ASSERT_EQ(icon.size(), 2U + 48 * 48);
+    EXPECT_EQ(icon[0], 48U);
+    EXPECT_EQ(icon[1], 48U);
+    const auto at = [&icon](std::size_t x, std::size_t y) { return icon[2 + y * 48 + x]; };
+    EXPECT_EQ(at(0, 0), 0U);
+    EXPECT_EQ(at(24, 24), 0xFFC2372EU) << "the letter";
+    // Half of the edge, with the whole edge's colour.
+    const std::uint32_t edge = at(1, 30);
+    EXPECT_NEAR(static_cast<double>(edge >> 24U), 128, 8);
+    EXPECT_NEAR(static_cast<double>(edge >> 16U & 0xFFU), 0x1F, 3);
+    EXPECT_NEAR(static_cast<double>(edge >> 8U & 0xFFU), 0x4E, 3);
+    EXPECT_NEAR(static_cast<double>(edge & 0xFFU), 0x8C, 3);
+    move(120, 200);
+    press("ctrl+q");
+    expectEnd(running);
+}
+
 TEST_F(ZembrikWindow, AScriptPlaysInItAndMayEndIt)
 {
     auto running = start("key F2\nshot @/window.png\nquit\n");

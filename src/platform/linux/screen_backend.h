@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace zb::internal
 {
@@ -28,11 +29,20 @@ struct ScreenRequest
     int dotsPerInch; ///< that the screen is drawn for
 };
 
+/// A picture, 0xAARRGGBB with colours that are whole whatever the opacity, row by row from the top.
+struct ScreenIcon
+{
+    int width = 0;
+    int height = 0;
+    std::vector<std::uint32_t> pixels;
+};
+
 /// What the platform wants of the window.
 struct ScreenWishes
 {
     bool shown = false;
     std::string title;
+    std::optional<ScreenIcon> icon; ///< to be taken for the window's
     int width = 0;           ///< of the screen, when the window is to take this size; else 0
     int height = 0;
     bool editing = false;    ///< what has the focus takes text

@@ -131,6 +131,7 @@ class ScreenLink final : public ScreenWindow, public ScreenPlatform
 
     void show() override;
     void setTitle(std::u16string_view title) override;
+    void setIcon(HBITMAP picture) override;
 
     void pen(PenAction action, int x, int y) override
     {
@@ -219,6 +220,21 @@ void withLink(Call call)
     }
 }
 
+ScreenIcon iconOf(const Surface &surface)
+{
+    ScreenIcon icon{surface.width(), surface.height(), {}};
+    for (int y = 0; y < surface.height(); ++y)
+    {
+        for (int x = 0; x < surface.width(); ++x)
+        {
+            const std::uint32_t pixel = surface.row(y)[x];
+            // What lets all through has the key's colour, which a desktop that knows no softness would show.
+            icon.pixels.push_back(surface.isSoft() && pixel >> 24U == 0 ? 0 : pixel);
+        }
+    }
+    return icon;
+}
+
 ScreenLink::ScreenLink(OpenScreenBackend open, const ScreenWindowOptions &options)
 {
     WNDCLASSW type{};
@@ -267,6 +283,14 @@ void ScreenLink::setTitle(std::u16string_view title)
     wish([&title](ScreenWishes &wishes) { wishes.title = toUtf8(title); });
 }
 
+void ScreenLink::setIcon(HBITMAP picture)
+{
+    if (const auto bitmap = findAs<BitmapObject>(picture, HandleKind::Bitmap))
+    {
+        wish([&bitmap](ScreenWishes &wishes) { wishes.icon = iconOf(*bitmap->surface()); });
+    }
+}
+
 void ScreenLink::wish(const std::function<void(ScreenWishes &)> &change)
 {
     {
@@ -293,6 +317,7 @@ ScreenWishes ScreenLink::takeWishes()
     m_wishes.width = 0;
     m_wishes.height = 0;
     m_wishes.clipboard.reset();
+    m_wishes.icon.reset();
     m_wishes.asksForClipboard = false;
     return wishes;
 }

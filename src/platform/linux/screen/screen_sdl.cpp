@@ -257,6 +257,10 @@ void SdlScreen::followWishes()
         m_request.title = wishes.title;
         SDL_SetWindowTitle(m_window, m_request.title.c_str());
     }
+    if (wishes.icon.has_value())
+    {
+        takeIcon(*wishes.icon);
+    }
     if (wishes.width > 0)
     {
         SDL_SetWindowSize(m_window, static_cast<int>(std::lround(wishes.width * m_zoom / m_density)),
@@ -278,6 +282,14 @@ void SdlScreen::followWishes()
         m_shown = true;
         SDL_ShowWindow(m_window);
     }
+}
+
+void SdlScreen::takeIcon(ScreenIcon icon)
+{
+    SDL_Surface *const surface = SDL_CreateRGBSurfaceWithFormatFrom(icon.pixels.data(), icon.width, icon.height, 32,
+                                                                    icon.width * 4, SDL_PIXELFORMAT_ARGB8888);
+    SDL_SetWindowIcon(m_window, surface);
+    SDL_FreeSurface(surface);
 }
 
 void SdlScreen::followEditing(const ScreenWishes &wishes)

@@ -32,6 +32,7 @@ class SdlScreen final : public ScreenBackend
     void takeKey(const SDL_KeyboardEvent &event);
     void takeWheel(const SDL_MouseWheelEvent &event);
     void followWishes();
+    void takeIcon(ScreenIcon icon);
     void followEditing(const ScreenWishes &wishes);
     void pen(PenAction action, int x, int y);
     void releaseAll();
