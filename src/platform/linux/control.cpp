@@ -3,6 +3,8 @@
 #include "platform/linux/device_state.h"
 
 #include <algorithm>
+#include <map>
+#include <mutex>
 
 namespace zb::internal
 {

@@ -2,6 +2,7 @@
 #include "platform/linux/control.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace zb::internal
 {

@@ -2,6 +2,7 @@
 #include "platform/linux/control.h"
 #include "platform/linux/scroll_bars.h"
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 
