@@ -1,8 +1,9 @@
-// What messages cost: sent on their own thread through one to four levels of dispatch, and posted, taken and dispatched.
+// What messages cost: sent on their own thread through one to four levels of dispatch, and posted, taken and
+// dispatched.
 //
-// A level is a procedure or operation that the message goes through: the window's procedure, the object's operation, the
-// default behind it, the procedure of a class that the object's stands before. Beside each stands an empty virtual call,
-// which is taken off. Aims: below 200 ns a level sent, below 1,000 ns posted and dispatched.
+// A level is a procedure or operation that the message goes through: the window's procedure, the object's operation,
+// the default behind it, the procedure of a class that the object's stands before. Beside each stands an empty virtual
+// call, which is taken off. Aims: below 200 ns a level sent, below 1,000 ns posted and dispatched.
 #include "framework/CeWnd.h"
 #include "support/LoaderStage.h"
 #include "support/Rounds.h"
@@ -108,7 +109,8 @@ void measure(benchmark::State &state, int levels, const std::function<void()> &r
             benchmark::DoNotOptimize(sum);
         },
         round);
-    const double beyond = static_cast<double>(state.counters["ours_ms"]) - static_cast<double>(state.counters["floor_ms"]);
+    const double beyond =
+        static_cast<double>(state.counters["ours_ms"]) - static_cast<double>(state.counters["floor_ms"]);
     state.counters["ns_each"] = 1e6 * beyond / messagesPerRound;
     state.counters["ns_level"] = 1e6 * beyond / messagesPerRound / levels;
 }

@@ -33,7 +33,8 @@ void readAll(CalendarReader &reader)
         if (component.repeats())
         {
             readSeries(component, changes, zones, now,
-                       [](zb::AppointmentItem &item, const CalendarComponent &, const ExactRecord *) { zb::encodeAppointment(item); });
+                       [](zb::AppointmentItem &item, const CalendarComponent &, const ExactRecord *)
+                       { zb::encodeAppointment(item); });
         }
         else
         {

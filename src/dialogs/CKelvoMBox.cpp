@@ -176,7 +176,8 @@ void CKelvoMBoxDialog::FitToText()
     {
         const HWND check = GetDlgItem(m_hWnd, checkId);
         const RECT box = PlaceIn(m_hWnd, check);
-        MoveWindow(check, box.left, top, std::min<LONG>(box.right, width - box.left) - box.left, box.bottom - box.top, FALSE);
+        MoveWindow(check, box.left, top, std::min<LONG>(box.right, width - box.left) - box.left, box.bottom - box.top,
+                   FALSE);
         top += box.bottom - box.top + margin;
     }
     RECT client{0, 0, width, top + PlaceButtons(top, width) + margin};
@@ -204,7 +205,8 @@ void CKelvoMBoxDialog::OnOK()
 
 void CKelvoMBoxDialog::OnCancel()
 {
-    const auto last = std::find_if(m_buttons.rbegin(), m_buttons.rend(), [](const auto &text) { return !text.empty(); });
+    const auto last =
+        std::find_if(m_buttons.rbegin(), m_buttons.rend(), [](const auto &text) { return !text.empty(); });
     EndWith(last == m_buttons.rend() ? noButton : static_cast<int>(m_buttons.rend() - last) - 1);
 }
 
@@ -214,8 +216,8 @@ void CKelvoMBoxDialog::EndWith(int nButton)
     EndDialog(m_hWnd, nButton);
 }
 
-int CKelvoMBox::MessageBoxW(const WCHAR *pszKey, const WCHAR *pszTitle, DWORD nText, DWORD nButton1, DWORD nButton2, DWORD,
-                            HWND hOwner, bool bNoStaysQuestion)
+int CKelvoMBox::MessageBoxW(const WCHAR *pszKey, const WCHAR *pszTitle, DWORD nText, DWORD nButton1, DWORD nButton2,
+                            DWORD, HWND hOwner, bool bNoStaysQuestion)
 {
     const DWORD kept = KeptAnswer(pszKey);
     if (kept != answerAsk)

@@ -14,7 +14,8 @@ CShowError::CShowError(USHORT nId, HINSTANCE hInstance, UINT uFlags)
     std::array<WCHAR, 1024> text{};
     if (LoadStringW(hInstance, nId, text.data(), static_cast<int>(text.size())) == 0)
     {
-        wsprintfW(text.data(), u"Resource Error text was not found. \r\rResource %d not loaded.", static_cast<int>(nId));
+        wsprintfW(text.data(), u"Resource Error text was not found. \r\rResource %d not loaded.",
+                  static_cast<int>(nId));
     }
     m_nResult = MessageBoxW(GetForegroundWindow(), text.data(), u"ZB Message", uFlags);
 }

@@ -242,8 +242,8 @@ void CHTMLGrid::UpdateScreen(HDC hdc)
     DrawFloatersOf(hdc, free, at);
 }
 
-/// Calls draw(row, col, rect) for the cells of a range whose first one lies at `at`, up to the edge of the bitmap; a cell
-/// that the edge cuts has its whole rectangle.
+/// Calls draw(row, col, rect) for the cells of a range whose first one lies at `at`, up to the edge of the bitmap; a
+/// cell that the edge cuts has its whole rectangle.
 template <typename Draw>
 void CHTMLGrid::ForEachCell(const CellRange &cells, POINT at, Draw draw)
 {

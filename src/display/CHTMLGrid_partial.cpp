@@ -190,7 +190,8 @@ void CHTMLGrid::PaintUncoveredCols(HDC hdc, LONG nFrom)
 bool CHTMLGrid::ScrollRowsInBuffer(HDC hdc)
 {
     const bool down = m_nTopRow > m_nPrevTop;
-    const LONGLONG delta = zb::sumOfLines(m_RowHeights, std::min(m_nTopRow, m_nPrevTop), std::max(m_nTopRow, m_nPrevTop));
+    const LONGLONG delta =
+        zb::sumOfLines(m_RowHeights, std::min(m_nTopRow, m_nPrevTop), std::max(m_nTopRow, m_nPrevTop));
     const LONG room = m_BufferSize.cy - m_nFixedHeight;
     if (delta == 0)
     {

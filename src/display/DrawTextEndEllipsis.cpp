@@ -32,7 +32,8 @@ std::u16string shortened(HDC hdc, Text text, LONG width)
 {
     SIZE size{};
     std::size_t kept = std::clamp<std::size_t>(zb::charactersToTry(hdc, text, width, size), 1, text.size() - 2);
-    const std::size_t least = wholeCharacters(text, isHighSurrogate(text[0]) ? std::min<std::size_t>(2, text.size() - 2) : 1);
+    const std::size_t least =
+        wholeCharacters(text, isHighSurrogate(text[0]) ? std::min<std::size_t>(2, text.size() - 2) : 1);
     const std::vector<int> ends = zb::endsOfBeginnings(hdc, text.substr(0, kept));
     for (;;)
     {

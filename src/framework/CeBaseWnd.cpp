@@ -92,8 +92,10 @@ void CeBaseWnd::CenterWindow(HWND hWndCenter)
     const int width = own.right - own.left;
     const int height = own.bottom - own.top;
     // The top left corner wins when the window is larger than what bounds it.
-    const int left = std::max<int>(bounds.left, std::min<int>((around.left + around.right - width) / 2, bounds.right - width));
-    const int top = std::max<int>(bounds.top, std::min<int>((around.top + around.bottom - height) / 2, bounds.bottom - height));
+    const int left =
+        std::max<int>(bounds.left, std::min<int>((around.left + around.right - width) / 2, bounds.right - width));
+    const int top =
+        std::max<int>(bounds.top, std::min<int>((around.top + around.bottom - height) / 2, bounds.bottom - height));
     SetWindowPos(m_hWnd, nullptr, left, top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 

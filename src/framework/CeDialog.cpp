@@ -73,7 +73,8 @@ void CeDialog::SetDefaultWidthHeight()
     }
     RECT window{};
     GetWindowRect(m_hWnd, &window);
-    const int width = m_nDefaultWidth != 0 ? m_nDefaultWidth : window.right - window.left + GetSystemMetrics(SM_CXVSCROLL);
+    const int width =
+        m_nDefaultWidth != 0 ? m_nDefaultWidth : window.right - window.left + GetSystemMetrics(SM_CXVSCROLL);
     const int height =
         m_nDefaultHeight != 0 ? m_nDefaultHeight : window.bottom - window.top + GetSystemMetrics(SM_CYHSCROLL);
     SetWindowPos(m_hWnd, nullptr, 0, 0, width, height, SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);

@@ -97,8 +97,8 @@ bool CeWnd::Create(const WCHAR *pszClass, const WCHAR *pszText, DWORD dwStyle, D
         }
         name = SuperclassName(pszClass);
     }
-    const HWND hWnd = CreateWindowExW(dwExStyle, name.c_str(), pszText, dwStyle, x, y, cx, cy, hParent, hMenu, hInstance,
-                                      static_cast<void *>(this));
+    const HWND hWnd = CreateWindowExW(dwExStyle, name.c_str(), pszText, dwStyle, x, y, cx, cy, hParent, hMenu,
+                                      hInstance, static_cast<void *>(this));
     return hWnd != nullptr && hWnd == m_hWnd;
 }
 
@@ -147,8 +147,8 @@ void CeWnd::Release(HWND hWnd)
     m_hWnd = nullptr;
 }
 
-bool CeWnd::RegisterClassW(const WCHAR *pszName, UINT uStyle, int cbClsExtra, int cbWndExtra, void *hIcon, void *hCursor,
-                           void *hBrush, const WCHAR *pszMenu, HINSTANCE hInstance)
+bool CeWnd::RegisterClassW(const WCHAR *pszName, UINT uStyle, int cbClsExtra, int cbWndExtra, void *hIcon,
+                           void *hCursor, void *hBrush, const WCHAR *pszMenu, HINSTANCE hInstance)
 {
     WNDCLASSW type{};
     type.style = uStyle;

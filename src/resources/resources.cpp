@@ -72,7 +72,8 @@ template <typename Kind>
 const Kind *numbered(const Kind *all, std::size_t count, UINT id)
 {
     const Kind *end = all + count;
-    const Kind *found = std::lower_bound(all, end, id, [](const Kind &one, UINT number) { return one.number < number; });
+    const Kind *found =
+        std::lower_bound(all, end, id, [](const Kind &one, UINT number) { return one.number < number; });
     return found != end && found->number == id ? found : nullptr;
 }
 

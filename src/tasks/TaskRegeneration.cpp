@@ -115,8 +115,9 @@ void leaveOut(std::vector<CEPROPVAL> &properties)
     constexpr CEPROPID own[] = {itemInterchangeId, notificationHandle, taskRecurrence, taskRecurringFlag,
                                 itemSubject,       taskCompleteFlag,   taskDateCompleted, taskReminderSet};
     properties.erase(std::remove_if(properties.begin(), properties.end(),
-                                    [&](const CEPROPVAL &value)
-                                    { return std::find(std::begin(own), std::end(own), value.propid) != std::end(own); }),
+                                    [&](const CEPROPVAL &value) {
+                                        return std::find(std::begin(own), std::end(own), value.propid) != std::end(own);
+                                    }),
                      properties.end());
 }
 

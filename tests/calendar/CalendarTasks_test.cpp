@@ -406,7 +406,8 @@ TEST_F(CalendarTaskRows, AnyOfTheFiveSettingsTurnsThemOn)
     addTask({.subject = u"due", .due = makeFileTime(2026, 3, 4)});
     loader().set(u"AV_ShowTasks", 0U);
     EXPECT_EQ(loadedTasks(), Texts{});
-    for (const WCHAR *const name : {u"WV_ShowTasks", u"AV_ShowTasks", u"DV_ShowTasks", u"MV_ShowTasks", u"MVD_ShowTasks"})
+    for (const WCHAR *const name :
+         {u"WV_ShowTasks", u"AV_ShowTasks", u"DV_ShowTasks", u"MV_ShowTasks", u"MVD_ShowTasks"})
     {
         loader().set(name, 1U);
         EXPECT_EQ(loadedTasks(), (Texts{"2026-03-04 due"})) << utf8(name);
@@ -627,7 +628,10 @@ TEST_F(CalendarTaskRows, AChosenCategoryAndThoseWithoutAnyAreTasksOfTheList)
 
 TEST_F(CalendarTaskRows, SettingsDecideWhichShow)
 {
-    addTask({.subject = u"done", .due = makeFileTime(2026, 3, 2), .completed = makeFileTime(2026, 3, 3), .isComplete = true});
+    addTask({.subject = u"done",
+             .due = makeFileTime(2026, 3, 2),
+             .completed = makeFileTime(2026, 3, 3),
+             .isComplete = true});
     addTask({.subject = u"undated"});
     addTask({.subject = u"weeks", .due = makeFileTime(2026, 4, 1), .start = makeFileTime(2026, 2, 1)});
     EXPECT_EQ(loadedTasks(), (Texts{"2026-03-04 weeks"}));

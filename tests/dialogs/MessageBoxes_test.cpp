@@ -108,7 +108,8 @@ TEST_F(MessageBoxes, AMessageByNumber)
     const HINSTANCE module = LoadLibraryW(u"ZBTestModule");
     const CShowError empty(2, module, 0);
     ASSERT_EQ(shown.size(), 3U);
-    EXPECT_EQ(shown[2].text, u"Resource Error text was not found. \r\rResource 2 not loaded.") << "an empty text is none";
+    EXPECT_EQ(shown[2].text, u"Resource Error text was not found. \r\rResource 2 not loaded.")
+        << "an empty text is none";
     FreeLibrary(module);
 }
 
@@ -478,8 +479,8 @@ TEST(MessageBoxesOfNarrowScreens, QuestionsAndTheirButtonsStayInside)
                      SendMessageW(dialog, WM_CLOSE, 0, 0);
                  }
              });
-    CKelvoMBox::MakeKelvoMBox(nullptr, u"Some words that need more than one line on a screen as narrow as this one", u"Title",
-                              u"Every one of them", u"Only this one", u"None of them", nullptr);
+    CKelvoMBox::MakeKelvoMBox(nullptr, u"Some words that need more than one line on a screen as narrow as this one",
+                              u"Title", u"Every one of them", u"Only this one", u"None of them", nullptr);
     EXPECT_GE(place.dialog.left, 0);
     EXPECT_LE(place.dialog.right, 240);
     EXPECT_GT(place.dialog.right - place.dialog.left, 200);

@@ -201,7 +201,8 @@ TEST(GridSlots, randomFloatersFollowTheModel)
             const int first = upTo(rows - 1);
             const int length = 1 + upTo(6);
             spans.push_back({static_cast<DWORD>(id), first, std::min(first + length, rows) - 1});
-            floaters.push_back(&column.add(static_cast<DWORD>(id), static_cast<USHORT>(first), static_cast<USHORT>(length)));
+            floaters.push_back(
+                &column.add(static_cast<DWORD>(id), static_cast<USHORT>(first), static_cast<USHORT>(length)));
         }
         solve(spans, rows);
         column.assignAll();

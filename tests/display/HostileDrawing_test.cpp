@@ -36,7 +36,8 @@ class HostileDrawing : public TextTest
         {
             return DefWindowProcW(window, message, wParam, lParam);
         }
-        reinterpret_cast<NM_HTMLVIEW *>(lParam)->dwCookie = static_cast<DWORD_PTR>(GetWindowLongW(window, GWL_USERDATA));
+        reinterpret_cast<NM_HTMLVIEW *>(lParam)->dwCookie =
+            static_cast<DWORD_PTR>(GetWindowLongW(window, GWL_USERDATA));
         return 1;
     }
     RECT measure(const std::u16string &markup, int width)

@@ -25,9 +25,11 @@ using zb::test::ScreenWindow;
 using zb::test::settle;
 
 constexpr UINT windowMessages[] = {
-    WM_CHAR,      WM_CLOSE,      WM_COMMAND,   WM_NOTIFY, WM_ENABLE, WM_ERASEBKGND, WM_KEYDOWN,     WM_KEYUP,  WM_LBUTTONDBLCLK,
-    WM_LBUTTONDOWN, WM_LBUTTONUP, WM_MOUSEMOVE, WM_MOVE,  WM_PAINT,  WM_SHOWWINDOW, WM_SIZE,        WM_TIMER,  WM_SETTINGCHANGE,
-    WM_USER,      WM_SETFOCUS,   WM_KILLFOCUS, WM_NCPAINT, WM_CAPTURECHANGED, WM_SETTEXT, WM_VSCROLL, WM_WINDOWPOSCHANGED};
+    WM_CHAR,    WM_CLOSE,           WM_COMMAND,       WM_NOTIFY,      WM_ENABLE,         WM_ERASEBKGND,
+    WM_KEYDOWN, WM_KEYUP,           WM_LBUTTONDBLCLK, WM_LBUTTONDOWN, WM_LBUTTONUP,      WM_MOUSEMOVE,
+    WM_MOVE,    WM_PAINT,           WM_SHOWWINDOW,    WM_SIZE,        WM_TIMER,          WM_SETTINGCHANGE,
+    WM_USER,    WM_SETFOCUS,        WM_KILLFOCUS,     WM_NCPAINT,     WM_CAPTURECHANGED, WM_SETTEXT,
+    WM_VSCROLL, WM_WINDOWPOSCHANGED};
 
 class CeWndEnds : public ::testing::Test
 {
@@ -221,10 +223,11 @@ TEST_F(CeWndEnds, AWindowMayEndBetweenTheTwoEndsOfItsPainting)
 
 TEST_F(CeWndEnds, ADialogMayEndInAnyOfItsMessages)
 {
-    const UINT messages[] = {WM_INITDIALOG, WM_COMMAND,    WM_NOTIFY,  WM_CTLCOLORSTATIC, WM_CTLCOLORDLG, WM_PAINT,
-                             WM_ERASEBKGND, WM_SHOWWINDOW, WM_SIZE,    WM_MOVE,           WM_ACTIVATE,    WM_SETFOCUS,
-                             WM_KILLFOCUS,  WM_TIMER,      WM_CLOSE,   WM_VSCROLL,        WM_HSCROLL,     WM_LBUTTONDOWN,
-                             WM_ENABLE,     WM_USER,       WM_DESTROY, WM_NCPAINT,        WM_WINDOWPOSCHANGED};
+    const UINT messages[] = {WM_INITDIALOG, WM_COMMAND,    WM_NOTIFY,          WM_CTLCOLORSTATIC, WM_CTLCOLORDLG,
+                             WM_PAINT,      WM_ERASEBKGND, WM_SHOWWINDOW,      WM_SIZE,           WM_MOVE,
+                             WM_ACTIVATE,   WM_SETFOCUS,   WM_KILLFOCUS,       WM_TIMER,          WM_CLOSE,
+                             WM_VSCROLL,    WM_HSCROLL,    WM_LBUTTONDOWN,     WM_ENABLE,         WM_USER,
+                             WM_DESTROY,    WM_NCPAINT,    WM_WINDOWPOSCHANGED};
     const HandleCount before = countHandles();
     for (const UINT fatal : messages)
     {

@@ -128,9 +128,10 @@ TEST_F(CeWndTest, OperationsDoNothingOfThemselves)
         }
     };
     Bare window;
-    const UINT messages[] = {WM_CHAR,   WM_CLOSE,   WM_CREATE,        WM_COMMAND,     WM_NOTIFY,    WM_ENABLE,    WM_ERASEBKGND,
-                             WM_KEYDOWN, WM_KEYUP,  WM_LBUTTONDBLCLK, WM_LBUTTONDOWN, WM_LBUTTONUP, WM_MOUSEMOVE, WM_MOVE,
-                             WM_PAINT,  WM_SHOWWINDOW, WM_SIZE,       WM_TIMER,       WM_SETTINGCHANGE, WM_USER,  WM_DESTROY};
+    const UINT messages[] = {WM_CHAR,          WM_CLOSE,   WM_CREATE, WM_COMMAND,       WM_NOTIFY,      WM_ENABLE,
+                             WM_ERASEBKGND,    WM_KEYDOWN, WM_KEYUP,  WM_LBUTTONDBLCLK, WM_LBUTTONDOWN, WM_LBUTTONUP,
+                             WM_MOUSEMOVE,     WM_MOVE,    WM_PAINT,  WM_SHOWWINDOW,    WM_SIZE,        WM_TIMER,
+                             WM_SETTINGCHANGE, WM_USER,    WM_DESTROY};
     for (const UINT message : messages)
     {
         bool handled = true;
@@ -309,7 +310,8 @@ TEST_F(CeWndTest, AControlsOwnProcedureStandsBehindTheObject)
     Recorder parent;
     ASSERT_TRUE(parent.make(WS_POPUP | WS_VISIBLE));
     Recorder button;
-    ASSERT_TRUE(button.Create(u"BUTTON", parent, {0, 0, 40, 20}, u"Push", WS_CHILD | WS_VISIBLE | BS_AUTOCHECKBOX, 0, 5));
+    ASSERT_TRUE(
+        button.Create(u"BUTTON", parent, {0, 0, 40, 20}, u"Push", WS_CHILD | WS_VISIBLE | BS_AUTOCHECKBOX, 0, 5));
     parent.taken();
     SendMessageW(button, BM_CLICK, 0, 0);
     EXPECT_EQ(SendMessageW(button, BM_GETCHECK, 0, 0), 1);

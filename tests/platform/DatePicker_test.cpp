@@ -151,7 +151,8 @@ TEST_F(DatePickers, MomentsBySilentMessages)
 
 TEST_F(DatePickers, BeginsWithNow)
 {
-    picker = CreateWindowExW(0, DATETIMEPICK_CLASSW, u"", WS_CHILD, 0, 0, 9, 9, parent.window, nullptr, nullptr, nullptr);
+    picker =
+        CreateWindowExW(0, DATETIMEPICK_CLASSW, u"", WS_CHILD, 0, 0, 9, 9, parent.window, nullptr, nullptr, nullptr);
     EXPECT_EQ(shown(), "2026-03-02 10:00:00") << "nine o'clock of UTC in Berlin";
 }
 

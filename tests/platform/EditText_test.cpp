@@ -1,5 +1,5 @@
-// The text of an edit control in numbers: changes, what can be taken back, where a caret may stand, and lines. Also held
-// against a plain string through thousands of random steps.
+// The text of an edit control in numbers: changes, what can be taken back, where a caret may stand, and lines. Also
+// held against a plain string through thousands of random steps.
 #include "platform/linux/edit_boundaries.h"
 #include "platform/linux/edit_lines.h"
 #include "platform/linux/edit_text.h"

@@ -1,5 +1,5 @@
-// The edit control: every message, what the parent hears and in which order, keys and pen. In the test face at 10 pixels
-// a small letter is 5 wide and a line 10 high.
+// The edit control: every message, what the parent hears and in which order, keys and pen. In the test face at 10
+// pixels a small letter is 5 wide and a line 10 high.
 #include "platform/clipboard.h"
 #include "platform/controls.h"
 #include "support/DialogBytes.h"

@@ -71,7 +71,8 @@ TEST_F(FontMetrics, aNegativeHeightIsThatOfTheCharacters)
 
 TEST_F(FontMetrics, aFaceThatIsBoldByNameAloneGetsItsInkInsideItsAdvance)
 {
-    // A stem of 100 thousandths of the em in an advance of 300 (the faces' writer adds 100 for bold): at 20 pixels two columns from the third on.
+    // A stem of 100 thousandths of the em in an advance of 300 (the faces' writer adds 100 for bold): at 20 pixels two
+    // columns from the third on.
     const std::vector<TestGlyphs> thin = {{U'l', U'l', 200, 500}};
     device.options().fonts.files = {writeTestFace(faces.path(), {"Thin", true, false, thin})};
     device.reopen();

@@ -28,7 +28,8 @@ class ListViewPictures : public ControlSheet
         for (const WCHAR *one : texts)
         {
             std::u16string text = one;
-            LVITEMW given{LVIF_TEXT | (column == 0 ? LVIF_IMAGE : 0), number, column, 0, 0, text.data(), 0, image, 0, 0};
+            LVITEMW given{
+                LVIF_TEXT | (column == 0 ? LVIF_IMAGE : 0), number, column, 0, 0, text.data(), 0, image, 0, 0};
             SendMessageW(list, column == 0 ? LVM_INSERTITEMW : LVM_SETITEMW, 0, reinterpret_cast<LPARAM>(&given));
             ++column;
         }
@@ -96,14 +97,16 @@ TEST_P(ListViewPictures, EveryState)
     HDITEMW arrow{HDI_FORMAT, 0, nullptr, nullptr, 0, HDF_SORTUP, 0};
     SendMessageW(reinterpret_cast<HWND>(SendMessageW(first, LVM_GETHEADER, 0, 0)), HDM_SETITEMW, 0,
                  reinterpret_cast<LPARAM>(&arrow));
-    const HWND plain = add(WC_LISTVIEWW, u"", LVS_LIST | LVS_SINGLESEL | LVS_SHOWSELALWAYS | WS_BORDER, 6, 144, 110, 86);
+    const HWND plain =
+        add(WC_LISTVIEWW, u"", LVS_LIST | LVS_SINGLESEL | LVS_SHOWSELALWAYS | WS_BORDER, 6, 144, 110, 86);
     SendMessageW(plain, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_CHECKBOXES);
     row(plain, 0, {u"Overdue"});
     row(plain, 1, {u"Waiting for somebody"});
     row(plain, 2, {u"Done"});
     state(plain, 1, LVIS_SELECTED, LVIS_SELECTED);
     state(plain, 2, INDEXTOSTATEIMAGEMASK(2), LVIS_STATEIMAGEMASK);
-    const HWND disabled = report(LVS_NOCOLUMNHEADER | LVS_SHOWSELALWAYS | WS_DISABLED, LVS_EX_CHECKBOXES, 124, 144, 114, 86);
+    const HWND disabled =
+        report(LVS_NOCOLUMNHEADER | LVS_SHOWSELALWAYS | WS_DISABLED, LVS_EX_CHECKBOXES, 124, 144, 114, 86);
     state(disabled, 0, LVIS_SELECTED, LVIS_SELECTED);
     add(WC_LISTVIEWW, u"", LVS_REPORT | WS_BORDER, 6, 238, 232, 76);
     // Right: lines between the cells, chosen labels alone, columns wider than the room, scrolled to the end.

@@ -295,7 +295,8 @@ TEST_F(ListViews, CheckBoxes)
     EXPECT_EQ(state(0) & LVIS_STATEIMAGEMASK, 0x1000U);
     EXPECT_EQ(takeHeard(), All{});
     tap(10, 30); // on the box of the second row
-    EXPECT_EQ(takeHeard({changed, -2}), (All{{changed, 0, 0, 1}, {changed, 1, 1, 0}, {changed, 1, 0x2000, 0x1000}, {-2, 1}}));
+    EXPECT_EQ(takeHeard({changed, -2}),
+              (All{{changed, 0, 0, 1}, {changed, 1, 1, 0}, {changed, 1, 0x2000, 0x1000}, {-2, 1}}));
     EXPECT_EQ(chosen(), Rows{}) << "the box alone";
     pressKey(VK_SPACE);
     EXPECT_EQ(takeHeard({changed}), (All{{changed, 1, 0x1000, 0x2000}}));

@@ -90,7 +90,8 @@ TEST_F(MenuBar, TakesItsHeightOffTheClientAreaAndGivesItBack)
 
 TEST_F(MenuBar, LiesBelowAScrollBar)
 {
-    const ScreenWindow window(RGB(255, 255, 255), WS_POPUP | WS_VISIBLE | WS_VSCROLL | WS_HSCROLL | WS_BORDER, 0, 0, 240, 320);
+    const ScreenWindow window(RGB(255, 255, 255), WS_POPUP | WS_VISIBLE | WS_VSCROLL | WS_HSCROLL | WS_BORDER, 0, 0,
+                              240, 320);
     zb::setMenuBar(window.window, bar);
     EXPECT_EQ(window.client().right, 240 - 2 - 13);
     EXPECT_EQ(window.client().bottom, 320 - 2 - 13 - barHeight);

@@ -27,7 +27,8 @@ class MenuPictures : public ::testing::TestWithParam<int>
         options.screen = {dots(240), dots(200), GetParam()};
         options.fonts.files = {facesFolder / "DejaVuSans.ttf", facesFolder / "DejaVuSans-Bold.ttf"};
         device = std::make_unique<TestDevice>(options);
-        owner = std::make_unique<ScreenWindow>(RGB(0xE8, 0xF0, 0xE8), WS_POPUP | WS_VISIBLE, 0, 0, dots(240), dots(200));
+        owner =
+            std::make_unique<ScreenWindow>(RGB(0xE8, 0xF0, 0xE8), WS_POPUP | WS_VISIBLE, 0, 0, dots(240), dots(200));
         settle();
     }
     int dots(int pixels) const
@@ -75,8 +76,9 @@ HMENU makeMenu()
 TEST_P(MenuPictures, AMenuWithASubMenu)
 {
     const HMENU menu = makeMenu();
-    track(menu, 0, 8, 8, {key(VK_DOWN), shot("menu-open"), key(VK_DOWN), shot("menu-disabled"), letter(u's'), shot("menu-sub"),
-                          key(VK_MENU)});
+    track(menu, 0, 8, 8,
+          {key(VK_DOWN), shot("menu-open"), key(VK_DOWN), shot("menu-disabled"), letter(u's'), shot("menu-sub"),
+           key(VK_MENU)});
     DestroyMenu(menu);
 }
 

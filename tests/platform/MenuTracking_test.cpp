@@ -234,8 +234,8 @@ TEST_F(MenuTracking, AHighMenuScrollsByPenAndKeys)
     EXPECT_EQ(run({[&] { place = topPlace(); }, key(VK_END), key(VK_RETURN)}), 139);
     EXPECT_EQ(place.top, 0);
     EXPECT_EQ(place.bottom, 320);
-    // The strip of 16 pixels at the bottom scrolls 26 pixels a tap. "Close" begins at 88 in the menu, so after two taps at
-    // 88 + 16 - 52; before them "Paste" lies there.
+    // The strip of 16 pixels at the bottom scrolls 26 pixels a tap. "Close" begins at 88 in the menu, so after two taps
+    // at 88 + 16 - 52; before them "Paste" lies there.
     EXPECT_EQ(run({tap(10, 310), tap(10, 310), tap(10, 60)}), 13);
     EXPECT_EQ(run({tap(10, 60), key(VK_ESCAPE)}), 0);
     EXPECT_EQ(run({tap(10, 310), tap(10, 310), tap(10, 10), tap(10, 10), tap(10, 10), tap(10, 16 + openMiddle)}), 11);

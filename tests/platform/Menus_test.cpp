@@ -174,7 +174,8 @@ TEST_F(Menus, OneOfARangeIsChosenByADot)
         AppendMenuW(menu, MF_CHECKED, id, u"");
     }
     EXPECT_TRUE(CheckMenuRadioItem(menu, 5000, 5998, 5000, MF_BYCOMMAND));
-    const std::pair<UINT, UINT> expected[] = {{MFS_CHECKED, 0}, {MFS_CHECKED, MFT_RADIOCHECK}, {0, 0}, {0, 0}, {MFS_CHECKED, 0}};
+    const std::pair<UINT, UINT> expected[] = {
+        {MFS_CHECKED, 0}, {MFS_CHECKED, MFT_RADIOCHECK}, {0, 0}, {0, 0}, {MFS_CHECKED, 0}};
     for (UINT i = 0; i < 5; ++i)
     {
         EXPECT_EQ(infoOf(i).fState, expected[i].first) << i;
@@ -297,7 +298,8 @@ TEST_F(Menus, AModulesMenuIsReadWholeOrNotAtAll)
 
 TEST(MenuTemplate, EveryCutIsRefusedAndEveryByteIsRead)
 {
-    const std::vector<BYTE> whole = {2, 0, 1, 2, 7, 1, 3, 4, 1, 0, 'A', 0x26, 0x10, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 8, 0, 0, 0, 0, 0, 0};
+    const std::vector<BYTE> whole = {2, 0, 1, 2, 7, 1, 3, 4, 1, 0, 'A', 0x26, 0x10, 0, 0,
+                                     0, 0, 0, 0, 0, 1, 0, 0, 8, 0, 0,   0,    0,    0, 0};
     const auto entries = zb::readMenuTemplate(whole.data(), whole.size());
     ASSERT_TRUE(entries.has_value());
     ASSERT_EQ(entries->size(), 2U);

@@ -192,14 +192,16 @@ TEST_P(MessageDialogPictures, EachKind)
     options.screen = {240 * GetParam() / 96, 200 * GetParam() / 96, GetParam(), true};
     options.fonts.files = {facesFolder / "DejaVuSans.ttf", facesFolder / "DejaVuSans-Bold.ttf"};
     const TestDevice device(options);
-    const ScreenWindow owner(RGB(0xE8, 0xF0, 0xE8), WS_POPUP | WS_VISIBLE, 0, 0, options.screen.width, options.screen.height);
+    const ScreenWindow owner(RGB(0xE8, 0xF0, 0xE8), WS_POPUP | WS_VISIBLE, 0, 0, options.screen.width,
+                             options.screen.height);
     const auto show = [&](const std::string &name, const WCHAR *text, const WCHAR *caption, UINT flags)
     {
         settle();
         const LoopScript script({[&]
                                  {
                                      const HBITMAP screen = zb::captureScreen();
-                                     EXPECT_TRUE(matchesPicture(screen, "message-" + name + "-" + std::to_string(GetParam())));
+                                     EXPECT_TRUE(
+                                         matchesPicture(screen, "message-" + name + "-" + std::to_string(GetParam())));
                                      DeleteObject(screen);
                                      EndDialog(GetForegroundWindow(), IDOK);
                                  }});
@@ -207,9 +209,10 @@ TEST_P(MessageDialogPictures, EachKind)
         EXPECT_TRUE(script.isDone());
     };
     show("error", u"The item could not be saved.", u"Zembrik", MB_OK | MB_ICONERROR);
-    show("question", u"Delete only this appointment?\n\nYes deletes this day alone, No the whole series.", u"Team meeting",
-         MB_YESNOCANCEL | MB_ICONQUESTION | MB_TOPMOST);
-    show("warning", u"There is not enough memory to open the file.", u"Zembrik", MB_RETRYCANCEL | MB_ICONWARNING | MB_DEFBUTTON2);
+    show("question", u"Delete only this appointment?\n\nYes deletes this day alone, No the whole series.",
+         u"Team meeting", MB_YESNOCANCEL | MB_ICONQUESTION | MB_TOPMOST);
+    show("warning", u"There is not enough memory to open the file.", u"Zembrik",
+         MB_RETRYCANCEL | MB_ICONWARNING | MB_DEFBUTTON2);
     show("information", u"Done.", nullptr, MB_OK | MB_ICONINFORMATION);
     show("plain", u"Done & gone.", u"A caption that is too long for the bar above it, by far", MB_OKCANCEL);
 }

@@ -109,7 +109,9 @@ class TreeViews : public zb::test::TextTest
     {
         WCHAR buffer[32] = {};
         TVITEMW asked{TVIF_TEXT, item, 0, 0, buffer, 32, 0, 0, 0, 0};
-        return item == nullptr || sendRecord(TVM_GETITEMW, 0, asked) == 0 ? "-" : std::string(1, static_cast<char>(buffer[0]));
+        return item == nullptr || sendRecord(TVM_GETITEMW, 0, asked) == 0
+                   ? "-"
+                   : std::string(1, static_cast<char>(buffer[0]));
     }
     LRESULT send(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const
     {

@@ -15,7 +15,8 @@ using namespace zb::test;
 /// One random write.
 void change(const OpenedDatabase &database, std::mt19937 &random)
 {
-    const std::u16string text(random() % 2 == 0 ? random() % 3000 : random() % 20, static_cast<char16_t>(u'a' + random() % 26));
+    const std::u16string text(random() % 2 == 0 ? random() % 3000 : random() % 20,
+                              static_cast<char16_t>(u'a' + random() % 26));
     const std::vector<CEOID> all = database.walk();
     const CEOID some = all.empty() ? 0 : all[random() % all.size()];
     switch (random() % 4)

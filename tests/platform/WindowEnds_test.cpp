@@ -109,11 +109,11 @@ void makeFirst(const DialogBytes &bytes)
     settle();
 }
 
-constexpr UINT dialogMessages[] = {WM_SETFONT,      WM_INITDIALOG,     WM_WINDOWPOSCHANGED, WM_MOVE,       WM_SIZE,
-                                   WM_SHOWWINDOW,   WM_ACTIVATE,       WM_NCPAINT,          WM_ERASEBKGND, WM_CTLCOLORDLG,
-                                   WM_CTLCOLOREDIT, WM_CTLCOLORSTATIC, WM_PAINT,            WM_COMMAND,    WM_TIMER,
-                                   WM_NOTIFY,       WM_NEXTDLGCTL,     DM_GETDEFID,         WM_SETTEXT,    WM_ENABLE,
-                                   WM_CLOSE,        WM_DESTROY,        WM_NCDESTROY};
+constexpr UINT dialogMessages[] = {
+    WM_SETFONT, WM_INITDIALOG, WM_WINDOWPOSCHANGED, WM_MOVE,         WM_SIZE,           WM_SHOWWINDOW, WM_ACTIVATE,
+    WM_NCPAINT, WM_ERASEBKGND, WM_CTLCOLORDLG,      WM_CTLCOLOREDIT, WM_CTLCOLORSTATIC, WM_PAINT,      WM_COMMAND,
+    WM_TIMER,   WM_NOTIFY,     WM_NEXTDLGCTL,       DM_GETDEFID,     WM_SETTEXT,        WM_ENABLE,     WM_CLOSE,
+    WM_DESTROY, WM_NCDESTROY};
 } // namespace
 
 TEST_F(WindowEnds, ADialogMayEndInAnyMessageOfItsProcedure)

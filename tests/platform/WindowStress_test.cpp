@@ -184,7 +184,8 @@ TEST(WindowStress, ThreadsShareTheScreen)
         const auto x = [&] { return self * strip + below(20); };
         for (int step = 0; step < 400; ++step)
         {
-            const HWND any = own.empty() ? nullptr : own[static_cast<std::size_t>(below(static_cast<int>(own.size())))]->window;
+            const HWND any =
+                own.empty() ? nullptr : own[static_cast<std::size_t>(below(static_cast<int>(own.size())))]->window;
             const HWND other = latest[static_cast<std::size_t>(below(threads))];
             RECT place{};
             switch (below(9))
@@ -199,8 +200,8 @@ TEST(WindowStress, ThreadsShareTheScreen)
                 own.clear();
                 break;
             case 2:
-                SetWindowPos(any, HWND_TOP, below(20) + (IsChild(GetParent(any), any) != FALSE ? 0 : self * strip), below(90), 30,
-                             30, 0);
+                SetWindowPos(any, HWND_TOP, below(20) + (IsChild(GetParent(any), any) != FALSE ? 0 : self * strip),
+                             below(90), 30, 30, 0);
                 break;
             case 3:
                 ShowWindow(any, below(2) != 0 ? SW_SHOW : SW_HIDE);
@@ -265,9 +266,9 @@ TEST(WindowStress, RandomStepsLeaveNothingBehind)
         case 1:
         {
             const bool child = any != nullptr && below(3) != 0;
-            const HWND made = CreateWindowExW(0, u"Stress", u"", (child ? WS_CHILD : WS_POPUP) | (below(2) != 0 ? WS_VISIBLE : 0U),
-                                              below(200) - 50, below(150) - 50, below(120), below(100),
-                                              child ? any : nullptr, nullptr, nullptr, nullptr);
+            const HWND made = CreateWindowExW(
+                0, u"Stress", u"", (child ? WS_CHILD : WS_POPUP) | (below(2) != 0 ? WS_VISIBLE : 0U), below(200) - 50,
+                below(150) - 50, below(120), below(100), child ? any : nullptr, nullptr, nullptr, nullptr);
             if (made != nullptr)
             {
                 all.push_back(made);
@@ -284,8 +285,9 @@ TEST(WindowStress, RandomStepsLeaveNothingBehind)
             MoveWindow(any, below(200) - 50, below(150) - 50, below(120), below(100), TRUE);
             break;
         case 4:
-            SetParent(any, all.empty() || below(3) == 0 ? nullptr
-                                                        : all[static_cast<std::size_t>(below(static_cast<int>(all.size())))]);
+            SetParent(any, all.empty() || below(3) == 0
+                               ? nullptr
+                               : all[static_cast<std::size_t>(below(static_cast<int>(all.size())))]);
             break;
         case 5:
             ShowWindow(any, below(2) != 0 ? SW_SHOW : SW_HIDE);

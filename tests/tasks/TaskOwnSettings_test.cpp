@@ -46,20 +46,21 @@ TEST_F(TaskOwnSettings, NothingIsWrittenBackForThem)
 TEST_F(TaskOwnSettings, EveryValueIsReadUnderItsName)
 {
     using Field = ULONG TaskListSettings::*;
-    constexpr std::pair<const WCHAR *, Field> numbers[] = {{u"TV_FilterData", &TaskListSettings::TV_FilterData},
-                                                           {u"TV_ShowPrivate", &TaskListSettings::TV_ShowPrivate},
-                                                           {u"TV_FilterPriority", &TaskListSettings::TV_FilterPriority},
-                                                           {u"TV_DaysFuture", &TaskListSettings::TV_DaysFuture},
-                                                           {u"bHideCategories", &TaskListSettings::bHideCategories},
-                                                           {u"m_bIncludeNoCat", &TaskListSettings::m_bIncludeNoCat},
-                                                           {u"CategoryANDOR", &TaskListSettings::CategoryANDOR},
-                                                           {u"bShowCompleted", &TaskListSettings::bShowCompleted},
-                                                           {u"bShowUndated", &TaskListSettings::bShowUndated},
-                                                           {u"GroupBy", &TaskListSettings::GroupBy},
-                                                           {u"TV_Sort0", &TaskListSettings::TV_Sort0},
-                                                           {u"TV_Sort1", &TaskListSettings::TV_Sort1},
-                                                           {u"TV_SortDescending0", &TaskListSettings::TV_SortDescending0},
-                                                           {u"TV_SortDescending1", &TaskListSettings::TV_SortDescending1}};
+    constexpr std::pair<const WCHAR *, Field> numbers[] = {
+        {u"TV_FilterData", &TaskListSettings::TV_FilterData},
+        {u"TV_ShowPrivate", &TaskListSettings::TV_ShowPrivate},
+        {u"TV_FilterPriority", &TaskListSettings::TV_FilterPriority},
+        {u"TV_DaysFuture", &TaskListSettings::TV_DaysFuture},
+        {u"bHideCategories", &TaskListSettings::bHideCategories},
+        {u"m_bIncludeNoCat", &TaskListSettings::m_bIncludeNoCat},
+        {u"CategoryANDOR", &TaskListSettings::CategoryANDOR},
+        {u"bShowCompleted", &TaskListSettings::bShowCompleted},
+        {u"bShowUndated", &TaskListSettings::bShowUndated},
+        {u"GroupBy", &TaskListSettings::GroupBy},
+        {u"TV_Sort0", &TaskListSettings::TV_Sort0},
+        {u"TV_Sort1", &TaskListSettings::TV_Sort1},
+        {u"TV_SortDescending0", &TaskListSettings::TV_SortDescending0},
+        {u"TV_SortDescending1", &TaskListSettings::TV_SortDescending1}};
     const ULONG defaults[] = {42250, 1, 4, 949998, 0, 0, 0, 0, 1, 0, 42129, 42136, 0, 0};
     DWORD value = 100;
     for (std::size_t n = 0; n < std::size(numbers); ++n)
