@@ -427,7 +427,7 @@ inline constexpr int VK_F2 = 0x71;
 inline constexpr int VK_F4 = 0x73;
 inline constexpr int VK_F10 = 0x79;
 inline constexpr int VK_F23 = 0x86;
-/// The high bit is set while the key is down.
+/// The high bit is set while the key is down, as of the calling thread: input that still waits for it has not happened.
 ZBPLATFORM_API SHORT GetKeyState(int key);
 /// Where the pen is, or was last, on the screen.
 ZBPLATFORM_API BOOL GetCursorPos(POINT *point);

@@ -70,6 +70,7 @@ void MessageQueue::removeWindow(HWND window)
         const std::lock_guard guard(m_lock);
         m_windows.erase(window);
         std::erase_if(m_posted, [&](const MSG &message) { return message.hwnd == window; });
+        m_inputs = static_cast<std::size_t>(std::ranges::count_if(m_posted, &Posted::isInput));
         std::erase_if(m_timers, [&](const Timer &timer) { return timer.window == window; });
         std::erase(m_paints, window);
         std::erase_if(m_sent,
@@ -96,6 +97,7 @@ std::vector<HWND> MessageQueue::close()
         left.assign(m_windows.begin(), m_windows.end());
         m_windows.clear();
         m_posted.clear();
+        m_inputs = 0;
         m_timers.clear();
         m_paints.clear();
         m_quit.reset();
@@ -116,18 +118,36 @@ std::vector<HWND> MessageQueue::close()
 
 DWORD MessageQueue::post(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
 {
+    return enter({{window, message, wParam, lParam, GetTickCount(), {0, 0}}, nullptr});
+}
+
+DWORD MessageQueue::postInput(HWND window, UINT message, WPARAM wParam, LPARAM lParam,
+                              std::shared_ptr<const HeldKeys> before)
+{
+    return enter({{window, message, wParam, lParam, GetTickCount(), {0, 0}}, std::move(before)});
+}
+
+std::shared_ptr<const HeldKeys> MessageQueue::keysBeforeInput()
+{
+    const std::lock_guard guard(m_lock);
+    return m_inputs == 0 ? nullptr : std::ranges::find_if(m_posted, &Posted::isInput)->keysBefore;
+}
+
+DWORD MessageQueue::enter(Posted posted)
+{
     bool listening = false;
     {
         const std::lock_guard guard(m_lock);
-        if (!accepts(window))
+        if (!accepts(posted.hwnd))
         {
-            return window != nullptr ? ERROR_INVALID_WINDOW_HANDLE : errorInvalidThreadId;
+            return posted.hwnd != nullptr ? ERROR_INVALID_WINDOW_HANDLE : errorInvalidThreadId;
         }
         if (m_posted.size() >= limit)
         {
             return ERROR_TOO_MANY_POSTS;
         }
-        m_posted.push_back(MSG{window, message, wParam, lParam, GetTickCount(), {0, 0}});
+        m_inputs += posted.isInput() ? 1 : 0;
+        m_posted.push_back(std::move(posted));
         listening = (m_listening & wakePosted) != 0;
     }
     if (listening)
@@ -202,6 +222,7 @@ bool MessageQueue::take(const MessageFilter &filter, bool remove, MSG &message)
         message = *found;
         if (remove)
         {
+            m_inputs -= found->isInput() ? 1 : 0;
             m_posted.erase(found);
         }
         return true;

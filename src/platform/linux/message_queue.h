@@ -14,6 +14,7 @@
 #include "platform/user.h"
 
 #include <atomic>
+#include <bitset>
 #include <deque>
 #include <memory>
 #include <mutex>
@@ -32,6 +33,9 @@ inline constexpr unsigned wakeSent = 0x40;
 inline constexpr unsigned wakeAll = wakePosted | wakeTimer | wakeSent;
 
 inline constexpr DWORD errorInvalidThreadId = 1444;
+
+/// Which keys of the VK_ numbers are down.
+using HeldKeys = std::bitset<256>;
 
 enum class SendOutcome
 {
@@ -79,6 +83,8 @@ class MessageQueue
 
     // --- In. 0 or an error code
     DWORD post(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+    /// What pen or keys have done, and which keys were held right before that.
+    DWORD postInput(HWND window, UINT message, WPARAM wParam, LPARAM lParam, std::shared_ptr<const HeldKeys> before);
     DWORD send(SentMessage &sent);
     void postQuit(int exitCode);
     /// WM_PAINT comes for the window when nothing else waits, for as long as something of it is invalid.
@@ -98,6 +104,8 @@ class MessageQueue
         bool destroys = false;
     };
     std::optional<Taken> takeSent();
+    /// The keys that were held before the oldest input that waits here; null when none does. Any thread.
+    std::shared_ptr<const HeldKeys> keysBeforeInput();
     void finishSent(std::uint64_t number, std::optional<LRESULT> result);
     /// The sender waits no more; nothing refers to the message from here on.
     void forgetSent(SentMessage &sent);
@@ -120,6 +128,15 @@ class MessageQueue
     std::size_t timers();
 
   private:
+    struct Posted : MSG
+    {
+        std::shared_ptr<const HeldKeys> keysBefore; ///< of input alone
+
+        bool isInput() const
+        {
+            return keysBefore != nullptr;
+        }
+    };
     struct Timer
     {
         HWND window;
@@ -130,6 +147,7 @@ class MessageQueue
     };
 
     bool accepts(HWND window) const;
+    DWORD enter(Posted posted);
     Timer *findTimer(HWND window, UINT_PTR id);
     Timer *earliestTimer(const MessageFilter &filter);
     /// Stores the outcome and adds the sender to those to wake.
@@ -140,7 +158,8 @@ class MessageQueue
 
     ThreadState &m_owner;
     std::mutex m_lock;
-    std::deque<MSG> m_posted;
+    std::deque<Posted> m_posted;
+    std::size_t m_inputs = 0; ///< of those
     std::deque<SentMessage *> m_sent;
     std::vector<SentMessage *> m_running;
     std::unordered_set<HWND> m_windows;

@@ -7,7 +7,6 @@
 #include "platform/linux/windows_place.h"
 #include "platform/screen.h"
 
-#include <array>
 #include <cstdlib>
 
 using namespace zb::internal;
@@ -15,7 +14,6 @@ using namespace zb::internal;
 namespace
 {
 constexpr DWORD doubleTapTime = 500; // milliseconds
-constexpr unsigned keyCount = 256;
 
 struct PenState
 {
@@ -34,11 +32,60 @@ PenState &pen()
     return *instance;
 }
 
-std::array<std::atomic<bool>, keyCount> keysDown;
+/// The keys as they were fed. A state is never changed, so that input can keep the one before it.
+struct KeyBoard
+{
+    std::mutex lock; ///< held while input is entered: who asks sees a change of keys and its message, or neither
+    std::shared_ptr<const HeldKeys> held = std::make_shared<HeldKeys>();
+};
+
+KeyBoard &keyBoard()
+{
+    static auto *instance = new KeyBoard;
+    return *instance;
+}
+
+std::size_t indexOf(int key)
+{
+    return static_cast<unsigned>(key) % HeldKeys().size();
+}
+
+/// With the board's lock held. Null and windows that are gone get nothing.
+void enter(HWND window, UINT message, WPARAM wParam, LPARAM lParam, const std::shared_ptr<const HeldKeys> &before)
+{
+    if (const auto object = window == nullptr ? nullptr : peekWindow(window))
+    {
+        object->owner()->queue().postInput(window, message, wParam, lParam, before);
+    }
+}
+
+void postInput(HWND window, UINT message, WPARAM wParam, LPARAM lParam)
+{
+    KeyBoard &board = keyBoard();
+    const std::lock_guard guard(board.lock);
+    enter(window, message, wParam, lParam, board.held);
+}
+
+/// Gives the key another state and tells the window; the lParam stands for a key that was in the other state before.
+void postKey(HWND window, int key, bool down)
+{
+    constexpr LPARAM wasDown = 1 << 30;
+    constexpr auto released = static_cast<LPARAM>(0xC0000001U);
+    KeyBoard &board = keyBoard();
+    const std::lock_guard guard(board.lock);
+    const auto before = board.held;
+    auto next = std::make_shared<HeldKeys>(*before);
+    next->set(indexOf(key), down);
+    board.held = std::move(next);
+    const bool repeated = down && before->test(indexOf(key));
+    enter(window, down ? WM_KEYDOWN : WM_KEYUP, static_cast<WPARAM>(key), down ? 1 | (repeated ? wasDown : 0) : released, before);
+}
 
 bool isKeyDown(int key)
 {
-    return keysDown[static_cast<unsigned>(key) % keyCount].load(std::memory_order_relaxed);
+    KeyBoard &board = keyBoard();
+    const std::lock_guard guard(board.lock);
+    return board.held->test(indexOf(key));
 }
 
 WPARAM heldKeys(bool penIsDown)
@@ -83,7 +130,7 @@ void noteDown(HWND window)
 void postPen(HWND window, UINT message, POINT point, bool penIsDown)
 {
     ScreenToClient(window, &point);
-    PostMessageW(window, message, heldKeys(penIsDown), packed(point));
+    postInput(window, message, heldKeys(penIsDown), packed(point));
 }
 
 /// Whether this tap follows another one closely enough, in time and place, to make a double one of them.
@@ -198,47 +245,41 @@ void zb::turnWheel(int steps)
     if (const HWND window = penTarget(point))
     {
         const auto turned = static_cast<WORD>(steps * stepSize);
-        PostMessageW(window, WM_MOUSEWHEEL, MAKELONG(static_cast<WORD>(heldKeys(false)), turned), packed(point));
+        postInput(window, WM_MOUSEWHEEL, MAKELONG(static_cast<WORD>(heldKeys(false)), turned), packed(point));
     }
 }
 
 void zb::keyDown(int key)
 {
-    const bool repeated = keysDown[static_cast<unsigned>(key) % keyCount].exchange(true);
     const HWND active = key == VK_F1 || key == VK_F2 ? GetForegroundWindow() : nullptr;
     if (active != nullptr && IsWindowEnabled(active) != FALSE && menuBarOf(active) != nullptr)
     {
+        postKey(nullptr, key, true);
         PostMessageW(active, WM_SYSCOMMAND, pressMenuBarCommand, key - VK_F1);
         return;
     }
-    if (const HWND window = focusedWindow())
-    {
-        constexpr LPARAM wasDown = 1 << 30;
-        PostMessageW(window, WM_KEYDOWN, static_cast<WPARAM>(key), 1 | (repeated ? wasDown : 0));
-    }
+    postKey(focusedWindow(), key, true);
 }
 
 void zb::keyUp(int key)
 {
-    keysDown[static_cast<unsigned>(key) % keyCount].store(false);
-    if (const HWND window = focusedWindow())
-    {
-        constexpr LPARAM released = static_cast<LPARAM>(0xC0000001U);
-        PostMessageW(window, WM_KEYUP, static_cast<WPARAM>(key), released);
-    }
+    postKey(focusedWindow(), key, false);
 }
 
 void zb::typeCharacter(WCHAR character)
 {
-    if (const HWND window = focusedWindow())
-    {
-        PostMessageW(window, WM_CHAR, character, 1);
-    }
+    postInput(focusedWindow(), WM_CHAR, character, 1);
 }
 
+/// What waits for the thread has not happened yet for it: keys that were let go since would else have been up already
+/// when it takes what was typed with them.
 SHORT GetKeyState(int key)
 {
-    return key >= 0 && isKeyDown(key) ? static_cast<SHORT>(0x8000) : SHORT{0};
+    KeyBoard &board = keyBoard();
+    const std::lock_guard guard(board.lock);
+    const auto before = currentThread().queue().keysBeforeInput();
+    const HeldKeys &held = before == nullptr ? *board.held : *before;
+    return key >= 0 && held.test(indexOf(key)) ? static_cast<SHORT>(0x8000) : SHORT{0};
 }
 
 BOOL GetCursorPos(POINT *point)
