@@ -44,14 +44,7 @@ std::vector<Shortening> shortenToRecord(AppointmentItem &item)
     for (const auto &[text, what] :
          {std::pair(&item.notes, "notes"), std::pair(&item.location, "location"), std::pair(&item.subject, "subject")})
     {
-        const std::size_t before = text->size();
-        std::size_t size = readSize(encodeAppointment(item), loaderProperties);
-        while (size > limit && !text->empty())
-        {
-            dropFromEnd(*text, (size - limit + 1) / 2);
-            size = readSize(encodeAppointment(item), loaderProperties);
-        }
-        if (text->size() != before)
+        if (cutToSize(*text, limit, [&item] { return readSize(encodeAppointment(item), loaderProperties); }))
         {
             done.push_back({what, text->size()});
         }
@@ -77,7 +70,7 @@ AppointmentStore::~AppointmentStore()
 
 AppointmentStore::Outcome AppointmentStore::store(const AppointmentItem &item, const ExactRecord *exact)
 {
-    const CEOID id = find(item.interchangeId);
+    const CEOID id = findIdentity(m_database, item.interchangeId);
     m_properties = encodeAppointment(item);
     if (id != 0 && !item.categories.empty())
     {
@@ -115,15 +108,6 @@ std::vector<BYTE> AppointmentStore::withStoredCategories(std::vector<BYTE> bits)
         }
     }
     return bits;
-}
-
-CEOID AppointmentStore::find(const std::u16string &identity)
-{
-    CEPROPVAL key{};
-    key.propid = itemInterchangeId;
-    std::u16string text = identity;
-    key.val.lpwstr = text.data();
-    return CeSeekDatabase(m_database, CEDB_SEEK_VALUEFIRSTEQUAL, reinterpret_cast<DWORD_PTR>(&key), nullptr);
 }
 
 /// All properties of the record at the position.

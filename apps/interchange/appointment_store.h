@@ -81,7 +81,6 @@ class AppointmentStore
     std::size_t removeLeftovers(const Leftovers &leftovers);
 
   private:
-    CEOID find(const std::u16string &identity);
     std::vector<BYTE> withStoredCategories(std::vector<BYTE> bits);
     const CEPROPVAL *read(WORD &count);
     bool isLeftover(const CEPROPVAL *values, WORD count, const Leftovers &leftovers) const;

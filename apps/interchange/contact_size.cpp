@@ -77,14 +77,8 @@ std::vector<Shortening> shortenToRecord(ContactItem &item)
     cut(item.home, done);
     cut(item.business, done);
     cut(item.other, done);
-    const std::size_t before = item.notes.size();
-    std::size_t size = before < limit / 8 ? 0 : readSize(encodeContact(item), loaderProperties);
-    while (size > limit && !item.notes.empty())
-    {
-        dropFromEnd(item.notes, (size - limit + 1) / 2);
-        size = readSize(encodeContact(item), loaderProperties);
-    }
-    if (item.notes.size() != before)
+    if (item.notes.size() >= limit / 8 &&
+        cutToSize(item.notes, limit, [&item] { return readSize(encodeContact(item), loaderProperties); }))
     {
         done.push_back({"notes", item.notes.size()});
     }

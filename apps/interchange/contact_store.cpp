@@ -253,15 +253,6 @@ ContactStore::~ContactStore()
     CloseHandle(m_byFileAs);
 }
 
-CEOID ContactStore::seek(const std::u16string &identity)
-{
-    CEPROPVAL key{};
-    key.propid = itemInterchangeId;
-    std::u16string text = identity;
-    key.val.lpwstr = text.data();
-    return CeSeekDatabase(m_byIdentity, CEDB_SEEK_VALUEFIRSTEQUAL, reinterpret_cast<DWORD_PTR>(&key), nullptr);
-}
-
 bool ContactStore::isShared(const std::u16string &fileAs, CEOID except, bool withPicture)
 {
     CEPROPVAL key{};
@@ -325,7 +316,7 @@ CEOID ContactStore::find(const ContactCard &card, std::u16string &identity)
         identity = std::u16string(madeIdentity) + toUtf16(key.hex());
         identity += number == 1 ? u"" : u"-" + toUtf16(std::to_string(number));
     }
-    if (const CEOID known = seek(identity))
+    if (const CEOID known = findIdentity(m_byIdentity, identity))
     {
         return known;
     }

@@ -64,7 +64,6 @@ class ContactStore
     };
 
     CEOID find(const ContactCard &card, std::u16string &identity);
-    CEOID seek(const std::u16string &identity);
     void learnPeople();
     std::vector<Person> &peopleLike(const ContactItem &item);
     const CEPROPVAL *read(CEOID id, WORD &count);

@@ -97,4 +97,25 @@ bool saysAlready(const CEPROPVAL *stored, WORD count, const RecordProperties &pr
                            return removed ? found == nullptr : found != nullptr && sameValue(value, *found);
                        });
 }
+
+CEOID findIdentity(HANDLE database, const std::u16string &identity)
+{
+    CEPROPVAL key{};
+    key.propid = itemInterchangeId;
+    std::u16string text = identity;
+    key.val.lpwstr = text.data();
+    return CeSeekDatabase(database, CEDB_SEEK_VALUEFIRSTEQUAL, reinterpret_cast<DWORD_PTR>(&key), nullptr);
+}
+
+bool cutToSize(std::u16string &text, std::size_t limit, const std::function<std::size_t()> &size)
+{
+    const std::size_t before = text.size();
+    std::size_t now = size();
+    while (now > limit && !text.empty())
+    {
+        dropFromEnd(text, (now - limit + 1) / 2);
+        now = size();
+    }
+    return text.size() != before;
+}
 } // namespace zb::interchange

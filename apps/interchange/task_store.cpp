@@ -38,14 +38,7 @@ std::vector<Shortening> shortenToRecord(TaskItem &item)
         {
             break; // fits whatever the encoding
         }
-        const std::size_t before = text->size();
-        std::size_t size = readSize(encodeTask(item), loaderProperties);
-        while (size > limit && !text->empty())
-        {
-            dropFromEnd(*text, (size - limit + 1) / 2);
-            size = readSize(encodeTask(item), loaderProperties);
-        }
-        if (text->size() != before)
+        if (cutToSize(*text, limit, [&item] { return readSize(encodeTask(item), loaderProperties); }))
         {
             done.push_back({what, text->size()});
         }
@@ -67,15 +60,6 @@ TaskStore::~TaskStore()
 {
     LocalFree(m_buffer);
     CloseHandle(m_database);
-}
-
-CEOID TaskStore::find(const std::u16string &identity)
-{
-    CEPROPVAL key{};
-    key.propid = itemInterchangeId;
-    std::u16string text = identity;
-    key.val.lpwstr = text.data();
-    return CeSeekDatabase(m_database, CEDB_SEEK_VALUEFIRSTEQUAL, reinterpret_cast<DWORD_PTR>(&key), nullptr);
 }
 
 TaskStore::Outcome TaskStore::store(const TaskItem &item, const std::vector<BYTE> &categories,

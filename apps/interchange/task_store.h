@@ -4,6 +4,7 @@
 
 #include "interchange/appointment_store.h"
 #include "interchange/exact_record.h"
+#include "interchange/record_values.h"
 #include "platform/pim.h"
 #include "platform/propdb.h"
 
@@ -33,7 +34,10 @@ class TaskStore
     Outcome store(const TaskItem &item, const std::vector<BYTE> &categories, bool repeats,
                   const ExactRecord *exact);
     /// Id of the record with an identity; 0 when there is none.
-    CEOID find(const std::u16string &identity);
+    CEOID find(const std::u16string &identity) const
+    {
+        return findIdentity(m_database, identity);
+    }
 
   private:
     bool isSame(const RecordProperties &properties);
