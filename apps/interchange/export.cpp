@@ -5,6 +5,7 @@
 #include "interchange/card_writer.h"
 #include "interchange/contact_pictures.h"
 #include "platform/clock.h"
+#include "platform/item_identity.h"
 #include "platform/kernel.h"
 #include "platform/locale.h"
 #include "platform/pim_recurrence.h"
@@ -13,11 +14,9 @@
 #include "tasks/TaskHierarchy.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <limits>
 #include <memory>
-#include <random>
 #include <tuple>
 #include <unordered_map>
 
@@ -132,19 +131,6 @@ struct Chosen
     bool wanted = true; ///< chosen itself, not only as a part of what may be
 };
 
-std::u16string newIdentity()
-{
-    std::random_device device;
-    std::string text = "zb-";
-    for (int n = 0; n < 4; ++n)
-    {
-        char part[16];
-        std::snprintf(part, sizeof part, "%08x", static_cast<unsigned>(device()));
-        text += part;
-    }
-    return toUtf16(text);
-}
-
 std::u16string categoryNames(const RecordView &record)
 {
     const CEPROPVAL *const value = record.find(itemCategories);
@@ -256,7 +242,7 @@ void giveIdentity(Records &records, Chosen &one)
         one.identity = records.read().text(itemInterchangeId);
         if (one.identity.empty())
         {
-            one.identity = newIdentity();
+            one.identity = newItemIdentity();
             records.giveIdentity(one.id, one.identity);
         }
     }

@@ -1,4 +1,5 @@
 // Appointments and tasks as iCalendar.
+#include "platform/item_identity.h"
 #include "platform/linux/pim_appointment_record.h"
 #include "platform/linux/pim_category_names.h"
 #include "platform/linux/pim_dates.h"
@@ -9,8 +10,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
-#include <random>
 
 namespace zb::internal
 {
@@ -198,19 +197,6 @@ void addPlain(OutboxLines &lines, IAppointment &item)
     }
 }
 
-std::u16string newIdentity()
-{
-    std::random_device device;
-    std::string text = "zb-";
-    for (int n = 0; n < 4; ++n)
-    {
-        char part[16];
-        std::snprintf(part, sizeof part, "%08x", static_cast<unsigned>(device()));
-        text += part;
-    }
-    return toUtf16(text);
-}
-
 /// How others know an item.
 struct Identity
 {
@@ -230,7 +216,7 @@ HRESULT identityOf(PimKind kind, LONG oid, const StoredItem &record, Identity &i
     std::u16string id = record.text(itemInterchangeId);
     if (id.empty())
     {
-        id = newIdentity();
+        id = newItemIdentity();
         RecordProperties properties;
         properties.set(itemInterchangeId, id);
         auto written = static_cast<CEOID>(oid);
@@ -256,7 +242,7 @@ HRESULT identityOfDay(LONG oid, const StoredItem &record, LONGLONG start, Identi
     const std::optional<int> day = series ? series->find(start) : std::nullopt;
     if (!day || series->valuesOf(*day).times.firstMoment() != start)
     {
-        identity = identityFrom(newIdentity());
+        identity = identityFrom(newItemIdentity());
         return S_OK;
     }
     const HRESULT result = identityOf(PimKind::Appointment, oid, record, identity);
