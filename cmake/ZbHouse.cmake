@@ -1,4 +1,4 @@
-# How every target of the house is built: language, warnings, sanitizers, linker, compiler cache.
+# How every target of the house is built: language, warnings, sanitizers, compiler cache.
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -19,12 +19,6 @@ find_program(ZB_CCACHE ccache)
 if(ZB_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
   set(CMAKE_CXX_COMPILER_LAUNCHER
       ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime ${ZB_CCACHE})
-endif()
-find_program(ZB_MOLD mold)
-# Everyday builds link often. mold 1.10 may put the part to be protected after the start on a page that is not there, as
-# the sizes fall, and the program then doesn't start: so without that part, and not for what users run.
-if(ZB_MOLD AND CMAKE_BUILD_TYPE STREQUAL "Debug")
-  add_link_options(-fuse-ld=mold -Wl,-z,norelro)
 endif()
 
 if(ZB_SANITIZE)

@@ -20,7 +20,7 @@ prepare_packages() {
     "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >&2
 }
 
-build_packages=(g++ cmake ninja-build ccache mold pkg-config libsqlite3-dev libicu-dev libical-dev libcli11-dev
+build_packages=(g++ cmake ninja-build ccache pkg-config libsqlite3-dev libicu-dev libical-dev libcli11-dev
     nlohmann-json3-dev tzdata libpixman-1-dev libfreetype-dev libharfbuzz-dev libfontconfig-dev libsdl2-dev
     libsdl2-image-dev libx11-dev libdbus-1-dev librsvg2-bin fonts-dejavu-core fonts-wine)
 test_packages=(libgtest-dev xvfb xdotool xclip dbus-daemon)
