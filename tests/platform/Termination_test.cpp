@@ -308,6 +308,43 @@ TEST(TerminatedThreads, TakesTheWindowsOfTheThreadAlong)
     EXPECT_EQ(GetLastError(), ERROR_INVALID_WINDOW_HANDLE);
 }
 
+TEST(TerminatedThreads, LeavesNothingAmongTheWindowsOfTheScreenOrOfAParent)
+{
+    held(); // registers the class
+    const auto make = [](DWORD style, HWND parent)
+    {
+        return CreateWindowExW(0, u"TerminationTest", nullptr, style, 0, 0, 4, 4, parent, nullptr, nullptr, nullptr);
+    };
+    const HWND lowest = make(WS_POPUP, nullptr);
+    const HWND child = make(WS_CHILD, lowest);
+    for (unsigned round = 0; round < 300; ++round)
+    {
+        const PlatformThread thread(
+            [=]
+            {
+                for (;;)
+                {
+                    DestroyWindow(make(WS_POPUP, nullptr));
+                    DestroyWindow(make(WS_CHILD, lowest));
+                }
+            });
+        Sleep(round % 4);
+        EXPECT_TRUE(TerminateThread(thread.handle(), 1));
+    }
+    Sleep(5); // the last one may be in the midst of its steps to the next stop
+    SetWindowPos(lowest, HWND_BOTTOM, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    HWND one = GetWindow(lowest, GW_HWNDFIRST);
+    while (one != nullptr && one != lowest)
+    {
+        ASSERT_TRUE(IsWindow(one));
+        one = GetWindow(one, GW_HWNDNEXT);
+    }
+    EXPECT_EQ(one, lowest) << "every window below another is found from it";
+    EXPECT_EQ(GetWindow(lowest, GW_CHILD), child);
+    EXPECT_EQ(GetWindow(child, GW_HWNDNEXT), nullptr);
+    EXPECT_TRUE(DestroyWindow(lowest));
+}
+
 TEST(TerminatedThreads, DoesNotHoldUpTheEndOfTheProcess)
 {
     GTEST_FLAG_SET(death_test_style, "threadsafe");

@@ -278,7 +278,7 @@ void placeNew(HWND window, WindowObject &object, const Box &place)
 {
     const std::lock_guard guard(treeLock());
     object.place = place;
-    if (!object.isChild)
+    if (!object.isChild && isInTable(window))
     {
         std::vector<HWND> &all = screenWindows();
         all.insert(all.begin() + static_cast<std::ptrdiff_t>(highestPlace(all, isTopmost(window))), window);
@@ -408,7 +408,7 @@ HWND SetParent(HWND window, HWND parent)
     HWND former = nullptr;
     {
         const std::lock_guard guard(treeLock());
-        if (!canHangBelow(above.get(), parent, window, *object))
+        if (!isInTable(window) || !canHangBelow(above.get(), parent, window, *object))
         {
             SetLastError(ERROR_INVALID_PARAMETER);
             return nullptr;

@@ -26,6 +26,11 @@ std::shared_ptr<WindowObject> peekWindow(HWND window)
     return found;
 }
 
+bool isInTable(HWND window)
+{
+    return peekWindow(window) != nullptr;
+}
+
 WindowObject::WindowObject(std::shared_ptr<WindowClass> type, std::shared_ptr<ThreadState> owner)
     : HandleObject(HandleKind::Window), procedure(type->description.lpfnWndProc), m_type(std::move(type)),
       m_owner(std::move(owner)), m_extra(static_cast<std::size_t>(std::max(m_type->description.cbWndExtra, 0)))
@@ -98,7 +103,7 @@ bool isWithin(HWND window, HWND ancestor)
 bool adopt(const std::shared_ptr<WindowObject> &parent, HWND parentHandle, HWND child, WindowObject &object)
 {
     const std::lock_guard guard(treeLock());
-    if (parent->destroying || parent->level >= deepestLevel)
+    if (!isInTable(child) || parent->destroying || parent->level >= deepestLevel)
     {
         return false;
     }

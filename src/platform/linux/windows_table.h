@@ -100,6 +100,9 @@ class WindowObject final : public HandleObject
 std::mutex &treeLock();
 /// Null for a window that is gone; the last error stays.
 std::shared_ptr<WindowObject> peekWindow(HWND window);
+/// Under treeLock(). A thread that is terminated in the midst of its steps still takes them to the next stop, when its
+/// windows are out of the table already: what is not in it must not enter the tree, which nobody would clear of it.
+bool isInTable(HWND window);
 /// Null with last error 1400 for a window that is gone.
 std::shared_ptr<WindowObject> findWindow(HWND window);
 /// The window itself or one below it.
