@@ -172,7 +172,7 @@ class AppointmentObject final : public ItemObject<IAppointment, AppointmentValue
     {
         return m_day ? saveDay() : ItemObject::saveExisting();
     }
-    HRESULT reload() override;
+    void takeOver(const StoredItem &record) override;
     HRESULT deleteStored() override
     {
         return m_day ? deleteDay() : ItemObject::deleteStored();
@@ -186,7 +186,13 @@ class AppointmentObject final : public ItemObject<IAppointment, AppointmentValue
         std::optional<SeriesRecord> series;
         RecordProperties own; ///< empty: none leaves
     };
-    HRESULT onSeries(const std::function<HRESULT(SeriesStep &)> &change, CEOID *own);
+    /// What has the day after that: an appointment of its own (0: the series), and how its record reads.
+    struct SavedDay
+    {
+        CEOID own = 0;
+        StoredItem record;
+    };
+    HRESULT onSeries(const std::function<HRESULT(SeriesStep &)> &change, SavedDay *saved);
     static HRESULT setBlob(const SeriesRecord &series, RecordProperties &properties);
     HRESULT checkDay() const;
     HRESULT saveDay();
@@ -360,22 +366,18 @@ HRESULT AppointmentObject::patternOccurrence(DATE date, IAppointment **occurrenc
     return S_OK;
 }
 
-HRESULT AppointmentObject::reload()
+void AppointmentObject::takeOver(const StoredItem &record)
 {
     m_copied.reset();
-    StoredItem record;
     if (!m_day)
     {
-        return ItemObject::reload();
+        ItemObject::takeOver(record);
     }
-    const HRESULT result = m_store->read(kind(), m_oid, record);
-    const std::optional<SeriesRecord> series = SUCCEEDED(result) ? SeriesRecord::of(record) : std::nullopt;
-    if (series)
+    else if (const std::optional<SeriesRecord> series = SeriesRecord::of(record))
     {
         m_base = m_mine = series->valuesOf(*m_day);
         m_names.reset();
     }
-    return result;
 }
 
 /// Nothing is written when it fails.
@@ -392,7 +394,7 @@ HRESULT AppointmentObject::setBlob(const SeriesRecord &series, RecordProperties 
 
 /// One step on the series' record as it is by now, in a transaction of its own: what others change about other days
 /// meanwhile stays.
-HRESULT AppointmentObject::onSeries(const std::function<HRESULT(SeriesStep &)> &change, CEOID *own)
+HRESULT AppointmentObject::onSeries(const std::function<HRESULT(SeriesStep &)> &change, SavedDay *saved)
 {
     BulkWrite bulk;
     SeriesStep step;
@@ -413,7 +415,11 @@ HRESULT AppointmentObject::onSeries(const std::function<HRESULT(SeriesStep &)> &
     result = m_store->write(kind(), blob, m_oid);
     if (SUCCEEDED(result) && step.own.count() != 0)
     {
-        result = m_store->write(kind(), step.own, *own);
+        result = m_store->write(kind(), step.own, saved->own);
+    }
+    if (SUCCEEDED(result) && saved != nullptr)
+    {
+        result = m_store->read(kind(), saved->own != 0 ? saved->own : m_oid, saved->record);
     }
     if (FAILED(result))
     {
@@ -440,7 +446,7 @@ HRESULT AppointmentObject::saveDay()
     {
         return checkDay();
     }
-    CEOID own = 0;
+    SavedDay saved;
     const HRESULT result = onSeries(
         [&](SeriesStep &step)
         {
@@ -455,17 +461,18 @@ HRESULT AppointmentObject::saveDay()
             }
             return SUCCEEDED(valid) ? takeOut(step, values) : valid;
         },
-        &own);
+        &saved);
     if (FAILED(result))
     {
         return result;
     }
-    if (own != 0)
+    if (saved.own != 0)
     {
-        m_oid = own;
+        m_oid = saved.own;
         m_day.reset();
     }
-    return reload();
+    takeOver(saved.record);
+    return result;
 }
 
 /// An appointment of its own in place of a day of the series.

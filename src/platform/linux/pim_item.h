@@ -233,17 +233,14 @@ class ItemObject : public CountedObject<Interface>
 
     virtual HRESULT saveNew()
     {
+        BulkWrite bulk;
         RecordProperties properties;
         HRESULT result = encode(m_mine, Values(), StoredItem(), properties);
-        if (SUCCEEDED(result))
+        if (SUCCEEDED(result) && m_original)
         {
-            if (m_original)
-            {
-                addFurther(*m_original, properties);
-            }
-            result = m_store->write(kind(), properties, m_oid);
+            addFurther(*m_original, properties);
         }
-        return SUCCEEDED(result) ? reload() : result;
+        return finish(bulk, result, properties);
     }
     /// Gives a new item what this one holds, and what its record says beside that.
     HRESULT fillCopy(ItemObject &copy) const
@@ -289,25 +286,43 @@ class ItemObject : public CountedObject<Interface>
             bulk.commit();
             return result;
         }
-        result = m_store->write(kind(), properties, m_oid);
+        CEOID oid = m_oid;
+        result = m_store->write(kind(), properties, oid);
         if (FAILED(result))
         {
             return result;
         }
-        return bulk.commit() ? reload() : lastResult();
+        // Read back before the transaction ends: a reader after it had to drop all that it keeps of the store first.
+        StoredItem record;
+        result = m_store->read(kind(), oid, record);
+        if (!bulk.commit())
+        {
+            return lastResult();
+        }
+        m_oid = oid;
+        if (SUCCEEDED(result))
+        {
+            takeOver(record);
+        }
+        return result;
     }
 
-    virtual HRESULT reload()
+    HRESULT reload()
     {
         StoredItem record;
         const HRESULT result = m_store->read(kind(), m_oid, record);
         if (SUCCEEDED(result))
         {
-            m_base = m_mine = decode(record);
-            m_names.reset();
-            m_original.reset();
+            takeOver(record);
         }
         return result;
+    }
+    /// The item is as its record says.
+    virtual void takeOver(const StoredItem &record)
+    {
+        m_base = m_mine = decode(record);
+        m_names.reset();
+        m_original.reset();
     }
 
     /// Names become bits when they are saved; those that read as before change nothing.
