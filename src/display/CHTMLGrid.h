@@ -405,7 +405,7 @@ class ZBTOOLS_API CHTMLGrid : public CeWnd
     USHORT FirstLineToShow(bool bRows, USHORT nLine, LONG nAvailable);
     bool HandleScroll(bool bRows, UINT uCode);
     void StepByBar(bool bRows, bool bForward);
-    void FollowThumb(bool bRows, UINT uCode);
+    bool FollowThumb(bool bRows, UINT uCode);
     USHORT ThumbTarget(bool bRows, bool &atEnd);
     void ShowScrollTip(USHORT nRow);
     void RefreshVertRange();
@@ -422,9 +422,9 @@ class ZBTOOLS_API CHTMLGrid : public CeWnd
     bool NavigateBy(bool bRows, bool bForward);
 
     // Pen: taps.
-    void BeginTap(POINT point);
+    bool BeginTap(POINT point);
     bool RecognizeHold(POINT point, USHORT nCol, USHORT nRow, bool changed);
-    void CountTap();
+    void CountTap(USHORT nCol, USHORT nRow);
     bool ArmFloater(POINT point, bool &kept);
     bool SelectTapped(USHORT nCol, USHORT nRow, bool bShift, bool &changed);
     bool TestHotSpot(POINT point, USHORT nCol, USHORT nRow);
@@ -433,8 +433,8 @@ class ZBTOOLS_API CHTMLGrid : public CeWnd
     tagNM_GRIDVIEW TapRecord(UINT uCode, POINT point, USHORT nCol, USHORT nRow, DWORD dwFloater) const;
     LRESULT NotifyParent(UINT uCode, POINT point, USHORT nCol, USHORT nRow, DWORD dwFloater);
     void ClearPen();
-    void CancelPen();
-    void CancelEdit();
+    bool CancelPen();
+    bool CancelEdit();
 
     // Pen: sweeps, floaters, drags.
     bool StartsSweep(POINT point) const;
@@ -449,9 +449,11 @@ class ZBTOOLS_API CHTMLGrid : public CeWnd
     void AutoScroll();
     void MoveArmedFloater(POINT point);
     void MoveFloaterTo(POINT point);
+    tagFLOATERINFO *FloaterAt(USHORT nCol, USHORT nRow, DWORD dwID) const;
     tagFLOATERINFO *FloaterUnderPen() const;
     bool AskFloaterMove(POINT from, POINT &to);
-    void LetFloaterGo();
+    bool LetFloaterGo();
+    bool RenewFloaterText(USHORT nCol, USHORT nRow, DWORD dwID);
     bool StartsDrag(POINT point) const;
     void StartDrag(POINT point);
     void DragTo(POINT point);
@@ -459,19 +461,20 @@ class ZBTOOLS_API CHTMLGrid : public CeWnd
     void FinishDragOperation();
     POINT ScreenPointOfDrag(POINT point) const;
     void ShowDragTip(tagGRIDDRAG *pDrag);
-    void StartDragImages(POINT cell, POINT point);
+    bool StartDragImages(POINT cell, POINT point);
     void MoveDragImages(POINT screen);
     void EndDragImages();
 
     // Tool tips.
     CHTMLToolTip &ToolTip(std::unique_ptr<CHTMLToolTip> &tip);
     void ShowTipAt(std::unique_ptr<CHTMLToolTip> &tip, POINT point, ToolTipCorner corner);
-    LRESULT AskTip(CHTMLToolTip &tip, UINT uMessage, const void *request);
+    LRESULT AskTip(const std::unique_ptr<CHTMLToolTip> &tip, UINT uMessage, const void *request);
 
     // Editing.
     static LRESULT EditWndProc(HWND hWnd, UINT uMsg, WPARAM wParam, LPARAM lParam);
     bool MakeEditBox(USHORT nCol, USHORT nRow);
     void EndEdit();
+    void BringRowsBack();
     void StepKeyTimers(UINT_PTR nTimer);
     bool NavigateTo(USHORT nCol, USHORT nRow);
 
@@ -574,6 +577,9 @@ class ZBTOOLS_API CHTMLGrid : public CeWnd
     USHORT m_nLastTapRow = GRID_NONE;
     /// 1: a tap within the time of a double one, 2: the second within it.
     BYTE m_nTapCount = 0;
+    /// The cell that the first of them met.
+    USHORT m_nFirstTapCol = GRID_NONE;
+    USHORT m_nFirstTapRow = GRID_NONE;
     POINT m_ptLast{};
     POINT m_ptDown{};
     bool m_bPenDown = false;
@@ -588,8 +594,6 @@ class ZBTOOLS_API CHTMLGrid : public CeWnd
     bool m_bFloaterArmed = false;
     bool m_bFloaterStripHit = false;
     bool m_bFloaterMoved = false;
-    /// Where in the floater the strip was hit; GRID_NONE when it was not.
-    POINT m_ptFloaterGrab{};
     /// Rows between the floater's first and the one that was hit.
     USHORT m_nGrabbedRow = 0;
     DWORD m_dwFloaterID = 0;

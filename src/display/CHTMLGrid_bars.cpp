@@ -216,7 +216,7 @@ void CHTMLGrid::StepByBar(bool bRows, bool bForward)
     }
 }
 
-/// False for a code that is none.
+/// False for a code that is none, and when the grid has gone.
 bool CHTMLGrid::HandleScroll(bool bRows, UINT uCode)
 {
     switch (uCode)
@@ -233,8 +233,7 @@ bool CHTMLGrid::HandleScroll(bool bRows, UINT uCode)
         return true;
     case SB_THUMBPOSITION:
     case SB_THUMBTRACK:
-        FollowThumb(bRows, uCode);
-        return true;
+        return FollowThumb(bRows, uCode);
     case SB_TOP:
         bRows ? ScrollToTop() : ScrollToLeft();
         return true;
@@ -252,20 +251,25 @@ bool CHTMLGrid::HandleScroll(bool bRows, UINT uCode)
     }
 }
 
-/// A tip may follow the thumb where the rows don't.
-void CHTMLGrid::FollowThumb(bool bRows, UINT uCode)
+/// A tip may follow the thumb where the rows don't. False when the grid has gone, for whose tip the parent was asked.
+bool CHTMLGrid::FollowThumb(bool bRows, UINT uCode)
 {
+    const HWND window = m_hWnd;
     const bool scrolls = uCode != SB_THUMBTRACK || m_bThumbTrack;
     const bool tip = bRows && m_bScrollTip;
     if (!scrolls && !tip)
     {
-        return;
+        return true;
     }
     bool atEnd = false;
     const USHORT target = ThumbTarget(bRows, atEnd);
     if (tip)
     {
         ShowScrollTip(target);
+    }
+    if (IsWindow(window) == FALSE)
+    {
+        return false;
     }
     if (scrolls && atEnd)
     {
@@ -275,6 +279,7 @@ void CHTMLGrid::FollowThumb(bool bRows, UINT uCode)
     {
         ScrollTo(bRows, target, PaintScrolled);
     }
+    return true;
 }
 
 /// The line that the place of the thumb asks for.
@@ -309,7 +314,7 @@ void CHTMLGrid::ShowScrollTip(USHORT nRow)
         ShowTipAt(m_pScrollTip, {client.right, HIDPI_SCALEY(tipDistance)}, ToolTipCorner::RightTop);
     }
     const NMHDR header = {m_hWnd, nRow, GRID_GETSCROLLTIP};
-    AskTip(*m_pScrollTip, GRID_GETSCROLLTIP, &header);
+    AskTip(m_pScrollTip, GRID_GETSCROLLTIP, &header);
 }
 
 // --- Delayed scrolling -------------------------------------------------------------------------------------------

@@ -129,7 +129,10 @@ void CHTMLGrid::DestroyCells()
 
 void CHTMLGrid::SetDimensions(USHORT nRows, USHORT nCols)
 {
-    CancelEdit();
+    if (!CancelEdit())
+    {
+        return;
+    }
     DestroyCells();
     CreateCells(nRows, nCols);
     RefreshAll();
@@ -431,8 +434,7 @@ void CHTMLGrid::ClampAfterDeletion()
 void CHTMLGrid::DeleteRows(USHORT nFirst, USHORT nCount)
 {
     // The text of a box over a cell is told with the numbers that the parent knows the cell by.
-    CancelEdit();
-    if (nFirst >= m_nRows || nCount == 0)
+    if (!CancelEdit() || nFirst >= m_nRows || nCount == 0)
     {
         return;
     }
@@ -454,8 +456,7 @@ void CHTMLGrid::DeleteRows(USHORT nFirst, USHORT nCount)
 void CHTMLGrid::DeleteCols(USHORT nFirst, USHORT nCount)
 {
     // The text of a box over a cell is told with the numbers that the parent knows the cell by.
-    CancelEdit();
-    if (nFirst >= m_nCols || nCount == 0)
+    if (!CancelEdit() || nFirst >= m_nCols || nCount == 0)
     {
         return;
     }

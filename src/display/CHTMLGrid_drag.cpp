@@ -49,13 +49,17 @@ bool CHTMLGrid::OnDragStart(POINT cell)
 
 void CHTMLGrid::StartDrag(POINT point)
 {
+    const HWND window = m_hWnd;
     POINT cell = {m_nCurCol, m_nCurRow};
-    if (!OnDragStart(cell) || !m_bPenDown)
+    if (!OnDragStart(cell) || IsWindow(window) == FALSE || !m_bPenDown)
     {
         return;
     }
     m_ptLast = point;
-    StartDragImages(cell, point);
+    if (!StartDragImages(cell, point))
+    {
+        return;
+    }
     m_hPrevCapture = SetCapture(m_hWnd);
     m_bDragging = true;
     ShowTipAt(m_pDragTip, {HIDPI_SCALEX(tipDistance), HIDPI_SCALEY(tipDistance)}, ToolTipCorner::LeftTop);
@@ -90,8 +94,13 @@ POINT CHTMLGrid::ScreenPointOfDrag(POINT point) const
     return point;
 }
 
+/// Whoever is asked may give the drag up, with a question to the user for example, and may end the grid.
 void CHTMLGrid::OnDragOver(POINT point, HWND &hWnd, tagGRIDDRAG *pDrag, bool &allowed)
 {
+    const auto goesOn = [this, window = m_hWnd, dragging = m_bDragging]
+    { return IsWindow(window) != FALSE && m_bDragging == dragging; };
+    const auto agrees = [&goesOn, pDrag](HWND asked, UINT message, WPARAM wParam)
+    { return SendMessageW(asked, message, wParam, reinterpret_cast<LPARAM>(pDrag)) != 0 && goesOn(); };
     POINT screen = ScreenPointOfDrag(point);
     hWnd = WindowFromPoint(screen);
     if (m_pDragTip != nullptr && hWnd != nullptr && hWnd == m_pDragTip->GetHwnd())
@@ -99,23 +108,33 @@ void CHTMLGrid::OnDragOver(POINT point, HWND &hWnd, tagGRIDDRAG *pDrag, bool &al
         // The drag's own tip is in the way of what lies below it.
         hWnd = GetParent(hWnd);
     }
-    const auto record = reinterpret_cast<LPARAM>(pDrag);
-    allowed = hWnd != nullptr && SendMessageW(hWnd, GRID_QUERYDROP, reinterpret_cast<WPARAM>(&screen), record) != 0 &&
-              SendMessageW(m_hParent, GRID_CANDROP, reinterpret_cast<WPARAM>(hWnd), record) != 0;
+    allowed = hWnd != nullptr && agrees(hWnd, GRID_QUERYDROP, reinterpret_cast<WPARAM>(&screen)) &&
+              agrees(m_hParent, GRID_CANDROP, reinterpret_cast<WPARAM>(hWnd));
     if (allowed)
     {
         ShowDragTip(pDrag);
+        allowed = goesOn();
     }
-    else if (m_pDragTip != nullptr)
+    else if (goesOn() && m_pDragTip != nullptr)
     {
         m_pDragTip->HideToolTip();
     }
-    MoveDragImages(screen);
+    if (goesOn())
+    {
+        MoveDragImages(screen);
+    }
 }
 
 void CHTMLGrid::ShowDragTip(tagGRIDDRAG *pDrag)
 {
-    if (AskTip(ToolTip(m_pDragTip), GRID_GETDRAGTIP, pDrag) == noTip)
+    const HWND window = m_hWnd;
+    ToolTip(m_pDragTip);
+    const LRESULT answer = AskTip(m_pDragTip, GRID_GETDRAGTIP, pDrag);
+    if (IsWindow(window) == FALSE || m_pDragTip == nullptr)
+    {
+        return;
+    }
+    if (answer == noTip)
     {
         m_pDragTip->HideToolTip();
         return;
@@ -132,9 +151,13 @@ void CHTMLGrid::Drop(POINT point)
     tagGRIDDRAG record = emptyRecord(m_hWnd, GRID_DROP);
     HWND target = nullptr;
     bool allowed = false;
-    OnDragOver(point, target, &record, allowed);
-    const auto taken = allowed && target != nullptr ? reinterpret_cast<WPARAM>(&record) : 0;
     const HWND window = m_hWnd;
+    OnDragOver(point, target, &record, allowed);
+    if (IsWindow(window) == FALSE || !m_bDragging)
+    {
+        return;
+    }
+    const auto taken = allowed && target != nullptr ? reinterpret_cast<WPARAM>(&record) : 0;
     SendMessageW(m_hParent, GRID_DROP, taken, reinterpret_cast<LPARAM>(&record));
     if (IsWindow(window) != FALSE)
     {
@@ -142,6 +165,7 @@ void CHTMLGrid::Drop(POINT point)
     }
 }
 
+/// The capture goes back unless somebody has taken it.
 void CHTMLGrid::FinishDragOperation()
 {
     if (!m_bDragging)
@@ -151,7 +175,7 @@ void CHTMLGrid::FinishDragOperation()
     m_bDragging = false;
     const HWND former = std::exchange(m_hPrevCapture, nullptr);
     ClearPen();
-    if (former != nullptr && former != m_hWnd && IsWindow(former) != FALSE)
+    if (former != m_hWnd && IsWindow(former) != FALSE && GetCapture() == nullptr)
     {
         SetCapture(former);
     }
@@ -165,7 +189,11 @@ void CHTMLGrid::FinishDragOperation()
 bool CHTMLGrid::OnDragQuery(POINT point, tagGRIDDRAG *pDrag)
 {
     ScreenToClient(m_hWnd, &point);
-    GetCellFromPoint(point, pDrag->nCol, pDrag->nRow);
+    if (!GetCellFromPoint(point, pDrag->nCol, pDrag->nRow))
+    {
+        pDrag->nCol = GRID_NONE;
+        pDrag->nRow = GRID_NONE;
+    }
     pDrag->nRows = m_nRows;
     pDrag->nCols = m_nCols;
     pDrag->pt = point;

@@ -9,16 +9,24 @@ namespace
 constexpr int hotSpotLeft = 2;
 }
 
-/// The pen holds it left, in the middle of its height. The parent may have none.
-void CHTMLGrid::StartDragImages(POINT cell, POINT point)
+/// The pen holds it left, in the middle of its height. The parent may have none. False when the grid has gone, or has
+/// lost the pen, while the parent was asked.
+bool CHTMLGrid::StartDragImages(POINT cell, POINT point)
 {
+    const HWND window = m_hWnd;
     int image = 0;
     const NMHDR header = {m_hWnd, reinterpret_cast<UINT_PTR>(&cell), GRID_GETDRAGIMAGES};
-    m_hDragImages = reinterpret_cast<HIMAGELIST>(SendMessageW(
+    const auto images = reinterpret_cast<HIMAGELIST>(SendMessageW(
         m_hParent, GRID_GETDRAGIMAGES, reinterpret_cast<WPARAM>(&image), reinterpret_cast<LPARAM>(&header)));
+    if (IsWindow(window) == FALSE || !m_bPenDown)
+    {
+        ImageList_Destroy(images);
+        return false;
+    }
+    m_hDragImages = images;
     if (m_hDragImages == nullptr)
     {
-        return;
+        return true;
     }
     int width = 0;
     int height = 0;
@@ -26,6 +34,7 @@ void CHTMLGrid::StartDragImages(POINT cell, POINT point)
     ImageList_BeginDrag(m_hDragImages, image, HIDPI_SCALEX(hotSpotLeft), height / 2);
     ImageList_DragShowNolock(TRUE);
     MoveDragImages(ScreenPointOfDrag(point));
+    return true;
 }
 
 void CHTMLGrid::MoveDragImages(POINT screen)

@@ -26,6 +26,17 @@ std::u16string textOf(HWND window)
     const int length = GetWindowTextW(window, text.data(), static_cast<int>(text.size()));
     return text.substr(0, static_cast<std::size_t>(std::max(length, 0)));
 }
+
+void tellEdited(HWND parent, HWND grid, USHORT col, USHORT row, const std::u16string &text)
+{
+    tagNM_GRIDVIEW record{};
+    record.hdr = {grid, 0, GRID_EDITED};
+    record.szData = text.c_str();
+    record.dwCookie = text.size();
+    record.nRow = row;
+    record.nCol = col;
+    SendMessageW(parent, GRID_EDITED, text.size(), reinterpret_cast<LPARAM>(&record));
+}
 } // namespace
 
 void CHTMLGrid::EnableCellEdit(USHORT nCol, USHORT nRow)
@@ -34,8 +45,14 @@ void CHTMLGrid::EnableCellEdit(USHORT nCol, USHORT nRow)
     record.hdr = {m_hWnd, 0, clickNotify};
     record.nRow = nRow;
     record.nCol = nCol;
-    CancelEdit();
-    if (SendMessageW(m_hParent, GRID_CANEDIT, reinterpret_cast<WPARAM>(&record), 0) == 0)
+    // An edit that the parent begins while it is told or asked stays.
+    if (!CancelEdit() || m_hEdit != nullptr)
+    {
+        return;
+    }
+    const HWND window = m_hWnd;
+    const bool agreed = SendMessageW(m_hParent, GRID_CANEDIT, reinterpret_cast<WPARAM>(&record), 0) != 0;
+    if (!agreed || IsWindow(window) == FALSE || m_hEdit != nullptr)
     {
         return;
     }
@@ -46,6 +63,8 @@ void CHTMLGrid::EnableCellEdit(USHORT nCol, USHORT nRow)
     MakeCellVisible(nCol, nRow, false);
     if (GetCell(nRow, nCol) == nullptr || !MakeEditBox(nCol, nRow))
     {
+        SHSipPreference(SIP_DOWN);
+        BringRowsBack();
         return;
     }
     // The tap that opened the box ends in it.
@@ -53,9 +72,15 @@ void CHTMLGrid::EnableCellEdit(USHORT nCol, USHORT nRow)
     m_nEditCol = nCol;
     m_nEditRow = nRow;
     m_nLastTapRow = nRow;
-    SetForegroundWindow(m_hEdit);
-    m_hFocusBeforeEdit = SetFocus(m_hEdit);
-    SetCapture(m_hEdit);
+    const HWND edit = m_hEdit;
+    SetForegroundWindow(edit);
+    const HWND former = SetFocus(edit);
+    // Others have heard of that, and may have ended the box again.
+    if (IsWindow(edit) != FALSE)
+    {
+        m_hFocusBeforeEdit = former;
+        SetCapture(edit);
+    }
 }
 
 /// Over the selected cells, from the one that is edited.
@@ -141,15 +166,19 @@ LRESULT CHTMLGrid::OnProcessEditMessage(UINT uMsg, WPARAM wParam, LPARAM lParam)
     return CallWindowProcW(former, edit, uMsg, wParam, lParam);
 }
 
-void CHTMLGrid::CancelEdit()
+/// False when the grid has gone, since the parent is told the text.
+bool CHTMLGrid::CancelEdit()
 {
+    const HWND window = m_hWnd;
     if (m_hEdit != nullptr)
     {
         SendMessageW(m_hEdit, WM_CANCELMODE, 0, 0);
     }
+    return window == nullptr || IsWindow(window) != FALSE;
 }
 
-/// What it does itself, such as losing the focus, asks for it again.
+/// What it does itself, such as losing the focus, asks for it again. Whoever gets the focus may begin another edit or
+/// end the grid; the parent is told the text all the same.
 void CHTMLGrid::EndEdit()
 {
     if (m_hEdit == nullptr || std::exchange(m_bEditClosing, true))
@@ -157,33 +186,43 @@ void CHTMLGrid::EndEdit()
         return;
     }
     Sleep(panelTime);
-    ReleaseCapture();
+    if (GetCapture() == m_hEdit)
+    {
+        ReleaseCapture();
+    }
+    const HWND window = m_hWnd;
+    const HWND parent = m_hParent;
+    const USHORT col = m_nEditCol;
+    const USHORT row = m_nEditRow;
     const std::u16string text = textOf(m_hEdit);
     const HWND focus = std::exchange(m_hFocusBeforeEdit, nullptr);
-    if (GetFocus() == m_hEdit && focus != nullptr && IsWindow(focus) != FALSE)
-    {
-        SetFocus(focus);
-    }
+    const bool focused = GetFocus() == m_hEdit;
     DestroyWindow(m_hEdit);
     m_bEditClosing = false;
     SHSipPreference(SIP_DOWN);
-    tagNM_GRIDVIEW record{};
-    record.hdr = {m_hWnd, 0, GRID_EDITED};
-    record.szData = text.c_str();
-    record.dwCookie = text.size();
-    record.nRow = m_nEditRow;
-    record.nCol = m_nEditCol;
-    const HWND window = m_hWnd;
-    SendMessageW(m_hParent, GRID_EDITED, text.size(), reinterpret_cast<LPARAM>(&record));
+    if (focused && IsWindow(focus) != FALSE)
+    {
+        SetFocus(focus);
+    }
+    tellEdited(parent, window, col, row, text);
     if (IsWindow(window) == FALSE)
     {
         return;
     }
     m_nLastTapCol = m_nCurCol;
     m_nLastTapRow = m_nCurRow;
-    // Rows that went up for the box come back; not under a pen that has just come down on one of them.
+    // Not under a pen that has just come down on one of them, nor under the box of the next edit.
+    if (m_hEdit == nullptr && GetFocus() != m_hWnd)
+    {
+        BringRowsBack();
+    }
+}
+
+/// Those that went up for the box.
+void CHTMLGrid::BringRowsBack()
+{
     const USHORT largest = std::max(m_nMaxTopRow, m_nFixedRows);
-    if (m_nTopRow > largest && GetFocus() != m_hWnd)
+    if (m_nTopRow > largest)
     {
         ScrollTo(true, largest, PaintAll);
     }

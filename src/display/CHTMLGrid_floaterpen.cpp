@@ -45,24 +45,35 @@ void CHTMLGrid::MoveArmedFloater(POINT point)
     }
 }
 
-/// Looked for anew each time: the parent may have taken it away.
-tagFLOATERINFO *CHTMLGrid::FloaterUnderPen() const
+/// Looked for anew each time: the parent may have taken it away. Null when it has.
+tagFLOATERINFO *CHTMLGrid::FloaterAt(USHORT nCol, USHORT nRow, DWORD dwID) const
 {
-    const tagCELLINFO *cell = FindCell(m_nCurRow, m_nCurCol);
+    const tagCELLINFO *cell = FindCell(nRow, nCol);
     if (cell == nullptr)
     {
         return nullptr;
     }
-    const auto found = cell->Floaters.find(m_dwFloaterID);
+    const auto found = cell->Floaters.find(dwID);
     return found == cell->Floaters.end() ? nullptr : found->second;
 }
 
-/// False when the floater stays where it is.
+/// Null when the pen has been taken away, too.
+tagFLOATERINFO *CHTMLGrid::FloaterUnderPen() const
+{
+    return m_bFloaterArmed ? FloaterAt(m_nCurCol, m_nCurRow, m_dwFloaterID) : nullptr;
+}
+
+/// False when the floater stays where it is, or the grid has gone.
 bool CHTMLGrid::AskFloaterMove(POINT from, POINT &to)
 {
+    const HWND window = m_hWnd;
     const GRIDSPANREQUEST request = {{m_hWnd, m_dwFloaterID, GRID_CANMOVEFLOATER}, cellWord(from), cellWord(to)};
     const LRESULT answer =
         SendMessageW(m_hParent, GRID_CANMOVEFLOATER, m_dwFloaterID, reinterpret_cast<LPARAM>(&request));
+    if (IsWindow(window) == FALSE)
+    {
+        return false;
+    }
     const tagFLOATERINFO *floater = FloaterUnderPen();
     if (answer == moveNowhere || floater == nullptr || floater->bLocked != 0)
     {
@@ -91,6 +102,7 @@ void CHTMLGrid::MoveFloaterTo(POINT point)
     {
         return;
     }
+    const HWND window = m_hWnd;
     BeginUpdate();
     if (MoveFloater(m_nCurCol, static_cast<USHORT>(from.y), static_cast<USHORT>(to.x), static_cast<USHORT>(to.y),
                     m_dwFloaterID))
@@ -105,36 +117,63 @@ void CHTMLGrid::MoveFloaterTo(POINT point)
         }
         const POINT end = {to.x, std::min<LONG>(to.y + m_pMovingFloater->nRows, m_nRows) - 1};
         const GRIDSPANREQUEST request = {{m_hWnd, m_dwFloaterID, GRID_GETFLOATERTIP}, cellWord(to), cellWord(end)};
-        AskTip(*m_pFloaterTip, GRID_GETFLOATERTIP, &request);
+        AskTip(m_pFloaterTip, GRID_GETFLOATERTIP, &request);
     }
-    EndUpdate();
+    if (IsWindow(window) != FALSE)
+    {
+        EndUpdate();
+    }
 }
 
-/// Its text may tell its time, so it is asked for anew.
-void CHTMLGrid::LetFloaterGo()
+/// The parent that hears of it may ask the user something, so the pen is free by then. False when the grid has gone.
+bool CHTMLGrid::LetFloaterGo()
 {
     if (m_pFloaterTip != nullptr)
     {
         m_pFloaterTip->HideToolTip();
     }
-    m_bFloaterMoved = false;
-    const GRIDSPANREQUEST request = {{m_hWnd, m_dwFloaterID, GRID_FLOATERMOVED}, cellWord({m_nCurCol, m_nCurRow}), 0};
-    SendMessageW(m_hParent, GRID_FLOATERMOVED, m_dwFloaterID, reinterpret_cast<LPARAM>(&request));
-    BeginUpdate();
-    if (FloaterUnderPen() != nullptr)
-    {
-        const auto text = RequestFloaterText(m_dwFloaterID);
-        tagFLOATERINFO *floater = text == nullptr ? nullptr : FloaterUnderPen();
-        if (floater != nullptr)
-        {
-            floater->Parser.SetHTML(text.get());
-            floater->Parser.ParseHTML(m_hWnd);
-        }
-        zb::GridRowSpan block{};
-        zb::floaterBlockBounds(ColumnCells(m_nCurCol), m_nCurRow, m_nRows, block);
-        InvalidateFloaters(m_nCurCol, block);
-    }
+    const HWND window = m_hWnd;
+    const USHORT col = m_nCurCol;
+    const USHORT row = m_nCurRow;
+    const DWORD id = m_dwFloaterID;
     ClearPen();
+    const GRIDSPANREQUEST request = {{window, id, GRID_FLOATERMOVED}, cellWord({col, row}), 0};
+    SendMessageW(m_hParent, GRID_FLOATERMOVED, id, reinterpret_cast<LPARAM>(&request));
+    if (IsWindow(window) == FALSE)
+    {
+        return false;
+    }
+    BeginUpdate();
+    if (FloaterAt(col, row, id) != nullptr && !RenewFloaterText(col, row, id))
+    {
+        return false;
+    }
     EndUpdate();
     RepaintAll();
+    return true;
+}
+
+/// A text may tell the floater's time; without a new one it keeps the old. False when the grid has gone.
+bool CHTMLGrid::RenewFloaterText(USHORT nCol, USHORT nRow, DWORD dwID)
+{
+    const HWND window = m_hWnd;
+    const auto text = RequestFloaterText(dwID);
+    if (IsWindow(window) == FALSE)
+    {
+        return false;
+    }
+    tagFLOATERINFO *floater = FloaterAt(nCol, nRow, dwID);
+    if (floater == nullptr)
+    {
+        return true;
+    }
+    if (text != nullptr)
+    {
+        floater->Parser.SetHTML(text.get());
+        floater->Parser.ParseHTML(m_hWnd);
+    }
+    zb::GridRowSpan block{};
+    zb::floaterBlockBounds(ColumnCells(nCol), nRow, m_nRows, block);
+    InvalidateFloaters(nCol, block);
+    return true;
 }

@@ -67,6 +67,11 @@ bool CHTMLGrid::HandleNavigationKey(UINT nKey)
 {
     const bool rows = nKey == static_cast<UINT>(VK_UP) || nKey == static_cast<UINT>(VK_DOWN);
     const bool forward = nKey == static_cast<UINT>(VK_RIGHT) || nKey == static_cast<UINT>(VK_DOWN);
+    const bool pages = nKey == static_cast<UINT>(VK_PRIOR) || nKey == static_cast<UINT>(VK_NEXT);
+    if (m_nKeysMode == keysMoveCell && !pages && !CancelEdit())
+    {
+        return true;
+    }
     bool moved = false;
     switch (static_cast<int>(nKey))
     {

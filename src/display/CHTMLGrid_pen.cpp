@@ -85,9 +85,7 @@ void CHTMLGrid::SendHotSpot(UINT uCode, POINT point, USHORT nCol, USHORT nRow, D
 void CHTMLGrid::OnLButtonDown(WPARAM, POINT point, bool &handled)
 {
     handled = true;
-    const HWND window = m_hWnd;
-    BeginTap(point);
-    if (IsWindow(window) == FALSE)
+    if (!BeginTap(point))
     {
         return;
     }
@@ -114,7 +112,7 @@ void CHTMLGrid::OnLButtonDown(WPARAM, POINT point, bool &handled)
     {
         return;
     }
-    CountTap();
+    CountTap(col, row);
     if (!TestHotSpot(point, col, row))
     {
         return;
@@ -128,37 +126,49 @@ void CHTMLGrid::OnLButtonDown(WPARAM, POINT point, bool &handled)
     SendMessageW(m_hWnd, WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&click));
 }
 
-void CHTMLGrid::BeginTap(POINT point)
+/// False when the grid has gone with what the pen or the focus had before.
+bool CHTMLGrid::BeginTap(POINT point)
 {
     // The end of the one before may have been lost.
-    CancelPen();
-    m_ptDown = point;
-    m_ptLast = point;
-    m_bPenDown = true;
-    m_nLastTapCol = m_nCurCol;
-    m_nLastTapRow = m_nCurRow;
-    if (m_hEdit != nullptr || m_bShowFocus)
-    {
-        SetFocus(m_hWnd);
-    }
-}
-
-/// True when the tap ends here: the pen was held, and the parent has been told so for its menu, or the cell has gone
-/// while that was waited for.
-bool CHTMLGrid::RecognizeHold(POINT point, USHORT nCol, USHORT nRow, bool changed)
-{
-    if (SendMessageW(m_hParent, GRID_SKIPHOLD, reinterpret_cast<WPARAM>(m_hWnd), 0) != 0)
+    if (!CancelPen())
     {
         return false;
     }
+    m_ptDown = point;
+    m_ptLast = point;
+    m_bPenDown = true;
+    if (m_hEdit != nullptr || m_bShowFocus)
+    {
+        const HWND window = m_hWnd;
+        SetFocus(window);
+        if (IsWindow(window) == FALSE)
+        {
+            return false;
+        }
+    }
+    m_nLastTapCol = m_nCurCol;
+    m_nLastTapRow = m_nCurRow;
+    return true;
+}
+
+/// True when the tap ends here: the pen was held, and the parent has been told so for its menu, or the cell has gone
+/// while that was asked or waited for.
+bool CHTMLGrid::RecognizeHold(POINT point, USHORT nCol, USHORT nRow, bool changed)
+{
+    const HWND window = m_hWnd;
+    const bool skips = SendMessageW(m_hParent, GRID_SKIPHOLD, reinterpret_cast<WPARAM>(window), 0) != 0;
+    if (skips || IsWindow(window) == FALSE)
+    {
+        return IsWindow(window) == FALSE;
+    }
     SHRGINFO gesture{};
     gesture.cbSize = sizeof gesture;
-    gesture.hwndClient = m_hWnd;
+    gesture.hwndClient = window;
     gesture.ptDown = point;
     gesture.dwFlags = SHRG_RETURNCMD;
     const DWORD answer = SHRecognizeGesture(&gesture);
     // Others' messages were dispatched meanwhile.
-    if (IsWindow(gesture.hwndClient) == FALSE)
+    if (IsWindow(window) == FALSE)
     {
         return true;
     }
@@ -185,7 +195,7 @@ bool CHTMLGrid::RecognizeHold(POINT point, USHORT nCol, USHORT nRow, bool change
 }
 
 /// The first of two taps starts the time in which the second makes them a double one.
-void CHTMLGrid::CountTap()
+void CHTMLGrid::CountTap(USHORT nCol, USHORT nRow)
 {
     if (m_nTapCount == 1)
     {
@@ -193,6 +203,8 @@ void CHTMLGrid::CountTap()
         return;
     }
     m_nTapCount = 1;
+    m_nFirstTapCol = nCol;
+    m_nFirstTapRow = nRow;
     SetTimer(m_hWnd, doubleTapTimer, doubleTapTime, nullptr);
 }
 
@@ -213,10 +225,9 @@ bool CHTMLGrid::ArmFloater(POINT point, bool &kept)
     kept = !strip;
     m_pMovingFloater = nullptr;
     m_bFloaterStripHit = strip;
-    m_ptFloaterGrab = strip ? offset : POINT{GRID_NONE, GRID_NONE};
     m_nCurCol = col;
     m_nCurRow = row;
-    const auto rows = zb::floaterBounds(ColumnCells(col), row, *FloaterUnderPen(), m_nRows);
+    const auto rows = zb::floaterBounds(ColumnCells(col), row, *FloaterAt(col, row, m_dwFloaterID), m_nRows);
     m_nGrabbedRow = static_cast<USHORT>(row - rows.first);
     return true;
 }
@@ -262,11 +273,14 @@ bool CHTMLGrid::TestHotSpot(POINT point, USHORT nCol, USHORT nRow)
 
 // --- Clicks ------------------------------------------------------------------------------------------------------
 
-/// A double tap on one cell edits it.
-void CHTMLGrid::OnClick(tagNM_GRIDVIEW *, bool &)
+/// A double tap on one cell edits it. Taps that select nothing leave the current cell where it is, so it does not tell
+/// alone where they were: those on headers, or on two cells of a larger selection, are none.
+void CHTMLGrid::OnClick(tagNM_GRIDVIEW *pNotify, bool &)
 {
     const CellRange &cells = m_Selection.cells;
-    const bool again = m_nTapCount == 2 && m_nCurCol == m_nLastTapCol && m_nCurRow == m_nLastTapRow;
+    const bool again = m_nTapCount == 2 && m_nCurCol == m_nLastTapCol && m_nCurRow == m_nLastTapRow &&
+                       pNotify->nCol == m_nFirstTapCol && pNotify->nRow == m_nFirstTapRow &&
+                       IsCellSelected(m_nFirstTapRow, m_nFirstTapCol);
     if (again && cells.nLeft == cells.nRight && cells.nTop < m_nRows)
     {
         // A tap on a hot spot is a click twice over; it is one double tap all the same.
@@ -345,21 +359,23 @@ void CHTMLGrid::OnLButtonUp(WPARAM, POINT point, bool &handled)
 }
 
 /// What the pen has begun can't go on. A selection stays as far as it was swept, and a floater where it was moved to.
-void CHTMLGrid::CancelPen()
+/// False when the grid has gone, since the parent is told of the floater.
+bool CHTMLGrid::CancelPen()
 {
     if (m_bDragging)
     {
         FinishDragOperation();
     }
-    if (m_bFloaterMoved)
+    if (m_bFloaterMoved && !LetFloaterGo())
     {
-        LetFloaterGo();
+        return false;
     }
     if (m_bSweeping && m_pSelectTip != nullptr)
     {
         m_pSelectTip->HideToolTip();
     }
     ClearPen();
+    return true;
 }
 
 // --- Timers ------------------------------------------------------------------------------------------------------

@@ -128,8 +128,7 @@ void CHTMLGrid::SaveSelection()
 
 bool CHTMLGrid::SetSelection(USHORT nLeft, USHORT nTop, USHORT nRight, USHORT nBottom)
 {
-    CancelEdit();
-    if (m_nSelectionMode == modeNone || m_nRows == 0 || m_nCols == 0)
+    if (!CancelEdit() || m_nSelectionMode == modeNone || m_nRows == 0 || m_nCols == 0)
     {
         return false;
     }

@@ -82,7 +82,8 @@ void CHTMLGrid::SweepTo(POINT point)
     HoldPen();
     point = {notBelowZero(point.x), notBelowZero(point.y)};
     CheckDragScroll(point);
-    if (UpdateSelection(point))
+    const HWND window = m_hWnd;
+    if (UpdateSelection(point) && IsWindow(window) != FALSE)
     {
         m_ptLast = point;
     }
@@ -104,7 +105,7 @@ void CHTMLGrid::SelectFromAnchor(USHORT nCol, USHORT nRow)
     }
 }
 
-/// False when the point is in no other cell.
+/// False when the point is in no other cell. The parent that gives the tip's text may end the grid.
 bool CHTMLGrid::UpdateSelection(POINT point)
 {
     USHORT col = GRID_NONE;
@@ -126,7 +127,7 @@ bool CHTMLGrid::UpdateSelection(POINT point)
         const GRIDSPANREQUEST request = {{m_hWnd, 0, GRID_GETSELECTIONTIP},
                                          static_cast<DWORD>(MAKELONG(cells.nTop, cells.nLeft)),
                                          static_cast<DWORD>(MAKELONG(cells.nBottom, cells.nRight))};
-        AskTip(*m_pSelectTip, GRID_GETSELECTIONTIP, &request);
+        AskTip(m_pSelectTip, GRID_GETSELECTIONTIP, &request);
     }
     return true;
 }
@@ -237,6 +238,7 @@ void CHTMLGrid::AutoScroll()
     default:
         break;
     }
+    const HWND window = m_hWnd;
     m_ptLast = {std::max<LONG>(m_ptLast.x, 1), std::max<LONG>(m_ptLast.y, 1)};
     if (m_bSweeping)
     {
@@ -247,7 +249,10 @@ void CHTMLGrid::AutoScroll()
         bool handled = false;
         OnMouseMove(MK_LBUTTON, m_ptLast, handled);
     }
-    ProcessDelayedScrolling();
+    if (IsWindow(window) != FALSE)
+    {
+        ProcessDelayedScrolling();
+    }
 }
 
 // --- Tool tips ---------------------------------------------------------------------------------------------------
@@ -270,13 +275,18 @@ void CHTMLGrid::ShowTipAt(std::unique_ptr<CHTMLToolTip> &tip, POINT point, ToolT
     ToolTip(tip).ShowToolTip(point, corner);
 }
 
-/// The parent's text goes into the tip and is freed; none hides it.
-LRESULT CHTMLGrid::AskTip(CHTMLToolTip &tip, UINT uMessage, const void *request)
+/// The parent's text goes into the tip and is freed; none hides it. The parent may end what the tip belongs to, and the
+/// grid too.
+LRESULT CHTMLGrid::AskTip(const std::unique_ptr<CHTMLToolTip> &tip, UINT uMessage, const void *request)
 {
+    const HWND window = m_hWnd;
     WCHAR *text = nullptr;
     const LRESULT result =
         SendMessageW(m_hParent, uMessage, reinterpret_cast<WPARAM>(&text), reinterpret_cast<LPARAM>(request));
     const std::unique_ptr<WCHAR, void (*)(void *)> owned(text, std::free);
-    tip.UpdateToolTip(text, false);
+    if (IsWindow(window) != FALSE && tip != nullptr)
+    {
+        tip->UpdateToolTip(text, false);
+    }
     return result;
 }

@@ -41,7 +41,8 @@ void CHTMLToolTip::ShowToolTip(POINT point, ToolTipCorner corner)
     m_nCorner = corner;
     m_bWanted = true;
     Place();
-    SetWindowPos(m_hWnd, HWND_TOP, 0, 0, 0, 0, SWP_SHOWWINDOW | SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
+    const UINT shown = m_bTextless ? 0U : SWP_SHOWWINDOW;
+    SetWindowPos(m_hWnd, HWND_TOP, 0, 0, 0, 0, shown | SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
 }
 
 void CHTMLToolTip::HideToolTip()
@@ -78,7 +79,8 @@ void CHTMLToolTip::Place()
 
 void CHTMLToolTip::UpdateToolTip(const WCHAR *pszText, bool bWide)
 {
-    if (pszText == nullptr)
+    m_bTextless = pszText == nullptr;
+    if (m_bTextless)
     {
         ShowWindow(m_hWnd, SW_HIDE);
         return;

@@ -27,7 +27,7 @@ class ZBTOOLS_API CHTMLToolTip : public CeWnd
     using CeWnd::Create;
     /// Hidden, until ShowToolTip. False when the window can't be made.
     bool Create(HWND hParent);
-    /// On top of the parent's other children, with the text that it has.
+    /// On top of the parent's other children, with the text that it has; hidden where the last one was null.
     void ShowToolTip(POINT point, ToolTipCorner corner);
     /// Parses, measures and places anew; bWide leaves more room around the text. Null hides the tip until the next
     /// text.
@@ -55,5 +55,7 @@ class ZBTOOLS_API CHTMLToolTip : public CeWnd
     ToolTipCorner m_nCorner = ToolTipCorner::LeftTop;
     SIZE m_Size{};
     bool m_bWanted = false;
+    /// The last text was none.
+    bool m_bTextless = false;
     bool m_bClassCounted = false;
 };

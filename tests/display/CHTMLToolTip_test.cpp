@@ -91,6 +91,8 @@ TEST_F(HTMLToolTip, noTextHidesItUntilTheNext)
     EXPECT_TRUE(IsWindowVisible(*tip));
     tip->UpdateToolTip(nullptr, false);
     EXPECT_FALSE(IsWindowVisible(*tip));
+    tip->ShowToolTip({50, 60}, ToolTipCorner::LeftTop);
+    EXPECT_FALSE(IsWindowVisible(*tip));
     tip->UpdateToolTip(u"a", false);
     EXPECT_TRUE(IsWindowVisible(*tip));
     tip->HideToolTip();

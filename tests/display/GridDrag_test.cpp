@@ -181,14 +181,15 @@ TEST_F(GridDrag, aDropIsToldWithItsPlaceOrAsRefused)
 
 TEST_F(GridDrag, aDragThatIsGivenUpDropsNothing)
 {
-    for (const int how : {0, 1, 2, 3})
+    for (const int how : {0, 1, 2, 3, 4})
     {
         prepare();
         SetFocus(*grid);
+        grid->SetDelayedScrolling(how == 4 ? 1000 : 0);
         start();
         takeLog();
         notified.clear();
-        if (how == 0)
+        if (how == 0 || how == 4)
         {
             keyDown(VK_ESCAPE);
             keyUp(VK_ESCAPE);
@@ -228,6 +229,88 @@ TEST_F(GridDrag, theCaptureGoesBackToWhoHadIt)
     ReleaseCapture();
 }
 
+TEST_F(GridDrag, whoTakesTheCaptureFromADragKeepsIt)
+{
+    prepare();
+    draw({at(1, 2)}, false);
+    SetCapture(target.window);
+    SendMessageW(*grid, WM_MOUSEMOVE, MK_LBUTTON, pair(at(1, 2).x + 11, at(1, 2).y));
+    SetCapture(parent.window);
+    EXPECT_EQ(GetCapture(), parent.window);
+    EXPECT_EQ(GetWindow(*grid, GW_CHILD), nullptr);
+    ReleaseCapture();
+}
+
+TEST_F(GridDrag, aTipWithoutATextStaysHidden)
+{
+    prepare();
+    texts[2032] = u"<FONT SIZE=-1>move";
+    start();
+    move(overTarget);
+    const HWND tip = GetWindow(*grid, GW_CHILD);
+    EXPECT_TRUE(IsWindowVisible(tip));
+    texts.clear();
+    move({221, 41});
+    EXPECT_FALSE(IsWindowVisible(tip)) << "not with the words of before";
+    up(overTarget);
+}
+
+TEST_F(GridDrag, oneThatIsGivenUpWhileSomebodyIsAskedIsOver)
+{
+    for (const UINT question : {2031U, 2033U, 2028U, 2029U, 2032U})
+    {
+        for (const bool late : {false, true})
+        {
+            prepare();
+            bool asked = !late;
+            const auto giveUp = [&](UINT message)
+            {
+                if (message == question && asked)
+                {
+                    SendMessageW(*grid, WM_CANCELMODE, 0, 0);
+                }
+            };
+            onAsked = giveUp;
+            target.before = [&, others = target.before](UINT message, WPARAM wParam, LPARAM lParam, LRESULT &result)
+            {
+                giveUp(message);
+                return others(message, wParam, lParam, result);
+            };
+            tick(84);
+            start();
+            move(overTarget);
+            asked = true;
+            log.clear();
+            up(overTarget);
+            const bool goesOn = late && question > 2030U && question != 2032U;
+            EXPECT_EQ(!log.empty() && log.back() == "2030 3,12", goesOn) << question << ' ' << late;
+            EXPECT_EQ(GetCapture(), nullptr) << question;
+            EXPECT_EQ(GetWindow(*grid, GW_CHILD), nullptr) << question;
+            onAsked = nullptr;
+            target.before = nullptr;
+        }
+    }
+}
+
+TEST_F(GridDrag, theWindowUnderItMayEndTheGrid)
+{
+    prepare();
+    start();
+    target.before = [this](UINT message, WPARAM, LPARAM, LRESULT &)
+    {
+        if (message == 2028)
+        {
+            grid.reset();
+        }
+        return false;
+    };
+    move(overTarget);
+    EXPECT_EQ(grid, nullptr);
+    EXPECT_EQ(GetCapture(), nullptr);
+    target.before = nullptr;
+    up(overTarget);
+}
+
 TEST_F(GridDrag, aGridTellsTheCellUnderADrag)
 {
     prepare();
@@ -249,6 +332,11 @@ TEST_F(GridDrag, aGridTellsTheCellUnderADrag)
     EXPECT_EQ(dropped.pt.x, 150);
     EXPECT_EQ(dropped.pt.y, 40);
     EXPECT_EQ(describe(dropped.rcClient), "0,0 200,100");
+    tick(84);
+    start();
+    takeLog();
+    up({20 + 150, 120 + 90}); // below its rows
+    EXPECT_EQ(takeLog(), (Log{"2029 65535,65535", "2032 65535,65535", "2030 65535,65535"}));
 }
 
 TEST_F(GridDrag, placesLeftOfTheGridAndAboveItAreUnderstood)

@@ -88,6 +88,38 @@ TEST_F(GridEdit, whatIsNoDoubleTapEditsNothing)
     EXPECT_EQ(edit(), nullptr);
 }
 
+TEST_F(GridEdit, aDoubleTapIsTwoOnOneCellAndThatIsSelected)
+{
+    struct Case
+    {
+        const char *what;
+        std::vector<POINT> taps;
+        Log asked;
+    };
+    const Case cases[] = {
+        {"two", {at(3, 2), at(3, 2)}, {"2034 3,2 -2"}},
+        {"the second of two begins no other", {at(3, 2), at(2, 2), at(2, 2)}, {}},
+        {"the third does", {at(3, 2), at(2, 2), at(2, 2), at(2, 2)}, {"2034 2,2 -2"}},
+        {"a header", {at(1, 0), at(1, 0)}, {}},
+        {"two cells of a selection", {at(1, 2), at(1, 3)}, {}},
+        {"one cell of a selection", {at(1, 3), at(1, 3)}, {"2034 1,1 -2"}},
+    };
+    for (const Case &one : cases)
+    {
+        prepare().SetFixedRowCount(1);
+        grid->SetMultiSelect(true, false);
+        grid->SetSelection(1, 1, 1, 4);
+        answers.clear();
+        for (const POINT &point : one.taps)
+        {
+            tap(point);
+        }
+        EXPECT_EQ(takeLog(), one.asked) << one.what;
+        tick(84);
+        EXPECT_EQ(KillTimer(*grid, 84), FALSE) << "it ends itself";
+    }
+}
+
 TEST_F(GridEdit, aParentThatRefusesEndsIt)
 {
     prepare();
@@ -152,6 +184,17 @@ TEST_F(GridEdit, theBoxIsAsLargeAsTheSelection)
     EXPECT_EQ(place.bottom - place.top, 14);
 }
 
+TEST_F(GridEdit, theFirstSelectedRowComesOnTopAndTheBoxOverItsCell)
+{
+    prepare(40);
+    grid->SetSelection(1, 4, 1, 6);
+    grid->EnableCellEdit(1, 5);
+    EXPECT_EQ(grid->GetTopRow(), 4);
+    RECT place{};
+    GetWindowRect(edit(), &place);
+    EXPECT_EQ(describe(place), "46,14 88,61");
+}
+
 TEST_F(GridEdit, theTextIsCutAt1023Characters)
 {
     prepare();
@@ -183,6 +226,8 @@ TEST_F(GridEdit, aCellThatNobodyHasIsNotEdited)
     grid->SetSelection(0, 1, 0, 1);
     grid->EnableCellEdit(0, 1);
     EXPECT_EQ(edit(), nullptr);
+    EXPECT_FALSE(isInputPanelWanted());
+    EXPECT_EQ(grid->GetTopRow(), 0);
 }
 
 TEST_F(GridEdit, eachEndTellsTheText)
@@ -311,6 +356,42 @@ TEST_F(GridEdit, aParentMayUseTheGridWhenItIsToldTheText)
     grid->SetSelection(0, 0, 0, 0);
     EXPECT_EQ(selection(), "0,0 0,0");
     EXPECT_EQ(grid->GetRowCount(), 3);
+}
+
+TEST_F(GridEdit, aParentMayBeginTheNextEditWhenOneEnds)
+{
+    for (const bool another : {false, true})
+    {
+        prepare();
+        grid->SetSelection(1, 4, 1, 4);
+        grid->EnableCellEdit(1, 4);
+        bool begun = false;
+        onAsked = [&](UINT message)
+        {
+            if (message == 2035 && !std::exchange(begun, true))
+            {
+                grid->SetSelection(1, 5, 1, 5);
+                grid->EnableCellEdit(1, 5);
+            }
+        };
+        if (another)
+        {
+            grid->EnableCellEdit(0, 0);
+        }
+        else
+        {
+            SendMessageW(edit(), WM_CANCELMODE, 0, 0);
+        }
+        ASSERT_NE(edit(), nullptr);
+        EXPECT_EQ(GetWindow(edit(), GW_HWNDNEXT), nullptr) << "one";
+        EXPECT_EQ(grid->GetTopRow(), 5);
+        EXPECT_EQ(GetFocus(), edit());
+        EXPECT_TRUE(isInputPanelWanted());
+        takeLog();
+        SendMessageW(edit(), WM_CANCELMODE, 0, 0);
+        EXPECT_EQ(takeLog(), (Log{"2035 1,5 0"}));
+        EXPECT_EQ(grid->GetTopRow(), 0);
+    }
 }
 
 TEST_F(GridEdit, aGridThatGoesWhileACellIsEditedTellsItsText)

@@ -73,6 +73,13 @@ TEST_F(GridFloaterPen, theFirstMoveOnItsBodyEndsTheTap)
     EXPECT_TRUE(notified.empty());
     EXPECT_EQ(place(), "1,1");
     EXPECT_EQ(selection(), "none");
+    tick(84);
+    draw({body(1, 2), body(3, 5)}, false);
+    EXPECT_EQ(notified, (Codes{2047, -114}));
+    EXPECT_EQ(lastNotify.nCol, 1U) << "where it came down";
+    EXPECT_EQ(lastNotify.nRow, 2U);
+    penUp(body(3, 5).x, body(3, 5).y);
+    settle();
 }
 
 TEST_F(GridFloaterPen, itsStripMovesItFromCellToCell)
@@ -229,6 +236,27 @@ TEST_F(GridFloaterPen, aMoveThatIsCancelledLetsItGoWhereItIs)
     SendMessageW(*grid, WM_CANCELMODE, 0, 0);
     EXPECT_EQ(takeLog(), (Log{"2027 7 2,2"}));
     EXPECT_EQ(GetCapture(), nullptr);
+}
+
+TEST_F(GridFloaterPen, thePenIsFreeWhenItsEndIsToldAndItsTextIsAskedForAllTheSame)
+{
+    prepare();
+    HWND capture = parent.window;
+    onAsked = [&](UINT message)
+    {
+        if (message == 2027)
+        {
+            capture = GetCapture();
+            SetCapture(parent.window); // as a question to the user does
+            ReleaseCapture();
+        }
+    };
+    draw({strip(1, 1), strip(2, 2)}, false);
+    askedFloaters.clear();
+    penUp(strip(2, 2).x, strip(2, 2).y);
+    settle();
+    EXPECT_EQ(capture, nullptr);
+    EXPECT_EQ(askedFloaters, std::vector<DWORD>{7});
 }
 
 TEST_F(GridFloaterPen, aSpotOfItsTextCountsFromBehindTheStrip)

@@ -105,6 +105,7 @@ TEST_F(GridHold, aPenThatMovesAwayGoesOn)
     penMove(at(1, 3).x, at(1, 3).y);
     penMove(at(1, 4).x, at(1, 4).y);
     settle();
+    EXPECT_EQ(holdsAsked, 1) << "several may be selected, and this one is now";
     EXPECT_EQ(selection(), "1,1 1,4");
     penUp(at(1, 4).x, at(1, 4).y);
     settle();
@@ -136,17 +137,27 @@ TEST_F(GridHold, aGridThatChangesOrGoesWhileThePenIsHeldEndsTheTap)
 
 TEST_F(GridHold, aDragTakesTheParentsPictureAlong)
 {
+    const auto others = parent.before;
     prepare().SetDragAllowed(true);
     skipsHold = true;
     answers[2031] = 1;
-    const HIMAGELIST list = ImageList_Create(20, 12, ILC_COLOR, 1, 1);
+    const HIMAGELIST list = ImageList_Create(20, 12, ILC_COLOR, 2, 1);
+    const MemoryBitmap blank(20, 12);
     const MemoryBitmap red(20, 12);
     const RECT all = {0, 0, 20, 12};
     const HBRUSH brush = CreateSolidBrush(RGB(255, 0, 0));
     FillRect(red.context(), &all, brush);
     DeleteObject(brush);
-    const HBITMAP copy = reinterpret_cast<HBITMAP>(red.bitmap());
-    ASSERT_EQ(ImageList_Add(list, copy, nullptr), 0);
+    ASSERT_EQ(ImageList_Add(list, reinterpret_cast<HBITMAP>(blank.bitmap()), nullptr), 0);
+    ASSERT_EQ(ImageList_Add(list, reinterpret_cast<HBITMAP>(red.bitmap()), nullptr), 1);
+    parent.before = [&](UINT message, WPARAM wParam, LPARAM lParam, LRESULT &result)
+    {
+        if (message == 2033)
+        {
+            *reinterpret_cast<int *>(wParam) = 1;
+        }
+        return others(message, wParam, lParam, result);
+    };
     answers[2033] = reinterpret_cast<LRESULT>(list);
     draw({at(1, 2), {at(1, 2).x + 11, at(1, 2).y}}, false);
     const auto pictureAt = []

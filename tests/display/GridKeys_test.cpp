@@ -39,8 +39,9 @@ TEST_F(GridKeys, inModeZeroTheyScrollByLinesAndPages)
         const char *top;
     };
     // Above the bar, 137 pixels: nine rows and a part. A page puts the last whole one on top.
-    const Case cases[] = {{VK_DOWN, "0,1"}, {VK_DOWN, "0,2"}, {VK_UP, "0,1"},    {VK_RIGHT, "1,1"}, {VK_RIGHT, "2,1"},
-                          {VK_LEFT, "1,1"}, {VK_NEXT, "1,9"}, {VK_PRIOR, "1,0"}, {VK_END, "1,31"},  {VK_HOME, "1,0"}};
+    const Case cases[] = {{VK_DOWN, "0,1"},  {VK_DOWN, "0,2"},  {VK_UP, "0,1"},   {VK_RIGHT, "1,1"},
+                          {VK_RIGHT, "2,1"}, {VK_LEFT, "1,1"},  {VK_NEXT, "1,9"}, {VK_PRIOR, "1,0"},
+                          {VK_END, "1,31"},  {VK_DOWN, "1,31"}, {VK_HOME, "1,0"}};
     for (const Case &one : cases)
     {
         press(one.key);
@@ -99,6 +100,10 @@ TEST_F(GridKeys, inModeTwoArrowsMoveTheCurrentCell)
     EXPECT_EQ(takeLog(), (Log{"2045 0,39", "2045 0,0"}));
     press(VK_NEXT);
     EXPECT_EQ(current(), "0,0") << "pages leave the current cell";
+    EXPECT_EQ(top(), "0,8");
+    press(VK_PRIOR);
+    EXPECT_EQ(top(), "0,0");
+    EXPECT_TRUE(takeLog().empty());
 }
 
 TEST_F(GridKeys, theCurrentCellStaysInViewAndAmongTheFree)
@@ -201,6 +206,15 @@ TEST_F(GridKeys, aKeyThatIsHeldGoesFurtherOnceAHostStartsThat)
         EXPECT_EQ(step(), steps[timer - 80]);
         EXPECT_EQ(KillTimer(*grid, timer + 1), timer < 83 ? TRUE : FALSE) << timer;
         SetTimer(*grid, timer, 10000, nullptr);
+    }
+    tick(80); // two lines again
+    grid->ScrollToTop();
+    constexpr std::pair<int, const char *> places[] = {
+        {VK_RIGHT, "2,0"}, {VK_LEFT, "0,0"}, {VK_DOWN, "0,2"}, {VK_UP, "0,0"}};
+    for (const auto &[key, place] : places)
+    {
+        press(key);
+        EXPECT_EQ(top(), place) << key;
     }
     SendMessageW(*grid, WM_KEYUP, VK_DOWN, 1);
     EXPECT_EQ(step(), 1);

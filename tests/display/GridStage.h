@@ -32,9 +32,9 @@ inline WCHAR *heapText(const std::u16string &text)
     return copy;
 }
 
-inline DeviceOptions gridOptions(const std::filesystem::path &folder)
+inline DeviceOptions gridOptions(const std::filesystem::path &folder, int dotsPerInch)
 {
-    DeviceOptions options = withFonts(folder);
+    DeviceOptions options = withFonts(folder, dotsPerInch);
     options.screen.width = 240;
     options.screen.height = 320;
     return options;
@@ -50,7 +50,7 @@ class GridTest : public ::testing::Test
         bool operator==(const Scrolled &) const = default;
     };
 
-    GridTest()
+    explicit GridTest(int dotsPerInch = 96) : device(gridOptions(faces.path(), dotsPerInch))
     {
         parent.before = [this](UINT message, WPARAM wParam, LPARAM lParam, LRESULT &result)
         { return answer(message, wParam, lParam, result); };
@@ -166,7 +166,7 @@ class GridTest : public ::testing::Test
     tagNM_GRIDVIEW lastNotify{};
 
     TemporaryFolder faces;
-    TestDevice device{gridOptions(faces.path())};
+    TestDevice device;
     Scaling scaling;
     ScreenWindow parent{RGB(10, 200, 30), WS_POPUP | WS_VISIBLE, 0, 0, 240, 320};
     std::unique_ptr<TestGrid> grid;
