@@ -92,7 +92,7 @@ std::u16string detailMarkup(const AgendaRow &row)
 {
     std::u16string line;
     const auto add = [&line](const std::u16string &part)
-    { line += part.empty() ? part : (line.empty() ? part : u"  ·  " + part); };
+    { line += part.empty() ? part : (line.empty() ? part : u"\u00A0\u00A0·  " + part); };
     if (!row.location.empty())
     {
         add(pinMarkup() + u" " + wordsMarkup(visibleText(row.location)));
