@@ -4,12 +4,11 @@
 #include "platform/controls.h"
 #include "platform/kernel.h"
 #include "platform/screen.h"
+#include "support/OperationSlots.h"
 #include "support/ScreenWindow.h"
 #include "support/TestDevice.h"
 
 #include <gtest/gtest.h>
-
-#include <cstring>
 
 namespace
 {
@@ -18,18 +17,6 @@ using zb::test::pair;
 using zb::test::Recorder;
 using zb::test::ScreenWindow;
 using zb::test::settle;
-
-#if defined(__x86_64__)
-/// Where an operation stands in the table of its class, counted behind the destructor, which takes two places.
-template <typename Operation>
-std::ptrdiff_t slotOf(Operation operation)
-{
-    std::ptrdiff_t parts[2];
-    static_assert(sizeof parts == sizeof operation);
-    std::memcpy(parts, &operation, sizeof parts);
-    return (parts[0] - 1) / static_cast<std::ptrdiff_t>(sizeof(void *)) - 1;
-}
-#endif
 
 class CeWndTest : public ::testing::Test
 {
@@ -89,6 +76,7 @@ TEST_F(CeWndTest, EveryMessageReachesItsOperationWithItsArguments)
 #if defined(__x86_64__)
 TEST_F(CeWndTest, TheOperationsStandInTheOrderThatHostsExpect)
 {
+    using zb::test::slotOf;
     const std::ptrdiff_t slots[] = {
         slotOf(&CeMsgWnd::Default),         slotOf(&CeMsgWnd::ProcessMessage), slotOf(&CeMsgWnd::OnChar),
         slotOf(&CeMsgWnd::OnClose),         slotOf(&CeMsgWnd::OnCreate),       slotOf(&CeMsgWnd::OnCommand),
