@@ -47,6 +47,11 @@ CHTMLGrid::~CHTMLGrid()
 
 bool CHTMLGrid::InitWindow(HWND hParent, const RECT &rect, bool bOnDemand)
 {
+    // A second window would leave the first one without an object.
+    if (m_hWnd != nullptr)
+    {
+        return false;
+    }
     m_hParent = hParent;
     m_bOnDemand = bOnDemand;
     SetDefaults();

@@ -25,6 +25,7 @@
 #include "display/GridSlots.h"
 #include "framework/CeWnd.h"
 
+#include <set>
 #include <string>
 #include <unordered_map>
 
@@ -75,7 +76,7 @@ class ZBTOOLS_API CHTMLGrid : public CeWnd
     void OnTimer(UINT_PTR nId, bool &handled) override;
     LRESULT OnMessage(UINT uMsg, WPARAM wParam, LPARAM lParam, bool &handled) override;
 
-    /// Sets all to its defaults and makes the child window. False when it can't be made.
+    /// Sets all to its defaults and makes the child window. False when it can't be made, or is there already.
     bool InitWindow(HWND hParent, const RECT &rect, bool bOnDemand);
 
     // --- Dimensions and cells ------------------------------------------------------------------------------------
@@ -166,7 +167,8 @@ class ZBTOOLS_API CHTMLGrid : public CeWnd
 
     // --- Floaters ------------------------------------------------------------------------------------------------
 
-    /// Asks for the markup. False without a cell or a text. One of the same id that stands in the way goes first.
+    /// Asks for the markup. False without a cell or a text. One of the same id that stands in the way goes first. It
+    /// covers its first row at least.
     bool AddFloater(USHORT nCol, USHORT nRow, DWORD dwID, USHORT nRows, USHORT nStripLength, USHORT nStripOffset,
                     COLORREF crStrip, bool bLocked);
     /// By any of its cells.
@@ -336,6 +338,7 @@ class ZBTOOLS_API CHTMLGrid : public CeWnd
     void CreateCells(USHORT nRows, USHORT nCols);
     void DestroyCells();
     std::unique_ptr<tagCELLINFO> RequestCell(USHORT nRow, USHORT nCol);
+    tagCELLINFO *StoreCell(USHORT nRow, USHORT nCol, std::unique_ptr<tagCELLINFO> cell);
     USHORT MeasureCell(tagCELLINFO &cell, USHORT nWidth);
     void RefreshAll();
     void RefreshCell(USHORT nRow, USHORT nCol);
@@ -348,11 +351,14 @@ class ZBTOOLS_API CHTMLGrid : public CeWnd
 
     // Floaters.
     zb::GridColumnCells ColumnCells(USHORT nCol) const;
-    void InsertFloater(USHORT nCol, USHORT nRow, tagFLOATERINFO &floater, bool bAsk);
+    tagFLOATERINFO *FloaterAt(USHORT nCol, USHORT nRow, DWORD dwID) const;
+    std::vector<std::pair<USHORT, DWORD>> FloatersFromAbove(USHORT nRow, USHORT nCol) const;
+    void AskForCells(USHORT nCol, USHORT nRow, USHORT nRows);
+    void InsertFloater(USHORT nCol, USHORT nRow, tagFLOATERINFO &floater);
     void RemoveFloater(USHORT nCol, USHORT nFirst, const tagFLOATERINFO &floater);
     void DestroyFloater(USHORT nCol, USHORT nRow, tagFLOATERINFO &floater);
     void ClearCellFloaters(USHORT nRow, USHORT nCol);
-    void InvalidateFloaters(USHORT nCol, const zb::GridRowSpan &rows);
+    void InvalidateBlock(USHORT nCol, USHORT nRow);
     void ValidateCellFloaters(USHORT nRow, USHORT nCol);
     std::unique_ptr<WCHAR, void (*)(void *)> RequestFloaterText(DWORD dwID);
     void RepaintFloaters();
@@ -449,7 +455,6 @@ class ZBTOOLS_API CHTMLGrid : public CeWnd
     void AutoScroll();
     void MoveArmedFloater(POINT point);
     void MoveFloaterTo(POINT point);
-    tagFLOATERINFO *FloaterAt(USHORT nCol, USHORT nRow, DWORD dwID) const;
     tagFLOATERINFO *FloaterUnderPen() const;
     bool AskFloaterMove(POINT from, POINT &to);
     bool LetFloaterGo();
@@ -496,8 +501,10 @@ class ZBTOOLS_API CHTMLGrid : public CeWnd
     USHORT m_nRows = 0;
     USHORT m_nFixedCols = 0;
     USHORT m_nFixedRows = 0;
-    USHORT m_nFloaters = 0;
+    UINT m_nFloaters = 0;
     std::map<DWORD, std::unique_ptr<tagCELLINFO>> m_Cells;
+    /// Keys of those that the parent is being asked for.
+    std::set<DWORD> m_AskedNow;
     zb::GridSizes m_ColWidthsAsked;
     zb::GridSizes m_ColWidths;
     zb::GridSizes m_RowHeightsAsked;

@@ -9,6 +9,17 @@ void eraseLines(zb::GridSizes &sizes, USHORT first, USHORT count)
 {
     sizes.erase(sizes.begin() + first, sizes.begin() + first + count);
 }
+
+/// Places are reckoned with them, so they are held at sizes that no screen has.
+RECT heldMargins(const RECT &margins)
+{
+    const auto held = [](LONG side)
+    {
+        constexpr LONG most = 32000;
+        return std::clamp(side, -most, most);
+    };
+    return {held(margins.left), held(margins.top), held(margins.right), held(margins.bottom)};
+}
 } // namespace
 
 DWORD CHTMLGrid::CellKey(USHORT nRow, USHORT nCol)
@@ -46,7 +57,7 @@ std::unique_ptr<tagCELLINFO> CHTMLGrid::RequestCell(USHORT nRow, USHORT nCol)
     auto cell = std::make_unique<tagCELLINFO>();
     cell->dwData = request.dwData;
     cell->bSingleLine = request.bSingleLine != 0 ? 1 : 0;
-    cell->rcMargins = request.rcMargins;
+    cell->rcMargins = heldMargins(request.rcMargins);
     cell->nIndent = request.nIndent;
     cell->SetFontQuality(static_cast<BYTE>(request.nFontQuality));
     cell->SetHTML(request.pszHTML);
@@ -72,9 +83,35 @@ tagCELLINFO *CHTMLGrid::GetCell(USHORT nRow, USHORT nCol)
     {
         return cell;
     }
+    // What the parent does meanwhile may come here again: the cell is not there yet, and nobody asks twice.
+    if (!m_AskedNow.insert(CellKey(nRow, nCol)).second)
+    {
+        return nullptr;
+    }
     auto cell = RequestCell(nRow, nCol);
-    // A parent that sets the cell's text while it is asked has made it already; the answer wins.
-    return cell == nullptr ? FindCell(nRow, nCol) : (m_Cells[CellKey(nRow, nCol)] = std::move(cell)).get();
+    m_AskedNow.erase(CellKey(nRow, nCol));
+    if (nRow >= m_nRows || nCol >= m_nCols)
+    {
+        return nullptr;
+    }
+    return cell == nullptr ? FindCell(nRow, nCol) : StoreCell(nRow, nCol, std::move(cell));
+}
+
+/// A parent that sets the cell's text while it is asked has made it already; the answer wins, floaters stay.
+tagCELLINFO *CHTMLGrid::StoreCell(USHORT nRow, USHORT nCol, std::unique_ptr<tagCELLINFO> cell)
+{
+    std::unique_ptr<tagCELLINFO> &place = m_Cells[CellKey(nRow, nCol)];
+    if (place != nullptr)
+    {
+        cell->Floaters = std::move(place->Floaters);
+        cell->OwnFloaters = std::move(place->OwnFloaters);
+        for (const auto &[id, floater] : cell->OwnFloaters)
+        {
+            floater->pOwner = cell.get();
+        }
+    }
+    place = std::move(cell);
+    return place.get();
 }
 
 // --- Dimensions --------------------------------------------------------------------------------------------------
@@ -103,7 +140,8 @@ void CHTMLGrid::CreateCells(USHORT nRows, USHORT nCols)
 
 void CHTMLGrid::DestroyCells()
 {
-    if (m_nRows == 0 || m_nCols == 0)
+    // Of a grid that has lost its last row the columns are still there.
+    if (m_nRows == 0 && m_nCols == 0)
     {
         return;
     }
@@ -160,15 +198,20 @@ void CHTMLGrid::MoveToFirstFreeCell()
     RefreshAll();
 }
 
+/// A view of the beginning stays one.
 void CHTMLGrid::SetFixedRowCount(USHORT nRows)
 {
+    const bool atTop = m_nTopRow == m_nFixedRows;
     m_nFixedRows = std::min(nRows, m_nRows);
+    m_nTopRow = atTop ? m_nFixedRows : m_nTopRow;
     MoveToFirstFreeCell();
 }
 
 void CHTMLGrid::SetFixedColCount(USHORT nCols)
 {
+    const bool atLeft = m_nLeftCol == m_nFixedCols;
     m_nFixedCols = std::min(nCols, m_nCols);
+    m_nLeftCol = atLeft ? m_nFixedCols : m_nLeftCol;
     MoveToFirstFreeCell();
 }
 
@@ -196,7 +239,7 @@ void CHTMLGrid::RefreshAll()
 /// After a change of what is in the cell: a row as high as its text may move all others.
 void CHTMLGrid::RefreshCell(USHORT nRow, USHORT nCol)
 {
-    if (m_RowHeightsAsked[nRow] == GRID_NONE && !m_bRowHeightFixed)
+    if (nRow >= m_nRows || (m_RowHeightsAsked[nRow] == GRID_NONE && !m_bRowHeightFixed))
     {
         RefreshAll();
         return;
@@ -241,12 +284,26 @@ void CHTMLGrid::SetCellText(USHORT nCol, USHORT nRow, const WCHAR *pszHTML, BYTE
     {
         cell = (m_Cells[CellKey(nRow, nCol)] = NewCell()).get();
     }
-    cell->rcMargins = margins;
+    cell->rcMargins = heldMargins(margins);
     cell->SetFontQuality(bQuality);
     cell->SetHTML(pszHTML);
     cell->ParseHTML(m_hWnd);
     cell->Measured = {};
     RefreshCell(nRow, nCol);
+}
+
+/// First rows and ids of the floaters that lie over the cell and begin above it.
+std::vector<std::pair<USHORT, DWORD>> CHTMLGrid::FloatersFromAbove(USHORT nRow, USHORT nCol) const
+{
+    std::vector<std::pair<USHORT, DWORD>> found;
+    if (const tagCELLINFO *cell = FindCell(nRow, nCol))
+    {
+        for (const auto &[id, floater] : cell->Floaters)
+        {
+            found.emplace_back(zb::floaterBounds(ColumnCells(nCol), nRow, *floater, m_nRows).first, id);
+        }
+    }
+    return found;
 }
 
 void CHTMLGrid::UpdateCellText(USHORT nCol, USHORT nRow)
@@ -255,22 +312,24 @@ void CHTMLGrid::UpdateCellText(USHORT nCol, USHORT nRow)
     {
         return;
     }
-    if (tagCELLINFO *cell = FindCell(nRow, nCol))
+    ClearCellFloaters(nRow, nCol);
+    const auto fromAbove = FloatersFromAbove(nRow, nCol);
+    m_Cells.erase(CellKey(nRow, nCol));
+    tagCELLINFO *renewed = GetCell(nRow, nCol);
+    for (const auto &[first, id] : fromAbove)
     {
-        ClearCellFloaters(nRow, nCol);
-        const GridFloaterMap fromAbove = cell->Floaters;
-        m_Cells.erase(CellKey(nRow, nCol));
-        // Floaters that begin above still lie over the new cell.
-        if (tagCELLINFO *renewed = fromAbove.empty() ? nullptr : GetCell(nRow, nCol))
+        const tagCELLINFO *owner = FindCell(first, nCol);
+        const auto found = owner == nullptr ? OwnFloaterMap::const_iterator() : owner->OwnFloaters.find(id);
+        if (owner == nullptr || found == owner->OwnFloaters.end())
         {
-            renewed->Floaters = fromAbove;
+            continue; // the parent has taken it away while it was asked
         }
-        else
+        if (renewed != nullptr)
         {
-            m_bFloaterGaps = m_bFloaterGaps || !fromAbove.empty();
+            renewed->Floaters[id] = found->second.get();
         }
+        m_bFloaterGaps = m_bFloaterGaps || renewed == nullptr;
     }
-    GetCell(nRow, nCol);
     RefreshCell(nRow, nCol);
 }
 
@@ -342,23 +401,14 @@ void CHTMLGrid::ShiftCells(bool bRows, USHORT nFirst, USHORT nCount)
 /// Floaters that begin above rows that go and reach into them lose those rows.
 void CHTMLGrid::ShortenFloatersOver(USHORT nFirst, USHORT nCount)
 {
-    std::map<tagFLOATERINFO *, USHORT> lost;
-    for (auto at = m_Cells.lower_bound(CellKey(nFirst, 0)); at != m_Cells.end() && HIWORD(at->first) < nFirst + nCount;
-         ++at)
+    const int end = nFirst + nCount;
+    for (auto at = m_Cells.begin(); at != m_Cells.end() && HIWORD(at->first) < nFirst; ++at)
     {
-        for (const auto &[id, floater] : at->second->Floaters)
+        for (const auto &[id, floater] : at->second->OwnFloaters)
         {
-            const auto rows = zb::floaterBounds(ColumnCells(LOWORD(at->first)), HIWORD(at->first), *floater, m_nRows);
-            const int end = std::min(rows.last + 1, nFirst + nCount);
-            if (rows.first < nFirst)
-            {
-                lost[floater] = static_cast<USHORT>(end - nFirst);
-            }
+            const int lost = std::min(HIWORD(at->first) + floater->nRows, end) - nFirst;
+            floater->nRows = static_cast<USHORT>(floater->nRows - std::max(lost, 0));
         }
-    }
-    for (const auto &[floater, rows] : lost)
-    {
-        floater->nRows = static_cast<USHORT>(floater->nRows - rows);
     }
 }
 
@@ -433,8 +483,12 @@ void CHTMLGrid::ClampAfterDeletion()
 
 void CHTMLGrid::DeleteRows(USHORT nFirst, USHORT nCount)
 {
+    if (nFirst >= m_nRows || nCount == 0)
+    {
+        return;
+    }
     // The text of a box over a cell is told with the numbers that the parent knows the cell by.
-    if (!CancelEdit() || nFirst >= m_nRows || nCount == 0)
+    if (!CancelEdit() || nFirst >= m_nRows)
     {
         return;
     }
@@ -455,8 +509,12 @@ void CHTMLGrid::DeleteRows(USHORT nFirst, USHORT nCount)
 
 void CHTMLGrid::DeleteCols(USHORT nFirst, USHORT nCount)
 {
+    if (nFirst >= m_nCols || nCount == 0)
+    {
+        return;
+    }
     // The text of a box over a cell is told with the numbers that the parent knows the cell by.
-    if (!CancelEdit() || nFirst >= m_nCols || nCount == 0)
+    if (!CancelEdit() || nFirst >= m_nCols)
     {
         return;
     }

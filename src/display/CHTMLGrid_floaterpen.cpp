@@ -45,19 +45,7 @@ void CHTMLGrid::MoveArmedFloater(POINT point)
     }
 }
 
-/// Looked for anew each time: the parent may have taken it away. Null when it has.
-tagFLOATERINFO *CHTMLGrid::FloaterAt(USHORT nCol, USHORT nRow, DWORD dwID) const
-{
-    const tagCELLINFO *cell = FindCell(nRow, nCol);
-    if (cell == nullptr)
-    {
-        return nullptr;
-    }
-    const auto found = cell->Floaters.find(dwID);
-    return found == cell->Floaters.end() ? nullptr : found->second;
-}
-
-/// Null when the pen has been taken away, too.
+/// Looked for anew each time: the parent may have taken it away. Null when it has, or the pen has been taken away.
 tagFLOATERINFO *CHTMLGrid::FloaterUnderPen() const
 {
     return m_bFloaterArmed ? FloaterAt(m_nCurCol, m_nCurRow, m_dwFloaterID) : nullptr;
@@ -172,8 +160,6 @@ bool CHTMLGrid::RenewFloaterText(USHORT nCol, USHORT nRow, DWORD dwID)
         floater->Parser.SetHTML(text.get());
         floater->Parser.ParseHTML(m_hWnd);
     }
-    zb::GridRowSpan block{};
-    zb::floaterBlockBounds(ColumnCells(nCol), nRow, m_nRows, block);
-    InvalidateFloaters(nCol, block);
+    InvalidateBlock(nCol, nRow);
     return true;
 }

@@ -9,6 +9,14 @@ zb::GridColumnCells CHTMLGrid::ColumnCells(USHORT nCol) const
     return [this, nCol](USHORT row) { return FindCell(row, nCol); };
 }
 
+/// By any of its cells; null when it is not there.
+tagFLOATERINFO *CHTMLGrid::FloaterAt(USHORT nCol, USHORT nRow, DWORD dwID) const
+{
+    const tagCELLINFO *cell = FindCell(nRow, nCol);
+    const auto found = cell == nullptr ? GridFloaterMap::const_iterator() : cell->Floaters.find(dwID);
+    return cell == nullptr || found == cell->Floaters.end() ? nullptr : found->second;
+}
+
 std::unique_ptr<WCHAR, void (*)(void *)> CHTMLGrid::RequestFloaterText(DWORD dwID)
 {
     WCHAR *text = nullptr;
@@ -17,13 +25,23 @@ std::unique_ptr<WCHAR, void (*)(void *)> CHTMLGrid::RequestFloaterText(DWORD dwI
     return {text, std::free};
 }
 
+/// Asks for those of a floater's rows that are not there, before anything of it is kept: the parent may change cells and
+/// floaters meanwhile.
+void CHTMLGrid::AskForCells(USHORT nCol, USHORT nRow, USHORT nRows)
+{
+    for (int row = nRow; row < std::min<int>(nRow + nRows, m_nRows); ++row)
+    {
+        GetCell(static_cast<USHORT>(row), nCol);
+    }
+}
+
 /// Into the cells of its rows; rows without a cell are left out.
-void CHTMLGrid::InsertFloater(USHORT nCol, USHORT nRow, tagFLOATERINFO &floater, bool bAsk)
+void CHTMLGrid::InsertFloater(USHORT nCol, USHORT nRow, tagFLOATERINFO &floater)
 {
     for (int row = nRow; row < std::min<int>(nRow + floater.nRows, m_nRows); ++row)
     {
         const auto at = static_cast<USHORT>(row);
-        if (tagCELLINFO *cell = bAsk ? GetCell(at, nCol) : FindCell(at, nCol))
+        if (tagCELLINFO *cell = FindCell(at, nCol))
         {
             const auto former = cell->Floaters.find(floater.dwID);
             if (former != cell->Floaters.end() && former->second != &floater)
@@ -52,10 +70,12 @@ void CHTMLGrid::RemoveFloater(USHORT nCol, USHORT nFirst, const tagFLOATERINFO &
     }
 }
 
-/// Those of a block that is there no longer as it was: its cells work their slots out again.
-void CHTMLGrid::InvalidateFloaters(USHORT nCol, const zb::GridRowSpan &rows)
+/// Of one that is there no longer as it was: its cells work their slots out again.
+void CHTMLGrid::InvalidateBlock(USHORT nCol, USHORT nRow)
 {
-    for (int row = rows.first; row <= rows.last; ++row)
+    zb::GridRowSpan block{};
+    zb::floaterBlockBounds(ColumnCells(nCol), nRow, m_nRows, block);
+    for (int row = block.first; row <= block.last; ++row)
     {
         if (tagCELLINFO *cell = FindCell(static_cast<USHORT>(row), nCol))
         {
@@ -67,9 +87,7 @@ void CHTMLGrid::InvalidateFloaters(USHORT nCol, const zb::GridRowSpan &rows)
 /// From all cells of its rows, of which nRow is one.
 void CHTMLGrid::DestroyFloater(USHORT nCol, USHORT nRow, tagFLOATERINFO &floater)
 {
-    zb::GridRowSpan block{};
-    zb::floaterBlockBounds(ColumnCells(nCol), nRow, m_nRows, block);
-    InvalidateFloaters(nCol, block);
+    InvalidateBlock(nCol, nRow);
     const auto rows = zb::floaterBounds(ColumnCells(nCol), nRow, floater, m_nRows);
     RemoveFloater(nCol, rows.first, floater);
     if (m_pMovingFloater == &floater)
@@ -108,20 +126,15 @@ void CHTMLGrid::RepaintFloaters()
 bool CHTMLGrid::AddFloater(USHORT nCol, USHORT nRow, DWORD dwID, USHORT nRows, USHORT nStripLength, USHORT nStripOffset,
                            COLORREF crStrip, bool bLocked)
 {
-    tagCELLINFO *cell = GetCell(nRow, nCol);
-    const auto text = cell == nullptr ? decltype(RequestFloaterText(0)){nullptr, std::free} : RequestFloaterText(dwID);
+    const bool any = GetCell(nRow, nCol) != nullptr;
+    const auto text = any ? RequestFloaterText(dwID) : decltype(RequestFloaterText(0)){nullptr, std::free};
     if (text == nullptr)
     {
         return false;
     }
-    if (const auto former = cell->Floaters.find(dwID); former != cell->Floaters.end())
-    {
-        DestroyFloater(nCol, nRow, *former->second);
-    }
     auto floater = std::make_unique<tagFLOATERINFO>();
-    floater->pOwner = cell;
     floater->bLocked = bLocked ? 1 : 0;
-    floater->nRows = nRows;
+    floater->nRows = std::max<USHORT>(nRows, 1);
     floater->nStripLength = nStripLength;
     floater->nStripOffset = nStripOffset;
     floater->crStrip = crStrip;
@@ -129,55 +142,60 @@ bool CHTMLGrid::AddFloater(USHORT nCol, USHORT nRow, DWORD dwID, USHORT nRows, U
     floater->Parser.SetFontQuality(m_bFontQuality);
     floater->Parser.SetHTML(text.get());
     floater->Parser.ParseHTML(m_hWnd);
+    AskForCells(nCol, nRow, floater->nRows);
+    tagCELLINFO *cell = FindCell(nRow, nCol);
+    if (cell == nullptr)
+    {
+        return false;
+    }
+    if (tagFLOATERINFO *former = FloaterAt(nCol, nRow, dwID))
+    {
+        DestroyFloater(nCol, nRow, *former);
+    }
     ++m_nFloaters;
+    floater->pOwner = cell;
     tagFLOATERINFO &added = *(cell->OwnFloaters[dwID] = std::move(floater));
-    InsertFloater(nCol, nRow, added, true);
-    zb::GridRowSpan block{};
-    zb::floaterBlockBounds(ColumnCells(nCol), nRow, m_nRows, block);
-    InvalidateFloaters(nCol, block);
+    InsertFloater(nCol, nRow, added);
+    InvalidateBlock(nCol, nRow);
     RepaintFloaters();
     return true;
 }
 
 bool CHTMLGrid::MoveFloater(USHORT nFromCol, USHORT nFromRow, USHORT nToCol, USHORT nToRow, DWORD dwID)
 {
-    const tagCELLINFO *from = FindCell(nFromRow, nFromCol);
-    const auto found = from == nullptr ? GridFloaterMap::const_iterator() : from->Floaters.find(dwID);
-    tagCELLINFO *target = from == nullptr || found == from->Floaters.end() ? nullptr : GetCell(nToRow, nToCol);
-    if (target == nullptr)
+    const tagFLOATERINFO *known = FloaterAt(nFromCol, nFromRow, dwID);
+    if (known == nullptr)
     {
         return false;
     }
-    tagFLOATERINFO &floater = *found->second;
-    zb::GridRowSpan block{};
-    zb::floaterBlockBounds(ColumnCells(nFromCol), nFromRow, m_nRows, block);
-    InvalidateFloaters(nFromCol, block);
-    const auto rows = zb::floaterBounds(ColumnCells(nFromCol), nFromRow, floater, m_nRows);
-    RemoveFloater(nFromCol, rows.first, floater);
-    if (const auto other = target->Floaters.find(dwID); other != target->Floaters.end())
+    AskForCells(nToCol, nToRow, known->nRows);
+    tagFLOATERINFO *floater = FloaterAt(nFromCol, nFromRow, dwID);
+    tagCELLINFO *target = FindCell(nToRow, nToCol);
+    if (floater == nullptr || target == nullptr)
     {
-        DestroyFloater(nToCol, nToRow, *other->second);
+        return false;
     }
-    auto own = floater.pOwner->OwnFloaters.extract(dwID);
-    floater.pOwner = target;
+    InvalidateBlock(nFromCol, nFromRow);
+    const auto rows = zb::floaterBounds(ColumnCells(nFromCol), nFromRow, *floater, m_nRows);
+    RemoveFloater(nFromCol, rows.first, *floater);
+    if (tagFLOATERINFO *other = FloaterAt(nToCol, nToRow, dwID))
+    {
+        DestroyFloater(nToCol, nToRow, *other);
+    }
+    auto own = floater->pOwner->OwnFloaters.extract(dwID);
+    floater->pOwner = target;
     target->OwnFloaters.insert(std::move(own));
-    InsertFloater(nToCol, nToRow, floater, true);
-    zb::floaterBlockBounds(ColumnCells(nToCol), nToRow, m_nRows, block);
-    InvalidateFloaters(nToCol, block);
+    InsertFloater(nToCol, nToRow, *floater);
+    InvalidateBlock(nToCol, nToRow);
     RepaintFloaters();
     return true;
 }
 
 void CHTMLGrid::DeleteFloater(USHORT nCol, USHORT nRow, DWORD dwID)
 {
-    const tagCELLINFO *cell = FindCell(nRow, nCol);
-    if (cell == nullptr)
+    if (tagFLOATERINFO *floater = FloaterAt(nCol, nRow, dwID))
     {
-        return;
-    }
-    if (const auto found = cell->Floaters.find(dwID); found != cell->Floaters.end())
-    {
-        DestroyFloater(nCol, nRow, *found->second);
+        DestroyFloater(nCol, nRow, *floater);
         RepaintFloaters();
     }
 }

@@ -89,6 +89,10 @@ HBITMAP CHTMLGrid::AddBitmapToCache(USHORT nId)
 
 HBITMAP CHTMLGrid::AddBitmapToCache(const WCHAR *pszName, int nLength)
 {
+    if (pszName == nullptr || nLength < 0)
+    {
+        return nullptr;
+    }
     const Text name(pszName, static_cast<std::size_t>(nLength));
     const DWORD key = fileKey(name);
     if (const auto found = m_Bitmaps.find(key); found != m_Bitmaps.end())

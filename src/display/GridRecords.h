@@ -40,6 +40,9 @@ struct tagFLOATERINFO
 /// By id.
 using GridFloaterMap = std::map<DWORD, tagFLOATERINFO *>;
 
+/// Those that begin in a cell, by id.
+using OwnFloaterMap = std::map<DWORD, std::unique_ptr<tagFLOATERINFO>>;
+
 /// What a measured height was measured under; one of another cell, width or text is worthless.
 struct GridMeasure
 {
@@ -66,7 +69,7 @@ struct tagCELLINFO : CHTMLParser
     /// All that touch the cell, those that begin above as well.
     GridFloaterMap Floaters;
     /// Those that begin here.
-    std::map<DWORD, std::unique_ptr<tagFLOATERINFO>> OwnFloaters;
+    OwnFloaterMap OwnFloaters;
     GridMeasure Measured;
 };
 

@@ -51,9 +51,21 @@ TEST_F(GridModel, sizesOfDefaultsFollowTheScreen)
     device.reopen();
     const Scaling doubled;
     ScreenWindow host(0, WS_POPUP | WS_VISIBLE, 0, 0, 200, 200);
-    const TestGrid large(host.window, RECT{0, 0, 100, 100}, false);
+    host.before = parent.before;
+    TestGrid large(host.window, RECT{0, 0, 100, 100}, false);
     EXPECT_EQ(large.GetMinRowHeight(), 30);
     EXPECT_EQ(large.GetScrollRegion(), 40);
+    large.SetDimensions(1, 1);
+    EXPECT_TRUE(large.AddFloater(0, 0, 1, 1, 100, 0, 0, false));
+    for (const int x : {13, 14})
+    {
+        USHORT col = 0;
+        USHORT row = 0;
+        POINT offset{};
+        bool strip = false;
+        EXPECT_EQ(large.GetFloaterFromPoint(x, 5, col, row, offset, strip), 1U);
+        EXPECT_EQ(strip, x < 14) << "7 at 96 dots an inch";
+    }
 }
 
 TEST_F(GridModel, itsClassIsThereWhileAGridIs)

@@ -181,8 +181,19 @@ class GridTest : public ::testing::Test
     {
         return cell(HIWORD(packed), LOWORD(packed));
     }
+    /// Records begin with who asks and, but for those that go with a drag or a click, with the message.
+    void checkHeader(UINT message, const NMHDR &header)
+    {
+        const bool named = message != GRID_QUERYDROP && message != GRID_CANDROP && message != GRID_GETDRAGTIP;
+        EXPECT_EQ(header.code, named ? message : header.code);
+        EXPECT_EQ(header.hwndFrom, grid == nullptr ? header.hwndFrom : grid->GetHwnd()) << message;
+    }
     std::string describeRequest(UINT message, WPARAM wParam, LPARAM lParam)
     {
+        if (message != GRID_CANDRAG && message != GRID_CANEDIT && message != GRID_CELLMOVED)
+        {
+            checkHeader(message, *reinterpret_cast<NMHDR *>(lParam));
+        }
         const std::string number = std::to_string(message) + ' ';
         const auto *span = reinterpret_cast<GRIDSPANREQUEST *>(lParam); // of those that have it
         switch (message)
@@ -210,6 +221,8 @@ class GridTest : public ::testing::Test
             return number + cell(static_cast<unsigned>(at.x), static_cast<unsigned>(at.y));
         }
         case GRID_CANDROP:
+            EXPECT_TRUE(IsWindow(reinterpret_cast<HWND>(wParam)));
+            [[fallthrough]];
         case GRID_GETDRAGTIP:
         case GRID_DROP:
         {
@@ -219,6 +232,7 @@ class GridTest : public ::testing::Test
         case GRID_CANEDIT:
         {
             const auto &record = *reinterpret_cast<tagNM_GRIDVIEW *>(wParam);
+            EXPECT_EQ(lParam, 0);
             return number + cell(record.nCol, record.nRow) + ' ' + std::to_string(static_cast<int>(record.hdr.code));
         }
         case GRID_EDITED:
@@ -256,6 +270,7 @@ class GridTest : public ::testing::Test
         case GRID_GETCELL:
         {
             auto &request = *reinterpret_cast<GRIDCELLREQUEST *>(lParam);
+            EXPECT_EQ(wParam, 0U);
             asked.push_back(request);
             if (onCell)
             {
@@ -264,6 +279,7 @@ class GridTest : public ::testing::Test
             return true;
         }
         case GRID_GETFLOATERTEXT:
+            checkHeader(message, *reinterpret_cast<NMHDR *>(lParam));
             askedFloaters.push_back(static_cast<DWORD>(reinterpret_cast<NMHDR *>(lParam)->idFrom));
             if (floaterHasText)
             {
@@ -275,10 +291,12 @@ class GridTest : public ::testing::Test
             return true;
         case GRID_SKIPHOLD:
             EXPECT_EQ(reinterpret_cast<HWND>(wParam), grid->GetHwnd());
+            EXPECT_EQ(lParam, 0);
             ++holdsAsked;
             result = skipsHold ? 1 : 0;
             return true;
         case WM_NOTIFY:
+            EXPECT_EQ(wParam, 0U);
             if (reinterpret_cast<NMHDR *>(lParam)->code == NM_CONTEXTMENU)
             {
                 lastHold = *reinterpret_cast<NMRGINFO *>(lParam);

@@ -1,0 +1,530 @@
+// What programs that use the grid were built on: its numbers, records, orders and defaults, and what calls leave alone.
+#include "display/GridStage.h"
+#include "support/OperationSlots.h"
+
+#include <algorithm>
+#include <cstddef>
+
+namespace zb::test
+{
+namespace
+{
+template <typename Record, typename... Fields>
+bool standInOrder(const Record &record, Fields Record::*...fields)
+{
+    const void *places[] = {&(record.*fields)...};
+    return std::is_sorted(std::begin(places), std::end(places));
+}
+
+TEST(GridRecords, numbersAreThoseThatHostsKnow)
+{
+    const std::pair<UINT, UINT> numbers[] = {
+        {GRID_GETCELL, 2021},        {GRID_GETSELECTIONTIP, 2022}, {GRID_GETSCROLLTIP, 2023},
+        {GRID_GETFLOATERTIP, 2024},  {GRID_CANMOVEFLOATER, 2025},  {GRID_GETFLOATERTEXT, 2026},
+        {GRID_FLOATERMOVED, 2027},   {GRID_QUERYDROP, 2028},       {GRID_CANDROP, 2029},
+        {GRID_DROP, 2030},           {GRID_CANDRAG, 2031},         {GRID_GETDRAGTIP, 2032},
+        {GRID_GETDRAGIMAGES, 2033},  {GRID_CANEDIT, 2034},         {GRID_EDITED, 2035},
+        {GRID_SCROLLED, 2044},       {GRID_CELLMOVED, 2045},       {GRID_SKIPHOLD, 0xFFFFFFCE},
+        {NM_HOTSPOT, 1125},          {NM_INLINE_IMAGE, 1126},      {NM_HOTSPOTDOWN, 2046},
+        {NM_TESTHOTSPOT, 2047},      {NM_CONTEXTMENU, 1000},       {NM_GRIDCONTEXTMENU, 1131},
+        {WM_NOTIFY, 78},             {COLOR_WINDOW, 5},            {COLOR_WINDOWFRAME, 6},
+        {COLOR_HIGHLIGHT, 13},       {COLOR_BTNFACE, 15},          {GRID_NONE, 0xFFFF}};
+    for (const auto &[number, known] : numbers)
+    {
+        EXPECT_EQ(number, known);
+    }
+}
+
+TEST(GridRecords, fieldsStandInTheOrderAndSizeThatHostsKnow)
+{
+    using Request = GRIDCELLREQUEST;
+    using View = tagNM_GRIDVIEW;
+    using Drag = tagGRIDDRAG;
+    using Cell = tagCELLINFO;
+    using Floater = tagFLOATERINFO;
+    EXPECT_TRUE(standInOrder(Request{}, &Request::hdr, &Request::bSingleLine, &Request::dwData, &Request::dwRowUserID,
+                             &Request::nColWidth, &Request::nRowHeight, &Request::rcMargins, &Request::pszHTML,
+                             &Request::nFontQuality, &Request::nIndent));
+    EXPECT_TRUE(standInOrder(View{}, &View::hdr, &View::szTarget, &View::szData, &View::dwCookie, &View::pt,
+                             &View::nRow, &View::nCol));
+    EXPECT_TRUE(standInOrder(Drag{}, &Drag::hdr, &Drag::nRow, &Drag::nCol, &Drag::nRows, &Drag::nCols, &Drag::pt,
+                             &Drag::rcClient));
+    EXPECT_TRUE(standInOrder(Cell{}, &Cell::dwData, &Cell::bFloatersValid, &Cell::bSingleLine, &Cell::rcMargins,
+                             &Cell::nIndent, &Cell::HotSpots, &Cell::Floaters));
+    EXPECT_TRUE(standInOrder(Floater{}, &Floater::pOwner, &Floater::bLocked, &Floater::nRows, &Floater::nStripLength,
+                             &Floater::nStripOffset, &Floater::crStrip, &Floater::dwID, &Floater::nSlots,
+                             &Floater::nSlotWidth, &Floater::nSlot, &Floater::Parser));
+    // A record of a parser is the beginning of one of a grid.
+    EXPECT_EQ(offsetof(View, szTarget), offsetof(NM_HTMLVIEW, szTarget));
+    EXPECT_EQ(offsetof(View, szData), offsetof(NM_HTMLVIEW, szData));
+    EXPECT_EQ(offsetof(View, dwCookie), offsetof(NM_HTMLVIEW, dwCookie));
+    static_assert(sizeof(Request::bSingleLine) == 4 && sizeof(Request::dwRowUserID) == 4);
+    static_assert(sizeof(Request::nColWidth) == 2 && sizeof(Request::nRowHeight) == 2);
+    static_assert(sizeof(Request::nFontQuality) == 2 && sizeof(Request::nIndent) == 2 && sizeof(Cell::nIndent) == 2);
+    static_assert(sizeof(Drag::nRow) == 2 && sizeof(Drag::nCols) == 2 && sizeof(View::nRow) == 4);
+    static_assert(sizeof(Floater::nRows) == 2 && sizeof(Floater::nStripOffset) == 2 && sizeof(Floater::nSlot) == 1);
+}
+
+#if defined(__x86_64__)
+TEST(GridRecords, operationsStandInTheOrderThatHostsKnow)
+{
+    const std::ptrdiff_t slots[] = {
+        slotOf(&CHTMLGrid::OnCellDraw),
+        slotOf(&CHTMLGrid::OnFixedCellDraw),
+        slotOf(&CHTMLGrid::OnCellFloatersDraw),
+        slotOf(&CHTMLGrid::OnSetFocus),
+        slotOf(&CHTMLGrid::OnKillFocus),
+        slotOf(&CHTMLGrid::OnHScroll),
+        slotOf(static_cast<LRESULT (CHTMLGrid::*)(NMHDR *, bool &)>(&CHTMLGrid::OnNotify)),
+        slotOf(&CHTMLGrid::OnVScroll),
+        slotOf(&CHTMLGrid::OnClick),
+        slotOf(&CHTMLGrid::OnContextMenuNotify),
+        slotOf(&CHTMLGrid::OnHotspotNotify),
+        slotOf(&CHTMLGrid::OnInlineImageNotify),
+        slotOf(&CHTMLGrid::OnDragQuery),
+        slotOf(&CHTMLGrid::OnDragOver),
+        slotOf(&CHTMLGrid::OnDragStart),
+        slotOf(&CHTMLGrid::OnProcessEditMessage)};
+    std::ptrdiff_t expected = 0;
+    for (const std::ptrdiff_t slot : slots)
+    {
+        EXPECT_EQ(slot, ++expected);
+    }
+}
+#endif
+
+/// Remembers the style that it was made with and when drawing was turned off and on.
+class WatchedGrid : public TestGrid
+{
+  public:
+    void OnFirstMessage(HWND window) override
+    {
+        style = GetWindowLongW(window, GWL_STYLE);
+    }
+    LRESULT ProcessMessage(UINT message, WPARAM wParam, LPARAM lParam, bool &handled) override
+    {
+        if (message == WM_SETREDRAW)
+        {
+            redraws += wParam == 0 ? '0' : '1';
+        }
+        return TestGrid::ProcessMessage(message, wParam, lParam, handled);
+    }
+    LONG_PTR style = 0;
+    std::string redraws;
+};
+
+class GridHosts : public GridTest
+{
+  protected:
+    DWORD floaterAt(int x, int y)
+    {
+        USHORT col = 0;
+        USHORT row = 0;
+        POINT offset{};
+        bool strip = false;
+        return grid->GetFloaterFromPoint(x, y, col, row, offset, strip);
+    }
+    /// "0101": how many floaters each row of the first column has.
+    std::string floatersByRow()
+    {
+        std::string counts;
+        for (USHORT row = 0; row < grid->GetRowCount(); ++row)
+        {
+            counts += std::to_string(grid->FloaterCount(0, row));
+        }
+        return counts;
+    }
+};
+
+// --- The window and its updates ----------------------------------------------------------------------------------
+
+TEST_F(GridHosts, updatesTurnDrawingOffOnceAndPaintOnce)
+{
+    static int drawn;
+    auto watched = std::make_unique<WatchedGrid>();
+    WatchedGrid &made = *watched;
+    grid = std::move(watched);
+    ASSERT_TRUE(made.InitWindow(parent.window, RECT{0, 0, 200, 100}, false));
+    EXPECT_EQ(made.style & 0xFFFFFFFF, 0x42300000) << "all but that it shows, which comes when it is made";
+    EXPECT_EQ(GetWindowLongW(made, GWL_STYLE) & 0x10000000, 0x10000000);
+    const HWND window = made;
+    EXPECT_FALSE(made.InitWindow(parent.window, RECT{0, 0, 50, 50}, true)) << "one window is all";
+    EXPECT_EQ(made.GetHwnd(), window);
+    made.SetDimensions(3, 2);
+    settle();
+    made.SetCellOwnerDrawProc(
+        [](tagDRAWITEMSTRUCT *, tagCELLINFO *)
+        {
+            ++drawn;
+            return 0;
+        });
+    drawn = 0;
+    made.redraws.clear();
+    made.BeginUpdate();
+    made.BeginUpdate();
+    for (USHORT row = 0; row < 3; ++row)
+    {
+        made.SetCellText(0, row, u"a");
+        made.SetCellText(1, row, u"b");
+    }
+    made.EndUpdate();
+    EXPECT_EQ(made.redraws, "0");
+    settle();
+    EXPECT_EQ(drawn, 0);
+    made.EndUpdate();
+    EXPECT_EQ(made.redraws, "01");
+    EXPECT_EQ(drawn, 6);
+    made.EndUpdate();
+    EXPECT_EQ(made.redraws, "01") << "one too many";
+    made.BeginUpdate();
+    made.EndUpdate();
+    EXPECT_EQ(made.redraws, "0101");
+    EXPECT_EQ(drawn, 6) << "nothing was to be done";
+}
+
+TEST_F(GridHosts, anUpdateEndsWithSizesThenTheScrollThenTheBars)
+{
+    TestGrid &made = makePlain(40, 1);
+    made.BeginUpdate();
+    made.ScrollByRowDown(12, false);
+    made.SetRowHeight(0, 45);
+    EXPECT_EQ(bar(SB_VERT).nMax, 600);
+    made.EndUpdate();
+    EXPECT_EQ(made.GetTopRow(), 12);
+    EXPECT_EQ(bar(SB_VERT).nMax, 45 + 39 * 15);
+    EXPECT_EQ(bar(SB_VERT).nPos, 45 + 11 * 15);
+    EXPECT_EQ(rectOf(0, 12).substr(0, 3), "0,0") << "and with what shows";
+}
+
+// --- Dimensions --------------------------------------------------------------------------------------------------
+
+TEST_F(GridHosts, newDimensionsForgetAllOfTheOld)
+{
+    TestGrid &made = makePlain(40, 3);
+    made.SetFixedRowCount(1);
+    made.SetFixedColCount(1);
+    made.SetRowHeight(1, 50);
+    made.SetColWidth(0, 90);
+    made.SetSelection(2, 5, 2, 5);
+    made.AddFloater(0, 0, 7, 3, 0, 0, 0, false);
+    made.AddFloater(0, 1, 8, 3, 0, 0, 0, false);
+    made.ScrollToBottom();
+    made.SetDimensions(3, 2);
+    EXPECT_EQ(made.GetFixedRowCount() + made.GetFixedColCount() + made.GetTopRow() + made.GetLeftCol(), 0);
+    EXPECT_EQ(current(), "none");
+    EXPECT_EQ(selection(), "none");
+    EXPECT_EQ(made.GetRowHeight(1, false), 15);
+    EXPECT_EQ(made.GetColWidth(0), 100);
+    EXPECT_EQ(floatersByRow(), "000");
+    makePlain(40, 3).SetDimensions(0, 5);
+    EXPECT_EQ(grid->GetRowCount() + grid->GetColCount() + grid->GetColWidth(0) + grid->GetRowHeight(0, false), 0);
+    EXPECT_EQ(grid->GetTotalHeight(), 0U);
+    EXPECT_EQ(bar(SB_VERT).nMax, 0);
+    EXPECT_EQ(bar(SB_VERT).nPage, 0U);
+}
+
+TEST_F(GridHosts, aGridThatHasLostItsLastRowOrColumnStartsAnewToo)
+{
+    for (const bool rows : {true, false})
+    {
+        TestGrid &made = makePlain(3, 2);
+        made.SetFixedColCount(1);
+        made.SetFixedRowCount(1);
+        rows ? made.DeleteRows(0, 3) : made.DeleteCols(0, 2);
+        made.SetDimensions(0, 5);
+        EXPECT_EQ(made.GetRowCount() + made.GetColCount() + made.GetColWidth(0), 0) << rows;
+        made.SetDimensions(4, 1);
+        EXPECT_EQ(made.GetFixedColCount() + made.GetFixedRowCount(), 0) << rows;
+        EXPECT_EQ(current(), "none");
+    }
+}
+
+TEST_F(GridHosts, userIdsStartAtZeroAgain)
+{
+    make(true).BeginUpdate();
+    grid->SetDimensions(3, 1);
+    grid->SetRowUserID(1, 9);
+    grid->SetDimensions(3, 1);
+    grid->GetCell(1, 0);
+    EXPECT_EQ(asked.back().dwRowUserID, 0U);
+}
+
+TEST_F(GridHosts, deletingNothingLeavesAnEditAlone)
+{
+    TestGrid &made = makePlain(4, 3);
+    answers[2034] = 1;
+    made.SetSelection(0, 1, 0, 1);
+    made.EnableCellEdit(0, 1);
+    takeLog();
+    made.DeleteRows(4, 1);
+    made.DeleteRows(0, 0);
+    made.DeleteCols(3, 1);
+    made.DeleteCols(0, 0);
+    EXPECT_TRUE(takeLog().empty());
+    made.DeleteCols(1, 100);
+    EXPECT_EQ(made.GetColCount(), 1) << "what is left of 100";
+    EXPECT_EQ(takeLog().size(), 1U);
+}
+
+TEST_F(GridHosts, aViewOfTheBeginningStaysOneWhenFixedLinesGo)
+{
+    TestGrid &made = makePlain(40, 12);
+    made.BeginUpdate();
+    for (USHORT col = 0; col < 12; ++col)
+    {
+        made.SetColWidth(col, 40);
+    }
+    made.EndUpdate();
+    made.SetFixedRowCount(2);
+    made.SetFixedColCount(3);
+    EXPECT_EQ(made.GetTopRow(), 2);
+    EXPECT_EQ(made.GetLeftCol(), 3);
+    made.SetFixedRowCount(0);
+    made.SetFixedColCount(1);
+    EXPECT_EQ(made.GetTopRow(), 0);
+    EXPECT_EQ(made.GetLeftCol(), 1);
+    made.SetTopRow(7);
+    made.SetFixedRowCount(1);
+    EXPECT_EQ(made.GetTopRow(), 7) << "another view too";
+}
+
+// --- Settings ----------------------------------------------------------------------------------------------------
+
+TEST_F(GridHosts, eachSettingIsItsOwn)
+{
+    struct Setting
+    {
+        void (CHTMLGrid::*set)(bool);
+        bool (CHTMLGrid::*get)() const;
+    };
+    const Setting settings[] = {{&CHTMLGrid::SetShowHLines, &CHTMLGrid::GetShowHLines},
+                                {&CHTMLGrid::SetShowVLines, &CHTMLGrid::GetShowVLines},
+                                {&CHTMLGrid::SetShowFixedHLines, &CHTMLGrid::GetShowFixedHLines},
+                                {&CHTMLGrid::SetShowFixedVLines, &CHTMLGrid::GetShowFixedVLines},
+                                {&CHTMLGrid::SetRowHeightFixed, &CHTMLGrid::GetRowHeightFixed},
+                                {&CHTMLGrid::SetThumbTrack, &CHTMLGrid::GetThumbTrack},
+                                {&CHTMLGrid::SetRowSelect, &CHTMLGrid::GetRowSelect},
+                                {&CHTMLGrid::SetShowFocus, &CHTMLGrid::GetShowFocus},
+                                {&CHTMLGrid::SetAllowAutoScroll, &CHTMLGrid::GetAllowAutoScroll},
+                                {&CHTMLGrid::SetDragAllowed, &CHTMLGrid::GetDragAllowed}};
+    TestGrid &made = makePlain(2, 2);
+    const auto all = [&]
+    {
+        std::string values;
+        for (const Setting &one : settings)
+        {
+            values += (made.*one.get)() ? '1' : '0';
+        }
+        return values;
+    };
+    EXPECT_EQ(all(), "0111010010");
+    for (std::size_t i = 0; i < std::size(settings); ++i)
+    {
+        const Setting &one = settings[i];
+        std::string expected = all();
+        const bool now = expected[i] == '0';
+        expected[i] = now ? '1' : '0';
+        (made.*one.set)(now);
+        EXPECT_EQ(all(), expected);
+    }
+    made.SetBackColor(RGB(1, 2, 3));
+    EXPECT_EQ(made.GetBackColor(), RGB(1, 2, 3));
+    made.SetToolTipParent(parent.window);
+    EXPECT_EQ(made.GetToolTipParent(), parent.window);
+    made.SetToolTipParent(nullptr);
+    EXPECT_EQ(made.GetToolTipParent(), made.GetHwnd());
+    made.SetFloaterOptions(false, true);
+    bool text = true;
+    bool strip = false;
+    made.GetFloaterOptions(text, strip);
+    EXPECT_TRUE(!text && strip);
+}
+
+// --- Cells -------------------------------------------------------------------------------------------------------
+
+TEST_F(GridHosts, aTextLeavesTheRestOfItsCellAlone)
+{
+    TestGrid &made = makePlain(2, 1);
+    made.SetCellData(0, 1, 5);
+    made.SetCellSingleLine(0, 1, true);
+    made.AddFloater(0, 1, 3, 1, 0, 0, 0, false);
+    made.SetCellText(0, 1, u"text");
+    EXPECT_EQ(made.GetCellData(0, 1), 5U);
+    EXPECT_EQ(made.FindCell(1, 0)->bSingleLine, 1);
+    EXPECT_EQ(floatersByRow(), "01");
+    made.SetCellText(0, 0, u"another");
+    EXPECT_EQ(made.GetCellData(0, 0), 0U);
+}
+
+TEST_F(GridHosts, whatIsNotThereIsNeitherMadeNorAskedForBySettings)
+{
+    make(true).BeginUpdate();
+    grid->SetDimensions(2, 1);
+    grid->SetCellData(0, 1, 5);
+    grid->SetCellSingleLine(0, 1, true);
+    EXPECT_EQ(grid->FindCell(1, 0), nullptr);
+    EXPECT_TRUE(asked.empty());
+    grid->SetCellData(5, 5, 1);
+    grid->SetCellSingleLine(5, 5, true);
+    grid->SetRowUserID(5, 1);
+    grid->SetRowHeight(5, 40);
+    grid->SetColWidth(5, 40);
+    grid->DeleteFloater(5, 5, 1);
+    EXPECT_EQ(grid->GetCellData(5, 5), 0U);
+    EXPECT_EQ(grid->GetRowHeight(2, true), 0);
+    EXPECT_EQ(grid->GetColWidth(1), 0);
+    EXPECT_EQ(grid->FloaterCount(5, 5), 0);
+    EXPECT_FALSE(grid->CellHasFloaters(0, 5));
+    EXPECT_TRUE(asked.empty());
+}
+
+TEST_F(GridHosts, anAnswersQualityIsTheCells)
+{
+    onCell = [](GRIDCELLREQUEST &request)
+    {
+        request.pszHTML = u"text";
+        request.nFontQuality = NONANTIALIASED_QUALITY;
+    };
+    tagCELLINFO *cell = makeOnDemand(1, 1).GetCell(0, 0);
+    ASSERT_TRUE(cell != nullptr && cell->FirstToken());
+    EXPECT_EQ(describeFont(cell->GetCurrFont()).lfQuality, NONANTIALIASED_QUALITY);
+    grid->SetFontQuality(ANTIALIASED_QUALITY);
+    EXPECT_EQ(describeFont(cell->GetCurrFont()).lfQuality, NONANTIALIASED_QUALITY) << "for later ones alone";
+}
+
+TEST_F(GridHosts, marginsOfAnySizeAreHeldAtSomeThatCanBeReckonedWith)
+{
+    constexpr LONG largest = 0x7FFFFFFF;
+    TestGrid &made = makePlain(2, 1);
+    made.SetCellText(0, 0, u"<FONT SIZE=-1>a", RECT{0, 0, 0, largest});
+    made.SetCellText(0, 1, u"<FONT SIZE=-1>a", RECT{-largest, -largest, -largest - 1, -largest});
+    EXPECT_EQ(made.GetRowHeight(0, false), 32000 + 11);
+    EXPECT_EQ(made.GetRowHeight(1, false), 15);
+    settle();
+}
+
+// --- Floaters ----------------------------------------------------------------------------------------------------
+
+TEST_F(GridHosts, floatersShareTheirColumnByTheirBlock)
+{
+    makePlain(9, 1, 101, 140); // a column of 101, rows of 15
+    for (const auto &[row, id, rows] : {std::tuple<USHORT, DWORD, USHORT>{1, 1, 3}, {2, 2, 3}, {4, 3, 2}, {0, 20, 1},
+                                        {8, 11, 1}, {8, 12, 1}, {8, 13, 1}})
+    {
+        EXPECT_TRUE(grid->AddFloater(0, row, id, rows, 0, 0, 0, false));
+    }
+    struct Case
+    {
+        int x, row;
+        DWORD id;
+    };
+    const Case cases[] = {
+        {100, 0, 20},                                              // alone, so all of the width
+        {10, 1, 1},  {60, 1, 0},  {49, 3, 1},  {50, 3, 2},         // halves of 50
+        {99, 3, 2},  {100, 3, 0}, {10, 4, 3},  {60, 4, 2},         // the third where the first has ended
+        {10, 5, 3},  {60, 5, 0},                                   //
+        {32, 8, 11}, {33, 8, 12}, {65, 8, 12}, {66, 8, 13},        // thirds of 33
+        {98, 8, 13}, {99, 8, 0}};
+    for (const Case &one : cases)
+    {
+        EXPECT_EQ(floaterAt(one.x, one.row * 15 + 7), one.id) << one.x << ' ' << one.row;
+    }
+}
+
+TEST_F(GridHosts, rowsThatNobodyHasAreLeftOutOfAFloater)
+{
+    onCell = [](GRIDCELLREQUEST &request) { request.pszHTML = HIWORD(request.hdr.idFrom) == 2 ? nullptr : u"a"; };
+    TestGrid &made = makeOnDemand(7, 1);
+    EXPECT_FALSE(made.AddFloater(0, 2, 4, 2, 0, 0, 0, false));
+    EXPECT_TRUE(askedFloaters.empty()) << "no cell, no question";
+    EXPECT_TRUE(made.AddFloater(0, 1, 5, 4, 0, 0, 0, false));
+    EXPECT_EQ(floatersByRow(), "0101100");
+    made.DeleteRows(2, 1);
+    EXPECT_EQ(floatersByRow(), "011100");
+    EXPECT_EQ(made.FindCell(1, 0)->Floaters.at(5)->nRows, 3);
+    made.DeleteRows(0, 2);
+    EXPECT_EQ(floatersByRow(), "0000");
+    EXPECT_TRUE(made.AddFloater(0, 1, 6, 0, 0, 0, 0, false));
+    EXPECT_EQ(floatersByRow(), "0100") << "a row is the least";
+    made.DeleteFloater(0, 1, 6);
+    EXPECT_EQ(floatersByRow(), "0000");
+}
+
+TEST_F(GridHosts, aCellThatIsGoneStillHasItsPlaceUnderFloatersFromAbove)
+{
+    bool has = true;
+    onCell = [&](GRIDCELLREQUEST &request) { request.pszHTML = has ? u"a" : nullptr; };
+    TestGrid &made = makeOnDemand(4, 1);
+    made.AddFloater(0, 0, 1, 3, 0, 0, 0, false);
+    made.BeginUpdate();
+    has = false;
+    asked.clear();
+    made.UpdateCellText(0, 1);
+    EXPECT_EQ(asked.size(), 1U) << "asked for once";
+    EXPECT_EQ(floatersByRow(), "1010");
+    has = true;
+    made.EndUpdate();
+    EXPECT_EQ(made.FindCell(2, 0)->Floaters.at(1)->pOwner, made.FindCell(0, 0));
+}
+
+// --- Pictures ----------------------------------------------------------------------------------------------------
+
+TEST_F(GridHosts, filesHaveANameAPointAndThreeLettersBelowTheRoot)
+{
+    TestGrid &made = makePlain(1, 1);
+    const auto folder = device.files() / "Pictures" / std::string(200, 'd');
+    std::filesystem::create_directories(folder);
+    made.SetResourcesRootPath((u"\\Pictures\\" + std::u16string(200, u'd')).c_str());
+    const std::string longest = std::string(48 - 4, 'n') + ".bmp"; // 211 in front of it make 259
+    const std::vector<std::string> names = {".bmp", "x.bmp", "ab.jpeg", longest, 'n' + longest, "baaaaapa.bmp",
+                                            "caaaaapq.bmp", "caaaaapa.bmp"};
+    for (const std::string &name : names)
+    {
+        ASSERT_TRUE(savePng({1, 1, {0xFF0000}}, folder / name));
+    }
+    const auto ask = [&](const std::string &name)
+    {
+        const std::u16string source(name.begin(), name.end());
+        made.SetCellText(0, 0, (u"<IMG SRC=" + source + u">").c_str());
+        tagCELLINFO &cell = *made.FindCell(0, 0);
+        cell.FirstToken();
+        return cell.GetCurrTokenBitmap(nullptr);
+    };
+    EXPECT_EQ(ask(".bmp"), nullptr);
+    EXPECT_NE(ask("x.bmp"), nullptr);
+    EXPECT_EQ(ask("ab.jpeg"), nullptr);
+    EXPECT_NE(ask(longest), nullptr);
+    EXPECT_EQ(ask('n' + longest), nullptr);
+    // What b and c differ in comes back 24 bits lower, where a and q differ.
+    const HBITMAP first = ask("baaaaapa.bmp");
+    EXPECT_NE(first, nullptr);
+    EXPECT_EQ(ask("caaaaapq.bmp"), first);
+    EXPECT_NE(ask("caaaaapa.bmp"), first);
+    EXPECT_EQ(ask("later.bmp"), nullptr);
+    ASSERT_TRUE(savePng({1, 1, {0xFF0000}}, folder / "later.bmp"));
+    EXPECT_NE(ask("later.bmp"), nullptr) << "what could not be loaded was not kept";
+    EXPECT_EQ(made.AddBitmapToCache(nullptr, 5), nullptr);
+    EXPECT_EQ(made.AddBitmapToCache(u"x.bmp", -1), nullptr);
+}
+
+TEST_F(GridHosts, picturesGoWithTheCacheAndTheGrid)
+{
+    std::filesystem::create_directories(device.files() / "Pictures");
+    ASSERT_TRUE(savePng({1, 1, {0xFF0000}}, device.files() / "Pictures" / "x.bmp"));
+    makePlain(1, 1).SetResourcesRootPath(u"\\Pictures");
+    const auto isThere = [](HBITMAP bitmap)
+    {
+        BITMAP record{};
+        return GetObjectW(bitmap, sizeof record, &record) != 0;
+    };
+    const HBITMAP first = grid->AddBitmapToCache(u"x.bmp", 5);
+    EXPECT_TRUE(isThere(first));
+    grid->ClearBitmapCache();
+    EXPECT_FALSE(isThere(first));
+    const HBITMAP second = grid->AddBitmapToCache(u"x.bmp", 5);
+    EXPECT_TRUE(isThere(second));
+    grid.reset();
+    EXPECT_FALSE(isThere(second));
+}
+} // namespace
+} // namespace zb::test

@@ -1,0 +1,102 @@
+// Parents that use the grid while it asks them for something.
+#include "display/GridStage.h"
+
+namespace zb::test
+{
+namespace
+{
+class GridReentry : public GridTest
+{
+  protected:
+    static USHORT rowOf(const GRIDCELLREQUEST &request)
+    {
+        return HIWORD(request.hdr.idFrom);
+    }
+    /// Before the usual answer to a message.
+    void before(UINT wanted, const std::function<void()> &work)
+    {
+        parent.before = [wanted, work, others = parent.before](UINT message, WPARAM wParam, LPARAM lParam,
+                                                               LRESULT &result)
+        {
+            if (message == wanted)
+            {
+                work();
+            }
+            return others(message, wParam, lParam, result);
+        };
+    }
+};
+
+TEST_F(GridReentry, aCellThatIsAskedForIsNotAskedForAgain)
+{
+    onCell = [this](GRIDCELLREQUEST &request)
+    {
+        const USHORT row = rowOf(request);
+        EXPECT_EQ(grid->GetCell(row, 0), nullptr);
+        EXPECT_FALSE(grid->AddFloater(0, row, 1, 1, 0, 0, 0, false));
+        EXPECT_EQ(grid->GetRowHeight(row, true), 15);
+        grid->UpdateCellText(0, row);
+        request.pszHTML = u"a";
+    };
+    makeOnDemand(3, 1);
+    settle();
+    EXPECT_EQ(asked.size(), 3U);
+    EXPECT_NE(grid->FindCell(2, 0), nullptr);
+}
+
+TEST_F(GridReentry, theAnswerTakesThePlaceOfATextThatWasSetMeanwhileButKeepsItsFloaters)
+{
+    onCell = [this](GRIDCELLREQUEST &request)
+    {
+        if (rowOf(request) == 1)
+        {
+            grid->SetCellText(0, 1, u"first");
+            grid->SetCellData(0, 1, 1);
+            EXPECT_TRUE(grid->AddFloater(0, 1, 7, 2, 0, 0, 0, false));
+            request.dwData = 2;
+        }
+        request.pszHTML = u"second";
+    };
+    makeOnDemand(3, 1);
+    settle();
+    EXPECT_EQ(grid->GetCellData(0, 1), 2U);
+    EXPECT_EQ(grid->FindCell(2, 0)->Floaters.at(7)->pOwner, grid->FindCell(1, 0));
+    grid->DeleteFloater(0, 2, 7);
+    EXPECT_EQ(grid->FloaterCount(0, 1), 0);
+}
+
+// --- Floaters ----------------------------------------------------------------------------------------------------
+
+TEST_F(GridReentry, cellsOfANewFloaterMayBeRenewedWhileItsTextIsAskedFor)
+{
+    onCell = [](GRIDCELLREQUEST &request) { request.pszHTML = u"a"; };
+    makeOnDemand(5, 1);
+    before(2026, [this] { grid->UpdateCellText(0, 1); });
+    EXPECT_TRUE(grid->AddFloater(0, 1, 7, 2, 0, 0, 0, false));
+    EXPECT_EQ(grid->FindCell(2, 0)->Floaters.at(7)->pOwner, grid->FindCell(1, 0));
+    before(2026, [this] { grid->SetDimensions(1, 1); });
+    EXPECT_FALSE(grid->AddFloater(0, 1, 8, 2, 0, 0, 0, false));
+    EXPECT_EQ(grid->FloaterCount(0, 0), 0);
+}
+
+TEST_F(GridReentry, aFloaterFromAboveMayGoWhileACellIsRenewed)
+{
+    onCell = [](GRIDCELLREQUEST &request) { request.pszHTML = u"a"; };
+    makeOnDemand(5, 1);
+    EXPECT_TRUE(grid->AddFloater(0, 1, 7, 3, 0, 0, 0, false));
+    EXPECT_TRUE(grid->AddFloater(0, 1, 8, 3, 0, 0, 0, false));
+    onCell = [&](GRIDCELLREQUEST &request)
+    {
+        request.pszHTML = u"a";
+        grid->DeleteFloater(0, 1, 7);
+    };
+    grid->UpdateCellText(0, 2);
+    for (USHORT row = 1; row <= 3; ++row)
+    {
+        EXPECT_EQ(grid->FloaterCount(0, row), 1) << row;
+        EXPECT_TRUE(grid->FindCell(row, 0)->Floaters.contains(8)) << row;
+    }
+    settle();
+}
+} // namespace
+} // namespace zb::test
