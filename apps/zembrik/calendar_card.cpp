@@ -35,7 +35,7 @@ std::u16string whenWords(const AgendaRow &row)
     return first + u", " + from + u" –\n" + last + u", " + to;
 }
 
-std::u16string reminderWords(IAppointment &item)
+std::u16string reminderOf(IAppointment &item)
 {
     VARIANT_BOOL set = VARIANT_FALSE;
     LONG minutes = 0;
@@ -45,7 +45,7 @@ std::u16string reminderWords(IAppointment &item)
     {
         return {};
     }
-    return text(textReminderMinutes, {decimal(minutes)});
+    return reminderWords(minutes);
 }
 
 std::optional<CardWords> appointmentCard(const AgendaRow &row)
@@ -65,15 +65,33 @@ std::optional<CardWords> appointmentCard(const AgendaRow &row)
     {
         return std::nullopt;
     }
-    card.below = row.recurring ? text(textSeries) : std::u16string();
-    card.below += row.isPrivate ? (card.below.empty() ? u"" : u" · ") + text(textPrivate) : std::u16string();
+    card.mark(row.recurring, textSeries);
+    card.mark(row.isPrivate, textPrivate);
     card.add(textStatus, text(textFirstStatus + static_cast<UINT>(std::clamp(row.busyStatus, 0, 3))));
     card.add(textCategories, toUtf16(categoryText(row)));
-    card.add(textReminder, reminderWords(*item.get()));
+    card.add(textReminder, reminderOf(*item.get()));
     card.add(textNotes, bstrOf<IPOutlookItem>(*item.get(), &IPOutlookItem::get_Body));
     return card;
 }
 } // namespace
+
+std::u16string reminderWords(LONG minutes)
+{
+    constexpr std::pair<LONG, UINT> units[] = {
+        {7 * 24 * 60, textReminderWeek}, {24 * 60, textReminderDay}, {60, textReminderHour}};
+    if (minutes == 0)
+    {
+        return text(textReminderAtStart);
+    }
+    for (const auto &[length, one] : units)
+    {
+        if (minutes % length == 0)
+        {
+            return minutes == length ? text(one) : text(one + 1, {decimal(minutes / length)});
+        }
+    }
+    return minutes == 1 ? text(textReminderMinute) : text(textReminderMinutes, {decimal(minutes)});
+}
 
 std::optional<CardWords> cardOf(const AgendaRow &row)
 {

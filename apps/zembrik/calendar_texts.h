@@ -43,4 +43,9 @@ inline constexpr UINT textNotMovedNeighbour = 60246;
 inline constexpr UINT textNotMovedLength = 60247;
 inline constexpr UINT textGone = 60248;
 inline constexpr UINT textOfContact = 60250;
+inline constexpr UINT textReminderAtStart = 60251;
+inline constexpr UINT textReminderMinute = 60252;
+inline constexpr UINT textReminderHour = 60253; ///< one, and in the next text more; so the two below
+inline constexpr UINT textReminderDay = 60255;
+inline constexpr UINT textReminderWeek = 60257;
 } // namespace zb::screens

@@ -29,6 +29,11 @@ void CardWords::add(UINT label, const std::u16string &value)
     }
 }
 
+void CardWords::mark(bool holds, UINT words)
+{
+    below += holds ? (below.empty() ? u"" : u" · ") + text(words) : std::u16string();
+}
+
 void ItemCard::setWords(CardWords words)
 {
     m_words = std::move(words);

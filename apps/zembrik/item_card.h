@@ -20,6 +20,8 @@ struct CardWords
 
     /// A value under the text of that number, as plain text; none for an empty one.
     void add(UINT label, const std::u16string &value);
+    /// Where it holds, the text of that number in the line below the title, behind what stands there.
+    void mark(bool holds, UINT words);
 };
 
 class ItemCard final : public ListPane

@@ -57,4 +57,6 @@ inline constexpr UINT textToTheTop = 60376;
 
 inline constexpr UINT textTypeName = 60377;
 inline constexpr UINT textTypeAnything = 60378;
+inline constexpr UINT textHighImportance = 60379;
+inline constexpr UINT textLowImportance = 60380;
 } // namespace zb::screens

@@ -9,6 +9,7 @@
 #include "platform/locale.h"
 #include "records/CCategoryColor.h"
 #include "records/COutlook.h"
+#include "zembrik/calendar_texts.h"
 #include "zembrik/item_objects.h"
 #include "zembrik/list_texts.h"
 #include "zembrik/paint.h"
@@ -163,7 +164,17 @@ std::optional<CardWords> taskCard(CEOID id)
     card.title = card.title.empty() ? text(host::textNoSubject) : card.title;
     VARIANT_BOOL complete = VARIANT_FALSE;
     task->get_Complete(&complete);
-    card.below = complete != VARIANT_FALSE ? text(textCompleted) : std::u16string();
+    VARIANT_BOOL recurring = VARIANT_FALSE;
+    LONG importance = taskImportanceNormal;
+    LONG sensitivity = olNormal;
+    task->get_IsRecurring(&recurring);
+    task->get_Importance(&importance);
+    task->get_Sensitivity(&sensitivity);
+    card.mark(complete != VARIANT_FALSE, textCompleted);
+    card.mark(importance == taskImportanceHigh, textHighImportance);
+    card.mark(importance == taskImportanceLow, textLowImportance);
+    card.mark(recurring != VARIANT_FALSE, textSeries);
+    card.mark(sensitivity != olNormal, textPrivate);
     const auto date = [&task](HRESULT (ITask::*get)(DATE *))
     {
         DATE value = PIM_NO_DATE;
