@@ -363,7 +363,7 @@ class ZBTOOLS_API CHTMLGrid : public CeWnd
     std::unique_ptr<WCHAR, void (*)(void *)> RequestFloaterText(DWORD dwID);
     void RepaintFloaters();
     bool PaintsFloater(USHORT nRow, USHORT nCol, const tagFLOATERINFO &floater) const;
-    LONGLONG HeightOfRows(USHORT nFirst, LONG nEnd);
+    void MeasureFloaterRows(USHORT nRow, USHORT nCol);
     void DrawFloater(HDC hdc, USHORT nRow, USHORT nCol, const RECT &rect, tagFLOATERINFO &floater);
     void DrawFloaterBlock(HDC hdc, const SIZE &size, LONG nTotal, tagCELLINFO &cell, tagFLOATERINFO &floater);
 

@@ -409,16 +409,6 @@ void CHTMLGrid::DrawCellText(HDC hdc, tagCELLINFO &cell, const RECT &rect, UINT 
 
 // --- Floaters ----------------------------------------------------------------------------------------------------
 
-LONGLONG CHTMLGrid::HeightOfRows(USHORT nFirst, LONG nEnd)
-{
-    LONGLONG sum = 0;
-    for (LONG row = nFirst; row < nEnd; ++row)
-    {
-        sum += GetRowHeight(static_cast<USHORT>(row), false);
-    }
-    return sum;
-}
-
 /// The first of its cells that is painted in this pass paints all of a floater from there on.
 bool CHTMLGrid::PaintsFloater(USHORT nRow, USHORT nCol, const tagFLOATERINFO &floater) const
 {
@@ -432,8 +422,33 @@ bool CHTMLGrid::PaintsFloater(USHORT nRow, USHORT nCol, const tagFLOATERINFO &fl
     return first;
 }
 
+/// The heights of all rows of those that the cell paints. The parent that is asked for cells on the way may change
+/// others and their floaters, so none is held meanwhile.
+void CHTMLGrid::MeasureFloaterRows(USHORT nRow, USHORT nCol)
+{
+    std::vector<zb::GridRowSpan> spans;
+    if (const tagCELLINFO *cell = m_bOnDemand ? FindCell(nRow, nCol) : nullptr)
+    {
+        for (const auto &[id, floater] : cell->Floaters)
+        {
+            if (PaintsFloater(nRow, nCol, *floater))
+            {
+                spans.push_back(zb::floaterBounds(ColumnCells(nCol), nRow, *floater, m_nRows));
+            }
+        }
+    }
+    for (const zb::GridRowSpan &rows : spans)
+    {
+        for (int row = rows.first; row <= rows.last; ++row)
+        {
+            GetRowHeight(static_cast<USHORT>(row), false);
+        }
+    }
+}
+
 void CHTMLGrid::OnCellFloatersDraw(HDC hdc, USHORT nRow, USHORT nCol, RECT rect, UINT)
 {
+    MeasureFloaterRows(nRow, nCol);
     tagCELLINFO *cell = GetCell(nRow, nCol);
     if (cell == nullptr || cell->Floaters.empty())
     {
@@ -460,8 +475,8 @@ void CHTMLGrid::DrawFloater(HDC hdc, USHORT nRow, USHORT nCol, const RECT &rect,
     const LONG left = rect.left + column * floater.nSlot / slots;
     const auto rows = zb::floaterBounds(ColumnCells(nCol), nRow, floater, m_nRows);
     constexpr LONGLONG highest = 32000;
-    const LONGLONG total = std::min(HeightOfRows(rows.first, rows.last + 1), highest);
-    const auto above = static_cast<LONG>(HeightOfRows(rows.first, nRow));
+    const LONGLONG total = std::min(zb::sumOfLines(m_RowHeights, rows.first, rows.last + 1U), highest);
+    const auto above = static_cast<LONG>(zb::sumOfLines(m_RowHeights, rows.first, nRow));
     const SIZE size = {column * floater.nSlotWidth / slots, static_cast<LONG>(total) - (m_bVLines ? 2 : 1)};
     if (size.cx <= 2 || size.cy <= above + 2)
     {

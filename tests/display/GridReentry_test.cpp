@@ -79,6 +79,48 @@ TEST_F(GridReentry, cellsOfANewFloaterMayBeRenewedWhileItsTextIsAskedFor)
     EXPECT_EQ(grid->FloaterCount(0, 0), 0);
 }
 
+TEST_F(GridReentry, cellsOfAFloaterMayBeRenewedWhileFurtherOnesAreAskedFor)
+{
+    onCell = [this](GRIDCELLREQUEST &request)
+    {
+        request.pszHTML = u"a";
+        if (rowOf(request) > 6 && LOWORD(request.hdr.idFrom) == 0) // those that don't show at first
+        {
+            grid->UpdateCellText(0, 5);
+        }
+    };
+    makeOnDemand(40, 2);
+    EXPECT_TRUE(grid->AddFloater(0, 5, 7, 6, 0, 0, 0, false));
+    EXPECT_EQ(grid->FindCell(10, 0)->Floaters.at(7)->pOwner, grid->FindCell(5, 0));
+    onCell = [&](GRIDCELLREQUEST &request)
+    {
+        request.pszHTML = u"a";
+        grid->DeleteFloater(0, 6, 7);
+    };
+    EXPECT_FALSE(grid->MoveFloater(0, 6, 0, 20, 7));
+    EXPECT_EQ(grid->FloaterCount(0, 20), 0);
+    EXPECT_EQ(grid->FloaterCount(0, 5), 0);
+}
+
+TEST_F(GridReentry, aFloaterMayGoWhileItIsPainted)
+{
+    // To paint it the grid has to know how high its rows are, also by their other cells.
+    onCell = [this](GRIDCELLREQUEST &request)
+    {
+        request.pszHTML = u"a";
+        if (rowOf(request) > 6 && LOWORD(request.hdr.idFrom) == 1)
+        {
+            grid->UpdateCellText(0, 5);
+        }
+    };
+    makeOnDemand(40, 2);
+    EXPECT_TRUE(grid->AddFloater(0, 4, 8, 2, 0, 0, 0, false));
+    EXPECT_TRUE(grid->AddFloater(0, 5, 7, 6, 0, 0, 0, false));
+    settle();
+    EXPECT_EQ(grid->FloaterCount(0, 5), 1) << "that from above";
+    EXPECT_EQ(grid->FloaterCount(0, 6), 0);
+}
+
 TEST_F(GridReentry, aFloaterFromAboveMayGoWhileACellIsRenewed)
 {
     onCell = [](GRIDCELLREQUEST &request) { request.pszHTML = u"a"; };
