@@ -25,6 +25,7 @@
 #include "display/GridSlots.h"
 #include "framework/CeWnd.h"
 
+#include <functional>
 #include <set>
 #include <string>
 #include <unordered_map>
@@ -189,7 +190,7 @@ class ZBTOOLS_API CHTMLGrid : public CeWnd
     // --- Layout and scrolling ------------------------------------------------------------------------------------
 
     void RecalcGrid();
-    /// False, and an empty rectangle, when the row isn't on screen.
+    /// False, and an empty rectangle, when the row isn't on screen, or the column lies left of what shows.
     bool GetCellRect(USHORT nCol, USHORT nRow, RECT &rect);
     /// By the row alone; the last one shown counts when bPartial says whether it is cut.
     bool IsCellVisible(USHORT nCol, USHORT nRow, bool bPartial) const;
@@ -368,6 +369,9 @@ class ZBTOOLS_API CHTMLGrid : public CeWnd
     void DrawFloaterBlock(HDC hdc, const SIZE &size, LONG nTotal, tagCELLINFO &cell, tagFLOATERINFO &floater);
 
     // Layout.
+    void RunDeferredLayout();
+    void WhileOthersAct(const std::function<void()> &act);
+    void TakeUpChanges();
     LONG ClientWidthWithoutBars(RECT &client) const;
     void LayoutWithBars();
     USHORT FirstFree(bool bRows) const;
@@ -377,6 +381,7 @@ class ZBTOOLS_API CHTMLGrid : public CeWnd
     void SetPaintMode(PaintMode mode);
     void RepaintAll();
     bool MakeBackBuffer(HDC hdc);
+    void ShowBuffer(HDC hdc, HDC hBuffer) const;
     void RunPaintMode(HDC hdc);
     void FillBackground(HDC hdc, const RECT &rect);
     void DrawLines(HDC hdc, RECT &rect, bool bVertical, bool bHorizontal) const;
@@ -517,6 +522,8 @@ class ZBTOOLS_API CHTMLGrid : public CeWnd
     bool m_bRowHeightFixed = false;
     UINT m_nUpdateLock = 0;
     UINT m_uDeferred = 0;
+    /// What others have changed while they were asked; the next paint works it out.
+    UINT m_uCaused = 0;
     BYTE m_bFontQuality = DEFAULT_QUALITY;
     bool m_bFloaterText = true;
     bool m_bFloaterStrip = true;

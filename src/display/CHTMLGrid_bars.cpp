@@ -4,6 +4,7 @@
 #include "framework/HIDPI.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace
 {
@@ -30,10 +31,16 @@ void clearBar(HWND window, int bar, BOOL redraw)
     SetScrollInfo(window, bar, &info, redraw);
 }
 
+/// Lists longer than a bar can count end where it does.
+int onBar(LONGLONG length)
+{
+    return static_cast<int>(std::min<LONGLONG>(length, std::numeric_limits<int>::max()));
+}
+
 void setBarRange(HWND window, int bar, DWORD total, LONG page)
 {
     SCROLLINFO info = scrollInfo(SIF_RANGE | SIF_PAGE);
-    info.nMax = static_cast<int>(total);
+    info.nMax = onBar(total);
     info.nPage = static_cast<UINT>(std::max<LONG>(page, 0));
     SetScrollInfo(window, bar, &info, FALSE);
 }
@@ -109,8 +116,8 @@ void CHTMLGrid::UpdateScrollBars(int nWhich)
         const USHORT first = rows ? m_nTopRow : m_nLeftCol;
         const bool atEnd = first == (rows ? m_nMaxTopRow : m_nMaxLeftCol);
         SCROLLINFO info = scrollInfo(SIF_RANGE | SIF_POS);
-        info.nMax = static_cast<int>(rows ? m_dwTotalHeight : m_dwTotalWidth);
-        info.nPos = atEnd ? info.nMax : static_cast<int>(zb::sumOfLines(Sizes(rows), FirstFree(rows), first));
+        info.nMax = onBar(rows ? m_dwTotalHeight : m_dwTotalWidth);
+        info.nPos = atEnd ? info.nMax : onBar(zb::sumOfLines(Sizes(rows), FirstFree(rows), first));
         SetScrollInfo(m_hWnd, bar, &info, TRUE);
     }
 }
@@ -330,7 +337,8 @@ void CHTMLGrid::SetDelayedScrolling(UINT nMilliseconds)
         m_nDelayTimer = 0;
         return;
     }
-    if (const UINT_PTR timer = SetTimer(m_hWnd, delayTimer, nMilliseconds, nullptr))
+    // Without a window it would be a timer of the thread, of another number.
+    if (const UINT_PTR timer = m_hWnd == nullptr ? 0 : SetTimer(m_hWnd, delayTimer, nMilliseconds, nullptr))
     {
         m_nDelayMs = nMilliseconds;
         m_nDelayTimer = timer;

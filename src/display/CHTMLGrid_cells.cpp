@@ -49,7 +49,7 @@ std::unique_ptr<tagCELLINFO> CHTMLGrid::RequestCell(USHORT nRow, USHORT nCol)
     request.nColWidth = GRID_NONE;
     request.nRowHeight = GRID_NONE;
     request.nFontQuality = m_bFontQuality;
-    SendMessageW(m_hParent, GRID_GETCELL, 0, reinterpret_cast<LPARAM>(&request));
+    WhileOthersAct([&] { SendMessageW(m_hParent, GRID_GETCELL, 0, reinterpret_cast<LPARAM>(&request)); });
     if (request.pszHTML == nullptr)
     {
         return nullptr;
@@ -436,6 +436,8 @@ void CHTMLGrid::EraseRows(USHORT nFirst, USHORT nCount)
     m_RowUserIDs.erase(m_RowUserIDs.begin() + nFirst, m_RowUserIDs.begin() + nFirst + nCount);
     m_nRows = static_cast<USHORT>(m_nRows - nCount);
     m_nFixedRows = std::min(m_nFixedRows, m_nRows);
+    // Inside an update these are worked out at its end, and may be used before.
+    m_nMaxTopRow = std::min(m_nMaxTopRow, m_nRows);
 }
 
 void CHTMLGrid::EraseCols(USHORT nFirst, USHORT nCount)
@@ -456,6 +458,7 @@ void CHTMLGrid::EraseCols(USHORT nFirst, USHORT nCount)
     eraseLines(m_ColWidths, nFirst, nCount);
     m_nCols = static_cast<USHORT>(m_nCols - nCount);
     m_nFixedCols = std::min(m_nFixedCols, m_nCols);
+    m_nMaxLeftCol = std::min(m_nMaxLeftCol, m_nCols);
 }
 
 /// None stays none, and none is left where no line is.

@@ -11,6 +11,19 @@ bool sameMargins(const RECT &a, const RECT &b)
 {
     return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
 }
+
+bool isMeasureOf(const GridMeasure &known, const tagCELLINFO &cell, USHORT width)
+{
+    return known.nHeight != 0 && known.nWidth == width && known.nIndent == cell.nIndent &&
+           known.bSingleLine == cell.bSingleLine && sameMargins(known.rcMargins, cell.rcMargins);
+}
+
+/// Fixed lines higher than any screen leave no room for others, however high they are.
+LONG lengthOf(const zb::GridSizes &sizes, USHORT count)
+{
+    constexpr LONGLONG longest = 0x3FFFFFFF;
+    return static_cast<LONG>(std::min(zb::sumOfLines(sizes, 0, count), longest));
+}
 } // namespace
 
 // --- Update lock -------------------------------------------------------------------------------------------------
@@ -29,6 +42,18 @@ void CHTMLGrid::EndUpdate()
     {
         return;
     }
+    m_uDeferred |= std::exchange(m_uCaused, 0);
+    RunDeferredLayout();
+    SendMessageW(m_hWnd, WM_SETREDRAW, TRUE, 0);
+    if ((m_uDeferred & DeferRepaint) != 0 || m_uCaused != 0)
+    {
+        RepaintAll();
+    }
+    m_uDeferred = 0;
+}
+
+void CHTMLGrid::RunDeferredLayout()
+{
     const auto due = [this](UINT work) { return (m_uDeferred & work) != 0; };
     if (due(DeferRecalc))
     {
@@ -54,12 +79,46 @@ void CHTMLGrid::EndUpdate()
     {
         UpdateScrollBars(SB_VERT);
     }
-    SendMessageW(m_hWnd, WM_SETREDRAW, TRUE, 0);
-    if (due(DeferRepaint))
+}
+
+/// Others act on the way, a parent that is asked for a cell or an owner that draws it, and may change what they like.
+/// That waits: a layout inside of a layout would ask for the next cell inside of this request, and so on, and a paint
+/// inside of a paint would come to the screen before the older one. An open update takes it along, or the next paint.
+void CHTMLGrid::WhileOthersAct(const std::function<void()> &act)
+{
+    struct Turn
     {
-        RepaintAll();
+        CHTMLGrid &grid;
+        const UINT lock = grid.m_nUpdateLock++;
+        const UINT before = std::exchange(grid.m_uDeferred, 0);
+        ~Turn()
+        {
+            grid.m_nUpdateLock = lock;
+            const UINT caused = std::exchange(grid.m_uDeferred, before);
+            (lock > 0 ? grid.m_uDeferred : grid.m_uCaused) |= caused;
+        }
+    };
+    {
+        const Turn turn{*this};
+        act();
     }
-    m_uDeferred = 0;
+    if (m_uCaused != 0 && m_nUpdateLock == 0)
+    {
+        InvalidateRect(m_hWnd, nullptr, FALSE);
+    }
+}
+
+void CHTMLGrid::TakeUpChanges()
+{
+    if (m_uCaused == 0 || m_nUpdateLock > 0)
+    {
+        return;
+    }
+    const UINT before = std::exchange(m_uDeferred, std::exchange(m_uCaused, 0));
+    RunDeferredLayout();
+    m_uDeferred = before;
+    m_nPaintMode = PaintAll;
+    DestroyBitmapBuffer();
 }
 
 // --- Sizes -------------------------------------------------------------------------------------------------------
@@ -134,20 +193,23 @@ DWORD CHTMLGrid::GetTotalHeight() const
 /// What its markup takes in a column of that width, kept until something about it changes.
 USHORT CHTMLGrid::MeasureCell(tagCELLINFO &cell, USHORT nWidth)
 {
-    GridMeasure &known = cell.Measured;
-    if (known.nHeight == 0 || known.nWidth != nWidth || known.nIndent != cell.nIndent ||
-        known.bSingleLine != cell.bSingleLine || !sameMargins(known.rcMargins, cell.rcMargins))
+    for (const GridMeasure &known : cell.Measured)
     {
-        const RECT &margins = cell.rcMargins;
-        RECT area = {margins.left, margins.top, nWidth - margins.right + (cell.bSingleLine != 0 ? noWrapWidth : 0),
-                     margins.top};
-        const HDC context = GetDC(m_hWnd);
-        MeasureHTML(context, &area, cell.nIndent, &cell);
-        ReleaseDC(m_hWnd, context);
-        const LONG height = std::clamp<LONG>(area.bottom + margins.bottom, 1, GRID_NONE - 1);
-        known = {static_cast<USHORT>(height), nWidth, margins, cell.nIndent, cell.bSingleLine};
+        if (isMeasureOf(known, cell, nWidth))
+        {
+            return known.nHeight;
+        }
     }
-    return known.nHeight;
+    const RECT &margins = cell.rcMargins;
+    RECT area = {margins.left, margins.top, nWidth - margins.right + (cell.bSingleLine != 0 ? noWrapWidth : 0),
+                 margins.top};
+    const HDC context = GetDC(m_hWnd);
+    MeasureHTML(context, &area, cell.nIndent, &cell);
+    ReleaseDC(m_hWnd, context);
+    const LONG height = std::clamp<LONG>(area.bottom + margins.bottom, 1, GRID_NONE - 1);
+    cell.Measured[1] = cell.Measured[0];
+    cell.Measured[0] = {static_cast<USHORT>(height), nWidth, margins, cell.nIndent, cell.bSingleLine};
+    return static_cast<USHORT>(height);
 }
 
 USHORT CHTMLGrid::GetCellHeight(USHORT nRow, USHORT nCol)
@@ -184,17 +246,19 @@ USHORT CHTMLGrid::GetRowHeight(USHORT nRow, bool bForce)
         }
         height = std::max(height, GetCellHeight(nRow, col));
     }
-    const LONG growth = height - m_RowHeights[nRow];
-    m_RowHeights[nRow] = height;
-    m_dwTotalHeight += static_cast<DWORD>(growth);
-    m_nFixedHeight += nRow < m_nFixedRows ? growth : 0;
+    if (nRow < m_nRows && height > m_RowHeights[nRow])
+    {
+        m_dwTotalHeight += static_cast<DWORD>(height - m_RowHeights[nRow]);
+        m_RowHeights[nRow] = height;
+        m_nFixedHeight = nRow < m_nFixedRows ? lengthOf(m_RowHeights, m_nFixedRows) : m_nFixedHeight;
+    }
     return height;
 }
 
 DWORD CHTMLGrid::RecalcCols(LONG nWidth)
 {
     m_ColWidths = zb::sharedWidths(m_ColWidthsAsked, nWidth);
-    m_nFixedWidth = static_cast<LONG>(zb::sumOfLines(m_ColWidths, 0, m_nFixedCols));
+    m_nFixedWidth = lengthOf(m_ColWidths, m_nFixedCols);
     m_dwTotalWidth = static_cast<DWORD>(zb::sumOfLines(m_ColWidths, 0, m_nCols));
     return m_dwTotalWidth;
 }
@@ -215,7 +279,7 @@ DWORD CHTMLGrid::RecalcRows()
     {
         m_RowHeights[row] = m_RowHeightsAsked[row] == GRID_NONE ? m_RowHeights[row] : m_RowHeightsAsked[row];
     }
-    m_nFixedHeight = static_cast<LONG>(zb::sumOfLines(m_RowHeights, 0, m_nFixedRows));
+    m_nFixedHeight = lengthOf(m_RowHeights, m_nFixedRows);
     m_dwTotalHeight = GetTotalHeight();
     return m_dwTotalHeight;
 }
@@ -273,7 +337,7 @@ void CHTMLGrid::LayoutWithBars()
         m_nClientHeight -= m_bShowHBar ? GetSystemMetrics(SM_CYHSCROLL) : 0;
         RecalcRows();
     };
-    if (rowsOverflow() || m_bOnDemand)
+    if (rowsOverflow())
     {
         takeVertical();
         if (static_cast<LONGLONG>(m_dwTotalWidth) > m_nClientWidth)

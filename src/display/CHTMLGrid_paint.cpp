@@ -115,6 +115,7 @@ bool CHTMLGrid::MakeBackBuffer(HDC hdc)
 void CHTMLGrid::OnPaint(bool &handled)
 {
     handled = true;
+    TakeUpChanges();
     PAINTSTRUCT paint{};
     const HDC hdc = BeginPaint(m_hWnd, &paint);
     if (!MakeBackBuffer(hdc))
@@ -124,21 +125,33 @@ void CHTMLGrid::OnPaint(bool &handled)
     }
     {
         const zb::MemoryContext buffer(m_hBackBuffer);
-        RunPaintMode(buffer.context());
-        RECT box{};
-        GetClipBox(hdc, &box);
-        if (IsRectEmpty(&box) != FALSE)
+        WhileOthersAct([&] { RunPaintMode(buffer.context()); });
+        if (buffer.isValid())
         {
-            box = {0, 0, m_BufferSize.cx, m_BufferSize.cy};
+            ShowBuffer(hdc, buffer.context());
         }
-        BitBlt(hdc, box.left, box.top, box.right - box.left, box.bottom - box.top, buffer.context(), box.left, box.top,
-               SRCCOPY);
     }
     EndPaint(m_hWnd, &paint);
+    if (m_uCaused != 0)
+    {
+        InvalidateRect(m_hWnd, nullptr, FALSE);
+    }
     if (m_pfnBackground != nullptr)
     {
         DestroyBitmapBuffer();
     }
+}
+
+/// What of it the screen lacks.
+void CHTMLGrid::ShowBuffer(HDC hdc, HDC hBuffer) const
+{
+    RECT box{};
+    GetClipBox(hdc, &box);
+    if (IsRectEmpty(&box) != FALSE)
+    {
+        box = {0, 0, m_BufferSize.cx, m_BufferSize.cy};
+    }
+    BitBlt(hdc, box.left, box.top, box.right - box.left, box.bottom - box.top, hBuffer, box.left, box.top, SRCCOPY);
 }
 
 void CHTMLGrid::RunPaintMode(HDC hdc)
@@ -304,10 +317,6 @@ void CHTMLGrid::OnFixedCellDraw(HDC hdc, USHORT nRow, USHORT nCol, RECT rect)
 bool CHTMLGrid::CallOwnerDraw(GridOwnerDrawProc proc, HDC hdc, USHORT nRow, USHORT nCol, const RECT &rect, UINT uState,
                               tagCELLINFO *pCell, bool &bFill)
 {
-    if (proc == nullptr)
-    {
-        return false;
-    }
     tagDRAWITEMSTRUCT item{};
     item.CtlID = CellKey(nRow, nCol);
     item.itemState = uState & stateSelected;
@@ -348,7 +357,7 @@ void CHTMLGrid::FillCell(HDC hdc, const RECT &rect, tagCELLINFO *pCell, UINT uSt
     }
     else if (pCell != nullptr)
     {
-        fillWith(hdc, rect, pCell->GetBackColor(!bFixed));
+        fillWith(hdc, rect, pCell->GetBackColor(true));
     }
     else if (bFixed)
     {
@@ -364,9 +373,14 @@ void CHTMLGrid::DrawAnyCell(HDC hdc, USHORT nRow, USHORT nCol, RECT rect, UINT u
 {
     tagCELLINFO *cell = GetCell(nRow, nCol);
     bool fill = m_pfnBackground == nullptr;
-    if (CallOwnerDraw(bFixed ? m_pfnFixedCellDraw : m_pfnCellDraw, hdc, nRow, nCol, rect, uState, cell, fill))
+    if (const auto proc = bFixed ? m_pfnFixedCellDraw : m_pfnCellDraw)
     {
-        return;
+        if (CallOwnerDraw(proc, hdc, nRow, nCol, rect, uState, cell, fill))
+        {
+            return;
+        }
+        // It may have had the cell made anew.
+        cell = FindCell(nRow, nCol);
     }
     const bool vertical = bFixed ? m_bFixedVLines : m_bVLines;
     const bool horizontal = bFixed ? m_bFixedHLines : m_bHLines;
@@ -449,7 +463,8 @@ void CHTMLGrid::MeasureFloaterRows(USHORT nRow, USHORT nCol)
 void CHTMLGrid::OnCellFloatersDraw(HDC hdc, USHORT nRow, USHORT nCol, RECT rect, UINT)
 {
     MeasureFloaterRows(nRow, nCol);
-    tagCELLINFO *cell = GetCell(nRow, nCol);
+    // Its own paint has asked for it.
+    tagCELLINFO *cell = FindCell(nRow, nCol);
     if (cell == nullptr || cell->Floaters.empty())
     {
         return;
@@ -478,16 +493,16 @@ void CHTMLGrid::DrawFloater(HDC hdc, USHORT nRow, USHORT nCol, const RECT &rect,
     const LONGLONG total = std::min(zb::sumOfLines(m_RowHeights, rows.first, rows.last + 1U), highest);
     const auto above = static_cast<LONG>(zb::sumOfLines(m_RowHeights, rows.first, nRow));
     const SIZE size = {column * floater.nSlotWidth / slots, static_cast<LONG>(total) - (m_bVLines ? 2 : 1)};
-    if (size.cx <= 2 || size.cy <= above + 2)
+    // The block's outline is not copied; a later row goes on directly below the row before.
+    const LONG skipped = floater.pOwner == &cell ? 1 : 0;
+    const SIZE shown = {size.cx - 2, size.cy - above - 1 - skipped};
+    if (shown.cx <= 0 || shown.cy <= 0)
     {
         return;
     }
     const zb::MemoryBitmap block(size.cx, size.cy);
     DrawFloaterBlock(block.context(), size, static_cast<LONG>(total), cell, floater);
-    // The block's outline is not copied; a later row goes on directly below the row before.
-    const LONG skipped = floater.pOwner == &cell ? 1 : 0;
-    BitBlt(hdc, left + 1, rect.top + skipped, size.cx - 2, size.cy - above - 1 - skipped, block.context(), 1,
-           above + skipped, SRCCOPY);
+    BitBlt(hdc, left + 1, rect.top + skipped, shown.cx, shown.cy, block.context(), 1, above + skipped, SRCCOPY);
 }
 
 void CHTMLGrid::DrawFloaterBlock(HDC hdc, const SIZE &size, LONG nTotal, tagCELLINFO &cell, tagFLOATERINFO &floater)

@@ -60,13 +60,13 @@ void CHTMLGrid::UpdateRows(HDC hdc, LONG nFirst, LONG nLast)
     {
         return;
     }
-    if (m_nFixedCols > 0)
-    {
-        UpdateFixedCellsRect(hdc, {0, first, static_cast<USHORT>(m_nFixedCols - 1), last}, out);
-    }
     if (m_nLeftCol <= m_ScreenCols.last && m_nLeftCol < m_nCols)
     {
         UpdateCellsRect(hdc, {m_nLeftCol, first, m_ScreenCols.last, last}, out);
+    }
+    if (m_nFixedCols > 0)
+    {
+        UpdateFixedCellsRect(hdc, {0, first, static_cast<USHORT>(m_nFixedCols - 1), last}, out);
     }
 }
 
@@ -79,13 +79,13 @@ void CHTMLGrid::UpdateCols(HDC hdc, LONG nFirst, LONG nLast)
     {
         return;
     }
-    if (m_nFixedRows > 0)
-    {
-        UpdateFixedCellsRect(hdc, {first, 0, last, static_cast<USHORT>(m_nFixedRows - 1)}, out);
-    }
     if (m_nTopRow <= m_ScreenRows.last && m_nTopRow < m_nRows)
     {
         UpdateCellsRect(hdc, {first, m_nTopRow, last, m_ScreenRows.last}, out);
+    }
+    if (m_nFixedRows > 0)
+    {
+        UpdateFixedCellsRect(hdc, {first, 0, last, static_cast<USHORT>(m_nFixedRows - 1)}, out);
     }
 }
 

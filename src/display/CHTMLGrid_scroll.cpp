@@ -28,13 +28,14 @@ void CHTMLGrid::SetLeftCol(USHORT nCol)
 
 void CHTMLGrid::SetTopRow(USHORT nRow)
 {
-    if (nRow < m_nRows && nRow >= m_nFixedRows && nRow != m_nTopRow)
+    if (nRow < m_nRows && nRow >= m_nFixedRows && (nRow != m_nTopRow || m_nUpdateLock > 0))
     {
         ScrollTo(true, nRow, PaintAll);
     }
 }
 
-/// Puts a line first. Inside an update a row waits for its end, when it is known what the rows are.
+/// Puts a line first. Inside an update a row waits for its end, when it is known what the rows are; the last request
+/// counts, also one for the row that is on top now.
 void CHTMLGrid::ScrollTo(bool bRows, USHORT nTarget, PaintMode mode, bool bKeepTop)
 {
     if (m_nUpdateLock > 0 && bRows)
@@ -48,9 +49,16 @@ void CHTMLGrid::ScrollTo(bool bRows, USHORT nTarget, PaintMode mode, bool bKeepT
     }
     const USHORT top = m_nTopRow;
     const USHORT left = m_nLeftCol;
+    const zb::GridView rows = m_ScreenRows;
+    const zb::GridView cols = m_ScreenCols;
     (bRows ? m_nTopRow : m_nLeftCol) = nTarget;
     RecalcScreenCells(false, bKeepTop);
-    SetPaintMode(mode);
+    // A row that has become higher meanwhile moves what lies below it by more than the scroll does.
+    const LONGLONG down = zb::distanceOfLines(m_RowHeights, m_nTopRow, top);
+    const LONGLONG across = zb::distanceOfLines(m_ColWidths, m_nLeftCol, left);
+    const bool moved = zb::movedBy(rows, m_ScreenRows, m_nFixedRows, down) &&
+                       zb::movedBy(cols, m_ScreenCols, m_nFixedCols, across);
+    SetPaintMode(moved ? mode : PaintAll);
     m_nPrevTop = top;
     m_nPrevLeft = left;
     UpdateScrollBars(bRows ? SB_VERT : SB_HORZ);
@@ -62,8 +70,8 @@ void CHTMLGrid::ScrollForward(bool bRows, USHORT nLines, bool bUnclamped)
     const USHORT count = bRows ? m_nRows : m_nCols;
     const USHORT first = bRows ? m_nTopRow : m_nLeftCol;
     const USHORT largest = bRows ? m_nMaxTopRow : m_nMaxLeftCol;
-    // Inside an update the largest may be that of former rows; the end of the update limits.
-    const bool limited = !bUnclamped && (m_nUpdateLock == 0 || !bRows);
+    // Inside an update the largest may be that of former lines; the end of the update limits.
+    const bool limited = !bUnclamped && m_nUpdateLock == 0;
     const int end = limited ? largest : count - 1;
     if (count == 0 || first >= end)
     {
@@ -77,7 +85,7 @@ void CHTMLGrid::ScrollBack(bool bRows, USHORT nLines)
 {
     const USHORT first = bRows ? m_nTopRow : m_nLeftCol;
     const int target = std::max<int>(first - nLines, FirstFree(bRows));
-    if (target < first)
+    if (target < first || m_nUpdateLock > 0)
     {
         ScrollTo(bRows, static_cast<USHORT>(target), PaintScrolled);
     }
@@ -141,11 +149,11 @@ void CHTMLGrid::MeasureLargestTopRow()
 
 void CHTMLGrid::ScrollToEnd(bool bRows)
 {
-    if (m_nUpdateLock > 0 && bRows)
+    if (m_nUpdateLock > 0)
     {
-        if (m_nRows > 0)
+        if (const USHORT count = bRows ? m_nRows : m_nCols)
         {
-            ScrollTo(true, static_cast<USHORT>(m_nRows - 1), PaintScrolled);
+            ScrollTo(bRows, static_cast<USHORT>(count - 1), PaintScrolled);
         }
         return;
     }
@@ -204,7 +212,7 @@ void CHTMLGrid::ScrollByPageRight()
 
 void CHTMLGrid::ScrollToTop()
 {
-    if (m_nTopRow != m_nFixedRows)
+    if (m_nTopRow != m_nFixedRows || m_nUpdateLock > 0)
     {
         ScrollTo(true, m_nFixedRows, PaintScrolled);
     }
@@ -235,7 +243,11 @@ void CHTMLGrid::MakeRowTopMost(USHORT nRow, bool bUnclamped)
     {
         return;
     }
-    if (row > m_nTopRow)
+    if (m_nUpdateLock > 0)
+    {
+        ScrollTo(true, row, PaintScrolled);
+    }
+    else if (row > m_nTopRow)
     {
         ScrollByRowDown(static_cast<USHORT>(row - m_nTopRow), bUnclamped);
     }
@@ -274,9 +286,9 @@ void CHTMLGrid::MakeCellVisible(USHORT nCol, USHORT nRow, bool bPartial)
     {
         return;
     }
-    if (m_nUpdateLock > 0 && (m_uDeferred & DeferRecalc) != 0)
+    if (m_nUpdateLock > 0 && (m_uDeferred & (DeferRecalc | DeferScrollToRow)) != 0)
     {
-        // Nothing is known of the rows yet.
+        // Nothing is known of the rows yet, or of which of them will show.
         ScrollTo(true, row, PaintAll);
         return;
     }

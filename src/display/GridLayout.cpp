@@ -19,6 +19,11 @@ LONGLONG sumOfLines(const GridSizes &sizes, std::size_t from, std::size_t to)
     return sum;
 }
 
+LONGLONG distanceOfLines(const GridSizes &sizes, std::size_t from, std::size_t to)
+{
+    return from <= to ? sumOfLines(sizes, from, to) : -sumOfLines(sizes, to, from);
+}
+
 GridSizes sharedWidths(const GridSizes &asked, LONG width)
 {
     LONGLONG taken = 0;
@@ -69,6 +74,27 @@ USHORT GridView::lineAt(LONG distance) const
     const auto found = std::lower_bound(edges.begin(), edges.end(), distance,
                                         [](const auto &edge, LONG wanted) { return edge.first < wanted; });
     return found == edges.end() ? shared : found->second;
+}
+
+bool movedBy(const GridView &before, const GridView &after, USHORT fixedCount, LONGLONG distance)
+{
+    auto former = before.edges.begin();
+    for (const auto &[edge, line] : after.edges)
+    {
+        while (former != before.edges.end() && former->second < line)
+        {
+            ++former;
+        }
+        if (former == before.edges.end())
+        {
+            return true;
+        }
+        if (former->second == line && edge != former->first + (line < fixedCount ? 0 : distance))
+        {
+            return false;
+        }
+    }
+    return true;
 }
 
 GridView viewOfLines(USHORT count, USHORT fixedCount, USHORT first, LONG length,

@@ -18,6 +18,9 @@ using GridSizes = std::vector<USHORT>;
 /// Sum of the sizes in [from, to), which may pass the end.
 ZBTOOLS_API LONGLONG sumOfLines(const GridSizes &sizes, std::size_t from, std::size_t to);
 
+/// From the near edge of one line to that of another, below 0 when that comes before.
+ZBTOOLS_API LONGLONG distanceOfLines(const GridSizes &sizes, std::size_t from, std::size_t to);
+
 /// The asked widths, where 0xFFFF shares what the others leave of `width`: evenly, the first ones a pixel more for the
 /// remainder. Of 241 with 100 asked, three free columns get 47 each; of 242 they get 48, 47, 47.
 ZBTOOLS_API GridSizes sharedWidths(const GridSizes &asked, LONG width);
@@ -40,6 +43,9 @@ struct ZBTOOLS_API GridView
     /// past the last one.
     USHORT lineAt(LONG distance) const;
 };
+
+/// Whether what both views show only moved: the fixed lines not at all, the others by `distance`.
+ZBTOOLS_API bool movedBy(const GridView &before, const GridView &after, USHORT fixedCount, LONGLONG distance);
 
 /// Walks the fixed lines, then those from `first` on, up to `length` pixels. sizeOf may find out sizes on the way.
 ZBTOOLS_API GridView viewOfLines(USHORT count, USHORT fixedCount, USHORT first, LONG length,

@@ -8,6 +8,7 @@
 #include "display/DrawHTML.h"
 #include "display/NM_HTMLVIEW.h"
 
+#include <array>
 #include <map>
 
 /// No row, no column; as a requested width or height: by what is left, or by the content.
@@ -70,7 +71,8 @@ struct tagCELLINFO : CHTMLParser
     GridFloaterMap Floaters;
     /// Those that begin here.
     OwnFloaterMap OwnFloaters;
-    GridMeasure Measured;
+    /// Of the last two widths: a layout looks how wide columns are without a bar first, and then beside one.
+    std::array<GridMeasure, 2> Measured;
 };
 
 /// With WM_NOTIFY: NM_HTMLVIEW and where it was.

@@ -260,6 +260,42 @@ TEST_F(GridScrollTip, theTipTellsTheRowUnderTheThumb)
     }
 }
 
+TEST_F(GridScrollTip, aPlaceOfTheThumbIsARow)
+{
+    prepare(false, true);
+    dragThumb(30);
+    const int at = bar(SB_VERT).nTrackPos; // stays
+    ASSERT_GT(at, 100);
+    struct Case
+    {
+        int firstRow, range, page;
+        USHORT bottom;
+    };
+    const Case cases[] = {
+        {at, 0, 0, 1},          // the sum reaches the place and does not pass it
+        {at + 1, 0, 0, 0},      // it passes
+        {at + 1, at, 0, 99},    // the place is the maximum: the end
+        {at + 1, at + 9, 10, 99},  // the last place that a page leaves
+        {at + 1, at + 10, 10, 0},
+    };
+    for (const Case &one : cases)
+    {
+        grid->SetRowHeight(0, static_cast<USHORT>(one.firstRow));
+        grid->SetTopRow(20);
+        if (one.range > 0)
+        {
+            SCROLLINFO info{};
+            info.cbSize = sizeof info;
+            info.fMask = SIF_RANGE | SIF_PAGE;
+            info.nMax = one.range;
+            info.nPage = static_cast<UINT>(one.page);
+            SetScrollInfo(*grid, SB_VERT, &info, FALSE);
+        }
+        SendMessageW(*grid, WM_VSCROLL, SB_THUMBPOSITION, 0);
+        EXPECT_EQ(one.bottom == 99 ? grid->GetBottomRow() : grid->GetTopRow(), one.bottom) << &one - cases;
+    }
+}
+
 TEST_F(GridScrollTip, acrossThereIsNone)
 {
     make(false);

@@ -79,6 +79,7 @@ TEST(GridLayout, theLargestFirstLineShowsTheEnd)
     EXPECT_EQ(zb::largestFirstLine({10, 10, 10, 90}, 0, 40), 3);   // taller than the area
     EXPECT_EQ(zb::largestFirstLine({90}, 0, 40), 0);
     EXPECT_EQ(zb::largestFirstLine({10, 10, 90}, 1, 40), 2);
+    EXPECT_EQ(zb::largestFirstLine({10, 10, 10}, 1, 40), 0); // all fit behind the fixed one
     EXPECT_EQ(zb::largestFirstLine({10, 10}, 2, 40), 2); // nothing scrolls: the first free line
     EXPECT_EQ(zb::largestFirstLine({}, 0, 40), 0);
 }
@@ -93,6 +94,24 @@ TEST(GridLayout, anEdgeBelongsToTheLineThatEndsThere)
     EXPECT_EQ(view.lineAt(30), 1);
     EXPECT_EQ(view.lineAt(50), 2);
     EXPECT_EQ(view.lineAt(51), 0xFFFF);
+}
+
+TEST(GridLayout, viewsThatOnlyMovedDidNothingElse)
+{
+    GridSizes sizes = {10, 20, 20, 20, 20, 20};
+    const auto view = [&](USHORT first)
+    { return zb::viewOfLines(6, 1, first, 60, [&](USHORT line) { return sizes[line]; }); };
+    const zb::GridView before = view(1);
+    EXPECT_EQ(zb::distanceOfLines(sizes, 3, 1), -40);
+    EXPECT_EQ(zb::distanceOfLines(sizes, 1, 3), 40);
+    EXPECT_TRUE(zb::movedBy(before, view(2), 1, -20));
+    EXPECT_TRUE(zb::movedBy(view(3), before, 1, 40));
+    EXPECT_FALSE(zb::movedBy(before, view(2), 1, -19));
+    EXPECT_TRUE(zb::movedBy({}, before, 1, 5)) << "nothing is in both";
+    sizes[2] = 25;
+    EXPECT_FALSE(zb::movedBy(before, view(2), 1, -20)) << "a line has grown";
+    sizes = {12, 20, 20, 20, 20, 20};
+    EXPECT_FALSE(zb::movedBy(before, view(2), 1, -20)) << "a fixed one, too";
 }
 
 TEST(GridLayout, whatShowsIsThatOfTheModel)
