@@ -187,12 +187,6 @@ TEST_F(GridInput, anEmptySelectionKeepsItsColumns)
 class GridEnds : public GridInput
 {
   protected:
-    void hold(bool skips)
-    {
-        skipsHold = skips;
-        draw({at(3, 3)});
-        skipsHold = true;
-    }
     void sweep()
     {
         grid->SetMultiSelect(true, true);
@@ -235,95 +229,88 @@ class GridEnds : public GridInput
         grid->EnableCellEdit(3, 2);
         ASSERT_NE(GetWindow(*grid, GW_CHILD), nullptr);
     }
-    UINT ending = 0;
-};
-
-TEST_F(GridEnds, whicheverQuestionTheParentEndsItIn)
-{
     struct Case
     {
         UINT message;
         std::function<void()> act;
     };
-    const Case cases[] = {
-        {GRID_SKIPHOLD, [this] { hold(true); }},
-        {GRID_SKIPHOLD, [this] { hold(false); }},
-        {2022, [this] { sweep(); }},
-        {0, [this] { scrollingSweep(); }},
-        {2023, [this] { dragThumb(); }},
-        {2024, [this] { moveFloater(); }},
-        {2025, [this] { moveFloater(); }},
-        {2026, [this] { moveFloater(); }},
-        {2027, [this] { moveFloater(); }},
-        {2027, [this] { cancelledFloater(); }},
-        {2026, [this] { cancelledFloater(); }},
-        {2029, [this] { drag(); }},
-        {2030, [this] { drag(); }},
-        {2031, [this] { drag(); }},
-        {2032, [this] { drag(); }},
-        {2033, [this] { drag(); }},
-        {2034, [this] { edit(); }},
-        {2035,
-         [this]
-         {
-             beginEdit();
-             grid->SetSelection(0, 0, 0, 0);
-         }},
-        {2035,
-         [this]
-         {
-             beginEdit();
-             grid->DeleteRows(0, 1);
-         }},
-        {2035,
-         [this]
-         {
-             beginEdit();
-             grid->DeleteCols(0, 1);
-         }},
-        {2035,
-         [this]
-         {
-             beginEdit();
-             grid->SetDimensions(2, 2);
-         }},
-        {2035,
-         [this]
-         {
-             beginEdit();
-             grid->EnableCellEdit(0, 0);
-         }},
-        {2035,
-         [this]
-         {
-             beginEdit();
-             press(VK_DOWN);
-         }},
-        {2035,
-         [this]
-         {
-             beginEdit();
-             draw({at(0, 4)});
-         }},
-        {2035,
-         [this]
-         {
-             beginEdit();
-             SetFocus(parent.window);
-         }},
-        {2045, [this] { press(VK_DOWN); }},
-    };
-    const auto usual = parent.before;
-    for (const Case &one : cases)
+    std::vector<Case> cases()
     {
-        parent.before = usual;
+        return {
+            {GRID_SKIPHOLD, [this] { draw({at(3, 3)}); }},
+            {2022, [this] { sweep(); }},
+            {0, [this] { scrollingSweep(); }},
+            {2023, [this] { dragThumb(); }},
+            {2024, [this] { moveFloater(); }},
+            {2025, [this] { moveFloater(); }},
+            {2026, [this] { moveFloater(); }},
+            {2027, [this] { moveFloater(); }},
+            {2027, [this] { cancelledFloater(); }},
+            {2026, [this] { cancelledFloater(); }},
+            {2029, [this] { drag(); }},
+            {2030, [this] { drag(); }},
+            {2031, [this] { drag(); }},
+            {2032, [this] { drag(); }},
+            {2033, [this] { drag(); }},
+            {2034, [this] { edit(); }},
+            {2035,
+             [this]
+             {
+                 beginEdit();
+                 grid->SetSelection(0, 0, 0, 0);
+             }},
+            {2035,
+             [this]
+             {
+                 beginEdit();
+                 grid->DeleteRows(0, 1);
+             }},
+            {2035,
+             [this]
+             {
+                 beginEdit();
+                 grid->DeleteCols(0, 1);
+             }},
+            {2035,
+             [this]
+             {
+                 beginEdit();
+                 grid->SetDimensions(2, 2);
+             }},
+            {2035,
+             [this]
+             {
+                 beginEdit();
+                 grid->EnableCellEdit(0, 0);
+             }},
+            {2035,
+             [this]
+             {
+                 beginEdit();
+                 press(VK_DOWN);
+             }},
+            {2035,
+             [this]
+             {
+                 beginEdit();
+                 draw({at(0, 4)});
+             }},
+            {2035,
+             [this]
+             {
+                 beginEdit();
+                 SetFocus(parent.window);
+             }},
+            {2045, [this] { press(VK_DOWN); }},
+        };
+    }
+    /// In a grid with a floater whose parent agrees to everything, and does `then` behind the answer.
+    void actWith(const Case &one, const std::function<void()> &then)
+    {
+        const auto usual = parent.before;
         prepare().AddFloater(1, 1, 7, 3, 100, 0, RGB(0, 0, 255), false);
         settle();
-        for (const UINT question : {2025U, 2029U, 2031U, 2034U})
-        {
-            answers[question] = 1;
-        }
-        answers[2025] = 3;
+        answers = {{2025, 3}, {2029, 1}, {2031, 1}, {2034, 1}};
         texts[2022] = texts[2024] = texts[2032] = u"tip";
         ending = one.message;
         parent.before = [&](UINT message, WPARAM wParam, LPARAM lParam, LRESULT &result)
@@ -331,16 +318,86 @@ TEST_F(GridEnds, whicheverQuestionTheParentEndsItIn)
             const bool known = usual(message, wParam, lParam, result);
             if (message == ending && message != 0)
             {
-                grid.reset();
+                then();
             }
             return known;
         };
         one.act();
+        parent.before = usual;
+    }
+    UINT ending = 0;
+};
+
+TEST_F(GridEnds, whicheverQuestionTheParentEndsItIn)
+{
+    for (const Case &one : cases())
+    {
+        actWith(one, [this] { grid.reset(); });
         EXPECT_EQ(grid, nullptr) << static_cast<int>(one.message);
         EXPECT_EQ(GetCapture(), nullptr) << static_cast<int>(one.message);
         penUp(0, 0);
         settle();
     }
+}
+
+TEST_F(GridEnds, rowsAndColumnsMayGoInAnyQuestion)
+{
+    const std::function<void()> changes[] = {[this] { grid->SetDimensions(1, 1); },
+                                             [this]
+                                             {
+                                                 grid->DeleteRows(1, 40);
+                                                 grid->DeleteCols(1, 3);
+                                             }};
+    for (const auto &change : changes)
+    {
+        for (const Case &one : cases())
+        {
+            if (one.message == 2035)
+            {
+                continue; // the acts behind it change the grid themselves
+            }
+            bool changed = false;
+            actWith(one,
+                    [&]
+                    {
+                        if (!std::exchange(changed, true))
+                        {
+                            change();
+                        }
+                    });
+            EXPECT_TRUE(changed) << static_cast<int>(one.message);
+            penUp(0, 0);
+            settle();
+            EXPECT_EQ(grid->GetRowCount(), 1);
+            EXPECT_EQ(grid->GetColCount(), 1);
+            EXPECT_TRUE(selection() == "none" || selection() == "0,0 0,0") << selection();
+            tick(84);
+            EXPECT_EQ(GetCapture(), nullptr) << static_cast<int>(one.message);
+            notified.clear();
+            draw({at(0, 0)});
+            EXPECT_EQ(current(), "0,0") << static_cast<int>(one.message);
+            EXPECT_EQ(notified.back(), -114) << static_cast<int>(one.message);
+        }
+    }
+}
+
+TEST_F(GridEnds, aTapCountsFromTheCellThatItFindsOnceItHasTheFocus)
+{
+    ScreenWindow other(0, WS_CHILD | WS_VISIBLE, 0, 200, 50, 20, parent.window);
+    prepare().SetShowFocus(true);
+    draw({at(1, 1)});
+    SetFocus(other.window);
+    other.before = [this](UINT message, WPARAM, LPARAM, LRESULT &)
+    {
+        if (message == WM_KILLFOCUS)
+        {
+            grid->SetSelection(2, 2, 2, 2);
+        }
+        return false;
+    };
+    draw({at(1, 1)});
+    EXPECT_EQ(current(), "1,1");
+    EXPECT_TRUE(takeLog().empty()) << "no double tap";
 }
 
 TEST_F(GridEnds, whoeverLosesOrGetsTheFocusMayEndIt)
