@@ -84,6 +84,29 @@ TEST_F(HTMLToolTip, aLongTextWrapsAtThreeQuartersOfTheScreen)
     EXPECT_EQ(rect.right, 35 * 5 + 1 + 10);
 }
 
+TEST_F(HTMLToolTip, threeQuartersAreCutToPixels)
+{
+    struct Case
+    {
+        int screen;
+        std::size_t letters; // of 5
+        int lines;
+    };
+    for (const Case &one : {Case{246, 36, 1}, Case{246, 37, 2}, Case{247, 37, 1}, Case{247, 38, 2}}) // 184 and 185
+    {
+        device.options().screen.width = one.screen;
+        device.reopen();
+        const Scaling scaled;
+        const ScreenWindow host(0, WS_POPUP | WS_VISIBLE, 0, 0, one.screen, 100);
+        CHTMLToolTip other;
+        ASSERT_TRUE(other.Create(host.window));
+        other.UpdateToolTip((u"<FONT SIZE=-1>aa " + std::u16string(one.letters - 3, u'b')).c_str(), false);
+        RECT rect{};
+        GetClientRect(other, &rect);
+        EXPECT_EQ(rect.bottom, one.lines * 10 + 3) << one.screen << ' ' << one.letters;
+    }
+}
+
 TEST_F(HTMLToolTip, noTextHidesItUntilTheNext)
 {
     make();

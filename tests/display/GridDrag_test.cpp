@@ -367,6 +367,11 @@ TEST_F(GridDrag, atAnEdgeTheGridScrollsOnAndKeepsThePen)
     draw({at(1, 2), {at(1, 2).x + 11, at(1, 2).y}, {60, 95}}, false);
     tick(77);
     EXPECT_EQ(grid->GetTopRow(), 1);
+    move({60, -50}); // above is not far below
+    tick(77);
+    EXPECT_EQ(grid->GetTopRow(), 0);
+    move({60, 95});
+    tick(77);
     move({60, 50}); // the middle stops that
     EXPECT_EQ(GetCapture(), grid->GetHwnd());
     tick(77);

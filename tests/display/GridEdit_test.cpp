@@ -1,5 +1,6 @@
 // Double taps, and editing a cell in place.
 #include "display/GridStage.h"
+#include "platform/clock.h"
 #include "platform/controls.h"
 #include "platform/shell.h"
 
@@ -160,6 +161,9 @@ TEST_F(GridEdit, theBoxLiesOverTheCellAndHoldsItsEditableText)
     const auto selected = static_cast<DWORD>(SendMessageW(edit(), EM_GETSEL, 0, 0));
     EXPECT_EQ(LOWORD(selected), 0);
     EXPECT_EQ(HIWORD(selected), 3);
+    const DWORD began = GetTickCount();
+    SendMessageW(edit(), WM_CANCELMODE, 0, 0);
+    EXPECT_GE(GetTickCount() - began, 50U) << "the time of the input panel";
 }
 
 TEST_F(GridEdit, theBoxIsAsLargeAsTheSelection)

@@ -269,6 +269,11 @@ TEST_F(GridFloaterPen, aSpotOfItsTextCountsFromBehindTheStrip)
     EXPECT_EQ(notified, (Codes{2047, 1125}));
     EXPECT_EQ(lastTarget, u"key");
     EXPECT_EQ(lastNotify.dwCookie, 7U);
+    tick(84);
+    notified.clear();
+    draw({{50 + 7 + 14, 15 + 6}}); // the last of its 15 pixels
+    draw({{50 + 7 + 15, 15 + 6}});
+    EXPECT_EQ(notified, (Codes{2047, 1125, 2047, -114}));
 }
 } // namespace
 } // namespace zb::test
