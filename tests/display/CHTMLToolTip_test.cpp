@@ -151,6 +151,22 @@ TEST_F(HTMLToolTip, itHasAnOutlineItsBackgroundAndItsText)
     EXPECT_TRUE(handled);
 }
 
+TEST_F(HTMLToolTip, itsOutlineFollowsTheScreen)
+{
+    device.options().screen.dotsPerInch = 288;
+    device.reopen();
+    const Scaling tripled;
+    const ScreenWindow host(0, WS_POPUP | WS_VISIBLE, 0, 0, 240, 320);
+    CHTMLToolTip other;
+    ASSERT_TRUE(other.Create(host.window));
+    other.ShowToolTip({20, 20}, ToolTipCorner::LeftTop);
+    other.UpdateToolTip(u"<BODY=#FFFF00>outlined", false);
+    settle();
+    // Three pixels on the edge, of which the outer one lies outside.
+    EXPECT_EQ(screenPixel(21, 21), GetSysColor(COLOR_BTNSHADOW));
+    EXPECT_EQ(screenPixel(22, 22), RGB(255, 255, 0));
+}
+
 TEST_F(HTMLToolTip, aTapTellsItsFirstHotSpotAndThePenGoesUpForTheParent)
 {
     make().ShowToolTip({50, 60}, ToolTipCorner::LeftTop);

@@ -494,20 +494,6 @@ TEST_F(GridInputDoubled, tipsAndPicturesOfDragsFollowIt)
     settle();
 }
 
-TEST_F(GridInputDoubled, theOutlineOfTipsFollowsIt)
-{
-    CHTMLToolTip tip;
-    ASSERT_TRUE(tip.Create(parent.window));
-    tip.ShowToolTip({20, 210}, ToolTipCorner::LeftTop);
-    tip.UpdateToolTip(u"<BODY=#FFFF00>outlined", false);
-    settle();
-    RECT place{};
-    GetWindowRect(tip, &place);
-    // Two pixels wide; half of that lies outside at the left and the top.
-    EXPECT_EQ(screenPixel(place.right - 2, place.bottom - 2), GetSysColor(COLOR_BTNSHADOW));
-    EXPECT_EQ(screenPixel(place.right - 3, place.bottom - 3), RGB(255, 255, 0));
-}
-
 TEST_F(GridInputDoubled, boxesOverCellsFollowIt)
 {
     answers[2034] = 1;
