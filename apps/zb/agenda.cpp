@@ -162,11 +162,12 @@ Style timeStyle(const AgendaRow &row)
 class AgendaPrinter
 {
   public:
-    AgendaPrinter(const std::vector<AgendaRow> &rows, Output &output)
+    AgendaPrinter(const std::vector<AgendaRow> &rows, bool withIds, Output &output)
         : m_rows(rows), m_output(output), m_terminal(stdout), m_today(today())
     {
         for (const AgendaRow &row : rows)
         {
+            m_idColumns = std::max(m_idColumns, withIds ? columnsOf(std::to_string(row.id)) + 2 : 0);
             m_timeColumns = std::max(m_timeColumns, columnsOf(timeOf(row)));
         }
     }
@@ -199,10 +200,12 @@ class AgendaPrinter
     {
         const std::string time = padded(timeOf(row), m_timeColumns);
         const std::string mark = row.color ? m_terminal.coloured(m_terminal.hasColours() ? "▌" : " ", *row.color) : " ";
-        const std::string head = " " + mark + m_terminal.styled(time, timeStyle(row)) + "  ";
+        const std::string id = m_idColumns == 0 ? "" : padded(std::to_string(row.id), m_idColumns);
+        const std::string head =
+            " " + mark + m_terminal.styled(id, Style::Dim) + m_terminal.styled(time, timeStyle(row)) + "  ";
         const std::string subject = subjectOf(row);
         const std::string details = detailsOf(row);
-        const int room = std::max(m_terminal.width() - m_timeColumns - 4, narrowestText);
+        const int room = std::max(m_terminal.width() - m_idColumns - m_timeColumns - 4, narrowestText);
         const bool oneLine =
             m_terminal.width() == 0 || columnsOf(subject) + (details.empty() ? 0 : columnsOf(details) + 3) <= room;
         if (oneLine)
@@ -213,7 +216,7 @@ class AgendaPrinter
         m_output.line(head + fitted(subject, room));
         if (!details.empty())
         {
-            m_output.line(std::string(static_cast<std::size_t>(m_timeColumns) + 4, ' ') +
+            m_output.line(std::string(static_cast<std::size_t>(m_idColumns + m_timeColumns) + 4, ' ') +
                           m_terminal.styled(fitted(details, room), Style::Dim));
         }
     }
@@ -222,6 +225,7 @@ class AgendaPrinter
     Output &m_output;
     Terminal m_terminal;
     int m_today;
+    int m_idColumns = 0; ///< with the blanks behind; 0 without ids
     int m_timeColumns = 0;
 };
 
@@ -239,7 +243,7 @@ int printAgenda(const AgendaArguments &arguments, const DayRange &range)
     }
     else
     {
-        AgendaPrinter(rows, output).print(range);
+        AgendaPrinter(rows, arguments.ids, output).print(range);
     }
     return output.finish() ? exitOk : exitOutput;
 }

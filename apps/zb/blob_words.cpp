@@ -11,6 +11,7 @@
 #include "zb/json.h"
 #include "zb/terminal.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 
@@ -261,8 +262,26 @@ std::vector<std::string> zoneWords(const CEBLOB &blob)
             offsetText(bias(0) + bias(8)) + " from " + changeText(daylight)};
 }
 
+std::vector<std::string> notesWords(const CEBLOB &blob)
+{
+    std::vector<std::string> lines;
+    std::u16string text = decodeNotes(blob.lpb, blob.dwCount);
+    std::erase(text, u'\r');
+    for (std::size_t begin = 0; begin < text.size();)
+    {
+        const std::size_t end = std::min(text.find(u'\n', begin), text.size());
+        lines.push_back(visibleText(std::u16string_view(text).substr(begin, end - begin)));
+        begin = end + 1;
+    }
+    return lines;
+}
+
 std::vector<std::string> blobWords(const CEPROPVAL &value)
 {
+    if (value.propid == itemNotes)
+    {
+        return notesWords(value.val.blob);
+    }
     if (value.propid == appointmentRecurrence)
     {
         return recurrenceWords(value.val.blob);

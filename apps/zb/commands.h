@@ -75,6 +75,7 @@ struct AgendaArguments
     bool fullest = false;
     CalendarChoice choice;
     PictureArguments picture;
+    bool ids = false; ///< in front of each row
     bool json = false;
 };
 int runAgenda(const AgendaArguments &arguments);
@@ -91,6 +92,7 @@ struct TasksArguments
     std::filesystem::path device;
     TaskListChoice choice;
     std::string day; ///< as written, empty when not given
+    bool ids = false; ///< in front of each row
     bool json = false;
 };
 int runTasks(const TasksArguments &arguments);
@@ -102,6 +104,7 @@ struct ContactsArguments
     std::optional<DWORD> display; ///< a ContactsDisplay; without one the settings decide
     bool deep = false;            ///< anywhere in a contact
     CategoryChoice categories;
+    bool ids = false; ///< in front of each row
     bool json = false;
 };
 int runContacts(const ContactsArguments &arguments);

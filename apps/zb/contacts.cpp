@@ -167,13 +167,20 @@ std::string countText(const std::vector<Group> &groups)
 class ContactPrinter
 {
   public:
-    explicit ContactPrinter(Output &output) : m_output(output), m_terminal(stdout)
+    ContactPrinter(bool withIds, Output &output) : m_withIds(withIds), m_output(output), m_terminal(stdout)
     {
     }
 
     void print(const std::vector<Group> &groups, bool tree)
     {
         m_output.line(countText(groups));
+        for (const Group &group : groups)
+        {
+            for (const DATACONTACTS *row : group.contacts)
+            {
+                m_idColumns = std::max(m_idColumns, m_withIds ? columnsOf(std::to_string(row->m_oid)) + 2 : 0);
+            }
+        }
         for (const Group &group : groups)
         {
             m_output.line("");
@@ -202,13 +209,16 @@ class ContactPrinter
             const std::string categories = visible(row->m_pszCategories);
             const std::string more = categories.empty() ? "" : (detail.empty() ? "" : "  ") + categories;
             const std::string name = visible(row->m_pszName);
+            const std::string id = m_idColumns == 0 ? "" : padded(std::to_string(row->m_oid), m_idColumns);
+            const std::string head = "  " + m_terminal.styled(id, Style::Dim);
+            const int taken = m_idColumns + names + 4;
             if (detail.empty() && more.empty())
             {
-                m_output.line("  " + fit(name, 2));
+                m_output.line(head + fit(name, m_idColumns + 2));
                 continue;
             }
-            const std::string shownMore = m_terminal.styled(fit(more, names + 4 + columnsOf(detail)), Style::Dim);
-            m_output.line("  " + padded(name, names) + "  " + fit(detail, names + 4) + shownMore);
+            const std::string shownMore = m_terminal.styled(fit(more, taken + columnsOf(detail)), Style::Dim);
+            m_output.line(head + padded(name, names) + "  " + fit(detail, taken) + shownMore);
         }
     }
     /// What fits behind the columns that are taken; all of it where there is no terminal.
@@ -217,6 +227,8 @@ class ContactPrinter
         return m_terminal.width() == 0 ? text : fitted(text, m_terminal.width() - taken);
     }
 
+    bool m_withIds;
+    int m_idColumns = 0; ///< with the blanks behind; 0 without ids
     Output &m_output;
     Terminal m_terminal;
 };
@@ -240,7 +252,7 @@ int runContacts(const ContactsArguments &arguments)
     }
     else
     {
-        ContactPrinter(output).print(groups, isTree(display));
+        ContactPrinter(arguments.ids, output).print(groups, isTree(display));
     }
     return output.finish() ? exitOk : exitOutput;
 }

@@ -21,6 +21,8 @@ using namespace host;
 
 namespace
 {
+constexpr int longestName = 18;
+
 bool open(CeDb &database, const std::string &name)
 {
     if (database.Open(toUtf16(name).c_str(), 0, 0, nullptr))
@@ -46,12 +48,12 @@ void print(const CeDbRecord &record, const Terminal &terminal, Output &output)
     for (WORD n = 0; n < record.GetCount(); ++n)
     {
         const CEPROPVAL &value = record.GetProps()[n];
-        const std::string head =
-            padded(typeName(TypeFromPropID(value.propid)), 9) + " " + padded(propertyName(value.propid), 14) + " ";
+        const std::string head = padded(typeName(TypeFromPropID(value.propid)), 9) + " " +
+                                 padded(propertyName(value.propid), longestName) + " ";
         output.line("  " + terminal.styled(propertyId(value.propid), Style::Dim) + " " + head + valueText(value));
         for (const std::string &words : blobWords(value))
         {
-            output.line(std::string(38, ' ') + terminal.styled(words, Style::Dim));
+            output.line(std::string(longestName + 24, ' ') + terminal.styled(words, Style::Dim));
         }
     }
 }

@@ -2,6 +2,8 @@
 
 #include "zb/option_words.h"
 
+#include <limits>
+
 namespace zb::cli
 {
 namespace
@@ -16,7 +18,7 @@ class KindOptions
         m_command.callback([&item = m_item, kind] { item.kind = kind; });
         if (!m_isNew)
         {
-            m_command.add_option("id", m_item.id, "Id of the item")->type_name("ID")->required();
+            m_command.add_option("id", m_item.id, "Id of the item")->type_name("ID")->required()->check(itemId());
         }
     }
 
@@ -82,21 +84,26 @@ void KindOptions::repetition()
     repeat->type_name("HOW")->transform(words(repetitions));
     CLI::Option *const every = m_command.add_option("--every", m_item.every, "Days, weeks or months between");
     every->type_name("N")->check(CLI::Range(1, 999));
+    CLI::Option *const on = m_command.add_option(
+        "--on", m_item.on,
+        "Its days: tuesday,thursday or weekdays; of months and years \"second tuesday\", \"last friday\"");
+    on->type_name("DAYS");
     CLI::Option *const times = m_command.add_option("--times", m_item.times, "How many times in all");
     times->type_name("N")->check(CLI::Range(1, 9999));
     CLI::Option *const until = m_command.add_option("--until", m_item.until, "The last day on which it may take place");
     until->type_name("DAY")->excludes(times);
     if (m_isNew)
     {
-        for (CLI::Option *const option : {every, times, until})
+        for (CLI::Option *const option : {every, on, times, until})
         {
             option->needs(repeat);
         }
         return;
     }
-    m_command.add_flag("--forever", m_item.forever, "It repeats without end")->excludes(times)->excludes(until);
+    CLI::Option *const forever = m_command.add_flag("--forever", m_item.forever, "It repeats without end");
+    forever->excludes(times)->excludes(until);
     CLI::Option *const single = m_command.add_flag("--no-repeat", m_item.noRepeat, "It takes place once, on its first day");
-    for (CLI::Option *const option : {repeat, every, times, until})
+    for (CLI::Option *const option : {repeat, every, on, times, until, forever})
     {
         single->excludes(option);
     }
@@ -113,11 +120,12 @@ void KindOptions::event()
         m_isNew ? "A day and a time (2026-11-21 9:30); a day alone means whole days"
                 : "A day and a time (2026-11-21 9:30); a day or a time alone keeps the other");
     start->type_name("WHEN")->required(m_isNew);
-    CLI::Option *const end = m_command.add_option("--end", m_item.end, "Likewise; whole days: the last of them");
+    CLI::Option *const end =
+        m_command.add_option("--end", m_item.end, "Likewise, or a time alone; whole days: the last of them");
     end->type_name("WHEN");
     m_command.add_option("--minutes", m_item.minutes, m_isNew ? "Its length, 60 without" : "Its length")
         ->type_name("N")
-        ->check(CLI::NonNegativeNumber)
+        ->check(CLI::Range(0, std::numeric_limits<int>::max()))
         ->excludes(end);
     if (!m_isNew)
     {

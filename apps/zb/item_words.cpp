@@ -5,10 +5,12 @@
 #include "common/exit_code.h"
 #include "common/visible_text.h"
 #include "platform/clock.h"
+#include "platform/kernel.h"
 #include "platform/text.h"
 #include "zb/bad_usage.h"
 #include "zb/terminal.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace zb::cli
@@ -17,6 +19,23 @@ using namespace host;
 
 namespace
 {
+constexpr DATE firstDayWithTimes = 2.0; // 1900-01-01
+
+/// Throws where the text tells a date of the right form that no year has, since it looks right at first sight.
+void refuseMissingDate(const std::string &text, const char *option)
+{
+    const std::string date = text.substr(0, 10);
+    const std::string form = "0000-00-00";
+    const bool looksRight =
+        date.size() == form.size() &&
+        std::equal(date.begin(), date.end(), form.begin(),
+                   [](char ch, char sample) { return sample == '0' ? ch >= '0' && ch <= '9' : ch == sample; });
+    if (looksRight && !dayFromText(date, 0))
+    {
+        throw BadUsage("there is no day \"" + date + "\" (of " + option + ") in the years from 1601 to 2999");
+    }
+}
+
 std::string takeText(BSTR text)
 {
     std::string taken = text == nullptr ? std::string() : visibleText(std::u16string_view(text, SysStringLen(text)));
@@ -92,10 +111,33 @@ Moment momentOption(const std::string &text, const char *option)
     const std::optional<Moment> moment = momentFromText(text, today());
     if (!moment)
     {
+        refuseMissingDate(text, option);
         throw BadUsage("\"" + text + "\" of " + option +
                        " is neither a day (2026-11-21, today, +3) nor a day and a time (2026-11-21 9:30)");
     }
+    if (moment->hasTime && moment->date < firstDayWithTimes)
+    {
+        throw BadUsage("\"" + text + "\" of " + option + " has a time of day, and these begin in 1900");
+    }
     return *moment;
+}
+
+DATE dayOption(const std::string &text, const char *option)
+{
+    const std::optional<Moment> moment = momentFromText(text, today());
+    if (!moment || moment->hasTime)
+    {
+        refuseMissingDate(text, option);
+        throw BadUsage("\"" + text + "\" of " + option +
+                       " is no day: use 2026-11-21, today, tomorrow, yesterday or +3" +
+                       (moment ? ", without a time" : ""));
+    }
+    return moment->date;
+}
+
+bool isBlank(const std::string &text)
+{
+    return text.find_first_not_of(" \t\r\n") == std::string::npos;
 }
 
 Counted<IPOutlookItem> itemOf(COutlook &outlook, CEOID id)
@@ -149,11 +191,26 @@ const char *kindWord(IPOutlookItem &item)
     return kind == olAppointmentItem ? "appointment" : kind == olTaskItem ? "task" : "contact";
 }
 
+HRESULT committed(BulkWrite &bulk, HRESULT saved)
+{
+    if (FAILED(saved) || bulk.commit())
+    {
+        return saved;
+    }
+    const DWORD error = GetLastError();
+    return error == ERROR_SUCCESS ? E_FAIL : HRESULT_FROM_WIN32(error);
+}
+
 int exitCodeOf(HRESULT result)
 {
     if (result >= 0)
     {
         return exitOk;
+    }
+    if (result == HRESULT_FROM_WIN32(ERROR_DISK_FULL))
+    {
+        complain("nothing was changed, the disk is full");
+        return exitDevice;
     }
     if (const char *const words = wordsFor(result))
     {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/pim_objects.h"
+#include "platform/propdb.h"
 #include "records/COutlook.h"
 
 #include <optional>
@@ -35,8 +36,12 @@ struct Moment
 std::optional<Moment> momentFromText(const std::string &text, int today);
 /// Minutes after midnight of "9:30"; nothing for a text that is no time.
 std::optional<int> minuteFromText(const std::string &text);
-/// Throws BadUsage for a text that is none.
+/// Throws BadUsage for a text that is none, and for a time of day before 1900, which lists don't show.
 Moment momentOption(const std::string &text, const char *option);
+/// A day alone; throws BadUsage for anything else, one with a time included.
+DATE dayOption(const std::string &text, const char *option);
+/// Nothing but blanks.
+bool isBlank(const std::string &text);
 
 /// Throws BadUsage when the device has no such item.
 Counted<IPOutlookItem> itemOf(COutlook &outlook, CEOID id);
@@ -55,6 +60,8 @@ Counted<Item> as(IDispatch &item, const GUID &id)
 std::string titleOf(IPOutlookItem &item);
 /// "appointment", "contact" or "task".
 const char *kindWord(IPOutlookItem &item);
+/// What became of a save inside a bulk write, which is committed unless the save has failed.
+HRESULT committed(BulkWrite &bulk, HRESULT saved);
 /// 0, or the exit code of a call that failed; the reason is printed.
 int exitCodeOf(HRESULT result);
 /// "2026-03-04T10:00", or the day alone; empty for no date.

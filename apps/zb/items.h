@@ -38,6 +38,7 @@ struct ItemArguments
     std::optional<LONG> importance;
     std::optional<LONG> repeat; ///< a type of IRecurrencePattern
     std::optional<LONG> every;
+    std::string on; ///< days of a week, or of a month
     std::optional<LONG> times;
     std::string until;
     std::vector<std::optional<std::string>> contact; ///< in the order of contactTexts()
@@ -62,7 +63,7 @@ struct ItemArguments
     /// Something of the repetition is to change.
     bool changesRepetition() const
     {
-        return repeat || every || times || !until.empty() || forever || noRepeat;
+        return repeat || every || !on.empty() || times || !until.empty() || forever || noRepeat;
     }
 };
 int runAdd(const ItemArguments &arguments);

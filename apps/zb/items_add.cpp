@@ -31,8 +31,7 @@ int runAdd(const ItemArguments &arguments)
     BulkWrite bulk; // with the categories that it makes
     fillItem(*item, arguments, true);
     recorded.describe(std::string("add ") + kindWord(*item) + " " + quoted(titleOf(*item)));
-    const HRESULT saved = item->Save();
-    if (const int code = exitCodeOf(FAILED(saved) || bulk.commit() ? saved : E_FAIL); code != exitOk)
+    if (const int code = exitCodeOf(committed(bulk, item->Save())); code != exitOk)
     {
         return code;
     }

@@ -121,11 +121,11 @@ class Edit
         {
             throw BadUsage("item " + std::to_string(m_arguments.id) + " is no " + word(m_arguments.kind));
         }
-        Recorded recorded(std::string("edit ") + word(m_arguments.kind) + " " + quoted(titleOf(*m_item.get())));
         const std::string &day = m_arguments.occurrence.empty() ? m_arguments.following : m_arguments.occurrence;
+        const char *const part = day.empty() ? "" : m_arguments.following.empty() ? "one day of " : "later days of ";
+        Recorded recorded(std::string("edit ") + part + word(m_arguments.kind) + " " + quoted(titleOf(*m_item.get())));
         BulkWrite bulk;
-        const HRESULT result = day.empty() ? save() : saveDay(day);
-        return FAILED(result) || bulk.commit() ? result : E_FAIL;
+        return committed(bulk, day.empty() ? save() : saveDay(day));
     }
     IPOutlookItem &item() const
     {

@@ -5,6 +5,7 @@
 #include "zb/bad_usage.h"
 #include "zb/item_words.h"
 #include "zb/items.h"
+#include "zb/repeat_days.h"
 
 #include <cmath>
 
@@ -14,6 +15,7 @@ namespace
 {
 constexpr LONG usualMinutes = 60;
 constexpr LONG minutesOfDay = 1440;
+constexpr DATE firstDayOfSeries = 2.0; // 1900-01-01
 
 /// Names with ", " between; what the device lacks is made.
 std::string madeCategories(const std::vector<std::string> &names)
@@ -33,6 +35,57 @@ std::string madeCategories(const std::vector<std::string> &names)
 
 // --- Repetition --------------------------------------------------------------------------------------------------
 
+LONG typeOf(IRecurrencePattern &pattern)
+{
+    LONG type = olRecursWeekly;
+    pattern.get_RecurrenceType(&type);
+    return type;
+}
+
+/// Another type begins with an interval of its own.
+void changeType(IRecurrencePattern &pattern, LONG type)
+{
+    LONG interval = 1;
+    pattern.get_Interval(&interval);
+    if (typeOf(pattern) != type)
+    {
+        pattern.put_RecurrenceType(type);
+        pattern.put_Interval(interval);
+    }
+}
+
+/// --on: days of each week, or one of a month or of a month of the year.
+void putDays(IRecurrencePattern &pattern, const std::string &text)
+{
+    const std::optional<RepeatDays> days = repeatDaysFromText(text);
+    if (!days)
+    {
+        throw BadUsage("\"" + text + "\" of --on names no days: use tuesday,thursday or weekdays, and of months and "
+                                    "years \"second tuesday\" or \"last friday\"");
+    }
+    switch (typeOf(pattern))
+    {
+    case olRecursDaily:
+        throw BadUsage("--on goes with what repeats weekly, monthly or yearly");
+    case olRecursWeekly:
+        if (days->instance != 0)
+        {
+            throw BadUsage("\"" + text + "\" of --on goes with what repeats monthly or yearly");
+        }
+        break;
+    default:
+        if (days->instance == 0)
+        {
+            throw BadUsage("\"" + text + "\" of --on does not tell which: \"second tuesday\", \"last friday\"");
+        }
+        const LONG type = typeOf(pattern);
+        changeType(pattern, type == olRecursMonthly || type == olRecursMonthNth ? olRecursMonthNth : olRecursYearNth);
+        pattern.put_Instance(days->instance);
+        break;
+    }
+    pattern.put_DayOfWeekMask(days->mask);
+}
+
 void putRepetition(IRecurrencePattern &pattern, const ItemArguments &arguments)
 {
     if (arguments.repeat)
@@ -41,7 +94,15 @@ void putRepetition(IRecurrencePattern &pattern, const ItemArguments &arguments)
     }
     if (arguments.every)
     {
+        if (*arguments.every > 1 && (typeOf(pattern) == olRecursYearly || typeOf(pattern) == olRecursYearNth))
+        {
+            throw BadUsage("what repeats yearly does so every year; --every goes with days, weeks and months");
+        }
         pattern.put_Interval(*arguments.every);
+    }
+    if (!arguments.on.empty())
+    {
+        putDays(pattern, arguments.on);
     }
     if (arguments.times)
     {
@@ -49,7 +110,7 @@ void putRepetition(IRecurrencePattern &pattern, const ItemArguments &arguments)
     }
     else if (!arguments.until.empty())
     {
-        pattern.put_PatternEndDate(momentOption(arguments.until, "--until").date);
+        pattern.put_PatternEndDate(dayOption(arguments.until, "--until"));
     }
     else if (arguments.forever)
     {
@@ -76,6 +137,17 @@ void putPattern(Item &item, const ItemArguments &arguments)
     {
         putRepetition(*pattern.get(), arguments);
     }
+    item.get_IsRecurring(&recurring);
+    DATE first = firstDayOfSeries;
+    const bool moves = arguments.changesRepetition() || !arguments.start.empty() || !arguments.due.empty();
+    if (moves && recurring != VARIANT_FALSE && (pattern || SUCCEEDED(item.GetRecurrencePattern(pattern.out()))))
+    {
+        pattern->get_PatternStartDate(&first);
+    }
+    if (first < firstDayOfSeries)
+    {
+        throw BadUsage("what repeats begins in 1900 at the earliest, as lists show none before");
+    }
 }
 
 // --- Times -------------------------------------------------------------------------------------------------------
@@ -90,6 +162,10 @@ Moment changedMoment(const std::string &text, const char *option, DATE now, bool
     Moment moment = momentOption(text, option);
     if (!moment.hasTime && !allDay)
     {
+        if (moment.date < firstDayOfSeries)
+        {
+            throw BadUsage("\"" + text + "\" of " + option + " is too early for a time of day; these begin in 1900");
+        }
         moment.date += now - std::floor(now);
         moment.hasTime = true;
     }
@@ -111,6 +187,13 @@ void putNewTimes(IAppointment &item, const ItemArguments &arguments)
     if (arguments.end.empty())
     {
         item.put_Duration(arguments.minutes.value_or(start.hasTime ? usualMinutes : minutesOfDay));
+        return;
+    }
+    if (const std::optional<int> minute = start.hasTime ? minuteFromText(arguments.end) : std::nullopt)
+    {
+        // The first such time behind the start: an evening may last into the next day.
+        const DATE end = std::floor(start.date) + *minute / static_cast<double>(minutesOfDay);
+        item.put_End(end < start.date ? end + 1 : end);
         return;
     }
     const Moment end = momentOption(arguments.end, "--end");
@@ -216,11 +299,11 @@ void putDates(ITask &item, const ItemArguments &arguments)
 {
     if (!arguments.start.empty() || arguments.noStart)
     {
-        item.put_StartDate(arguments.noStart ? PIM_NO_DATE : momentOption(arguments.start, "--start").date);
+        item.put_StartDate(arguments.noStart ? PIM_NO_DATE : dayOption(arguments.start, "--start"));
     }
     if (!arguments.due.empty() || arguments.noDue)
     {
-        item.put_DueDate(arguments.noDue ? PIM_NO_DATE : momentOption(arguments.due, "--due").date);
+        item.put_DueDate(arguments.noDue ? PIM_NO_DATE : dayOption(arguments.due, "--due"));
     }
 }
 
@@ -256,20 +339,21 @@ void fill(IContact &item, const ItemArguments &arguments)
     }
     if (arguments.subject)
     {
-        item.put_FileAs(ItemText(*arguments.subject));
+        // Blanks are no name: nobody could find the contact, and no card could carry it.
+        item.put_FileAs(ItemText(isBlank(*arguments.subject) ? std::string() : *arguments.subject));
     }
     if (!arguments.birthday.empty() || arguments.noBirthday)
     {
-        item.put_Birthday(arguments.noBirthday ? PIM_NO_DATE : momentOption(arguments.birthday, "--birthday").date);
+        item.put_Birthday(arguments.noBirthday ? PIM_NO_DATE : dayOption(arguments.birthday, "--birthday"));
     }
     if (!arguments.anniversary.empty() || arguments.noAnniversary)
     {
         item.put_Anniversary(arguments.noAnniversary ? PIM_NO_DATE
-                                                     : momentOption(arguments.anniversary, "--anniversary").date);
+                                                     : dayOption(arguments.anniversary, "--anniversary"));
     }
     BSTR name = nullptr;
     item.get_FileAs(&name);
-    const bool named = SysStringLen(name) != 0;
+    const bool named = name != nullptr && !isBlank(toUtf8(std::u16string_view(name, SysStringLen(name))));
     SysFreeString(name);
     if (!named)
     {
@@ -329,6 +413,10 @@ const std::vector<ContactText> &contactTexts()
 
 void fillItem(IPOutlookItem &item, const ItemArguments &arguments, bool isNew)
 {
+    if (isNew && arguments.kind != olContactItem && isBlank(arguments.subject.value_or("")))
+    {
+        throw BadUsage(std::string(kindWord(item)) + "s need a subject");
+    }
     switch (arguments.kind)
     {
     case olAppointmentItem:

@@ -38,6 +38,8 @@ class CommandLine
         m_app.set_version_flag("--version", "zb 0.1.0");
         m_app.require_subcommand(1);
         m_app.footer(exitCodes);
+        m_app.failure_message([](const CLI::App *app, const CLI::Error &error)
+                              { return "zb: " + CLI::FailureMessage::simple(app, error); });
         addInit();
         addImport();
         addExport();
@@ -66,12 +68,25 @@ class CommandLine
         }
         catch (const CLI::ParseError &error)
         {
+            if (const std::string word = unknownCommand(error); !word.empty())
+            {
+                complain("there is no command \"" + word + "\"; \"zb --help\" lists them");
+                return exitUsage;
+            }
             return m_app.exit(error) == 0 ? exitOk : exitUsage;
         }
         return m_run();
     }
 
   private:
+    /// What stands in the place of a command and is none; empty for other errors.
+    std::string unknownCommand(const CLI::ParseError &error) const
+    {
+        const bool noCommand = std::string(error.what()).find("subcommand is required") != std::string::npos;
+        const std::vector<std::string> left = m_app.remaining(true);
+        return noCommand && !left.empty() ? left.front() : std::string();
+    }
+
     void addInit()
     {
         CLI::App *const command = m_app.add_subcommand("init", "Make a device, if there is none, and say where it is");
@@ -154,7 +169,8 @@ class CommandLine
         weekFlag->excludes(fullest);
         addAgendaChoice(*command);
         CLI::Option *const json = command->add_flag("--json", m_agenda.json, "Print JSON");
-        addPicture(*command, m_agenda.picture)->excludes(json);
+        CLI::Option *const ids = command->add_flag("--ids", m_agenda.ids, "With the ids of the items");
+        addPicture(*command, m_agenda.picture)->excludes(json)->excludes(ids);
         command->callback(
             [this]
             {
@@ -261,6 +277,7 @@ class CommandLine
         addChoice(*command, "--completed,!--no-completed", choice.completed, "With or without completed tasks");
         addChoice(*command, "--undated,!--no-undated", choice.undated, "With or without tasks that have no due date");
         addCategoryChoice(*command, choice.categories);
+        command->add_flag("--ids", m_tasks.ids, "With the ids of the tasks");
         command->add_flag("--json", m_tasks.json, "Print JSON");
         command->callback(
             [this]
@@ -292,6 +309,7 @@ class CommandLine
             ->transform(words(displays));
         command->add_flag("--deep", m_contacts.deep, "Find the text anywhere: numbers, addresses, jobs")->needs(search);
         addCategoryChoice(*command, m_contacts.categories);
+        command->add_flag("--ids", m_contacts.ids, "With the ids of the contacts");
         command->add_flag("--json", m_contacts.json, "Print JSON");
         command->callback(
             [this]
@@ -334,9 +352,10 @@ class CommandLine
     void addShow()
     {
         CLI::App *const command = m_app.add_subcommand("show", "Print one record with all its properties");
-        command->add_option("id", m_show.id, "Id of the record, as the lists tell it as JSON")
+        command->add_option("id", m_show.id, "Id of the record, as the lists tell it with --ids")
             ->type_name("ID")
-            ->required();
+            ->required()
+            ->check(itemId());
         command->add_flag("--json", m_show.json, "Print JSON");
         command->callback(
             [this]
@@ -457,7 +476,7 @@ class CommandLine
     void addDelete()
     {
         CLI::App *const command = m_app.add_subcommand("delete", "Delete an item, or one day of a series");
-        command->add_option("id", m_delete.id, "Id of the item")->type_name("ID")->required();
+        command->add_option("id", m_delete.id, "Id of the item")->type_name("ID")->required()->check(itemId());
         command->add_option("--day,--occurrence", m_delete.day, "This day of what repeats alone")->type_name("DAY");
         command->add_flag("--yes", m_delete.yes, "Also a whole series");
         command->add_flag("--dry-run", m_delete.dryRun, "Tell what would go, and keep it");
@@ -473,7 +492,7 @@ class CommandLine
     void addDone()
     {
         CLI::App *const command = m_app.add_subcommand("done", "Complete a task; one that repeats moves on");
-        command->add_option("id", m_done.id, "Id of the task")->type_name("ID")->required();
+        command->add_option("id", m_done.id, "Id of the task")->type_name("ID")->required()->check(itemId());
         command->add_flag("--undo", m_done.undo, "Open it again");
         command->add_flag("--json", m_done.json, "Print JSON");
         command->callback(

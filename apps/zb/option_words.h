@@ -5,6 +5,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include <limits>
 #include <map>
 #include <optional>
 #include <string>
@@ -31,6 +32,19 @@ inline CLI::Validator words(const Words &map)
         return "\"" + word + "\" is none of " + known;
     };
     return CLI::Validator(translate, "");
+}
+
+/// The ids of items and records: whole numbers from 1.
+inline CLI::Validator itemId()
+{
+    const auto check = [](const std::string &word)
+    {
+        constexpr std::size_t mostDigits = 10;
+        const bool digits = !word.empty() && word.find_first_not_of("0123456789") == std::string::npos;
+        const bool fits = digits && word.size() <= mostDigits && std::stoull(word) <= std::numeric_limits<CEOID>::max();
+        return fits ? std::string() : "\"" + word + "\" is no id; the lists tell them with --ids";
+    };
+    return CLI::Validator(check, "");
 }
 
 /// A flag and its opposite that leave the choice open when neither is given; of several the last counts.

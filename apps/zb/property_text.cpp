@@ -40,7 +40,7 @@ struct KnownProperty
     const char *name;
 };
 
-constexpr std::array<KnownProperty, 62> knownProperties = {{{appointmentStart, "start"},
+constexpr std::array<KnownProperty, 71> knownProperties = {{{appointmentStart, "start"},
                                                             {appointmentDuration, "duration"},
                                                             {appointmentDurationType, "durationType"},
                                                             {appointmentReminderSet, "reminder"},
@@ -56,6 +56,15 @@ constexpr std::array<KnownProperty, 62> knownProperties = {{{appointmentStart, "
                                                             {appointmentAttendees, "attendees"},
                                                             {appointmentZone, "zone"},
                                                             {itemInterchangeId, "interchangeId"},
+                                                            {itemReminderMinutes, "reminderMinutes"},
+                                                            {appointmentMeetingStatus, "meetingStatus"},
+                                                            {taskCompleteFlag, "complete"},
+                                                            {taskDateCompleted, "completed"},
+                                                            {taskStartDate, "start"},
+                                                            {taskDueDate, "due"},
+                                                            {taskImportance, "importance"},
+                                                            {taskRecurringFlag, "recurring"},
+                                                            {taskOfTeam, "teamTask"},
                                                             {contactFileAs, "fileAs"},
                                                             {contactTitle, "title"},
                                                             {contactFirstName, "firstName"},

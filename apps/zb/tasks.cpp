@@ -197,13 +197,17 @@ std::string detailsOf(const TaskNode &task)
 class TaskPrinter
 {
   public:
-    explicit TaskPrinter(Output &output) : m_output(output), m_terminal(stdout)
+    TaskPrinter(bool withIds, Output &output) : m_withIds(withIds), m_output(output), m_terminal(stdout)
     {
     }
 
     void print(const TaskList &list)
     {
         m_output.line(ToldTasks(list).text());
+        for (const TaskGroup &group : list.groups)
+        {
+            measureIds(group.tasks);
+        }
         const bool grouped = list.grouping >= taskGroupCategory && list.grouping <= taskGroupPriorityManager;
         for (const TaskGroup &group : list.groups)
         {
@@ -225,12 +229,23 @@ class TaskPrinter
     }
 
   private:
+    void measureIds(const std::vector<TaskNode> &tasks)
+    {
+        for (const TaskNode &task : tasks)
+        {
+            m_idColumns = std::max(m_idColumns, m_withIds ? columnsOf(std::to_string(task.id)) + 2 : 0);
+            measureIds(task.children);
+        }
+    }
+
     void printTask(const TaskNode &task, int depth)
     {
-        const int indent = 1 + depth * indentColumns;
+        const int indent = 1 + m_idColumns + depth * indentColumns;
+        const std::string id =
+            m_idColumns == 0 ? "" : m_terminal.styled(padded(std::to_string(task.id), m_idColumns), Style::Dim);
         const std::string mark =
             task.color ? m_terminal.coloured(m_terminal.hasColours() ? "▌" : " ", *task.color) : " ";
-        const std::string head = std::string(static_cast<std::size_t>(indent), ' ') + mark +
+        const std::string head = " " + id + std::string(static_cast<std::size_t>(depth * indentColumns), ' ') + mark +
                                  (task.isComplete ? "[x] " : "[ ] ");
         const std::string due = dueText(task);
         const std::string details = detailsOf(task);
@@ -260,6 +275,8 @@ class TaskPrinter
         }
     }
 
+    bool m_withIds;
+    int m_idColumns = 0; ///< with the blanks behind; 0 without ids
     Output &m_output;
     Terminal m_terminal;
 };
@@ -290,7 +307,7 @@ int runTasks(const TasksArguments &arguments)
     }
     else
     {
-        TaskPrinter(output).print(list);
+        TaskPrinter(arguments.ids, output).print(list);
     }
     return output.finish() ? exitOk : exitOutput;
 }

@@ -115,8 +115,13 @@ int refused(const UndoResult &result, bool redo)
                  " was changed since; nothing was done");
         return exitUsage;
     default:
-        complain("the device can't be read or written (" + std::to_string(GetLastError()) + "); nothing was done");
+    {
+        const DWORD error = GetLastError();
+        complain(error == ERROR_DISK_FULL
+                     ? "nothing was done, the disk is full"
+                     : "the device can't be read or written (" + std::to_string(error) + "); nothing was done");
         return exitDevice;
+    }
     }
 }
 

@@ -219,9 +219,11 @@ struct IRecipients : IDispatch
     ~IRecipients() = default;
 };
 
-/// Start and length are what counts: putting the start keeps the length, putting the end changes it. Putting the start
-/// of a series on a day that its pattern does not name moves the pattern along: a class on Mondays that starts on a
-/// Tuesday is one on Tuesdays. Where the pattern names that day (Mondays and Wednesdays, put on a Wednesday) it stays.
+/// Start and length are what counts: putting the start keeps the length, putting the end changes it. Both ends are times
+/// of the clock, as lists show them; get_Duration of a single appointment tells the minutes that go by between them, so
+/// 22:00 to 6:00 is 420 in the night in which the clocks go forward. Putting the start of a series on a day that its
+/// pattern does not name moves the pattern along: a class on Mondays that starts on a Tuesday is one on Tuesdays. Where
+/// the pattern names that day (Mondays and Wednesdays, put on a Wednesday) it stays.
 ///
 /// All-day: whole days, from the day of the start to that of the end, both included (a time of day does not count), so
 /// one day has equal days for start and end. get_End tells the last minute of the last day, get_Duration

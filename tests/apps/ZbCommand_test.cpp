@@ -55,6 +55,18 @@ TEST_F(ZbCommandTest, WrongUsageIsExitTwoAndTouchesNothing)
         EXPECT_NE(result.err, "") << testing::PrintToString(words);
     }
     EXPECT_FALSE(fs::exists(device()));
+    const std::vector<std::pair<std::vector<std::string>, std::string>> told = {
+        {{"fly"}, "zb: there is no command \"fly\""},
+        {{"add", "party"}, "zb: there is no command \"party\""},
+        {{}, "zb: "},
+        {{"add", "event", "x", "y"}, "zb: --start is required"},
+        {{"show", "x7"}, "\"x7\" is no id"},
+        {{"delete", "4294967296"}, "\"4294967296\" is no id"},
+        {{"edit", "event", "-1", "--subject", "y"}, "id"}};
+    for (const auto &[words, part] : told)
+    {
+        EXPECT_NE(zb(words).err.find(part), std::string::npos) << zb(words).err;
+    }
 }
 
 TEST_F(ZbCommandTest, InitMakesADeviceAndSaysWhere)
@@ -196,6 +208,19 @@ TEST_F(ZbCommandTest, AFullDiskTakesNothingAndSaysSo)
     EXPECT_EQ(result.exitCode, 3) << result.err;
     EXPECT_NE(result.err.find("nothing taken"), std::string::npos) << result.err;
     EXPECT_EQ(storedCount(), 1);
+    const ProgramResult added =
+        zb({"add", "event", "x", "--start", "today", "--notes", std::string(20'000, 'n')}, full);
+    EXPECT_EQ(added.exitCode, 0) << added.err;
+    full.largestFile = 100'000;
+    for (const std::vector<std::string> &words :
+         {std::vector<std::string>{"add", "event", "y", "--start", "today", "--notes", std::string(20'000, 'n')},
+          {"undo"}})
+    {
+        const ProgramResult refused = zb(words, full);
+        EXPECT_EQ(refused.exitCode, 3) << words[0];
+        EXPECT_NE(refused.err.find("the disk is full"), std::string::npos) << refused.err;
+    }
+    EXPECT_EQ(storedCount(), 2);
 }
 
 TEST_F(ZbCommandTest, OutputThatIsLostIsExitFive)

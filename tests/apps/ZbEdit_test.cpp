@@ -258,7 +258,10 @@ TEST_F(ZbEditTest, whatMakesNoSenseChangesNothing)
                                                  {"event", id, "--all-day", "--start", "11:00"},
                                                  {"event", id, "--category", "a;b", "--subject", "y"},
                                                  {"event", id, "--no-category", "--category", "a"},
-                                                 {"event", id, "--repeat", "daily", "--until", "2026-03-01"}})
+                                                 {"event", id, "--repeat", "daily", "--until", "2026-03-01"},
+                                                 {"event", id, "--no-repeat", "--forever"},
+                                                 {"event", id, "--on", "monday"},
+                                                 {"event", id, "--start", "1850-01-01"}})
     {
         refusal(words);
         EXPECT_EQ(zb({"show", id}).out, record);

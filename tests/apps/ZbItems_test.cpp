@@ -89,6 +89,83 @@ TEST_F(ZbItemsTest, aSeriesLosesOneDayOrAllOfIt)
     refusal({"delete", id, "--yes"}, 2);
 }
 
+TEST_F(ZbItemsTest, anEndIsATimeOfTheClock)
+{
+    ProgramOptions berlin = now();
+    berlin.environment["TZ"] = "Europe/Berlin";
+    const auto ends = [&](const std::string &start, const std::string &end, const std::string &day)
+    {
+        const ProgramResult added = zb({"add", "event", "Night", "--start", start, "--end", end, "--json"}, berlin);
+        EXPECT_EQ(added.exitCode, 0) << added.err;
+        const Json listed = json({"agenda", "--from", day, "--to", day, "--no-tasks", "--json"}, berlin);
+        return listed["days"][0]["appointments"].back()["end"].get<std::string>();
+    };
+    EXPECT_EQ(ends("2026-03-28 22:00", "2026-03-29 6:00", "2026-03-28"), "2026-03-29T06:00:00");
+    EXPECT_EQ(ends("2026-10-24 22:00", "2026-10-25 6:00", "2026-10-24"), "2026-10-25T06:00:00");
+    EXPECT_EQ(ends("2026-03-04 22:00", "23:30", "2026-03-04"), "2026-03-04T23:30:00");
+    EXPECT_EQ(ends("2026-03-06 22:00", "6:00", "2026-03-06"), "2026-03-07T06:00:00");
+}
+
+TEST_F(ZbItemsTest, aSeriesHasTheDaysThatAreNamed)
+{
+    struct Case
+    {
+        std::vector<std::string> words;
+        std::vector<std::string> days;
+    };
+    const Case cases[] = {
+        {{"2026-03-02", "weekly", "--on", "tue,Thursday"}, {"03-03", "03-05", "03-10"}},
+        {{"2026-03-06", "weekly", "--on", "weekdays"}, {"03-06", "03-09", "03-10"}},
+        {{"2026-03-02", "monthly", "--on", "second tuesday"}, {"03-10", "04-14", "05-12"}},
+        {{"2026-03-02", "monthly", "--on", "last friday", "--every", "2"}, {"03-27", "05-29", "07-31"}},
+        {{"2026-03-02", "monthly", "--on", "last weekday"}, {"03-31", "04-30", "05-29"}},
+    };
+    for (const Case &one : cases)
+    {
+        std::vector<std::string> words = {"event", "x", "--start", one.words[0], "--times", "3", "--repeat"};
+        words.insert(words.end(), one.words.begin() + 1, one.words.end());
+        const std::string id = std::to_string(add(words));
+        std::vector<std::string> days;
+        for (const Json &day : agenda("2026-03-01", "2026-12-31")["days"])
+        {
+            days.push_back(day["date"].get<std::string>().substr(5));
+        }
+        EXPECT_EQ(days, one.days) << testing::PrintToString(words);
+        zb({"delete", id, "--yes"});
+    }
+    for (const std::vector<std::string> &words :
+         std::vector<std::vector<std::string>>{{"daily", "--on", "monday"},
+                                               {"weekly", "--on", "second tuesday"},
+                                               {"weekly", "--on", "someday"},
+                                               {"monthly", "--on", "tuesday"},
+                                               {"monthly", "--on", "first second tuesday"}})
+    {
+        std::vector<std::string> command = {"add", "event", "x", "--start", "today", "--repeat"};
+        command.insert(command.end(), words.begin(), words.end());
+        EXPECT_NE(refusal(command, 2).find("--on"), std::string::npos);
+    }
+    EXPECT_EQ(storedCount(), 0);
+}
+
+TEST_F(ZbItemsTest, listsTellTheIdsAndShowTellsTheNotes)
+{
+    const std::string event =
+        std::to_string(add({"event", "Fair", "--start", "2026-03-04 10:00", "--notes", "Hall 3\nGate 7"}));
+    const std::string task = std::to_string(add({"task", "Pay", "--due", "2026-03-03"}));
+    const std::string contact = std::to_string(add({"contact", "--first", "Anna", "--mobile", "555"}));
+    const std::string agenda = zb({"agenda", "--from", "2026-03-04", "--to", "2026-03-04", "--ids"}, now()).out;
+    EXPECT_NE(agenda.find("\n  " + event + "  10:00"), std::string::npos) << agenda;
+    const std::string tasks = zb({"tasks", "--ids"}, now()).out;
+    EXPECT_NE(tasks.find("\n " + task + "   [ ] Pay"), std::string::npos) << tasks;
+    const std::string contacts = zb({"contacts", "--ids"}, now()).out;
+    EXPECT_NE(contacts.find("\n  " + contact + "  Anna"), std::string::npos) << contacts;
+    const std::string shown = zb({"show", event}).out;
+    EXPECT_NE(shown.find(" Hall 3\n"), std::string::npos) << shown;
+    EXPECT_NE(shown.find(" Gate 7\n"), std::string::npos) << shown;
+    EXPECT_EQ(zb({"show", task}).out.find("I4                  "), std::string::npos) << "a property without a name";
+    EXPECT_NE(zb({"show", task}).out.find(" due "), std::string::npos);
+}
+
 TEST_F(ZbItemsTest, aDoneTaskIsCompletedAndARepeatingOneMovesOn)
 {
     const std::string once = std::to_string(add({"task", "A1: Pay", "--due", "2026-03-06", "--importance", "high"}));
@@ -172,6 +249,26 @@ TEST_F(ZbItemsTest, valuesThatMakeNoSenseAddNothing)
     refusal({"add", "event", "x", "--start", "2026-03-04", "--every", "2"}, 2);
     refusal({"add", "task", "x", "--start", "2026-03-05", "--due", "2026-03-04"}, 2);
     refusal({"add", "event", "x", "--start", "today", "--category", "a,b"}, 2);
+    const std::vector<std::pair<std::vector<std::string>, std::string>> told = {
+        {{"event", "x", "--start", "2026-02-30"}, "no day \"2026-02-30\""},
+        {{"event", " ", "--start", "today"}, "appointments need a subject"},
+        {{"task", ""}, "tasks need a subject"},
+        {{"contact", "  "}, "needs a name"},
+        {{"task", "x", "--due", "2026-03-04 10:00"}, "without a time"},
+        {{"contact", "x", "--birthday", "1970-02-30"}, "no day \"1970-02-30\""},
+        {{"event", "x", "--start", "today", "--repeat", "daily", "--until", "+3 9:00"}, "without a time"},
+        {{"event", "x", "--start", "today", "--repeat", "yearly", "--every", "2"}, "every year"},
+        {{"event", "x", "--start", "1899-12-31", "--repeat", "yearly"}, "1900"},
+        {{"event", "x", "--start", "1899-12-29 13:15"}, "1900"},
+        {{"event", "x", "--start", "today", "--minutes", "-5"}, "zb: --minutes: Value -5 not in range 0 to 2147483647"},
+    };
+    for (const auto &[words, part] : told)
+    {
+        std::vector<std::string> command = {"add"};
+        command.insert(command.end(), words.begin(), words.end());
+        const std::string said = refusal(command, 2);
+        EXPECT_NE(said.find(part), std::string::npos) << part << " in " << said;
+    }
     EXPECT_EQ(storedCount(), 0);
 }
 } // namespace

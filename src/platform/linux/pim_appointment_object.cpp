@@ -56,12 +56,14 @@ class AppointmentObject final : public ItemObject<IAppointment, AppointmentValue
     HRESULT get_End(DATE *date) override
     {
         const bool none = times().start == badTime || times().badEnd;
-        return give(none ? PIM_NO_DATE : dateOfTicks(times().lastMoment()), date);
+        return give(none ? PIM_NO_DATE : dateOfTicks(end()), date);
     }
     HRESULT put_End(DATE date) override;
     HRESULT get_Duration(LONG *minutes) override
     {
-        return give(times().storedMinutes(), minutes);
+        const bool goneBy = isSingle() && times().start != badTime;
+        return give(goneBy ? static_cast<LONG>(times().minutesGoneBy(WallClock::ofDevice())) : times().storedMinutes(),
+                    minutes);
     }
     HRESULT put_Duration(LONG minutes) override
     {
@@ -116,6 +118,7 @@ class AppointmentObject final : public ItemObject<IAppointment, AppointmentValue
     HRESULT GetRecurrencePattern(IRecurrencePattern **pattern) override;
     HRESULT ClearRecurrencePattern() override
     {
+        times().byClock = times().byClock || m_mine.rule;
         m_mine.rule.reset();
         return m_day ? PIM_E_SERIES : S_OK;
     }
@@ -208,6 +211,15 @@ class AppointmentObject final : public ItemObject<IAppointment, AppointmentValue
         return m_mine.times;
     }
     void makeWholeDays();
+    /// Neither whole days nor of a series, whose times go by the clock alone.
+    bool isSingle() const
+    {
+        return !m_mine.times.allDay && !m_mine.rule && !m_day;
+    }
+    LONGLONG end() const
+    {
+        return isSingle() ? m_mine.times.shownEnd(WallClock::ofDevice()) : m_mine.times.lastMoment();
+    }
 
     IDispatch &patternItem() override
     {
@@ -271,14 +283,19 @@ HRESULT AppointmentObject::put_Start(DATE date)
 
 HRESULT AppointmentObject::put_End(DATE date)
 {
-    const LONGLONG end = ticksOfDate(date);
-    times().badEnd = end == badTime;
+    const LONGLONG put = ticksOfDate(date);
+    times().badEnd = put == badTime;
     if (times().badEnd || times().start == badTime)
     {
         return PIM_E_DATE;
     }
+    if (times().minutes >= 0 && put == end())
+    {
+        return S_OK;
+    }
     const LONGLONG from = times().firstMoment();
-    const LONGLONG to = times().allDay ? ticksOfDay(dayOfTicks(end) + 1) - ticksPerMinute : end;
+    const LONGLONG to = times().allDay ? ticksOfDay(dayOfTicks(put) + 1) - ticksPerMinute : put;
+    times().byClock = isSingle();
     // Rounded down, so that an end some seconds before the start is before it.
     const LONGLONG length = to - from;
     times().minutes = length >= 0 ? length / ticksPerMinute : -((-length + ticksPerMinute - 1) / ticksPerMinute);
@@ -288,6 +305,10 @@ HRESULT AppointmentObject::put_End(DATE date)
 HRESULT AppointmentObject::put_AllDayEvent(VARIANT_BOOL allDay)
 {
     const bool wanted = allDay != VARIANT_FALSE;
+    if (wanted && isSingle() && times().start != badTime)
+    {
+        times().minutes = (end() - times().start) / ticksPerMinute;
+    }
     if (wanted && !times().allDay && times().start != badTime && times().minutes > 0 &&
         times().lastMoment() % ticksPerDay == 0)
     {
@@ -301,6 +322,7 @@ HRESULT AppointmentObject::put_AllDayEvent(VARIANT_BOOL allDay)
 void AppointmentObject::setPatternMinutes(LONGLONG minutes)
 {
     times().badEnd = false;
+    times().byClock = false;
     times().minutes = minutes;
     if (times().allDay && minutes >= 0)
     {
@@ -479,7 +501,9 @@ HRESULT AppointmentObject::saveDay()
 HRESULT AppointmentObject::takeOut(SeriesStep &step, const AppointmentValues &values) const
 {
     const StoredItem nothing;
-    const HRESULT result = encodeAppointmentValues(values, AppointmentValues(), nothing, std::nullopt, step.own);
+    AppointmentValues single = values;
+    single.times.byClock = true; // as it did in the series
+    const HRESULT result = encodeAppointmentValues(single, AppointmentValues(), nothing, std::nullopt, step.own);
     if (FAILED(result))
     {
         return result;

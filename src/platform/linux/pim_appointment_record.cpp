@@ -237,6 +237,10 @@ HRESULT encodeAppointmentValues(const AppointmentValues &values, const Appointme
     else
     {
         takeTimes(item, values.times);
+        if (!item.allDay)
+        {
+            item.durationMinutes = static_cast<LONG>(values.times.minutesGoneBy(WallClock::ofDevice()));
+        }
         item.partOfSeries = !before.rule && record.shortNumber(appointmentRecurringFlag, 0) != 0;
     }
     properties = encodeAppointment(item);

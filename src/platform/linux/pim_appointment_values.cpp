@@ -70,6 +70,20 @@ LONGLONG AppointmentTimes::lastMoment() const
     return allDay ? end - end % ticksPerDay + ticksPerDay - ticksPerMinute : end;
 }
 
+LONGLONG AppointmentTimes::shownEnd(const WallClock &clock) const
+{
+    return byClock || minutes < 0 ? lastMoment() : clock.wallOf(clock.utcOf(start) + minutes * ticksPerMinute);
+}
+
+LONGLONG AppointmentTimes::minutesGoneBy(const WallClock &clock) const
+{
+    const LONGLONG from = clock.utcOf(start);
+    const LONGLONG to = clock.utcOf(lastMoment());
+    // A start that the clocks skip shows an hour later; its length is all that it can keep.
+    const bool skipped = clock.wallOf(from) != start;
+    return byClock && minutes >= 0 && !skipped && to >= from ? (to - from) / ticksPerMinute : minutes;
+}
+
 LONG AppointmentTimes::days() const
 {
     return dayOfTicks(lastMoment()) - dayOfTicks(firstMoment()) + 1;
@@ -119,7 +133,8 @@ void takeChanges(AppointmentValues &fresh, const AppointmentValues &base, const 
     takeChanged(fresh, base, mine, &V::subject, &V::location, &V::busy, &V::sensitivity, &V::reminder,
                 &V::reminderMinutes, &V::notes, &V::categories, &V::recipients, &V::cancelled, &V::rule);
     using T = AppointmentTimes;
-    takeChanged(fresh.times, base.times, mine.times, &T::start, &T::minutes, &T::allDay, &T::badEnd);
+    takeChanged(fresh.times, base.times, mine.times, &T::start, &T::minutes, &T::allDay, &T::badEnd,
+                &T::byClock);
 }
 
 void readPlainValues(const StoredItem &record, AppointmentValues &values)

@@ -25,11 +25,18 @@ struct AppointmentTimes
     LONGLONG minutes = 0; ///< below 0 when the end was put before the start
     bool allDay = false;
     bool badEnd = false; ///< the end that was put is no date
+    /// Of a single appointment: the minutes are those between two times of the clock, as an end was put, and not those
+    /// that go by until then. The two differ where the clocks change in between. Series always go by the clock.
+    bool byClock = false;
     bool operator==(const AppointmentTimes &) const = default;
 
     LONGLONG firstMoment() const;
     /// The last minute of the last day for all-day.
     LONGLONG lastMoment() const;
+    /// Of a single appointment that does not take whole days: when lists show it to end, and the minutes that go by
+    /// until then, which is what records have.
+    LONGLONG shownEnd(const WallClock &clock) const;
+    LONGLONG minutesGoneBy(const WallClock &clock) const;
     LONG days() const;
     /// As records have it: n x 1,440 - 1 for n whole days.
     LONG storedMinutes() const;

@@ -146,6 +146,11 @@ AppointmentTimes timesFrom(IAppointment &item)
     times.allDay = valueFrom(item, &IAppointment::get_AllDayEvent) != VARIANT_FALSE;
     times.start = ticksOfDate(valueFrom(item, &IAppointment::get_Start));
     times.minutes = valueFrom(item, &IAppointment::get_Duration);
+    const LONGLONG end = ticksOfDate(valueFrom(item, &IAppointment::get_End));
+    if (!times.allDay && times.start != badTime && end > times.start)
+    {
+        times.minutes = (end - times.start) / ticksPerMinute; // by the clock, which may change between the two
+    }
     return times;
 }
 
