@@ -125,7 +125,7 @@ void KindOptions::event()
     end->type_name("WHEN");
     m_command.add_option("--minutes", m_item.minutes, m_isNew ? "Its length, 60 without" : "Its length")
         ->type_name("N")
-        ->check(CLI::Range(0, std::numeric_limits<int>::max()))
+        ->check(CLI::Range(0, std::numeric_limits<int>::max()).description(""))
         ->excludes(end);
     if (!m_isNew)
     {

@@ -182,11 +182,15 @@ bool takesWholeDays(IAppointment &item)
 void putNewTimes(IAppointment &item, const ItemArguments &arguments)
 {
     const Moment start = momentOption(arguments.start, "--start");
+    if (!start.hasTime && arguments.minutes)
+    {
+        throw BadUsage("--minutes goes with a --start that has a time");
+    }
     item.put_AllDayEvent(start.hasTime ? VARIANT_FALSE : VARIANT_TRUE);
     item.put_Start(start.date);
     if (arguments.end.empty())
     {
-        item.put_Duration(arguments.minutes.value_or(start.hasTime ? usualMinutes : minutesOfDay));
+        item.put_Duration(start.hasTime ? arguments.minutes.value_or(usualMinutes) : minutesOfDay);
         return;
     }
     if (const std::optional<int> minute = start.hasTime ? minuteFromText(arguments.end) : std::nullopt)
@@ -197,9 +201,10 @@ void putNewTimes(IAppointment &item, const ItemArguments &arguments)
         return;
     }
     const Moment end = momentOption(arguments.end, "--end");
-    if (start.hasTime && !end.hasTime)
+    if (start.hasTime != end.hasTime)
     {
-        throw BadUsage("--end wants a time too, since --start has one");
+        throw BadUsage(start.hasTime ? "--end wants a time too, since --start has one"
+                                     : "--start wants a time too, since --end has one");
     }
     item.put_End(end.date);
 }
@@ -255,6 +260,10 @@ void changeTimes(IAppointment &item, const ItemArguments &arguments)
     }
     if (arguments.minutes)
     {
+        if (takesWholeDays(item))
+        {
+            throw BadUsage("--minutes does not go with whole days; a --start with a time ends these");
+        }
         item.put_Duration(*arguments.minutes);
     }
     if (!arguments.end.empty())

@@ -16,7 +16,9 @@
 #include <clocale>
 #include <cstdint>
 #include <exception>
+#include <memory>
 #include <optional>
+#include <string_view>
 
 namespace
 {
@@ -28,12 +30,29 @@ constexpr const char *exitCodes =
     "opened, read or written; 4 an input file is unreadable or no calendar; 5 the output can't be written.\n"
     "The device is --device, else ZB_DEVICE, else $XDG_DATA_HOME/zembrik, else ~/.local/share/zembrik.";
 
+/// Help without the value that an opposite gives its flag: "--private,--no-private".
+class PlainHelp : public CLI::Formatter
+{
+  public:
+    std::string make_option_name(const CLI::Option *option, bool isPositional) const override
+    {
+        constexpr std::string_view value = "{false}";
+        std::string name = CLI::Formatter::make_option_name(option, isPositional);
+        for (std::size_t at = name.find(value); at != std::string::npos; at = name.find(value))
+        {
+            name.erase(at, value.size());
+        }
+        return name;
+    }
+};
+
 /// All commands with their options; each leaves what to run in `run`.
 class CommandLine
 {
   public:
     CommandLine() : m_app("Calendars on a handheld device kept in a folder.", "zb")
     {
+        m_app.formatter(std::make_shared<PlainHelp>());
         m_app.add_option("--device", m_device, "Folder of the device")->type_name("DIR");
         m_app.set_version_flag("--version", "zb 0.1.0");
         m_app.require_subcommand(1);

@@ -30,6 +30,8 @@ TEST_F(ZbCommandTest, HelpTellsTheCommandsAndTheExitCodes)
     {
         EXPECT_EQ(runZb({command, "--help"}).exitCode, 0) << command;
     }
+    const std::string help = runZb({"add", "task", "--help"}).out;
+    EXPECT_NE(help.find("--private,--no-private "), std::string::npos) << help;
     EXPECT_EQ(runZb({"--version"}).exitCode, 0);
 }
 

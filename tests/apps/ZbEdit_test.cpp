@@ -261,6 +261,7 @@ TEST_F(ZbEditTest, whatMakesNoSenseChangesNothing)
                                                  {"event", id, "--repeat", "daily", "--until", "2026-03-01"},
                                                  {"event", id, "--no-repeat", "--forever"},
                                                  {"event", id, "--on", "monday"},
+                                                 {"event", id, "--all-day", "--minutes", "90"},
                                                  {"event", id, "--start", "1850-01-01"}})
     {
         refusal(words);

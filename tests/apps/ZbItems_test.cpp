@@ -251,6 +251,8 @@ TEST_F(ZbItemsTest, valuesThatMakeNoSenseAddNothing)
     refusal({"add", "event", "x", "--start", "today", "--category", "a,b"}, 2);
     const std::vector<std::pair<std::vector<std::string>, std::string>> told = {
         {{"event", "x", "--start", "2026-02-30"}, "no day \"2026-02-30\""},
+        {{"event", "x", "--start", "today", "--minutes", "90"}, "--start that has a time"},
+        {{"event", "x", "--start", "today", "--end", "tomorrow 9:00"}, "--start wants a time"},
         {{"event", " ", "--start", "today"}, "appointments need a subject"},
         {{"task", ""}, "tasks need a subject"},
         {{"contact", "  "}, "needs a name"},
