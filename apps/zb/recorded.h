@@ -19,8 +19,13 @@ class Recorded
     void announce();
 
   private:
+    explicit Recorded(const std::u16string &words);
     ChangeRecording m_recording;
 };
+
+/// Lists write one default into the settings when it is missing. It has to stand there before and behind every change:
+/// else looking at the calendar would change a file of a change, which then could not be taken back.
+void completeSettings();
 
 /// The text in quotes, short enough for a line.
 std::string quoted(const std::string &title);

@@ -332,6 +332,7 @@ int runSettings(const SettingsArguments &arguments)
         break;
     case SettingsAction::Unset:
         code = unset(arguments);
+        completeSettings();
         break;
     }
     recorded.reset();

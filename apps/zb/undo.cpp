@@ -1,4 +1,6 @@
 // zb undo and zb redo, and the recordings that they work on.
+#include "calendar/CCalendarThread.h"
+#include "calendar/CalendarSettings.h"
 #include "common/complain.h"
 #include "common/exit_code.h"
 #include "common/open_device.h"
@@ -176,7 +178,16 @@ int run(bool redo, const UndoArguments &arguments)
 }
 } // namespace
 
-Recorded::Recorded(const std::string &words) : m_recording(toUtf16(words), ownFiles())
+void completeSettings()
+{
+    CalendarSettings::read(CCalendarThread::DEFAULT_SETTINGS_KEY);
+}
+
+Recorded::Recorded(const std::string &words) : Recorded((completeSettings(), toUtf16(words)))
+{
+}
+
+Recorded::Recorded(const std::u16string &words) : m_recording(words, ownFiles())
 {
 }
 

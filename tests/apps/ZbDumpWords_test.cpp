@@ -41,7 +41,7 @@ class ZbDumpWordsTest : public zb::test::ZbTest
         const std::string text = zb({"dump", "Appointments Database"}).out;
         for (const std::string &line : lines)
         {
-            EXPECT_NE(text.find("\n" + std::string(38, ' ') + line + "\n"), std::string::npos) << line << "\n" << text;
+            EXPECT_NE(text.find("\n" + std::string(42, ' ') + line + "\n"), std::string::npos) << line << "\n" << text;
         }
         return lines;
     }

@@ -77,9 +77,9 @@ TEST_F(ZbInspectTest, DumpTellsEveryPropertyWithItsType)
     import(eventOf("UID:one@test\nDTSTART:20260302T100000Z\nDURATION:PT45M\nSUMMARY:Grüße\nDESCRIPTION:x\n"));
     const std::string text = zb({"dump", "Appointments Database"}).out;
     for (const char *const line :
-         {"record ", "0x420d0040 FILETIME  start          2026-03-02T10:00:00Z",
-          "0x42130003 I4        duration       45", "0x0037001f LPWSTR    subject        \"Grüße\"",
-          "0x000f0002 I2        busyStatus     2", "0x5a01001f LPWSTR    interchangeId  \"one@test\"",
+         {"record ", "0x420d0040 FILETIME  start              2026-03-02T10:00:00Z",
+          "0x42130003 I4        duration           45", "0x0037001f LPWSTR    subject            \"Grüße\"",
+          "0x000f0002 I2        busyStatus         2", "0x5a01001f LPWSTR    interchangeId      \"one@test\"",
           "0x00170041 BLOB      notes"})
     {
         EXPECT_NE(text.find(line), std::string::npos) << line << "\n" << text;

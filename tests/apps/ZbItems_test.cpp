@@ -126,7 +126,8 @@ TEST_F(ZbItemsTest, aSeriesHasTheDaysThatAreNamed)
         words.insert(words.end(), one.words.begin() + 1, one.words.end());
         const std::string id = std::to_string(add(words));
         std::vector<std::string> days;
-        for (const Json &day : agenda("2026-03-01", "2026-12-31")["days"])
+        const Json listed = agenda("2026-03-01", "2026-12-31")["days"];
+        for (const Json &day : listed)
         {
             days.push_back(day["date"].get<std::string>().substr(5));
         }

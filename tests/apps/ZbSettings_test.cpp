@@ -65,7 +65,7 @@ TEST_F(ZbSettingsTest, AValueThatWasSetIsReadAndStored)
     EXPECT_EQ(settings({"set", "AnnCatName", "Tag = \"Jahr\""}).exitCode, 0);
     EXPECT_EQ(get("AnnCatName"), "Tag = \"Jahr\"\n");
     EXPECT_EQ(store(), "\r\n[HKEY_CURRENT_USER\\Software\\Kelvo\\Zembrik\\CAV]\r\n"
-                       "\"CAV_StatusFilter\"=dword:0000A4B5\r\n\"AnnCatName\"=\"Tag = \"Jahr\"\"\r\n\r\n");
+                       "\"TaskSort\"=dword:0000A4F3\r\n\"CAV_StatusFilter\"=dword:0000A4B5\r\n\"AnnCatName\"=\"Tag = \"Jahr\"\"\r\n\r\n");
     EXPECT_EQ(entry("CAV_StatusFilter")["value"], 42165);
     EXPECT_EQ(entry("CAV_StatusFilter")["stored"], true);
     EXPECT_EQ(entry("AnnCatName")["value"], "Tag = \"Jahr\"");
@@ -130,7 +130,8 @@ TEST_F(ZbSettingsTest, WhatTheStoreCantCarryIsRefused)
         EXPECT_EQ(result.exitCode, 2) << words[1] << " " << words[2].substr(0, 20);
         EXPECT_NE(result.err, "") << words[1];
     }
-    EXPECT_EQ(store(), "");
+    EXPECT_EQ(store(), "\r\n[HKEY_CURRENT_USER\\Software\\Kelvo\\Zembrik\\CAV]\r\n\"TaskSort\"=dword:0000A4F3\r\n\r\n")
+        << "nothing but the default that lists write back";
     const std::string longest(2035, 'x');
     EXPECT_EQ(settings({"set", "AnnCatName", longest}).exitCode, 0);
     EXPECT_EQ(get("AnnCatName"), longest + "\n");

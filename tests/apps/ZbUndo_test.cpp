@@ -104,6 +104,31 @@ TEST_F(ZbUndoTest, everyCommandIsOneChangeThatGoesBackAndOnAgain)
     EXPECT_EQ(json({"tasks", "--json"})["counts"]["total"], 0);
 }
 
+TEST_F(ZbUndoTest, lookingAtListsStandsInNobodysWay)
+{
+    for (const Words &change : std::vector<Words>{{"settings", "set", "ReadBirthdays", "1"},
+                                                  {"settings", "unset", "TaskSort"},
+                                                  {"settings", "set", "TaskSort", "42229"},
+                                                  {"settings", "unset", "TaskSort"}})
+    {
+        ASSERT_EQ(zb(change).exitCode, 0);
+        for (const Words &look : std::vector<Words>{{"agenda", "--birthdays"}, {"tasks"}, {"contacts"}, {"settings"}})
+        {
+            EXPECT_EQ(zb(look).exitCode, 0);
+        }
+    }
+    for (const char *const step : {"undo", "redo", "undo"})
+    {
+        while (!listed(step).empty())
+        {
+            const ProgramResult result = zb({step});
+            ASSERT_EQ(result.exitCode, 0) << result.err;
+            zb({"agenda"});
+        }
+    }
+    EXPECT_EQ(zb({"settings", "get", "ReadBirthdays"}).out, "0\n");
+}
+
 TEST_F(ZbUndoTest, whatChangesNothingIsNoChange)
 {
     zb({"agenda"});

@@ -37,6 +37,7 @@ TEST_F(PimAppointmentEnds, anEndThatIsPutIsATimeOfTheClock)
                             Case{date(2026, 3, 21, 22), date(2026, 3, 22, 6), 480, "2026-03-22 06:00"},
                             // Half past two is skipped, and shows an hour later.
                             Case{date(2026, 3, 29, 1, 30), date(2026, 3, 29, 2, 30), 60, "2026-03-29 03:30"},
+                            Case{date(2026, 3, 29, 2, 30), date(2026, 3, 29, 12, 45), 555, "2026-03-29 12:45"},
                             Case{date(2026, 3, 29, 2, 30), date(2026, 3, 29, 3, 15), 45, "2026-03-29 04:15"}})
     {
         const Counted<IAppointment> item = appointment(one.start, 5);

@@ -79,9 +79,8 @@ LONGLONG AppointmentTimes::minutesGoneBy(const WallClock &clock) const
 {
     const LONGLONG from = clock.utcOf(start);
     const LONGLONG to = clock.utcOf(lastMoment());
-    // A start that the clocks skip shows an hour later; its length is all that it can keep.
-    const bool skipped = clock.wallOf(from) != start;
-    return byClock && minutes >= 0 && !skipped && to >= from ? (to - from) / ticksPerMinute : minutes;
+    // A start that the clocks skip shows an hour later, maybe behind the end; then its length is all that it can keep.
+    return byClock && minutes >= 0 && to > from ? (to - from) / ticksPerMinute : minutes;
 }
 
 LONG AppointmentTimes::days() const
