@@ -288,6 +288,56 @@ TEST_F(GridHosts, aViewOfTheBeginningStaysOneWhenFixedLinesGo)
     EXPECT_EQ(made.GetTopRow(), 7) << "another view too";
 }
 
+TEST_F(GridHosts, deletedColumnsTakeTheirWidthsFloatersAndFixedOnesAlong)
+{
+    TestGrid &made = makePlain(4, 6);
+    for (USHORT col = 0; col < 6; ++col)
+    {
+        made.SetColWidth(col, static_cast<USHORT>(20 + col));
+        made.AddFloater(col, 1, col + 1U, 2, 0, 0, 0, false);
+    }
+    made.SetFixedColCount(2);
+    made.DeleteCols(1, 2);
+    EXPECT_EQ(made.GetFixedColCount(), 1);
+    const USHORT left[] = {0, 3, 4, 5};
+    for (USHORT col = 0; col < 4; ++col)
+    {
+        EXPECT_EQ(made.GetColWidth(col), 20 + left[col]);
+        EXPECT_EQ(made.FloaterCount(col, 1) + made.FloaterCount(col, 2), 2);
+        EXPECT_EQ(made.FindCell(2, col)->Floaters.at(left[col] + 1U)->pOwner, made.FindCell(1, col));
+    }
+    made.SetFixedColCount(2);
+    made.DeleteCols(0, 2); // the second round compares 1 with the 1 that is left
+    EXPECT_EQ(made.GetFixedColCount(), 1);
+}
+
+TEST_F(GridHosts, aViewOfWhatIsDeletedGoesBackToTheLastThatFills)
+{
+    TestGrid &made = makePlain(40, 12);
+    made.BeginUpdate();
+    for (USHORT col = 0; col < 12; ++col)
+    {
+        made.SetColWidth(col, 40);
+    }
+    made.EndUpdate();
+    made.SetSelection(11, 39, 11, 39);
+    made.ScrollToBottom();
+    made.ScrollToRight();
+    made.DeleteRows(10, 30);
+    // As many rows of 15 as show whole above the bar below.
+    const int room = 100 - GetSystemMetrics(SM_CYHSCROLL);
+    EXPECT_EQ(made.GetTopRow(), 10 - room / 15);
+    EXPECT_EQ(made.GetBottomRow(), 9);
+    EXPECT_EQ(bar(SB_VERT).nMax, 150);
+    EXPECT_EQ(current(), "11,9");
+    EXPECT_EQ(selection(), "11,9 11,9");
+    made.DeleteCols(6, 6);
+    EXPECT_EQ(made.GetLeftCol(), 6 - (200 - GetSystemMetrics(SM_CXVSCROLL)) / 40);
+    EXPECT_EQ(bar(SB_HORZ).nMax, 240);
+    EXPECT_EQ(current(), "5,9");
+    EXPECT_EQ(selection(), "5,9 5,9");
+}
+
 // --- Settings ----------------------------------------------------------------------------------------------------
 
 TEST_F(GridHosts, eachSettingIsItsOwn)
@@ -448,6 +498,17 @@ TEST_F(GridHosts, rowsThatNobodyHasAreLeftOutOfAFloater)
     EXPECT_EQ(floatersByRow(), "0100") << "a row is the least";
     made.DeleteFloater(0, 1, 6);
     EXPECT_EQ(floatersByRow(), "0000");
+}
+
+TEST_F(GridHosts, oneIdInAColumnsRowsIsOneFloater)
+{
+    makePlain(6, 1).AddFloater(0, 3, 5, 2, 0, 0, 0, false);
+    EXPECT_TRUE(grid->AddFloater(0, 1, 5, 3, 0, 0, 0, false));
+    EXPECT_EQ(floatersByRow(), "011100");
+    EXPECT_TRUE(grid->AddFloater(0, 5, 5, 1, 0, 0, 0, false));
+    EXPECT_EQ(floatersByRow(), "011101") << "out of each other's way";
+    EXPECT_TRUE(grid->MoveFloater(0, 5, 0, 2, 5));
+    EXPECT_EQ(floatersByRow(), "001000");
 }
 
 TEST_F(GridHosts, aCellThatIsGoneStillHasItsPlaceUnderFloatersFromAbove)
