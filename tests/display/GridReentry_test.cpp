@@ -5,6 +5,8 @@ namespace zb::test
 {
 namespace
 {
+const std::u16string threeLines = u"<FONT SIZE=-1><BODY=#00FF00>a<BR>b<BR>c"; // 31 high
+
 class GridReentry : public GridTest
 {
   protected:
@@ -25,7 +27,73 @@ class GridReentry : public GridTest
             return others(message, wParam, lParam, result);
         };
     }
+    /// Row 0 has three lines, two rows of 15 follow.
+    void expectTheTallRow(const std::string &how)
+    {
+        USHORT col = 0;
+        USHORT row = 0;
+        EXPECT_EQ(grid->GetRowHeight(0, false), 31) << how;
+        EXPECT_EQ(rectOf(0, 2), "0,46 200,61") << how;
+        EXPECT_TRUE(grid->GetCellFromPoint(10, 40, col, row)) << how;
+        EXPECT_EQ(row, 1) << how;
+        EXPECT_EQ(screenPixel(100, 28), RGB(0, 255, 0)) << how;
+        EXPECT_EQ(screenPixel(100, 38), RGB(255, 255, 0)) << how;
+        EXPECT_EQ(screenPixel(100, 53), RGB(255, 0, 255)) << how;
+    }
+    void answerWithColours()
+    {
+        onCell = [this](GRIDCELLREQUEST &request)
+        {
+            static const WCHAR *const texts[] = {u"<BODY=#0000FF>", u"<BODY=#FFFF00>", u"<BODY=#FF00FF>"};
+            request.pszHTML = texts[rowOf(request)];
+            if (rowOf(request) == 2 && inRequest)
+            {
+                inRequest();
+            }
+        };
+    }
+    std::function<void()> inRequest;
 };
+
+TEST_F(GridReentry, otherCellsMayBeSetWhileOneIsAskedFor)
+{
+    for (const bool inUpdate : {false, true})
+    {
+        answerWithColours();
+        inRequest = [&]
+        {
+            inUpdate ? grid->BeginUpdate() : void();
+            grid->SetCellText(0, 0, threeLines.c_str());
+            inUpdate ? grid->EndUpdate() : void();
+        };
+        asked.clear();
+        makeOnDemand(3, 1);
+        settle();
+        expectTheTallRow(inUpdate ? "in an update" : "plain");
+        EXPECT_EQ(asked.size(), 3U) << "each once";
+    }
+}
+
+TEST_F(GridReentry, cellsMayBeSetWhileTheGridPaints)
+{
+    // A cell that nobody has is asked for by the layout and again by the paint.
+    int times = 0;
+    onCell = [&](GRIDCELLREQUEST &request)
+    {
+        static const WCHAR *const texts[] = {u"<BODY=#0000FF>", u"<BODY=#FFFF00>", u"<BODY=#FF00FF>", nullptr};
+        request.pszHTML = texts[rowOf(request)];
+        if (rowOf(request) == 3 && ++times == 2)
+        {
+            grid->SetCellText(0, 0, threeLines.c_str());
+            grid->SetSelection(0, 3, 0, 3);
+        }
+    };
+    makeOnDemand(4, 1);
+    settle();
+    EXPECT_GE(times, 2);
+    expectTheTallRow("painting");
+    EXPECT_EQ(screenPixel(100, 68), GetSysColor(COLOR_HIGHLIGHT));
+}
 
 TEST_F(GridReentry, aCellThatIsAskedForIsNotAskedForAgain)
 {
@@ -63,6 +131,25 @@ TEST_F(GridReentry, theAnswerTakesThePlaceOfATextThatWasSetMeanwhileButKeepsItsF
     EXPECT_EQ(grid->FindCell(2, 0)->Floaters.at(7)->pOwner, grid->FindCell(1, 0));
     grid->DeleteFloater(0, 2, 7);
     EXPECT_EQ(grid->FloaterCount(0, 1), 0);
+}
+
+TEST_F(GridReentry, aSmallerGridWhileItAsksIsSurvived)
+{
+    // Parents must not; a mistake of theirs is no reason to fall.
+    bool once = true;
+    onCell = [&](GRIDCELLREQUEST &request)
+    {
+        request.pszHTML = u"a";
+        if (rowOf(request) == 4 && std::exchange(once, false))
+        {
+            grid->SetDimensions(2, 1);
+        }
+    };
+    makeOnDemand(50, 2);
+    settle();
+    EXPECT_EQ(grid->GetRowCount(), 2);
+    EXPECT_EQ(grid->FindCell(4, 0), nullptr);
+    EXPECT_EQ(grid->GetTotalHeight(), 30U);
 }
 
 // --- Floaters ----------------------------------------------------------------------------------------------------
