@@ -103,10 +103,17 @@ TEST_F(GridDrag, aParentThatRefusesTheStartHasATap)
 TEST_F(GridDrag, overAWindowThatTakesItTheParentIsAskedAndGivesATip)
 {
     prepare();
+    HWND askedFor = nullptr;
+    parent.before = [&, others = parent.before](UINT message, WPARAM wParam, LPARAM lParam, LRESULT &result)
+    {
+        askedFor = message == 2029 ? reinterpret_cast<HWND>(wParam) : askedFor;
+        return others(message, wParam, lParam, result);
+    };
     texts[2032] = u"<FONT SIZE=-1>move";
     start();
     takeLog();
     move(overTarget);
+    EXPECT_EQ(askedFor, target.window);
     EXPECT_EQ(asked2028.size(), 1U);
     EXPECT_EQ(asked2028[0].x, overTarget.x);
     EXPECT_EQ(asked2028[0].y, overTarget.y);

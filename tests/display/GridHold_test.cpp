@@ -42,7 +42,7 @@ class GridHold : public GridTest
 
 TEST_F(GridHold, isToldWithItsCellAndPlace)
 {
-    prepare();
+    prepare().SetMultiSelect(true, false);
     MoveWindow(*grid, 10, 20, 200, 100, TRUE);
     settle();
     hold({10 + at(2, 3).x, 20 + at(2, 3).y});
@@ -54,6 +54,9 @@ TEST_F(GridHold, isToldWithItsCellAndPlace)
     EXPECT_EQ(lastHold.dwItemSpec, 0U);
     EXPECT_EQ(selection(), "2,3 2,3");
     EXPECT_EQ(screenPixel(10 + 2 * 50 + 20, 20 + 3 * 15 + 3), GetSysColor(COLOR_HIGHLIGHT));
+    penMove(50, 80);
+    settle();
+    EXPECT_EQ(selection(), "2,3 2,3") << "nor does it become a sweep";
     penUp(50, 50);
     settle();
     EXPECT_EQ(notified, std::vector<int>{1000}) << "the tap has been used up";
