@@ -182,6 +182,17 @@ TEST_F(GridHosts, updatesTurnDrawingOffOnceAndPaintOnce)
     EXPECT_EQ(drawn, 6) << "nothing was to be done";
 }
 
+TEST_F(GridHosts, anUpdateEndsWithThePaintOfAChangedCellOfFixedHeight)
+{
+    TestGrid &made = makePlain(2, 1);
+    made.SetRowHeightFixed(true);
+    settle();
+    made.BeginUpdate();
+    made.SetCellText(0, 1, u"<BODY=#00FF00>");
+    made.EndUpdate();
+    EXPECT_EQ(screenPixel(50, 22), RGB(0, 255, 0));
+}
+
 TEST_F(GridHosts, anUpdateEndsWithSizesThenTheScrollThenTheBars)
 {
     TestGrid &made = makePlain(40, 1);
@@ -284,8 +295,11 @@ TEST_F(GridHosts, aViewOfTheBeginningStaysOneWhenFixedLinesGo)
     EXPECT_EQ(made.GetTopRow(), 0);
     EXPECT_EQ(made.GetLeftCol(), 1);
     made.SetTopRow(7);
+    made.SetRowSelect(true);
     made.SetFixedRowCount(1);
     EXPECT_EQ(made.GetTopRow(), 7) << "another view too";
+    EXPECT_EQ(current(), "1,1");
+    EXPECT_EQ(selection(), "1,1 11,1") << "of whole rows";
 }
 
 TEST_F(GridHosts, deletedColumnsTakeTheirWidthsFloatersAndFixedOnesAlong)
@@ -538,7 +552,7 @@ TEST_F(GridHosts, filesHaveANameAPointAndThreeLettersBelowTheRoot)
     made.SetResourcesRootPath((u"\\Pictures\\" + std::u16string(200, u'd')).c_str());
     const std::string longest = std::string(48 - 4, 'n') + ".bmp"; // 211 in front of it make 259
     const std::vector<std::string> names = {".bmp", "x.bmp", "ab.jpeg", longest, 'n' + longest, "baaaaapa.bmp",
-                                            "caaaaapq.bmp", "caaaaapa.bmp"};
+                                            "caaaaapq.bmp", "caaaaapa.bmp", "oqxzabcd.bmp"};
     for (const std::string &name : names)
     {
         ASSERT_TRUE(savePng({1, 1, {0xFF0000}}, folder / name));
@@ -561,11 +575,15 @@ TEST_F(GridHosts, filesHaveANameAPointAndThreeLettersBelowTheRoot)
     EXPECT_NE(first, nullptr);
     EXPECT_EQ(ask("caaaaapq.bmp"), first);
     EXPECT_NE(ask("caaaaapa.bmp"), first);
+    EXPECT_NE(ask("oqxzabcd.bmp"), nullptr);
+    EXPECT_EQ(made.AddBitmapToCache(18880), nullptr) << "its hash is that number; files have keys of their own";
     EXPECT_EQ(ask("later.bmp"), nullptr);
     ASSERT_TRUE(savePng({1, 1, {0xFF0000}}, folder / "later.bmp"));
     EXPECT_NE(ask("later.bmp"), nullptr) << "what could not be loaded was not kept";
     EXPECT_EQ(made.AddBitmapToCache(nullptr, 5), nullptr);
     EXPECT_EQ(made.AddBitmapToCache(u"x.bmp", -1), nullptr);
+    made.SetResourcesRootPath(std::u16string(259, u'd').c_str());
+    EXPECT_EQ(ask("x.bmp"), nullptr) << "of 259 characters, which is taken, and behind which no name has room";
 }
 
 TEST_F(GridHosts, picturesGoWithTheCacheAndTheGrid)

@@ -152,6 +152,36 @@ TEST_F(GridReentry, aSmallerGridWhileItAsksIsSurvived)
     EXPECT_EQ(grid->GetTotalHeight(), 30U);
 }
 
+TEST_F(GridReentry, aWindowThatEndsWhileItAsksLeavesItsObjectUsable)
+{
+    // By the layout, and by the paint, which asks again for what nobody has.
+    for (const int last : {1, 2})
+    {
+        int times = 0;
+        onCell = [&](GRIDCELLREQUEST &request)
+        {
+            request.pszHTML = rowOf(request) == 2 ? nullptr : u"a";
+            times += rowOf(request) == 2 ? 1 : 0;
+            if (times == last)
+            {
+                DestroyWindow(*grid);
+            }
+        };
+        makeOnDemand(5, 1);
+        settle();
+        EXPECT_EQ(grid->GetHwnd(), nullptr) << last;
+        onCell = [](GRIDCELLREQUEST &request) { request.pszHTML = u"a"; };
+        grid->SetDimensions(3, 1);
+        grid->SetCellText(0, 0, u"<BODY=#00FF00>");
+        EXPECT_TRUE(grid->AddFloater(0, 1, 7, 2, 0, 0, 0, false));
+        ASSERT_TRUE(grid->InitWindow(parent.window, RECT{0, 0, 200, 100}, true));
+        settle();
+        EXPECT_EQ(grid->GetRowCount(), 3);
+        EXPECT_EQ(grid->FloaterCount(0, 2), 1);
+        EXPECT_EQ(screenPixel(100, 7), RGB(0, 255, 0)) << last;
+    }
+}
+
 // --- Floaters ----------------------------------------------------------------------------------------------------
 
 TEST_F(GridReentry, cellsOfANewFloaterMayBeRenewedWhileItsTextIsAskedFor)

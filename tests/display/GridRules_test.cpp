@@ -35,6 +35,13 @@ TEST_F(GridRules, aGridMadeLateStartsWithItsDefaults)
     grid->SetBarsScrollMode(1);
     grid->SetThumbTrack(false);
     grid->SetAllowAutoScroll(false);
+    grid->SetSelectionMode(2);
+    grid->SetRowHeightFixed(true);
+    grid->SetShowHLines(true);
+    grid->SetShowFixedVLines(false);
+    grid->SetFloaterOptions(false, false);
+    grid->SetShowScrollBars(false, false, false);
+    grid->SetMinRowHeight(99);
     ASSERT_TRUE(grid->InitWindow(parent.window, RECT{0, 0, 100, 60}, false));
     bool multi = true;
     bool tip = true;
@@ -46,6 +53,17 @@ TEST_F(GridRules, aGridMadeLateStartsWithItsDefaults)
     EXPECT_EQ(grid->GetBarsScrollMode(), 0);
     EXPECT_TRUE(grid->GetThumbTrack());
     EXPECT_TRUE(grid->GetAllowAutoScroll());
+    EXPECT_EQ(grid->GetSelectionMode(), 0);
+    EXPECT_FALSE(grid->GetRowHeightFixed());
+    EXPECT_FALSE(grid->GetShowHLines());
+    EXPECT_TRUE(grid->GetShowFixedVLines());
+    grid->GetFloaterOptions(multi, tip);
+    EXPECT_TRUE(multi && tip) << "text and strip";
+    bool scrollTip = true;
+    grid->GetShowScrollBars(multi, tip, scrollTip);
+    EXPECT_TRUE(multi && tip && !scrollTip) << "both bars";
+    EXPECT_EQ(grid->GetMinRowHeight(), 15);
+    EXPECT_EQ(grid->GetScrollRegion(), 20);
 }
 
 // --- Hot spots of floaters ---------------------------------------------------------------------------------------
