@@ -8,6 +8,7 @@
 #include "records/FullCategories.h"
 #include "zb/bad_usage.h"
 #include "zb/commands.h"
+#include "zb/item_words.h"
 #include "zb/json.h"
 #include "zb/recorded.h"
 #include "zb/terminal.h"
@@ -165,7 +166,7 @@ int saveColor(const std::u16string &name, COLORREF color)
 int add(const CategoriesArguments &arguments, Output &output)
 {
     const COLORREF color = parsedColor(arguments.color);
-    const std::u16string name = toUtf16(arguments.name);
+    const std::u16string name = toUtf16(trimmed(arguments.name)); // items take names without the blanks around them
     if (color != 0 && name.find(u'=') != std::u16string::npos)
     {
         return saveColor(name, color); // refused before the category is made
@@ -181,7 +182,8 @@ int add(const CategoriesArguments &arguments, Output &output)
 
 int rename(const CategoriesArguments &arguments)
 {
-    const CategoryChange change = renameCategory(toUtf16(arguments.name).c_str(), toUtf16(arguments.newName).c_str());
+    const std::u16string newName = toUtf16(trimmed(arguments.newName));
+    const CategoryChange change = renameCategory(toUtf16(arguments.name).c_str(), newName.c_str());
     return codeOf(change, change == CategoryChange::Exists ? arguments.newName : arguments.name);
 }
 

@@ -135,9 +135,16 @@ DATE dayOption(const std::string &text, const char *option)
     return moment->date;
 }
 
+std::string trimmed(const std::string &text)
+{
+    constexpr const char *blanks = " \t\r\n";
+    const std::size_t first = text.find_first_not_of(blanks);
+    return first == std::string::npos ? std::string() : text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
 bool isBlank(const std::string &text)
 {
-    return text.find_first_not_of(" \t\r\n") == std::string::npos;
+    return trimmed(text).empty();
 }
 
 Counted<IPOutlookItem> itemOf(COutlook &outlook, CEOID id)

@@ -40,6 +40,8 @@ std::optional<int> minuteFromText(const std::string &text);
 Moment momentOption(const std::string &text, const char *option);
 /// A day alone; throws BadUsage for anything else, one with a time included.
 DATE dayOption(const std::string &text, const char *option);
+/// Without the blanks at its ends.
+std::string trimmed(const std::string &text);
 /// Nothing but blanks.
 bool isBlank(const std::string &text);
 

@@ -21,8 +21,9 @@ constexpr DATE firstDayOfSeries = 2.0; // 1900-01-01
 std::string madeCategories(const std::vector<std::string> &names)
 {
     std::string joined;
-    for (const std::string &name : names)
+    for (const std::string &written : names)
     {
+        const std::string name = trimmed(written); // items take names without the blanks around them
         const CategoryChange made = addCategory(toUtf16(name).c_str());
         if (made != CategoryChange::Done && made != CategoryChange::Exists)
         {

@@ -178,6 +178,10 @@ std::string detailsOf(const TaskNode &task)
     {
         parts.push_back("every " + std::to_string(task.repeatDays) + " days");
     }
+    else if (task.isRecurring)
+    {
+        parts.push_back("repeats");
+    }
     if (task.isPrivate)
     {
         parts.push_back(utf8(host::text(textRowPrivate)));

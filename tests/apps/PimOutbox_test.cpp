@@ -105,6 +105,21 @@ TEST_F(PimOutbox, anAppointmentComesBackFromItsFile)
     }
 }
 
+TEST_F(PimOutbox, anEndLiesWhereListsShowItInTheNightInWhichTheClocksGoForward)
+{
+    for (const bool byClock : {true, false})
+    {
+        const Counted<IAppointment> item = newItem<IAppointment>(app);
+        item->put_Subject(Text(byClock ? u"Six" : u"Seven"));
+        item->put_Start(date(2026, 3, 28, 22));
+        byClock ? item->put_End(date(2026, 3, 29, 6)) : item->put_Duration(480);
+        ASSERT_EQ(item->Save(), S_OK);
+        EXPECT_EQ(send(olAppointmentItem, item.get()), S_OK);
+        const std::string end = byClock ? "DTEND:20260329T040000Z" : "DTEND:20260329T050000Z";
+        EXPECT_NE(file(byClock ? "Six.ics" : "Seven.ics").find(end), std::string::npos) << end;
+    }
+}
+
 TEST_F(PimOutbox, aSeriesComesBackWithItsDeletedAndChangedDays)
 {
     struct Row

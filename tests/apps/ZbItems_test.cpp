@@ -152,12 +152,18 @@ TEST_F(ZbItemsTest, listsTellTheIdsAndShowTellsTheNotes)
 {
     const std::string event =
         std::to_string(add({"event", "Fair", "--start", "2026-03-04 10:00", "--notes", "Hall 3\nGate 7"}));
-    const std::string task = std::to_string(add({"task", "Pay", "--due", "2026-03-03"}));
+    const std::string task =
+        std::to_string(add({"task", "Pay", "--due", "2026-03-03", "--repeat", "weekly", "--category", " Home "}));
+    EXPECT_EQ(zb({"categories", "add", " Far"}).exitCode, 0);
+    EXPECT_EQ(zb({"categories", "rename", "Far", " Away "}).exitCode, 0);
+    const Json categories = json({"categories", "--json"})["categories"];
+    EXPECT_EQ(categories[0]["name"], "Away");
+    EXPECT_EQ(categories[1]["name"], "Home");
     const std::string contact = std::to_string(add({"contact", "--first", "Anna", "--mobile", "555"}));
     const std::string agenda = zb({"agenda", "--from", "2026-03-04", "--to", "2026-03-04", "--ids"}, now()).out;
     EXPECT_NE(agenda.find("\n  " + event + "  10:00"), std::string::npos) << agenda;
     const std::string tasks = zb({"tasks", "--ids"}, now()).out;
-    EXPECT_NE(tasks.find("\n " + task + "   [ ] Pay"), std::string::npos) << tasks;
+    EXPECT_NE(tasks.find("\n " + task + "   [ ] Pay  due 3/3/26 · repeats · Home\n"), std::string::npos) << tasks;
     const std::string contacts = zb({"contacts", "--ids"}, now()).out;
     EXPECT_NE(contacts.find("\n  " + contact + "  Anna"), std::string::npos) << contacts;
     const std::string shown = zb({"show", event}).out;
