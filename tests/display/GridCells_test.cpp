@@ -163,6 +163,20 @@ TEST_F(GridCells, aPartOfTheAreaWaitsForItsPaintAndTheWholeDoesNot)
     EXPECT_TRUE(handled);
 }
 
+TEST_F(GridCells, onlyAGridThatIsShownAgainWhereItWasIsPaintedAnew)
+{
+    makePlain(5, 1);
+    noteCells();
+    constexpr UINT all = SWP_SHOWWINDOW | SWP_NOMOVE | SWP_NOSIZE;
+    for (const UINT flags : {all & ~SWP_SHOWWINDOW, all & ~SWP_NOMOVE, all & ~SWP_NOSIZE, all, all | SWP_NOZORDER})
+    {
+        WINDOWPOS place = {*grid, nullptr, 0, 0, 200, 100, flags};
+        SendMessageW(*grid, WM_WINDOWPOSCHANGED, 0, reinterpret_cast<LPARAM>(&place));
+        InvalidateRect(*grid, nullptr, FALSE);
+        EXPECT_EQ(takeDrawn().size(), (flags & all) == all ? 5U : 0U) << flags;
+    }
+}
+
 TEST_F(GridCells, aStreamThatPassesFixedCellsDoesNotShowInThem)
 {
     makePlain(4, 2).SetFixedRowCount(1);
@@ -285,6 +299,25 @@ TEST_F(GridCells, aFloatersBodyHasItsOutlineAndTheColourOfItsText)
     EXPECT_EQ(screenPixel(7, 60), red);
     grid->SetColWidth(0, 7);
     EXPECT_EQ(screenPixel(3, 16), RGB(0, 255, 0)) << "no body where the strip would fill it";
+}
+
+TEST_F(GridCells, atTwiceTheDensityAStripIsTwiceAsWide)
+{
+    device.options().screen.dotsPerInch = 192;
+    device.reopen();
+    const Scaling doubled;
+    ScreenWindow host(0, WS_POPUP | WS_VISIBLE, 0, 0, 200, 240);
+    host.before = parent.before;
+    grid = std::make_unique<TestGrid>(host.window, RECT{0, 0, 200, 200}, false);
+    grid->SetDimensions(6, 1);
+    addFloater(u"a"); // from 30 on
+    const COLORREF strip = RGB(255, 0, 255);
+    EXPECT_EQ(screenPixel(13, 60), strip);
+    EXPECT_NE(screenPixel(14, 60), strip);
+    grid->SetColWidth(0, 19); // 14 and 4 are not enough
+    EXPECT_EQ(screenPixel(1, 60), strip);
+    grid->SetColWidth(0, 18);
+    EXPECT_NE(screenPixel(1, 60), strip);
 }
 
 TEST_F(GridCells, aFloaterBeingMovedHasTheColourOfTheSelection)

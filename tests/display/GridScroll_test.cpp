@@ -164,6 +164,7 @@ TEST_F(GridScroll, theLastScrollInsideAnUpdateCounts)
                 EXPECT_EQ(grid->GetTopRow(), one.from);
             });
         EXPECT_EQ(grid->GetTopRow(), one.top) << &one - cases;
+        EXPECT_EQ(bar(SB_VERT).nPos, one.top == 34 ? 501 : one.top * 15) << &one - cases;
     }
     for (const bool toEnd : {false, true})
     {
@@ -259,6 +260,11 @@ TEST_F(GridScroll, aHeightThatBecomesKnownCountsInTheWhole)
     grid->ScrollByRowDown(1, false);
     EXPECT_EQ(bar(SB_VERT).nMax, 6 * 31 + 94 * 15);
     EXPECT_EQ(bar(SB_VERT).nPos, 31);
+    make(true).BeginUpdate();
+    grid->SetDimensions(100, 1);
+    grid->SetFixedRowCount(1);
+    grid->EndUpdate();
+    EXPECT_EQ(rectOf(0, 1), "0,31 187,62") << "a fixed row, too";
 }
 
 TEST_F(GridScroll, aRowThatGrowsBetweenPaintsIsShownSoByTheNextScroll)
@@ -369,6 +375,14 @@ TEST_F(GridScroll, theTimerOfDelaysRunsWhileThereIsSomethingToDo)
     EXPECT_FALSE(runs());
     tick(85);
     EXPECT_EQ(grid->GetTopRow(), 1) << "what waited is forgotten";
+    grid->SetDelayedScrolling(1000);
+    for (int i = 0; i < 2; ++i)
+    {
+        SendMessageW(*grid, WM_VSCROLL, SB_LINEDOWN, 0);
+        skipTime(600);
+        settle();
+    }
+    EXPECT_EQ(grid->GetTopRow(), 2) << "further requests do not put it off";
     TestGrid none;
     none.SetDelayedScrolling(5);
     EXPECT_EQ(none.GetDelayedScrolling(), 0U) << "there is no timer without a window";
