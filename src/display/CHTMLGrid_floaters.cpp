@@ -25,8 +25,8 @@ std::unique_ptr<WCHAR, void (*)(void *)> CHTMLGrid::RequestFloaterText(DWORD dwI
     return {text, std::free};
 }
 
-/// Asks for those of a floater's rows that are not there, before anything of it is kept: the parent may change cells and
-/// floaters meanwhile.
+/// Asks for those of a floater's rows that are not there, before anything of it is kept: the parent may change cells
+/// and floaters meanwhile.
 void CHTMLGrid::AskForCells(USHORT nCol, USHORT nRow, USHORT nRows)
 {
     for (int row = nRow; row < std::min<int>(nRow + nRows, m_nRows); ++row)
