@@ -290,7 +290,7 @@ TEST_F(GridDrag, oneThatIsGivenUpWhileSomebodyIsAskedIsOver)
             log.clear();
             up(overTarget);
             const bool goesOn = late && question > 2030U && question != 2032U;
-            EXPECT_EQ(!log.empty() && log.back() == "2030 3,12", goesOn) << question << ' ' << late;
+            EXPECT_EQ(!log.empty() && log.back().starts_with("2030"), goesOn) << question << ' ' << late;
             EXPECT_EQ(GetCapture(), nullptr) << question;
             EXPECT_EQ(GetWindow(*grid, GW_CHILD), nullptr) << question;
             onAsked = nullptr;

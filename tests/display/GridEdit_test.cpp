@@ -197,6 +197,16 @@ TEST_F(GridEdit, theFirstSelectedRowComesOnTopAndTheBoxOverItsCell)
     RECT place{};
     GetWindowRect(edit(), &place);
     EXPECT_EQ(describe(place), "46,14 88,61");
+    SendMessageW(edit(), WM_CANCELMODE, 0, 0);
+    for (USHORT col = 0; col < 4; ++col)
+    {
+        grid->SetColWidth(col, 90); // two show
+    }
+    grid->SetSelection(3, 4, 3, 4);
+    grid->SetLeftCol(0);
+    grid->EnableCellEdit(3, 4);
+    GetWindowRect(edit(), &place);
+    EXPECT_EQ(place.left, 91) << "its column comes into view, too";
 }
 
 TEST_F(GridEdit, theTextIsCutAt1023Characters)
@@ -391,7 +401,7 @@ TEST_F(GridEdit, aParentMayBeginTheNextEditWhenOneEnds)
         EXPECT_EQ(grid->GetTopRow(), 5);
         EXPECT_EQ(GetFocus(), edit());
         EXPECT_TRUE(isInputPanelWanted());
-        takeLog();
+        EXPECT_EQ(takeLog().back(), "2034 1,5 -2") << "of no other cell was asked then";
         SendMessageW(edit(), WM_CANCELMODE, 0, 0);
         EXPECT_EQ(takeLog(), (Log{"2035 1,5 0"}));
         EXPECT_EQ(grid->GetTopRow(), 0);

@@ -274,6 +274,13 @@ TEST_F(GridFloaterPen, aSpotOfItsTextCountsFromBehindTheStrip)
     draw({{50 + 7 + 14, 15 + 6}}); // the last of its 15 pixels
     draw({{50 + 7 + 15, 15 + 6}});
     EXPECT_EQ(notified, (Codes{2047, 1125, 2047, -114}));
+    tick(84);
+    notified.clear();
+    testHotSpots = true;
+    keyDown(VK_SHIFT);
+    draw({{50 + 7 + 5, 15 + 6}, {50 + 7 + 9, 15 + 6}});
+    keyUp(VK_SHIFT);
+    EXPECT_EQ(notified, (Codes{2047, 2046})) << "a tap that has been used up is told no more by a move";
 }
 } // namespace
 } // namespace zb::test

@@ -106,6 +106,44 @@ TEST_F(GridInput, hotSpotsAndClicksGoToTheGridFirst)
     EXPECT_EQ(notified, (Codes{2047, 2047, 2046, 1125}));
 }
 
+TEST_F(GridInput, aSelectionShowsWhileThePenIsDown)
+{
+    prepare();
+    draw({at(1, 2)}, false);
+    EXPECT_EQ(screenPixel(at(1, 2).x, at(1, 2).y), GetSysColor(COLOR_HIGHLIGHT));
+}
+
+TEST_F(GridInput, whatShiftHasTakenIsNeitherSweptNorDragged)
+{
+    prepare().SetMultiSelect(true, false);
+    keyDown(VK_SHIFT);
+    for (const bool drags : {false, true})
+    {
+        grid->SetDragAllowed(drags);
+        tick(84);
+        draw({at(1, drags ? 3 : 1), at(3, drags ? 3 : 4)});
+    }
+    keyUp(VK_SHIFT);
+    settle();
+    EXPECT_EQ(selection(), "1,1 1,3");
+    EXPECT_EQ(notified, (Codes{2047, 2047}));
+    EXPECT_TRUE(takeLog().empty());
+}
+
+TEST_F(GridInput, aSweepThatEndsOnAHotSpotFollowsNothing)
+{
+    prepare().SetMultiSelect(true, true);
+    grid->SetCellText(1, 4, u"<FONT SIZE=-1><A=key>hot</A>");
+    settle();
+    draw({at(1, 2), {45 + 5, 60 + 5}});
+    EXPECT_EQ(notified, (Codes{2047, -13}));
+    grid->SetSelectionMode(3);
+    takeLog();
+    draw({at(1, 2), at(2, 3), {45 + 5, 60 + 5}});
+    EXPECT_EQ(notified, (Codes{2047, -13, 2047, -13}));
+    EXPECT_TRUE(takeLog().empty()) << "nothing is selected, so nothing has a tip";
+}
+
 TEST_F(GridInput, aSweepOutOfASelectionGoesOnFromItsAnchor)
 {
     prepare().SetMultiSelect(true, true);

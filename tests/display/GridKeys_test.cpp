@@ -202,7 +202,9 @@ TEST_F(GridKeys, aKeyThatIsHeldGoesFurtherOnceAHostStartsThat)
     const int steps[] = {2, 3, 5, 7};
     for (UINT_PTR timer = 80; timer < 84; ++timer)
     {
+        SetTimer(*grid, timer, 10000, nullptr);
         tick(timer);
+        EXPECT_EQ(KillTimer(*grid, timer), FALSE) << "each goes off once";
         EXPECT_EQ(step(), steps[timer - 80]);
         EXPECT_EQ(KillTimer(*grid, timer + 1), timer < 83 ? TRUE : FALSE) << timer;
         SetTimer(*grid, timer, 10000, nullptr);
