@@ -1,10 +1,14 @@
 #include "common/open_device.h"
 
 #include "common/complain.h"
+#include "common/visible_text.h"
 #include "platform/clock.h"
+#include "platform/locale.h"
+#include "platform/text.h"
 
 #include <cstdio>
 #include <cstdlib>
+#include <string_view>
 
 namespace zb::host
 {
@@ -34,6 +38,20 @@ std::optional<LONGLONG> momentOf(const char *text)
     FILETIME moment{};
     return whole && SystemTimeToFileTime(&fields, &moment) != FALSE ? std::optional(ticksOf(moment)) : std::nullopt;
 }
+
+/// With a mistake in TZ all times would mean others than their writer thinks.
+void tellUnknownZone()
+{
+    const char *const told = std::getenv("TZ");
+    const std::string_view name = told == nullptr ? "" : told;
+    const std::string zone = deviceZoneName();
+    const bool known = name.ends_with(zone) || (zone == "Etc/UTC" && name.find("UTC") != std::string_view::npos);
+    if (!name.empty() && !known)
+    {
+        complain("TZ names no zone that is known here (\"" + visibleText(toUtf16(told)) + "\"); times are those of " +
+                 zone);
+    }
+}
 } // namespace
 
 std::unique_ptr<Device> openDevice(const std::filesystem::path &root, Missing missing, const ScreenOptions &screen,
@@ -56,7 +74,9 @@ std::unique_ptr<Device> openDevice(const std::filesystem::path &root, Missing mi
     }
     try
     {
-        return OpenDevice(options);
+        std::unique_ptr<Device> device = OpenDevice(options);
+        tellUnknownZone();
+        return device;
     }
     catch (const DeviceError &error)
     {

@@ -103,6 +103,27 @@ TEST_F(ZbCommandTest, TheDeviceIsFoundByArgumentOptionEnvironmentAndDefault)
     EXPECT_EQ(runZb({"init"}, home).out, (folder() / "d/.local/share/zembrik").string() + "\n");
 }
 
+TEST_F(ZbCommandTest, AZoneThatNobodyKnowsIsTold)
+{
+    zb({"init"});
+    const std::vector<std::pair<std::string, bool>> zones = {{"No/Such", true},
+                                                             {"CET-1CEST,M3.5.0,M10.5.0/3", true},
+                                                             {"Asia/Tokyo", false},
+                                                             {":/usr/share/zoneinfo/Asia/Tokyo", false},
+                                                             {"US/Eastern", false},
+                                                             {"UTC", false},
+                                                             {"UTC0", false},
+                                                             {"", false}};
+    for (const auto &[zone, isTold] : zones)
+    {
+        ProgramOptions options;
+        options.environment["TZ"] = zone;
+        const ProgramResult result = zb({"agenda"}, options);
+        EXPECT_EQ(result.exitCode, 0) << zone;
+        EXPECT_EQ(result.err.find("\"" + zone + "\"") != std::string::npos, isTold) << zone << ": " << result.err;
+    }
+}
+
 TEST_F(ZbCommandTest, ReadingCommandsMakeNoDevice)
 {
     for (const std::vector<std::string> &words :
