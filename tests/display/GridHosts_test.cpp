@@ -113,28 +113,7 @@ class WatchedGrid : public TestGrid
     std::string redraws;
 };
 
-class GridHosts : public GridTest
-{
-  protected:
-    DWORD floaterAt(int x, int y)
-    {
-        USHORT col = 0;
-        USHORT row = 0;
-        POINT offset{};
-        bool strip = false;
-        return grid->GetFloaterFromPoint(x, y, col, row, offset, strip);
-    }
-    /// "0101": how many floaters each row of the first column has.
-    std::string floatersByRow()
-    {
-        std::string counts;
-        for (USHORT row = 0; row < grid->GetRowCount(); ++row)
-        {
-            counts += std::to_string(grid->FloaterCount(0, row));
-        }
-        return counts;
-    }
-};
+using GridHosts = GridTest;
 
 // --- The window and its updates ----------------------------------------------------------------------------------
 
@@ -465,81 +444,6 @@ TEST_F(GridHosts, marginsOfAnySizeAreHeldAtSomeThatCanBeReckonedWith)
     EXPECT_EQ(made.GetRowHeight(0, false), 32000 + 11);
     EXPECT_EQ(made.GetRowHeight(1, false), 15);
     settle();
-}
-
-// --- Floaters ----------------------------------------------------------------------------------------------------
-
-TEST_F(GridHosts, floatersShareTheirColumnByTheirBlock)
-{
-    makePlain(9, 1, 101, 140); // a column of 101, rows of 15
-    for (const auto &[row, id, rows] : {std::tuple<USHORT, DWORD, USHORT>{1, 1, 3}, {2, 2, 3}, {4, 3, 2}, {0, 20, 1},
-                                        {8, 11, 1}, {8, 12, 1}, {8, 13, 1}})
-    {
-        EXPECT_TRUE(grid->AddFloater(0, row, id, rows, 0, 0, 0, false));
-    }
-    struct Case
-    {
-        int x, row;
-        DWORD id;
-    };
-    const Case cases[] = {
-        {100, 0, 20},                                              // alone, so all of the width
-        {10, 1, 1},  {60, 1, 0},  {49, 3, 1},  {50, 3, 2},         // halves of 50
-        {99, 3, 2},  {100, 3, 0}, {10, 4, 3},  {60, 4, 2},         // the third where the first has ended
-        {10, 5, 3},  {60, 5, 0},                                   //
-        {32, 8, 11}, {33, 8, 12}, {65, 8, 12}, {66, 8, 13},        // thirds of 33
-        {98, 8, 13}, {99, 8, 0}};
-    for (const Case &one : cases)
-    {
-        EXPECT_EQ(floaterAt(one.x, one.row * 15 + 7), one.id) << one.x << ' ' << one.row;
-    }
-}
-
-TEST_F(GridHosts, rowsThatNobodyHasAreLeftOutOfAFloater)
-{
-    onCell = [](GRIDCELLREQUEST &request) { request.pszHTML = HIWORD(request.hdr.idFrom) == 2 ? nullptr : u"a"; };
-    TestGrid &made = makeOnDemand(7, 1);
-    EXPECT_FALSE(made.AddFloater(0, 2, 4, 2, 0, 0, 0, false));
-    EXPECT_TRUE(askedFloaters.empty()) << "no cell, no question";
-    EXPECT_TRUE(made.AddFloater(0, 1, 5, 4, 0, 0, 0, false));
-    EXPECT_EQ(floatersByRow(), "0101100");
-    made.DeleteRows(2, 1);
-    EXPECT_EQ(floatersByRow(), "011100");
-    EXPECT_EQ(made.FindCell(1, 0)->Floaters.at(5)->nRows, 3);
-    made.DeleteRows(0, 2);
-    EXPECT_EQ(floatersByRow(), "0000");
-    EXPECT_TRUE(made.AddFloater(0, 1, 6, 0, 0, 0, 0, false));
-    EXPECT_EQ(floatersByRow(), "0100") << "a row is the least";
-    made.DeleteFloater(0, 1, 6);
-    EXPECT_EQ(floatersByRow(), "0000");
-}
-
-TEST_F(GridHosts, oneIdInAColumnsRowsIsOneFloater)
-{
-    makePlain(6, 1).AddFloater(0, 3, 5, 2, 0, 0, 0, false);
-    EXPECT_TRUE(grid->AddFloater(0, 1, 5, 3, 0, 0, 0, false));
-    EXPECT_EQ(floatersByRow(), "011100");
-    EXPECT_TRUE(grid->AddFloater(0, 5, 5, 1, 0, 0, 0, false));
-    EXPECT_EQ(floatersByRow(), "011101") << "out of each other's way";
-    EXPECT_TRUE(grid->MoveFloater(0, 5, 0, 2, 5));
-    EXPECT_EQ(floatersByRow(), "001000");
-}
-
-TEST_F(GridHosts, aCellThatIsGoneStillHasItsPlaceUnderFloatersFromAbove)
-{
-    bool has = true;
-    onCell = [&](GRIDCELLREQUEST &request) { request.pszHTML = has ? u"a" : nullptr; };
-    TestGrid &made = makeOnDemand(4, 1);
-    made.AddFloater(0, 0, 1, 3, 0, 0, 0, false);
-    made.BeginUpdate();
-    has = false;
-    asked.clear();
-    made.UpdateCellText(0, 1);
-    EXPECT_EQ(asked.size(), 1U) << "asked for once";
-    EXPECT_EQ(floatersByRow(), "1010");
-    has = true;
-    made.EndUpdate();
-    EXPECT_EQ(made.FindCell(2, 0)->Floaters.at(1)->pOwner, made.FindCell(0, 0));
 }
 
 // --- Pictures ----------------------------------------------------------------------------------------------------

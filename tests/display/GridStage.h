@@ -93,6 +93,24 @@ class GridTest : public ::testing::Test
         const bool isShown = grid->GetCellRect(col, row, rect);
         return (isShown ? "" : "no ") + describe(rect);
     }
+    DWORD floaterAt(int x, int y)
+    {
+        USHORT col = 0;
+        USHORT row = 0;
+        POINT offset{};
+        bool strip = false;
+        return grid->GetFloaterFromPoint(x, y, col, row, offset, strip);
+    }
+    /// "0101": how many floaters each row of the first column has.
+    std::string floatersByRow()
+    {
+        std::string counts;
+        for (USHORT row = 0; row < grid->GetRowCount(); ++row)
+        {
+            counts += std::to_string(grid->FloaterCount(0, row));
+        }
+        return counts;
+    }
     std::vector<std::string> takeLog()
     {
         return std::exchange(log, {});
