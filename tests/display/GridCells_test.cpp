@@ -348,6 +348,25 @@ TEST_F(GridCells, aFloaterBeingMovedHasTheColourOfTheSelection)
     }
 }
 
+TEST_F(GridCells, aFloaterIsPaintedByTheFirstOfItsCellsInAPaint)
+{
+    makePlain(40, 1);
+    addFloater(u"<FONT SIZE=-1><A=key>a</A>"); // whose spots go to the cell that paints it
+    const auto paintedBy = [this](USHORT row)
+    {
+        const std::unique_ptr<WCHAR[]> key(grid->GetCellHotSpot(0, row, 0));
+        return key != nullptr;
+    };
+    EXPECT_TRUE(paintedBy(1));
+    EXPECT_FALSE(paintedBy(2));
+    grid->SetTopRow(2);
+    EXPECT_TRUE(paintedBy(2));
+    EXPECT_FALSE(paintedBy(3));
+    grid->SetSelection(0, 3, 0, 3); // a paint of that row alone
+    EXPECT_TRUE(paintedBy(3));
+    EXPECT_FALSE(paintedBy(4));
+}
+
 TEST_F(GridCells, aFloaterThatBeginsAboveTheViewGoesOnAsItWas)
 {
     makePlain(40, 1).SetRowHeight(4, 4); // its last row: what is left of it there is a pixel high

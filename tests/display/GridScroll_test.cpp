@@ -75,6 +75,24 @@ TEST_F(GridScroll, pageStepsGoByWhatFits)
     EXPECT_EQ(grid->GetTopRow(), 2);
 }
 
+TEST_F(GridScroll, pagesOfHighRowsGoOnByARow)
+{
+    makePlain(10, 1).SetMinRowHeight(60); // of 100
+    for (const USHORT top : {1, 2, 3})
+    {
+        grid->ScrollByPageDown();
+        EXPECT_EQ(grid->GetTopRow(), top);
+    }
+    grid->ScrollByPageUp();
+    EXPECT_EQ(grid->GetTopRow(), 2);
+    grid->SetMinRowHeight(150); // which pages can't pass
+    grid->ScrollByPageDown();
+    grid->ScrollByPageUp();
+    EXPECT_EQ(grid->GetTopRow(), 2);
+    grid->ScrollByRowUp(1);
+    EXPECT_EQ(grid->GetTopRow(), 1);
+}
+
 TEST_F(GridScroll, linesThatCantComeFirstAreRefused)
 {
     makeWide(40).SetFixedRowCount(2);
@@ -137,7 +155,12 @@ TEST_F(GridScroll, theLastRowCountsAsItIsAskedFor)
 
 TEST_F(GridScroll, theLastScrollInsideAnUpdateCounts)
 {
-    makePlain(40, 1);
+    makePlain(40, 1).BeginUpdate();
+    for (USHORT row = 0; row < 40; row = static_cast<USHORT>(row + 3))
+    {
+        grid->SetCellText(0, row, u"<BODY=#00FF00>");
+    }
+    grid->EndUpdate();
     struct Case
     {
         USHORT from;
@@ -165,6 +188,8 @@ TEST_F(GridScroll, theLastScrollInsideAnUpdateCounts)
             });
         EXPECT_EQ(grid->GetTopRow(), one.top) << &one - cases;
         EXPECT_EQ(bar(SB_VERT).nPos, one.top == 34 ? 501 : one.top * 15) << &one - cases;
+        EXPECT_EQ(grid->GetBottomRow(), std::min(one.top + 6, 39)) << &one - cases;
+        EXPECT_TRUE(isAsPaintedWhole()) << &one - cases;
     }
     for (const bool toEnd : {false, true})
     {
@@ -265,6 +290,17 @@ TEST_F(GridScroll, aHeightThatBecomesKnownCountsInTheWhole)
     grid->SetFixedRowCount(1);
     grid->EndUpdate();
     EXPECT_EQ(rectOf(0, 1), "0,31 187,62") << "a fixed row, too";
+    EXPECT_EQ(bar(SB_VERT).nPage, 100U - 31);
+}
+
+TEST_F(GridScroll, theEndOfAListIsThatOfItsRealHeights)
+{
+    onCell = [](GRIDCELLREQUEST &request) { request.pszHTML = u"<FONT SIZE=-1>a<BR>b<BR>c"; }; // 31 high
+    makeOnDemand(100, 1).SetTopRow(99);
+    EXPECT_EQ(grid->GetTopRow(), 97) << "three of 31 fit";
+    EXPECT_EQ(grid->GetBottomRow(), 99);
+    makeOnDemand(100, 1).MakeCellVisible(0, 98, false);
+    EXPECT_EQ(grid->GetTopRow(), 96) << "no further than needed";
 }
 
 TEST_F(GridScroll, aRowThatGrowsBetweenPaintsIsShownSoByTheNextScroll)
