@@ -372,6 +372,7 @@ class ZBTOOLS_API CHTMLGrid : public CeWnd
     void RunDeferredLayout();
     void WhileOthersAct(const std::function<void()> &act);
     void TakeUpChanges();
+    void AskForPaintOfChanges();
     LONG ClientWidthWithoutBars(RECT &client) const;
     void LayoutWithBars();
     USHORT FirstFree(bool bRows) const;
@@ -524,6 +525,9 @@ class ZBTOOLS_API CHTMLGrid : public CeWnd
     UINT m_uDeferred = 0;
     /// What others have changed while they were asked; the next paint works it out.
     UINT m_uCaused = 0;
+    /// Paints in a row that others have caused so; behind the most there is none until something else asks for one.
+    static constexpr int mostCausedPaints = 16;
+    int m_nCausedPaints = 0;
     BYTE m_bFontQuality = DEFAULT_QUALITY;
     bool m_bFloaterText = true;
     bool m_bFloaterStrip = true;

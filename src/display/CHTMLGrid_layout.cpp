@@ -102,7 +102,13 @@ void CHTMLGrid::WhileOthersAct(const std::function<void()> &act)
         const Turn turn{*this};
         act();
     }
-    if (m_uCaused != 0 && m_nUpdateLock == 0)
+    AskForPaintOfChanges();
+}
+
+/// A parent that changes something each time it is asked, and leaves the cell out each time, would be asked for ever.
+void CHTMLGrid::AskForPaintOfChanges()
+{
+    if (m_uCaused != 0 && m_nUpdateLock == 0 && m_nCausedPaints < mostCausedPaints)
     {
         InvalidateRect(m_hWnd, nullptr, FALSE);
     }

@@ -132,10 +132,8 @@ void CHTMLGrid::OnPaint(bool &handled)
         }
     }
     EndPaint(m_hWnd, &paint);
-    if (m_uCaused != 0)
-    {
-        InvalidateRect(m_hWnd, nullptr, FALSE);
-    }
+    m_nCausedPaints = m_uCaused == 0 ? 0 : std::min(m_nCausedPaints + 1, mostCausedPaints);
+    AskForPaintOfChanges();
     if (m_pfnBackground != nullptr)
     {
         DestroyBitmapBuffer();

@@ -409,6 +409,27 @@ TEST_F(GridCells, aParentMayFillARowWhenItIsAskedForItsFirstCell)
     EXPECT_EQ(grid->GetTopRow(), 1);
 }
 
+TEST_F(GridCells, aParentThatChangesCellsWhileItLeavesOneOutIsNotAskedForEver)
+{
+    onCell = [this](GRIDCELLREQUEST &request)
+    {
+        if (LOWORD(request.hdr.idFrom) == 0)
+        {
+            grid->SetCellText(1, HIWORD(request.hdr.idFrom), u"<BODY=#00FF00>");
+        }
+    };
+    makeOnDemand(3, 2);
+    settle();
+    EXPECT_EQ(screenPixel(150, 20), RGB(0, 255, 0));
+    EXPECT_LT(asked.size(), 500U);
+    onCell = nullptr;
+    grid->Invalidate();
+    asked.clear();
+    settle();
+    EXPECT_LT(asked.size(), 10U) << "and it is over with the reason";
+    EXPECT_TRUE(isAsPaintedWhole());
+}
+
 TEST_F(GridCells, anOwnerMayChangeACellThatIsPaintedAlready)
 {
     makePlain(5, 1);
