@@ -45,7 +45,9 @@ void tellUnknownZone()
     const char *const told = std::getenv("TZ");
     const std::string_view name = told == nullptr ? "" : told;
     const std::string zone = deviceZoneName();
-    const bool known = name.ends_with(zone) || (zone == "Etc/UTC" && name.find("UTC") != std::string_view::npos);
+    // Its file by name is the system's own zone, which counts then.
+    const bool known = name.ends_with(zone) || name.ends_with("/etc/localtime") ||
+                       (zone == "Etc/UTC" && name.find("UTC") != std::string_view::npos);
     if (!name.empty() && !known)
     {
         complain("TZ names no zone that is known here (\"" + visibleText(toUtf16(told)) + "\"); times are those of " +

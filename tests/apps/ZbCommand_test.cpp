@@ -110,6 +110,7 @@ TEST_F(ZbCommandTest, AZoneThatNobodyKnowsIsTold)
                                                              {"CET-1CEST,M3.5.0,M10.5.0/3", true},
                                                              {"Asia/Tokyo", false},
                                                              {":/usr/share/zoneinfo/Asia/Tokyo", false},
+                                                             {":/etc/localtime", false},
                                                              {"US/Eastern", false},
                                                              {"UTC", false},
                                                              {"UTC0", false},
