@@ -214,7 +214,9 @@ TEST_F(GridScroll, onDemandAnUpdateEndsWithTheLastRowsThatFillTheArea)
     makeOnDemand(100, 1);
     for (const auto &[row, top] : {std::pair<USHORT, USHORT>{50, 50}, {96, 96}, {97, 96}, {99, 96}})
     {
-        update([&] { grid->MakeRowTopMost(row, true); });
+        grid->BeginUpdate();
+        grid->MakeRowTopMost(row, true);
+        grid->EndUpdate();
         EXPECT_EQ(grid->GetTopRow(), top) << row;
     }
     grid->ScrollByRowDown(1, false);
