@@ -11,33 +11,18 @@ namespace
 using Log = std::vector<std::string>;
 using Codes = std::vector<int>;
 
-/// Columns of 50, rows of 15.
-class GridEdit : public GridTest
+class GridEdit : public FourColumnTest
 {
   protected:
     TestGrid &prepare(USHORT rows = 6)
     {
-        TestGrid &made = makePlain(rows, 4);
-        for (USHORT col = 0; col < 4; ++col)
-        {
-            made.SetColWidth(col, 45);
-        }
-        settle();
         answers[2034] = 1;
-        return made;
-    }
-    static POINT at(int col, int row)
-    {
-        return {col * 45 + 22, row * 15 + 7};
+        return four(rows);
     }
     /// Null when there is none.
     HWND edit()
     {
         return GetWindow(*grid, GW_CHILD);
-    }
-    void tap(POINT point)
-    {
-        draw({point});
     }
     std::u16string text()
     {

@@ -10,24 +10,9 @@ namespace
 using Log = std::vector<std::string>;
 using Codes = std::vector<int>;
 
-/// Columns of 45, rows of 15.
-class GridInput : public GridTest
+class GridInput : public FourColumnTest
 {
   protected:
-    TestGrid &prepare(USHORT rows = 6)
-    {
-        TestGrid &made = makePlain(rows, 4);
-        for (USHORT col = 0; col < 4; ++col)
-        {
-            made.SetColWidth(col, 45);
-        }
-        settle();
-        return made;
-    }
-    static POINT at(int col, int row)
-    {
-        return {col * 45 + 22, row * 15 + 7};
-    }
     /// Looks at what the parent hears before it answers.
     void watch(const std::function<void(UINT, WPARAM, LPARAM)> &look)
     {
@@ -43,7 +28,7 @@ class GridInput : public GridTest
 
 TEST_F(GridInput, whatIsToldOnTheWayDownHasItsPlaceItsFloaterAndItsKey)
 {
-    prepare();
+    four();
     MoveWindow(*grid, 20, 30, 200, 100, TRUE);
     floaterText = u"<FONT SIZE=-1><A=key>hot</A>";
     grid->AddFloater(1, 1, 7, 3, 100, 0, RGB(0, 0, 255), false);
@@ -108,14 +93,14 @@ TEST_F(GridInput, hotSpotsAndClicksGoToTheGridFirst)
 
 TEST_F(GridInput, aSelectionShowsWhileThePenIsDown)
 {
-    prepare();
+    four();
     draw({at(1, 2)}, false);
     EXPECT_EQ(screenPixel(at(1, 2).x, at(1, 2).y), GetSysColor(COLOR_HIGHLIGHT));
 }
 
 TEST_F(GridInput, whatShiftHasTakenIsNeitherSweptNorDragged)
 {
-    prepare().SetMultiSelect(true, false);
+    four().SetMultiSelect(true, false);
     keyDown(VK_SHIFT);
     for (const bool drags : {false, true})
     {
@@ -132,7 +117,7 @@ TEST_F(GridInput, whatShiftHasTakenIsNeitherSweptNorDragged)
 
 TEST_F(GridInput, aSweepThatEndsOnAHotSpotFollowsNothing)
 {
-    prepare().SetMultiSelect(true, true);
+    four().SetMultiSelect(true, true);
     grid->SetCellText(1, 4, u"<FONT SIZE=-1><A=key>hot</A>");
     settle();
     draw({at(1, 2), {45 + 5, 60 + 5}});
@@ -146,7 +131,7 @@ TEST_F(GridInput, aSweepThatEndsOnAHotSpotFollowsNothing)
 
 TEST_F(GridInput, aSweepOutOfASelectionGoesOnFromItsAnchor)
 {
-    prepare().SetMultiSelect(true, true);
+    four().SetMultiSelect(true, true);
     texts[2022] = u"<FONT SIZE=-1>two";
     draw({at(1, 1)});
     grid->SetSelection(1, 1, 2, 3);
@@ -160,7 +145,7 @@ TEST_F(GridInput, aSweepOutOfASelectionGoesOnFromItsAnchor)
 
 TEST_F(GridInput, theHeightThatMakesASweepOfADragIsThatOfTheLeastRow)
 {
-    prepare().SetMultiSelect(true, false);
+    four().SetMultiSelect(true, false);
     grid->SetDragAllowed(true);
     grid->SetMinRowHeight(22);
     for (const int along : {22, 23})
@@ -173,7 +158,7 @@ TEST_F(GridInput, theHeightThatMakesASweepOfADragIsThatOfTheLeastRow)
 
 TEST_F(GridInput, movesAtAnEdgeDontPutTheScrollingOff)
 {
-    prepare(40).SetMultiSelect(true, false);
+    four(40).SetMultiSelect(true, false);
     draw({at(1, 2), at(1, 3), {60, 92}}, false);
     skipTime(200);
     settle();
@@ -187,7 +172,7 @@ TEST_F(GridInput, movesAtAnEdgeDontPutTheScrollingOff)
 
 TEST_F(GridInput, anEmptySelectionKeepsItsColumns)
 {
-    prepare(40).SetSelection(1, 2, 2, 3);
+    four(40).SetSelection(1, 2, 2, 3);
     const auto columns = [this]
     {
         USHORT left = 0;
@@ -232,7 +217,7 @@ class GridEnds : public GridInput
     }
     void scrollingSweep()
     {
-        prepare(40).SetMultiSelect(true, true);
+        four(40).SetMultiSelect(true, true);
         draw({at(1, 1), {at(1, 1).x + 15, at(1, 1).y}, {60, 92}}, false);
         ending = 2022;
         SendMessageW(*grid, WM_TIMER, 77, 0);
@@ -346,7 +331,7 @@ class GridEnds : public GridInput
     void actWith(const Case &one, const std::function<void()> &then)
     {
         const auto usual = parent.before;
-        prepare().AddFloater(1, 1, 7, 3, 100, 0, RGB(0, 0, 255), false);
+        four().AddFloater(1, 1, 7, 3, 100, 0, RGB(0, 0, 255), false);
         settle();
         answers = {{2025, 3}, {2029, 1}, {2031, 1}, {2034, 1}};
         texts[2022] = texts[2024] = texts[2032] = u"tip";
@@ -422,7 +407,7 @@ TEST_F(GridEnds, rowsAndColumnsMayGoInAnyQuestion)
 TEST_F(GridEnds, aTapCountsFromTheCellThatItFindsOnceItHasTheFocus)
 {
     ScreenWindow other(0, WS_CHILD | WS_VISIBLE, 0, 200, 50, 20, parent.window);
-    prepare().SetShowFocus(true);
+    four().SetShowFocus(true);
     draw({at(1, 1)});
     SetFocus(other.window);
     other.before = [this](UINT message, WPARAM, LPARAM, LRESULT &)
@@ -443,7 +428,7 @@ TEST_F(GridEnds, whoeverLosesOrGetsTheFocusMayEndIt)
     ScreenWindow other(0, WS_CHILD | WS_VISIBLE, 0, 200, 50, 20, parent.window);
     const auto endsAt = [&](UINT heard)
     {
-        prepare();
+        four();
         answers[2034] = 1;
         grid->SetSelection(3, 2, 3, 2);
         other.before = nullptr;

@@ -5,32 +5,12 @@ namespace zb::test
 {
 namespace
 {
-class GridPen : public GridTest
+class GridPen : public FourColumnTest
 {
   protected:
-    /// Columns of 50, rows of 15, of which six and a part show.
-    TestGrid &four(USHORT rows = 6)
-    {
-        TestGrid &made = makePlain(rows, 4);
-        for (USHORT col = 0; col < 4; ++col)
-        {
-            made.SetColWidth(col, 45);
-        }
-        settle();
-        return made;
-    }
-    /// The middle of a cell of the unscrolled grid.
-    static POINT at(int col, int row)
-    {
-        return {col * 45 + 22, row * 15 + 7};
-    }
     static POINT moved(POINT point, int x, int y)
     {
         return {point.x + x, point.y + y};
-    }
-    void tap(POINT point)
-    {
-        draw({point});
     }
 };
 

@@ -333,4 +333,29 @@ class GridTest : public ::testing::Test
         }
     }
 };
+
+/// A grid of four columns of 45 and rows of 15 pixels, of which six and a part show.
+class FourColumnTest : public GridTest
+{
+  protected:
+    TestGrid &four(USHORT rows = 6)
+    {
+        TestGrid &made = makePlain(rows, 4);
+        for (USHORT col = 0; col < 4; ++col)
+        {
+            made.SetColWidth(col, 45);
+        }
+        settle();
+        return made;
+    }
+    /// The middle of a cell of the unscrolled grid.
+    static POINT at(int col, int row)
+    {
+        return {col * 45 + 22, row * 15 + 7};
+    }
+    void tap(POINT point)
+    {
+        draw({point});
+    }
+};
 } // namespace zb::test
