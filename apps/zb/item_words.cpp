@@ -19,8 +19,6 @@ using namespace host;
 
 namespace
 {
-constexpr DATE firstDayWithTimes = 2.0; // 1900-01-01
-
 /// Throws where the text tells a date of the right form that no year has, since it looks right at first sight.
 void refuseMissingDate(const std::string &text, const char *option)
 {
@@ -115,7 +113,7 @@ Moment momentOption(const std::string &text, const char *option)
         throw BadUsage("\"" + text + "\" of " + option +
                        " is neither a day (2026-11-21, today, +3) nor a day and a time (2026-11-21 9:30)");
     }
-    if (moment->hasTime && moment->date < firstDayWithTimes)
+    if (moment->hasTime && moment->date < firstListedDay)
     {
         throw BadUsage("\"" + text + "\" of " + option + " has a time of day, and these begin in 1900");
     }

@@ -27,6 +27,9 @@ class ItemText
     BSTR m_text;
 };
 
+/// 1900-01-01. No list shows times of day or series before it.
+inline constexpr DATE firstListedDay = 2.0;
+
 struct Moment
 {
     DATE date = 0.0;

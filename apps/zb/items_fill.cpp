@@ -15,7 +15,6 @@ namespace
 {
 constexpr LONG usualMinutes = 60;
 constexpr LONG minutesOfDay = 1440;
-constexpr DATE firstDayOfSeries = 2.0; // 1900-01-01
 
 /// Names with ", " between; what the device lacks is made.
 std::string madeCategories(const std::vector<std::string> &names)
@@ -139,13 +138,13 @@ void putPattern(Item &item, const ItemArguments &arguments)
         putRepetition(*pattern.get(), arguments);
     }
     item.get_IsRecurring(&recurring);
-    DATE first = firstDayOfSeries;
+    DATE first = firstListedDay;
     const bool moves = arguments.changesRepetition() || !arguments.start.empty() || !arguments.due.empty();
     if (moves && recurring != VARIANT_FALSE && (pattern || SUCCEEDED(item.GetRecurrencePattern(pattern.out()))))
     {
         pattern->get_PatternStartDate(&first);
     }
-    if (first < firstDayOfSeries)
+    if (first < firstListedDay)
     {
         throw BadUsage("what repeats begins in 1900 at the earliest, as lists show none before");
     }
@@ -163,7 +162,7 @@ Moment changedMoment(const std::string &text, const char *option, DATE now, bool
     Moment moment = momentOption(text, option);
     if (!moment.hasTime && !allDay)
     {
-        if (moment.date < firstDayOfSeries)
+        if (moment.date < firstListedDay)
         {
             throw BadUsage("\"" + text + "\" of " + option + " is too early for a time of day; these begin in 1900");
         }

@@ -101,7 +101,8 @@ class CommandLine
     /// What stands in the place of a command and is none; empty for other errors.
     std::string unknownCommand(const CLI::ParseError &error) const
     {
-        const bool noCommand = std::string(error.what()).find("subcommand is required") != std::string::npos;
+        const bool noCommand = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::RequiredError) &&
+                               m_app.get_subcommands().empty();
         const std::vector<std::string> left = m_app.remaining(true);
         return noCommand && !left.empty() ? left.front() : std::string();
     }

@@ -78,7 +78,8 @@ std::u16string secondLine(const DATATASKS &task, int today)
     }
     if (task.m_pszCategories != nullptr && task.m_pszCategories[0] != 0)
     {
-        line += dim + std::u16string(line.empty() ? u"" : u"\u00A0\u00A0·  ") + host::plainMarkup(task.m_pszCategories) + endFont;
+        line += dim + std::u16string(line.empty() ? u"" : u"\u00A0\u00A0·  ") +
+                host::plainMarkup(task.m_pszCategories) + endFont;
     }
     return line;
 }

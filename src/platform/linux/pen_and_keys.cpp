@@ -78,7 +78,8 @@ void postKey(HWND window, int key, bool down)
     next->set(indexOf(key), down);
     board.held = std::move(next);
     const bool repeated = down && before->test(indexOf(key));
-    enter(window, down ? WM_KEYDOWN : WM_KEYUP, static_cast<WPARAM>(key), down ? 1 | (repeated ? wasDown : 0) : released, before);
+    enter(window, down ? WM_KEYDOWN : WM_KEYUP, static_cast<WPARAM>(key),
+          down ? 1 | (repeated ? wasDown : 0) : released, before);
 }
 
 bool isKeyDown(int key)
