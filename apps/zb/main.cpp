@@ -101,8 +101,13 @@ class CommandLine
     /// What stands in the place of a command and is none; empty for other errors.
     std::string unknownCommand(const CLI::ParseError &error) const
     {
+        const CLI::App *last = &m_app;
+        while (!last->get_subcommands().empty())
+        {
+            last = last->get_subcommands().front();
+        }
         const bool noCommand = error.get_exit_code() == static_cast<int>(CLI::ExitCodes::RequiredError) &&
-                               m_app.get_subcommands().empty();
+                               last->get_require_subcommand_min() > 0;
         const std::vector<std::string> left = m_app.remaining(true);
         return noCommand && !left.empty() ? left.front() : std::string();
     }
