@@ -216,9 +216,12 @@ void CeChildMgr::OnSize(UINT nType, int cx, int cy)
     for (int i = 0; i < m_children.GetCount(); ++i)
     {
         const CeChildInfo *child = m_children.GetAt(i);
-        Defer(changes, child->hWnd, child->rcNew);
-        Defer(changes, child->hPrev, child->rcPrevNew);
-        Defer(changes, child->hNext, child->rcNextNew);
+        if (IsWindow(child->hWnd) != FALSE)
+        {
+            Defer(changes, child->hWnd, child->rcNew);
+            Defer(changes, child->hPrev, child->rcPrevNew);
+            Defer(changes, child->hNext, child->rcNextNew);
+        }
     }
     EndDeferWindowPos(changes);
     m_rcParent = {0, 0, cx, cy};

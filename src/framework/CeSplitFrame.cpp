@@ -112,6 +112,8 @@ void CeSplitFrame::EndUpdate()
 void CeSplitFrame::SetSplitter(int nPos)
 {
     const bool wasDocked = std::exchange(m_nDocked, SPLIT_BOTH) != SPLIT_BOTH;
+    // A docked frame may have changed its size; the new place is meant for the one that it has.
+    ScaleSplitter();
     ShowPanes();
     if (m_bSetting)
     {
@@ -149,7 +151,8 @@ void CeSplitFrame::ShowPanes()
     }
 }
 
-void CeSplitFrame::GetWindowPlacements(RECT *prc1, RECT *prc2)
+/// Keeps its proportion when the frame has another size than it was meant for.
+void CeSplitFrame::ScaleSplitter()
 {
     const LONG fresh = EndOf(m_rcClient) - StartOf(m_rcClient);
     const LONG old = EndOf(m_rcPrevClient) - StartOf(m_rcPrevClient);
@@ -158,6 +161,11 @@ void CeSplitFrame::GetWindowPlacements(RECT *prc1, RECT *prc2)
         m_dSplitter = m_dSplitter * fresh / old;
     }
     m_rcPrevClient = m_rcClient;
+}
+
+void CeSplitFrame::GetWindowPlacements(RECT *prc1, RECT *prc2)
+{
+    ScaleSplitter();
     const LONG splitter = GetSplitter();
     *prc1 = Between(StartOf(m_rcClient) + m_nOffset1, splitter - m_nBarSize);
     *prc2 = Between(splitter + m_nBarSize, EndOf(m_rcClient) - m_nOffset2);
@@ -217,7 +225,8 @@ void CeSplitFrame::MovePanes(const RECT &rc1, const RECT &rc2)
     HDWP changes = BeginDeferWindowPos(2);
     const auto move = [&changes](HWND pane, const RECT &place)
     {
-        if (pane != nullptr && changes != nullptr)
+        // One that is gone would take the other's move along.
+        if (IsWindow(pane) != FALSE && changes != nullptr)
         {
             changes = DeferWindowPos(changes, pane, nullptr, place.left, place.top, place.right - place.left,
                                      place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);

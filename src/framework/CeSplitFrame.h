@@ -55,6 +55,7 @@ class ZBTOOLS_API CeSplitFrame : public CeWnd
     int PenOf(POINT point) const;
     void Layout();
     void MovePanes(const RECT &rc1, const RECT &rc2);
+    void ScaleSplitter();
     void ShowPanes();
 
     bool m_bSetting = false;

@@ -182,25 +182,26 @@ TEST_F(ContactRow, hasCategoriesIconAndWhatARowStartsWith)
 
 TEST_F(ContactRow, tellsOfLinksAndJournal)
 {
-    const CEOID both = addContact(u"", u"A");
-    const CEOID none = addContact(u"", u"B");
+    const CEOID linked = addContact(u"", u"A");
+    const CEOID inJournal = addContact(u"", u"B");
     load(1);
-    EXPECT_EQ(row(both)->m_bHasLinks, 0) << "without the databases";
-    for (const auto &[name, property] : {std::pair(u"ZembrikLinks", 0x00010003U), {u"ZembrikJournal", 0x002e0003U}})
+    EXPECT_EQ(row(linked)->m_bHasLinks, 0) << "without the databases";
+    for (const auto &[name, property, contact] :
+         {std::tuple(u"ZembrikLinks", 0x00010003U, linked), {u"ZembrikJournal", 0x002e0003U, inJournal}})
     {
         const SORTORDERSPEC sort{property, 0};
         CEOID database = CeCreateDatabase(name, 0, 1, &sort);
         const HANDLE handle = CeOpenDatabase(&database, nullptr, property, 0, nullptr);
         zb::RecordProperties properties;
-        properties.set(property, static_cast<LONG>(both));
+        properties.set(property, static_cast<LONG>(contact));
         CeWriteRecordProps(handle, 0, properties.count(), properties.values());
         CloseHandle(handle);
     }
     load(1);
-    EXPECT_EQ(row(both)->m_bHasLinks, 1);
-    EXPECT_EQ(row(both)->m_bHasJournal, 1);
-    EXPECT_EQ(row(none)->m_bHasLinks, 0);
-    EXPECT_EQ(row(none)->m_bHasJournal, 0);
+    EXPECT_EQ(row(linked)->m_bHasLinks, 1);
+    EXPECT_EQ(row(linked)->m_bHasJournal, 0);
+    EXPECT_EQ(row(inJournal)->m_bHasLinks, 0);
+    EXPECT_EQ(row(inJournal)->m_bHasJournal, 1);
 }
 
 /// Rows whose order is like that of the records, unlike it, or both by turns, since records lie by letters' codes.

@@ -183,12 +183,18 @@ TEST_F(ChildLayout, MinimisedWindowsAndLostOnesAreLeftAlone)
         const ScreenWindow gone(white, WS_CHILD | WS_VISIBLE, 0, 60, 10, 10, parent.window);
         manager.Manage(gone.window, CHILD_KEEP_RIGHT);
     }
+    const ScreenWindow label(white, WS_CHILD | WS_VISIBLE, 0, 80, 30, 10, parent.window);
+    {
+        const ScreenWindow gone(white, WS_CHILD | WS_VISIBLE, 40, 80, 10, 10, parent.window);
+        manager.Manage(gone.window, CHILD_WITH_PREVIOUS | CHILD_KEEP_RIGHT);
+    }
     const ScreenWindow child(white, WS_CHILD | WS_VISIBLE, 20, 10, 100, 40, parent.window);
-    EXPECT_EQ(manager.Manage(child.window, CHILD_KEEP_RIGHT), 1);
+    EXPECT_EQ(manager.Manage(child.window, CHILD_KEEP_RIGHT), 2);
     manager.OnSize(1, 300, 100);
     EXPECT_TRUE(lies(child, 20, 10, 120, 50));
     manager.OnSize(0, 300, 100);
     EXPECT_TRUE(lies(child, 120, 10, 220, 50));
+    EXPECT_TRUE(lies(label, 0, 80, 30, 90)) << "beside one that is gone";
     manager.UnManage(child.window);
     manager.OnSize(0, 200, 100);
     EXPECT_TRUE(lies(child, 120, 10, 220, 50));
@@ -331,6 +337,36 @@ TEST_F(SplitFrame, PlacingTheSplitterEndsDocking)
     EXPECT_TRUE(lies(two, 0, 34, 200, 100)) << "held back";
     frame.EndUpdate();
     EXPECT_TRUE(lies(two, 0, 0, 200, 100));
+}
+
+TEST_F(SplitFrame, ThePlaceOfTheSplitterIsMeantForTheSizeThatADockedFrameHas)
+{
+    for (const bool held : {false, true})
+    {
+        for (const int place : {80, 30})
+        {
+            size(200, 100);
+            frame.SetSplitter(30);
+            frame.SetDocked(SPLIT_FIRST);
+            size(200, 200);
+            if (held)
+            {
+                frame.BeginUpdate();
+            }
+            frame.SetSplitter(place);
+            frame.EndUpdate();
+            EXPECT_EQ(frame.GetSplitter(), place) << held;
+            EXPECT_TRUE(lies(two, 0, place + 4, 200, 200)) << held;
+        }
+    }
+}
+
+TEST_F(SplitFrame, APaneThatIsGoneLeavesTheOther)
+{
+    DestroyWindow(one.window);
+    frame.SetSplitter(30);
+    size(200, 200);
+    EXPECT_TRUE(lies(two, 0, 64, 200, 200));
 }
 
 TEST_F(SplitFrame, APaneAloneKeepsOffsetsAndItsMinimum)
